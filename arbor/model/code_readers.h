@@ -1,0 +1,68 @@
+// How the loops over the cases read codes: where a column keeps them is found out once per call, so that nothing is
+// left to decide per case. Internal to the model.
+//
+//   with_class_codes(*class_column, [&](auto class_of) {
+//     for (const auto& [row, weight] : *cases) weights[class_of(row)] += weight;
+//   });
+#ifndef ARBOR_MODEL_CODE_READERS_H
+#define ARBOR_MODEL_CODE_READERS_H
+
+#include <typeinfo>
+
+#include "arbor/model/column_bool.h"
+#include "arbor/model/column_typed.h"
+
+namespace arbor::impls {
+
+// Codes in their full width.
+template <class T>
+struct stored_codes {
+  const T* codes;
+  T operator()(unsigned int row) const { return codes[row]; }
+};
+
+struct stored_bits {
+  const unsigned int* words;
+  unsigned int operator()(unsigned int row) const {
+    return 1U + (words[row >> strata::adt::bitmap::BASE_log] >> (row & 31U) & 1U);
+  }
+};
+
+// Codes as get_row_index tells them.
+template <class T>
+struct stored_classes {
+  const T* codes;
+  explicit stored_classes(const column& source) : codes(static_cast<const column_typed<T>&>(source).codes().data()) {}
+  unsigned int operator()(unsigned int row) const { return static_cast<unsigned int>(codes[row]); }
+};
+
+struct virtual_classes {
+  const column* source;
+  unsigned int operator()(unsigned int row) const { return source->get_row_index(row); }
+};
+
+// Calls `use` with the reader of a class column.
+//
+// A class derived from one of the library's own may override get_row_index, so that only the very own ones are read
+// past it.
+template <class Use>
+void with_class_codes(const column& classes, Use&& use) {
+  const std::type_info& storage = typeid(classes);
+  if (storage == typeid(column_typed<unsigned char>)) {
+    use(stored_classes<unsigned char>(classes));
+  } else if (storage == typeid(column_typed<unsigned short>)) {
+    use(stored_classes<unsigned short>(classes));
+  } else if (storage == typeid(column_typed<unsigned int>)) {
+    use(stored_classes<unsigned int>(classes));
+  } else if (storage == typeid(column_typed<unsigned long long>)) {
+    use(stored_classes<unsigned long long>(classes));
+  } else if (storage == typeid(column_bool)) {
+    use(stored_bits{static_cast<const column_bool&>(classes).bits().data()});
+  } else {
+    use(virtual_classes{&classes});
+  }
+}
+
+}  // namespace arbor::impls
+
+#endif

@@ -1,0 +1,158 @@
+// One attribute of a table: for every row (case) the code of its value in the attribute's domain.
+//
+//   std::string error;
+//   std::unique_ptr<column> outlook(column::NEW_COLUMN(domain, "outlook", "discrete", error));  // takes the domain
+//   over if (outlook == nullptr) ...                                                                 // `error` says
+//   why outlook->reserve(2); outlook->push_back("sunny"); outlook->push_back("?"); unsigned int code =
+//   outlook->get_row_index(0);
+//
+// A tree builder rates each column on a node's cases with `quality_measure` and turns the best result into the
+// description of a split with `set_partition_desc`.
+//
+// Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are never range-checked.
+#ifndef ARBOR_MODEL_COLUMN_H
+#define ARBOR_MODEL_COLUMN_H
+
+#include <iosfwd>
+#include <string>
+
+#include "arbor/model/o_set.h"
+#include "arbor/model/options.h"
+#include "arbor/model/w_sequence.h"
+#include "arbor/utils/nocopy.h"
+#include "arbor/utils/pair.h"
+
+namespace arbor::impls {
+
+// The base of all columns, and itself the column of an ignored attribute without known values: it holds no rows.
+class column : public strata::util::nocopy {
+ public:
+  // What an attribute is used for; the numbers are part of the saved form's meaning.
+  enum _type : int {
+    DISCRETE = 0,    // nominal: a split has one branch per known value
+    CLASS = 1,       // the target
+    CONTINUOUS = 2,  // ordered: a split has two branches, at a threshold
+    WEIGHTS = 3,     // the weight of each case
+    IGNORE = 4       // kept in the table, never split on
+  };
+
+  struct splitting_desc;
+  struct partition_desc;
+
+  // Adopts `domain`, which may be null only if nothing that needs it is called.
+  column(o_set* domain, const std::string& name, _type type);
+  virtual ~column();
+
+  // Makes an empty column of the narrowest class that can hold the domain's codes: one bit a row for a discrete column
+  // of at most two known values and no unknown one, else 1, 2, 4 or 8 bytes.
+  //
+  // `domain` is already filled; `type` is "discrete", "continuous", "class", "weights" or "ignore". On success the
+  // caller owns the column, the column owns the domain, and `error` is untouched. When kind and domain do not go
+  // together the result is null, `error` says why, and the domain stays the caller's.
+  static column* NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type, std::string& error);
+
+  // The kind of a text, exactly spelled; returns false, with `kind` untouched, for any other text.
+  static bool get_type(const std::string& text, _type& kind);
+
+  // Whether a column of the kind named by `text` may hold unknown values: all but "weights". A class column may not
+  // either, but that is NEW_COLUMN's own rule.
+  static bool admits_null(const std::string& text);
+
+  // A column of the same class, kind and name with a domain of its own; the caller owns it. With `empty` it has no
+  // rows, else the same ones.
+  virtual column* clone(bool empty);
+
+  // Makes room for `rows` rows in all.
+  virtual void reserve(unsigned int rows);
+  virtual unsigned int size() const;
+
+  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not hold the text.
+  virtual void push_back(const char* value);
+
+  // The code of a row's value, of which 32 bits are told.
+  virtual unsigned int get_row_index(unsigned int row) const;
+  // Whether the value of row `a` comes before that of row `b`.
+  virtual bool less_than(unsigned int a, unsigned int b) const;
+
+  virtual void toXML(std::ostream& out) const;
+
+  // Rates this column as the split of a node.
+  //
+  //   class_column  the target of every case, without unknown values; read only
+  //   total_weight  the weight of all cases, unknown values included
+  //   cases         the node's cases, at least one
+  //   code_range    [first, second): bounds of the known codes of this column among the cases; the cost of a call grows
+  //                 with its width, so tight bounds pay
+  //   min_weight    the least weight of a branch
+  //   opts          may be null, for the defaults
+  //   result        where the rating goes; `gain` is splitting_desc::no_split when no admissible split exists
+  //   copy_cases    false lets the call reorder `cases`
+  //
+  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then incomplete. Several calls
+  // may run at once on different columns, given sequences of cases of their own and domains (the class column's too)
+  // that have been asked something before.
+  virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
+                               strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
+                               options* opts, splitting_desc& result, bool copy_cases) const;
+
+  // The text of the kind, "unspecified" for a number that is none.
+  std::string get_type() const;
+  std::string get_name() const { return name; }
+  o_set* get_o_set() const { return domain.get(); }
+  bool is_discrete() const { return type == DISCRETE; }
+  bool is_class() const { return type == CLASS; }
+  bool is_continuous() const { return type == CONTINUOUS; }
+  bool is_weights() const { return type == WEIGHTS; }
+  bool is_ignore() const { return type == IGNORE; }
+
+  // The number of codes, that of the unknown value included.
+  unsigned int get_distinct() const { return domain->size_of_known() + 1; }
+  // The half-open range of the known codes: (1, n + 1), or (0, 0) when there are none.
+  strata::util::pair<unsigned int, unsigned int> get_range() const;
+  std::string get_value(unsigned int code) const { return domain->get_value(code); }
+  std::string get_row_value(unsigned int row) const { return get_value(get_row_index(row)); }
+  // The code of a text, 0 for the unknown value and for a text that the domain does not hold.
+  unsigned int get_index(const char* value) const;
+  // The threshold text between two codes, as the domain's find_mid gives and refuses it; the null text unless the
+  // column is continuous.
+  std::string find_threshold(unsigned int low, unsigned int high) const;
+
+ protected:
+  _type type;
+  std::string name;
+  std::unique_ptr<o_set> domain;
+};
+
+// How good a split on a column would be.
+struct column::splitting_desc {
+  // The gain of a column that has no admissible split (bits 0xBA83126F).
+  static constexpr float no_split = -0.001F;
+
+  unsigned int branches = 0;  // 2 for a continuous split, else the number of known values
+  unsigned int low_code = 0;  // continuous splits: the occurring codes on either side of the cut
+  unsigned int high_code = 0;
+  column* split_column = nullptr;  // the rated column; not owned
+  float gain = 0;                  // bits per unit of weight, scaled by the known share; or no_split
+  float split_info = 0;            // bits per unit of weight; 0 without a split
+
+  void set_no_split() {
+    gain = no_split;
+    split_info = 0;
+  }
+
+  // Describes this split for the partitioning of cases: the threshold text of a continuous one, else the null text of
+  // the domain. What the domain throws passes, with `target` unchanged.
+  void set_partition_desc(partition_desc& target) const;
+};
+
+// A chosen split.
+struct column::partition_desc {
+  std::string threshold;
+  unsigned int branches = 0;
+
+  void reset();
+};
+
+}  // namespace arbor::impls
+
+#endif

@@ -1,0 +1,50 @@
+#include "arbor/model/column_bool.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include "arbor/model/discrete_quality.h"
+
+namespace arbor::impls {
+
+column_bool::column_bool(o_set* adopted_domain, const std::string& column_name, _type kind)
+    : column(adopted_domain, column_name, kind) {}
+
+column* column_bool::clone(bool empty) {
+  auto copy = std::make_unique<column_bool>(nullptr, name, type);
+  copy->domain.reset(domain->clone());
+  if (!empty) copy->values = values;
+  return copy.release();
+}
+
+void column_bool::reserve(unsigned int rows) {
+  values.reserve(rows);
+}
+
+void column_bool::push_back(const char* value) {
+  unsigned int code = 0;
+  if (!domain->get_order(value, code)) {
+    throw std::runtime_error("[column::push_back] index not found for value '" + std::string(value) + "'");
+  }
+  values.push_back(code == 2);
+}
+
+void column_bool::quality_measure(column* class_column, float total_weight, w_sequence* cases,
+                                  strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
+                                  options* /*opts*/, splitting_desc& result, bool /*copy_cases*/) const {
+  result.branches = 0;
+  result.split_column = const_cast<column_bool*>(this);  // the caller partitions through it
+  result.set_no_split();
+  if (code_range.second - code_range.first <= 1 || type != DISCRETE) return;
+  QualityMeasureDiscrete(class_column, total_weight, cases, code_range, min_weight, result);
+}
+
+void column_bool::QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,
+                                         strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
+                                         splitting_desc& result) const {
+  result.branches = domain->size_of_known();
+  const class_tally tally(stored_bits{values.data()}, *class_column, *cases, code_range);
+  rate_discrete(tally, total_weight, min_weight, result);
+}
+
+}  // namespace arbor::impls

@@ -1,0 +1,89 @@
+#include "arbor/model/column_typed.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include "arbor/model/continuous_quality.h"
+#include "arbor/model/discrete_quality.h"
+#include "arbor/model/rainforest_quality.h"
+
+namespace arbor::impls {
+
+template <class T>
+column_typed<T>::column_typed(o_set* adopted_domain, const std::string& column_name, _type kind)
+    : column(adopted_domain, column_name, kind) {}
+
+template <class T>
+column* column_typed<T>::clone(bool empty) {
+  auto copy = std::make_unique<column_typed<T>>(nullptr, name, type);
+  copy->domain.reset(domain->clone());
+  if (!empty) copy->values = values;
+  return copy.release();
+}
+
+template <class T>
+void column_typed<T>::reserve(unsigned int rows) {
+  values.reserve(rows);
+}
+
+template <class T>
+void column_typed<T>::push_back(const char* value) {
+  unsigned int code = 0;
+  if (!domain->get_order(value, code)) throw std::runtime_error("column require a valid o_set");
+  values.push_back(static_cast<T>(code));
+}
+
+template <class T>
+void column_typed<T>::quality_measure(column* class_column, float total_weight, w_sequence* cases,
+                                      strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
+                                      options* opts, splitting_desc& result, bool copy_cases) const {
+  result.branches = 0;
+  result.split_column = const_cast<column_typed*>(this);  // the caller partitions through it
+  result.set_no_split();
+  const unsigned int width = code_range.second - code_range.first;
+  if (width <= 1) return;
+  if (type == DISCRETE) {
+    QualityMeasureDiscrete(class_column, total_weight, cases, code_range, min_weight, result);
+  } else if (type == CONTINUOUS && cases->size() / width > 2) {
+    QualityMeasureContinuousRainForest(class_column, total_weight, cases, code_range, min_weight, opts, result);
+  } else if (type == CONTINUOUS) {
+    QualityMeasureContinuous(class_column, total_weight, cases, code_range, min_weight, opts, result, copy_cases);
+  }
+}
+
+template <class T>
+void column_typed<T>::QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,
+                                             strata::util::pair<unsigned int, unsigned int>& code_range,
+                                             float min_weight, splitting_desc& result) const {
+  result.branches = domain->size_of_known();
+  const class_tally tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range);
+  rate_discrete(tally, total_weight, min_weight, result);
+}
+
+template <class T>
+void column_typed<T>::QualityMeasureContinuous(column* class_column, float total_weight, w_sequence* cases,
+                                               strata::util::pair<unsigned int, unsigned int>& code_range,
+                                               float min_weight, options* opts, splitting_desc& result,
+                                               bool copy_cases) const {
+  result.branches = 2;
+  w_sequence copy;
+  if (copy_cases) copy = *cases;
+  rate_continuous(*this, *class_column, total_weight, copy_cases ? copy : *cases, code_range, min_weight, opts, result);
+}
+
+template <class T>
+void column_typed<T>::QualityMeasureContinuousRainForest(column* class_column, float total_weight, w_sequence* cases,
+                                                         strata::util::pair<unsigned int, unsigned int>& code_range,
+                                                         float min_weight, options* opts,
+                                                         splitting_desc& result) const {
+  result.branches = 2;
+  const class_tally tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range);
+  rate_rainforest(tally, code_range.first, total_weight, cases->size(), min_weight, opts, result);
+}
+
+template class column_typed<unsigned char>;
+template class column_typed<unsigned short>;
+template class column_typed<unsigned int>;
+template class column_typed<unsigned long long>;
+
+}  // namespace arbor::impls

@@ -1,0 +1,15 @@
+// The quality of a discrete split, with one branch per value. Internal to the model.
+#ifndef ARBOR_MODEL_DISCRETE_QUALITY_H
+#define ARBOR_MODEL_DISCRETE_QUALITY_H
+
+#include "arbor/model/class_tally.h"
+
+namespace arbor::impls {
+
+// Sets gain and split information of `result`, or the no-split mark unless at least two values carry `min_weight`.
+// The arguments mean what they mean in column::quality_measure.
+void rate_discrete(const class_tally& tally, float total_weight, float min_weight, column::splitting_desc& result);
+
+}  // namespace arbor::impls
+
+#endif

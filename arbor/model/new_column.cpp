@@ -1,0 +1,58 @@
+// Which columns there may be, and in which class each is stored.
+
+#include "arbor/model/column.h"
+#include "arbor/model/column_bool.h"
+#include "arbor/model/column_typed.h"
+
+namespace arbor::impls {
+
+namespace {
+
+// Why a column of this kind cannot stand on this domain; empty when it can.
+std::string refusal(const o_set& domain, const std::string& name, const std::string& type, column::_type kind) {
+  const bool numeric = domain.is_dt_numeric();
+  const bool unknowns = domain.contains_null();
+  if (kind == column::CONTINUOUS && !numeric) {
+    return "Continuous column '" + name + "' requires a numeric data type";
+  }
+  if (kind == column::WEIGHTS && !numeric) {
+    return "Weights column '" + name + "' requires a non-negative numeric data type";
+  }
+  if (kind == column::WEIGHTS && unknowns) return "Weights column '" + name + "' does not admit unknown values";
+  if (kind == column::CLASS && unknowns) return "Class column '" + name + "' does not admit unknown values";
+  if (domain.is_dt_null() && kind != column::IGNORE) {
+    return "Null set of column values can only be used for ignore column type";
+  }
+  // A second guard: the kinds that admit no unknown values have been dealt with by name.
+  if (!column::admits_null(type) && unknowns) return "Column type " + type + " does not admit unknown values";
+  return "";
+}
+
+}  // namespace
+
+column* column::NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type, std::string& error) {
+  if (domain == nullptr) {
+    error = "No set of values provided";
+    return nullptr;
+  }
+  _type kind = IGNORE;
+  if (!get_type(type, kind)) {
+    error = "Unknown column type: " + type;
+    return nullptr;
+  }
+  const std::string why_not = refusal(*domain, name, type, kind);
+  if (!why_not.empty()) {
+    error = why_not;
+    return nullptr;
+  }
+
+  if (domain->is_dt_null()) return new column(domain, name, kind);
+  const unsigned int known = domain->size_of_known();
+  if (known <= 2 && kind == DISCRETE && !domain->contains_null()) return new column_bool(domain, name, kind);
+  if (known <= 0xFE) return new column_typed<unsigned char>(domain, name, kind);
+  if (known <= 0xFFFE) return new column_typed<unsigned short>(domain, name, kind);
+  if (known <= 0xFFFFFFFE) return new column_typed<unsigned int>(domain, name, kind);
+  return new column_typed<unsigned long long>(domain, name, kind);
+}
+
+}  // namespace arbor::impls

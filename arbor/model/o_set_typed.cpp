@@ -1,0 +1,217 @@
+#include "arbor/model/o_set_typed.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <type_traits>
+
+#include "arbor/model/midpoint.h"
+#include "arbor/utils/binary_search_mid.h"
+#include "arbor/utils/number_text.h"
+#include "arbor/utils/string_util.h"
+
+namespace arbor::impls {
+
+using strata::data_types::datatype;
+using strata::util::number_text;
+using strata::util::string_util;
+
+namespace {
+
+// What differs between the data types, as overloads: text to value, value to text, order, and lookup.
+
+template <class Integer>
+void parse(const char* text, Integer& value) {
+  string_util::str2int(text, value);
+}
+
+void parse(const char* text, double& value) {
+  if (!strata::util::read_number(text, value)) throw std::runtime_error(std::string(text) + ": not a double");
+}
+
+void parse(const char* text, float& value) {
+  static_assert(std::numeric_limits<float>::is_iec559, "what is too large for a float narrows to infinity");
+  double wide = 0;
+  if (!strata::util::read_number(text, wide)) throw std::runtime_error(std::string(text) + ": not a float");
+  value = static_cast<float>(wide);
+}
+
+void parse(const char* text, std::string& value) {
+  value = text;
+}
+
+template <class T>
+T parsed(const char* text) {
+  T result;
+  parse(text, result.value);
+  return result;
+}
+
+template <class Number>
+std::string text_of(Number value) {
+  return number_text(value);
+}
+
+std::string text_of(const std::string& value) {
+  return value;
+}
+
+template <class Number>
+bool greater(Number a, Number b) {
+  return a > b;
+}
+
+bool greater(const std::string& a, const std::string& b) {
+  return string_util::compare_signed(a.c_str(), b.c_str()) > 0;
+}
+
+// The position of `key` among sorted values, or their number when it is not there.
+template <class Number>
+std::size_t position_of(const datatype<Number>& key, const std::vector<datatype<Number>>& values) {
+  std::size_t lo = 0;
+  std::size_t hi = values.size();
+  while (lo < hi) {
+    const std::size_t mid = lo + (hi - lo) / 2;
+    if (values[mid] == key) return mid;
+    if (key.value > values[mid].value) {
+      lo = mid + 1;
+    } else {
+      hi = mid;
+    }
+  }
+  return values.size();
+}
+
+std::size_t position_of(const datatype<std::string>& key, const std::vector<datatype<std::string>>& values) {
+  auto found = values.end();
+  strata::adt::binary_search_mid(values.begin(), values.end(), key, found);
+  return static_cast<std::size_t>(found - values.begin());
+}
+
+// The one allocation that outlives its owner. It has a function to itself so that leak checkers can be told of it by
+// name and of nothing else.
+template <class T>
+[[gnu::noinline]] std::unique_ptr<std::vector<T>> make_unreleased_values() {
+  return std::make_unique<std::vector<T>>();
+}
+
+std::string no_elements(unsigned int low, unsigned int high) {
+  return "[o_set::find_threshold()] called for non-existing elements " + number_text(low) + "-" + number_text(high);
+}
+
+}  // namespace
+
+template <class T>
+o_set_typed<T>::o_set_typed(const std::string& data_type, bool admits_null, const std::string& null_text)
+    : o_set(data_type, admits_null, null_text) {}
+
+template <class T>
+void o_set_typed<T>::freeze() {
+  if (frozen) return;
+  std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
+  const std::unique_ptr<std::vector<T>> sorted(builder.get());
+  values->swap(*sorted);
+  known_values = values.release();
+  frozen = true;
+}
+
+template <class T>
+void o_set_typed<T>::thaw() {
+  if (!frozen) return;
+  for (const T& value : *known_values) builder.insert(value);
+  delete known_values;
+  known_values = nullptr;
+  frozen = false;
+}
+
+template <class T>
+void o_set_typed<T>::insert(const char* value) {
+  thaw();
+  if (is_null(value)) {
+    insert_null();
+  } else {
+    builder.insert(parsed<T>(value));
+  }
+}
+
+template <class T>
+unsigned int o_set_typed<T>::size_of_known() {
+  freeze();
+  return static_cast<unsigned int>(known_values->size());
+}
+
+template <class T>
+bool o_set_typed<T>::get_order(const char* value, unsigned int& code) {
+  freeze();
+  if (is_null(value)) return o_set::get_order(value, code);
+  const std::size_t position = position_of(parsed<T>(value), *known_values);
+  if (position == known_values->size()) return false;
+  code = static_cast<unsigned int>(position) + 1;
+  return true;
+}
+
+template <class T>
+std::string o_set_typed<T>::get_value(unsigned int code) {
+  freeze();
+  if (code == 0 || code > known_values->size()) return get_null();
+  return text_of((*known_values)[code - 1].value);
+}
+
+template <class T>
+o_set* o_set_typed<T>::clone() {
+  freeze();
+  auto copy = std::make_unique<o_set_typed<T>>(type_name, admits_null_, get_null());
+  copy->contains_null_ = contains_null_;
+  std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
+  *values = *known_values;
+  copy->known_values = values.release();
+  copy->frozen = true;
+  return copy.release();
+}
+
+template <class T>
+int o_set_typed<T>::leq(const std::string& a, const std::string& b) const {
+  if (is_null(a.c_str()) || is_null(b.c_str())) return -1;
+  const T right = parsed<T>(b.c_str());
+  const T left = parsed<T>(a.c_str());
+  return greater(left.value, right.value) ? 1 : 0;
+}
+
+template <class T>
+int o_set_typed<T>::leq(unsigned int code, const std::string& b) {
+  freeze();
+  if (code == 0 || is_null(b.c_str())) return -1;
+  const T right = parsed<T>(b.c_str());
+  return greater((*known_values)[code - 1].value, right.value) ? 1 : 0;
+}
+
+template <class T>
+std::string o_set_typed<T>::find_mid(unsigned int low, unsigned int high) {
+  freeze();
+  // Codes in the first complaint, positions in the second: each names what was checked.
+  if (low == 0 || high == 0) throw std::runtime_error(no_elements(low, high));
+  const unsigned int i = low - 1;
+  const unsigned int j = high - 1;
+  if (i >= known_values->size() || j >= known_values->size() || i > j) throw std::runtime_error(no_elements(i, j));
+
+  if constexpr (std::is_same_v<T, datatype<std::string>>) {
+    throw std::runtime_error("mid_value() is undefined on type datatype_string");
+  } else {
+    const auto [lo, hi] = std::minmax((*known_values)[i].value, (*known_values)[j].value);
+    const auto middle = midpoint(lo, hi);
+    const auto first = known_values->begin() + i;
+    const auto above = std::upper_bound(first, known_values->begin() + j + 1, middle,
+                                        [](auto m, const T& value) { return !(value.value <= m); });
+    // No value is at most a middle that is not a number; the low value serves then.
+    return text_of((above == first ? first : above - 1)->value);
+  }
+}
+
+template class o_set_typed<datatype<int>>;
+template class o_set_typed<datatype<unsigned int>>;
+template class o_set_typed<datatype<float>>;
+template class o_set_typed<datatype<double>>;
+template class o_set_typed<datatype<std::string>>;
+
+}  // namespace arbor::impls

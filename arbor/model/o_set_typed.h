@@ -1,0 +1,54 @@
+// The domain of one data type: values of type T, in ascending order.
+//
+// Two states: while values are inserted they collect in a builder; the first question freezes them into one sorted
+// vector, and a later insertion pours that vector back into the builder.
+#ifndef ARBOR_MODEL_O_SET_TYPED_H
+#define ARBOR_MODEL_O_SET_TYPED_H
+
+#include <string>
+#include <vector>
+
+#include "arbor/model/o_set.h"
+#include "arbor/utils/datatype.h"
+#include "arbor/utils/set.h"
+
+namespace arbor::impls {
+
+// T is datatype<int>, datatype<unsigned int>, datatype<float>, datatype<double> or datatype<std::string>. The
+// operations are those of o_set; what is particular to a data type:
+//
+//   int, unsigned int   decimal digits, as str2int reads them
+//   float, double       any number that strtod reads to the end of the text; a float is its nearest one, infinite when
+//                       too large. A value that is not a number is kept, has a code, and is found by no lookup.
+//   std::string         the text itself. Texts are sorted as unsigned bytes but searched and compared as signed ones,
+//                       so that a text with bytes of 0x80 and above may not be found.
+//
+// A domain that has been frozen does not release its vector of known values when it is destroyed: the vector is meant
+// to live as long as the process, like the table whose codes it explains. (An insertion into a frozen domain, which
+// thaws it, does release it.)
+template <class T>
+class o_set_typed : public o_set {
+ public:
+  o_set_typed(const std::string& data_type, bool admits_null, const std::string& null_text);
+
+  void insert(const char* value) override;
+  unsigned int size_of_known() override;
+  bool get_order(const char* value, unsigned int& code) override;
+  std::string get_value(unsigned int code) override;
+  o_set* clone() override;
+  int leq(const std::string& a, const std::string& b) const override;
+  int leq(unsigned int code, const std::string& b) override;
+  std::string find_mid(unsigned int low, unsigned int high) override;
+
+ private:
+  void freeze();
+  void thaw();
+
+  strata::adt::set<T> builder;
+  std::vector<T>* known_values = nullptr;  // entry i has code i + 1; null while values are inserted
+  bool frozen = false;
+};
+
+}  // namespace arbor::impls
+
+#endif

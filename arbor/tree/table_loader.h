@@ -1,0 +1,45 @@
+// Reads a CSV file into a table.
+//
+//   load_options options;
+//   options.unknown_texts = {"NA"};
+//   table golf = load_table("golf.csv", options);
+//
+// The first row names the columns. The last column is the class unless another is named; every other column but that of
+// the weights is an attribute. A column holds the narrowest data type that all its known values fit: integer, else
+// float, else string. Attributes of numbers are continuous, those of texts discrete; an attribute without known values
+// is ignored.
+#ifndef ARBOR_TREE_TABLE_LOADER_H
+#define ARBOR_TREE_TABLE_LOADER_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "arbor/tree/table.h"
+
+namespace arbor::tree {
+
+struct load_options {
+  std::string class_name;    // empty: the last column
+  std::string weights_name;  // the column of the cases' weights, finite numbers from 0 up; empty: every case weighs 1
+
+  // The texts of the unknown value; an empty one stands for the empty cell, quoted or not. None at all: "?" and the
+  // empty cell without quotes.
+  std::vector<std::string> unknown_texts;
+
+  std::map<std::string, std::string> types;  // by column name: integer, uinteger, float, double or string
+  std::map<std::string, std::string> kinds;  // by attribute name: discrete, continuous or ignore
+};
+
+// Reads the file, "-" for standard input, from its beginning to its end. A row of weight 0 is as if it were absent.
+//
+// The file is read at least twice, so that its text need not be kept: beside the table this takes the memory of one
+// row, and of the distinct numbers of the columns that are being checked for distinct numbers that are one float.
+// Numbers are read in the process's locale.
+//
+// Throws table_error when the file cannot be read, is no such table, or does not go together with the options.
+table load_table(const std::string& path, const load_options& options);
+
+}  // namespace arbor::tree
+
+#endif

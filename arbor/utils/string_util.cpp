@@ -1,0 +1,51 @@
+#include "arbor/utils/string_util.h"
+
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+
+namespace strata::util {
+
+template <class T>
+void string_util::str2int(const char* text, T& result) {
+  static const T maxabs = std::numeric_limits<T>::max();
+  static const T max10 = maxabs / 10;
+
+  if (text == nullptr) throw std::runtime_error("str2int:: cannot convert a NULL string.");
+  const char* next = text;
+  while (*next == ' ') ++next;
+  if (*next == '\0') throw std::runtime_error(std::string(text) + ": not an int");
+
+  bool negative = false;
+  if (*next == '-') {
+    if constexpr (std::is_unsigned_v<T>) throw std::runtime_error("str2int:: a negative number provided.");
+    negative = true;
+  }
+  if (*next == '+' || *next == '-') ++next;
+
+  T magnitude = 0;
+  for (; *next >= '0' && *next <= '9'; ++next) {
+    const T digit = static_cast<T>(*next - '0');
+    if (magnitude > max10) throw std::runtime_error("str2int:: overflow");
+    magnitude *= 10;
+    if (digit > maxabs - magnitude) throw std::runtime_error("str2int:: overflow");
+    magnitude += digit;
+  }
+  if (*next != '\0') throw std::runtime_error(std::string(text) + ": _not an int");
+  // Zero less the magnitude rather than a unary minus, which would draw a warning in the unsigned case.
+  result = negative ? static_cast<T>(0 - magnitude) : magnitude;
+}
+
+template void string_util::str2int<int>(const char*, int&);
+template void string_util::str2int<unsigned int>(const char*, unsigned int&);
+
+int string_util::compare_signed(const char* a, const char* b) {
+  while (*a == *b && *a != '\0') {
+    ++a;
+    ++b;
+  }
+  return static_cast<signed char>(*a) - static_cast<signed char>(*b);
+}
+
+}  // namespace strata::util

@@ -1,0 +1,250 @@
+// The rating of splits: compared with a plainer version on random nodes, and with results known by hand.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "tests/support/oracle.h"
+
+namespace arbor::tests {
+namespace {
+
+template <class T>
+struct AnyWidth : testing::Test {};
+using widths = testing::Types<unsigned char, unsigned short, unsigned int, unsigned long long>;
+TYPED_TEST_SUITE(AnyWidth, widths);
+
+// The codes of random nodes in a column of T are below this.
+template <class T>
+constexpr unsigned int top = sizeof(T) < 4 ? std::numeric_limits<T>::max() : top_code - 5000;
+
+TYPED_TEST(AnyWidth, RatesRandomNodesAsThePlainFormulasDo) {
+  dice roll{1};
+  for (int i = 0; i < 400; ++i) {
+    SCOPED_TRACE(i);
+    const node n = random_node(roll, top<TypeParam>, weighing::even);
+    const auto classes = class_column(n, roll(60));
+    w_sequence cases = sequence_of(n);
+    for (column::_type kind : {column::DISCRETE, column::CLASS, column::CONTINUOUS, column::WEIGHTS, column::IGNORE}) {
+      const code_column<TypeParam> x(n, kind);
+      const rating actual = rate(x, n, *classes, cases, roll(2) == 0);
+      EXPECT_EQ(told(actual), told(expected(n, kind)));
+      EXPECT_EQ(actual.split_column, &x);
+    }
+  }
+}
+
+TYPED_TEST(AnyWidth, CutsAlikeByTableAndByEitherWayOfSorting) {
+  dice roll{2};
+  for (int i = 0; i < 400; ++i) {
+    SCOPED_TRACE(i);
+    node n = random_node(roll, top<TypeParam>, weighing::even);
+    const bool all_weigh = std::all_of(n.cases.begin(), n.cases.end(), [](const auto& c) { return c.weight > 0; });
+    const auto classes = class_column(n, roll(60));
+    const code_column<TypeParam> x(n, column::CONTINUOUS);
+    const w_sequence before = sequence_of(n);
+    w_sequence cases = before;
+    const std::string plain = told(expected_cut(n, false));
+    EXPECT_EQ(told(rate(by::table, x, n, *classes, cases)), all_weigh ? plain : told(expected_cut(n, true)));
+    EXPECT_EQ(told(rate(by::sorting, x, n, *classes, cases)), plain);
+    const auto same = [](const auto& a, const auto& b) { return a.first == b.first && a.second == b.second; };
+    EXPECT_TRUE(std::equal(cases.begin(), cases.end(), before.begin(), before.end(), same));
+
+    if (i % 2 == 0) n.range.second += 20 * static_cast<unsigned int>(cases.size());  // too wide for a counting sort
+    EXPECT_EQ(told(rate(by::sorting, x, n, *classes, cases, false)), plain);
+    EXPECT_TRUE(std::is_sorted(cases.begin(), cases.end(), typename column_typed<TypeParam>::less_than_struct{&x}));
+    EXPECT_TRUE(std::is_permutation(cases.begin(), cases.end(), before.begin(), before.end(), same));
+  }
+}
+
+TYPED_TEST(AnyWidth, RoundsUnevenWeightsAsThePlainFormulasDo) {
+  dice roll{3};
+  for (int i = 0; i < 200; ++i) {
+    SCOPED_TRACE(i);
+    const node n = random_node(roll, top<TypeParam>, weighing::uneven);
+    const auto classes = class_column(n, roll(60));
+    w_sequence cases = sequence_of(n);
+    const code_column<TypeParam> x(n, column::CONTINUOUS);
+    EXPECT_EQ(told(rate(by::value, x, n, *classes, cases)), told(expected_by_value(n)));
+    for (by measure : {by::sorting, by::table}) {  // whose sums depend on the order of the cases
+      const rating actual = rate(measure, x, n, *classes, cases), plain = expected_cut(n, measure == by::table);
+      EXPECT_NEAR(std::max(actual.gain, 0.0F), std::max(plain.gain, 0.0F), 1e-5);
+      if (actual.low_code != plain.low_code) continue;  // gains that nearly tie, as the line before has shown
+      EXPECT_EQ(actual.high_code, plain.high_code);
+      EXPECT_NEAR(actual.split_info, plain.split_info, 1e-5);
+    }
+  }
+}
+
+TEST(TwoValuedColumn, IsRatedByValueOrNotAtAll) {
+  dice roll{4};
+  for (int i = 0; i < 200; ++i) {
+    SCOPED_TRACE(i);
+    const node n = two_valued(random_node(roll, 255, i % 2 == 0 ? weighing::even : weighing::uneven));
+    const auto classes = class_column(n, roll(60));
+    w_sequence cases = sequence_of(n);
+    EXPECT_EQ(told(rate(*bits_of(n, column::DISCRETE), n, *classes, cases)), told(expected(n, column::DISCRETE)));
+    EXPECT_EQ(told(rate(*bits_of(n, column::CONTINUOUS), n, *classes, cases)), told(no_split(0)));
+  }
+}
+
+TEST(PlainColumn, GivesNoSplitAndLeavesTheRest) {
+  const node n({{1, 1, 1}, {2, 2, 1}});
+  w_sequence cases = sequence_of(n);
+  const column plain(nullptr, "x", column::DISCRETE);
+  EXPECT_EQ(told(rate(plain, n, *class_column(n, 0), cases)), told(no_split(untouched)));
+}
+
+// Rates a node by any measure with short codes.
+rating rate(by measure, const node& n) {
+  w_sequence cases = sequence_of(n);
+  return rate(measure, code_column<unsigned short>(n, column::CONTINUOUS), n, *class_column(n, 0), cases);
+}
+std::string told_codes(const rating& r) {
+  return std::to_string(r.low_code) + "|" + std::to_string(r.high_code);
+}
+
+TEST(ValueMeasure, GainsTheWholeEntropyFromAPureSplit) {
+  for (unsigned int k : {2U, 3U, 8U, 100U}) {
+    std::vector<weighted_case> cases;
+    for (unsigned int i = 1; i <= k; ++i) cases.push_back({i, i, 2});
+    const rating known = rate(by::value, node(cases, k));
+    EXPECT_NEAR(known.gain, std::log2(k), 2e-6);
+    EXPECT_NEAR(known.split_info, std::log2(k), 2e-6);
+    cases.push_back({0, 1, 2 * static_cast<float>(k)});  // half of it unknown: half the gain, and one more branch
+    const rating half = rate(by::value, node(cases, k));
+    EXPECT_NEAR(half.gain, std::log2(k) / 2, 2e-6);
+    EXPECT_NEAR(half.split_info, std::log2(k) / 2 + 1, 2e-6);
+  }
+}
+
+TEST(ValueMeasure, RatesTheWeatherTableAsTheTextbookDoes) {
+  const rating outlook = rate(by::value, node({{3, 1, 3}, {3, 2, 2}, {1, 2, 4}, {2, 2, 3}, {2, 1, 2}}, 2, 2));
+  EXPECT_NEAR(outlook.gain, 0.246750, 5e-7);
+  EXPECT_NEAR(outlook.split_info, 1.577406, 5e-7);
+  EXPECT_NEAR(outlook.gain / outlook.split_info, 0.156428, 5e-7);
+  const rating windy = rate(by::value, node({{1, 1, 2}, {1, 2, 6}, {2, 1, 3}, {2, 2, 3}}, 2, 2));
+  EXPECT_NEAR(windy.gain, 0.048127, 5e-7);
+  EXPECT_NEAR(windy.split_info, 0.985228, 5e-7);
+}
+
+TEST(ValueMeasure, NeedsTwoValuesOfTheLeastWeight) {
+  const std::vector<weighted_case> cases{{1, 1, 3}, {2, 2, 2}, {4, 1, 1}};
+  EXPECT_GT(rate(by::value, node(cases, 2, 2)).gain, 0);
+  EXPECT_EQ(told(rate(by::value, node(cases, 2, 2.125F))), told(no_split(3)));
+  EXPECT_EQ(rate(by::value, node({{1, 1, 1}, {1, 2, 1}, {2, 1, 1}, {2, 2, 1}})).gain, 0);  // useless, yet a split
+}
+
+TEST(AnyMeasure, GivesNoSplitWithoutKnownValues) {
+  node n({{0, 1, 1}, {0, 2, 1}, {0, 1, 1}});
+  w_sequence cases = sequence_of(n);
+  for (column::_type kind : {column::DISCRETE, column::CONTINUOUS}) {
+    for (const unsigned int end : {4U, 5U, 8U}) {  // a range too narrow for two codes is answered at once
+      n.range = {4, end};
+      const unsigned int branches = end < 6 ? 0 : kind == column::DISCRETE ? n.known_values : 2;
+      EXPECT_EQ(told(rate(code_column<unsigned char>(n, kind), n, *class_column(n, 0), cases)),
+                told(no_split(branches)));
+    }
+  }
+}
+
+TEST(AnyMeasure, TakesTheWeightOfTheNodeFromTheCaller) {
+  node n({{1, 1, 4}, {2, 2, 4}});
+  n.total_weight = 16;
+  for (by measure : {by::value, by::sorting, by::table}) {
+    EXPECT_EQ(rate(measure, n).gain, 0.5F);
+    // A cut leaves to its right whatever is not on its left: branches of 4 and 12 here.
+    EXPECT_NEAR(rate(measure, n).split_info, measure == by::value ? 0.5 : 0.811278, 5e-7);
+  }
+}
+
+TEST(CutMeasures, KeepAwayFromTheSidesByTheLeastWeight) {
+  struct {
+    float known, min_weight, side;
+  } const table[] = {{1000, 2, 10}, {1000, 12, 12}, {5000, 2, 25}, {5000, 30, 25}, {5000, 60, 60}};
+  for (const auto& row : table) {
+    for (by measure : {by::sorting, by::table}) {
+      const auto splits = [&](float low, float high) {
+        return rate(measure, node({{1, 1, low}, {2, 2, high}}, 10, row.min_weight)).gain > 0;
+      };
+      EXPECT_TRUE(splits(row.side, row.known - row.side) && splits(row.known - row.side, row.side)) << row.known;
+      EXPECT_FALSE(splits(row.side - 0.125F, row.known - row.side + 0.125F)) << row.known;
+      EXPECT_FALSE(splits(row.known - row.side + 0.125F, row.side - 0.125F)) << row.known;
+    }
+  }
+}
+
+TEST(CutMeasures, KeepTheLowerOfTwoEqualCutsUnlessTheirNumberCostsTheGain) {
+  for (by measure : {by::sorting, by::table}) {
+    const rating r = rate(measure, node({{1, 1, 10}, {4, 2, 10}, {9, 1, 10}}));
+    EXPECT_EQ(told_codes(r), "1|4");
+    EXPECT_NEAR(r.gain, 0.918296 - 2.0 / 3 - 1.0 / 30, 1e-6);
+    EXPECT_EQ(told(rate(measure, node({{1, 1, 1}, {4, 2, 1}, {9, 1, 1}}))), told(no_split(2)));
+  }
+}
+
+TEST(CutMeasures, SpreadThePenaltyOverTheWeightOrTheCases) {
+  node n({{1, 1, 2}, {2, 1, 2}, {3, 2, 2}, {4, 2, 2}});
+  for (by measure : {by::sorting, by::table}) {  // three cuts tried, two of them in vain
+    n.penalty_by_case_count = false;
+    EXPECT_NEAR(rate(measure, n).gain, 1 - std::log2(3) / 8, 1e-6);
+    n.penalty_by_case_count = true;
+    EXPECT_NEAR(rate(measure, n).gain, 1 - std::log2(3) / 4, 1e-6);
+  }
+}
+
+TEST(CutMeasures, DifferOnCasesWithoutWeight) {
+  const std::vector<weighted_case> cases{{1, 1, 2}, {2, 1, 0}, {3, 2, 2}};
+  const rating sorted = rate(by::sorting, node(cases)), tabled = rate(by::table, node(cases));
+  EXPECT_EQ(told_codes(sorted), "2|3");  // 1|2 is as good but amid one class: counted, not tried
+  EXPECT_EQ(sorted.gain, 0.75F);
+  EXPECT_EQ(told_codes(tabled), "1|3");
+  EXPECT_EQ(tabled.gain, 1);
+  // So it is amid a later run, between cuts that are tried.
+  EXPECT_EQ(told_codes(rate(by::sorting, node({{1, 1, 2}, {2, 2, 10}, {3, 2, 0}, {4, 1, 10}}))), "3|4");
+  node light({{1, 1, 0.5F}, {2, 1, 0}, {3, 2, 0.5F}});
+  EXPECT_EQ(told(rate(by::sorting, light)), told(no_split(2)));  // a penalty as large as the gain
+  light.penalty_by_case_count = true;
+  EXPECT_NEAR(rate(by::sorting, light).gain, 2.0 / 3, 1e-6);
+}
+
+TEST(ContinuousColumn, SortsUnlessThereAreThreeCasesPerCode) {
+  std::vector<weighted_case> cases(8, {3, 2, 2});
+  cases[0] = {1, 1, 2};
+  cases[1] = {2, 1, 0};  // tells the measures apart
+  EXPECT_EQ(told(rate(by::chosen, node(cases))), told(rate(by::sorting, node(cases))));
+  EXPECT_NE(told(rate(by::chosen, node(cases))), told(rate(by::table, node(cases))));
+  cases.push_back({3, 2, 2});
+  EXPECT_EQ(told(rate(by::chosen, node(cases))), told(rate(by::table, node(cases))));
+}
+
+TEST(AnyMeasure, LetsTheErrorsOfTheClassColumnThrough) {
+  const node n({{3, 2, 1}, {0, 1, 1}, {2, 1, 1}, {3, 2, 1}, {1, 1, 1}, {2, 2, 1}});
+  const code_column<unsigned int> x(n, column::CONTINUOUS);
+  for (by measure : {by::value, by::sorting, by::table}) {
+    told_column classes(n);
+    for (unsigned int reads = 0; reads < 5; ++reads) {  // every known case is read at least once
+      classes.reads_left = reads;
+      w_sequence cases = sequence_of(n);
+      EXPECT_THROW(rate(measure, x, n, classes, cases, false), std::runtime_error) << reads;
+      const code_column<unsigned int>::less_than_struct lower{&x};
+      EXPECT_EQ(std::is_sorted(cases.begin(), cases.end(), lower), measure == by::sorting) << reads;
+    }
+  }
+}
+
+TEST(EightByteColumn, TellsThirtyTwoBitsOfTheCodesThatItOrdersInFull) {
+  node n({{5, 2, 1}, {2, 1, 1}, {7, 2, 1}, {3, 1, 1}});
+  code_column<unsigned long long> x(n, column::CONTINUOUS);
+  for (std::size_t row : {3U, 7U}) x.values[row] += 1ULL << 32;  // the codes of class 1 become the higher ones
+  EXPECT_EQ(x.get_row_index(3), 2U);
+  EXPECT_TRUE(x.less_than(5, 3));
+  EXPECT_FALSE(x.less_than(3, 5));
+  n.range = {1, 100};  // too wide for a counting sort
+  w_sequence cases = sequence_of(n);
+  EXPECT_EQ(told_codes(rate(by::sorting, x, n, *class_column(n, 0), cases)), "7|2");
+}
+
+}  // namespace
+}  // namespace arbor::tests

@@ -1,0 +1,66 @@
+// Columns for tests, built the way a table loader builds them.
+#ifndef ARBOR_TESTS_SUPPORT_COLUMNS_H
+#define ARBOR_TESTS_SUPPORT_COLUMNS_H
+
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "arbor/model/column.h"
+
+namespace arbor::tests {
+
+using arbor::impls::column;
+using arbor::impls::o_set;
+using texts = std::vector<std::string>;
+
+// The parts of a text between commas.
+inline texts listed(const std::string& text) {
+  std::istringstream in(text + ",");
+  texts parts;
+  for (std::string part; std::getline(in, part, ',');) parts.push_back(part);
+  return parts;
+}
+
+// A domain of `data_type` that admits "?" and holds `values` ("?" among them makes it contain the unknown value).
+inline std::unique_ptr<o_set> make_domain(const std::string& data_type, const texts& values) {
+  std::unique_ptr<o_set> domain(o_set::NEW_O_SET(data_type, true, "?"));
+  for (const std::string& value : values) domain->insert(value.c_str());
+  return domain;
+}
+
+// An empty column over `domain`; throws what NEW_COLUMN refuses it with.
+inline std::unique_ptr<column> make_empty_column(const std::string& kind, std::unique_ptr<o_set> domain) {
+  std::string error;
+  std::unique_ptr<column> result(column::NEW_COLUMN(domain.get(), "x", kind, error));
+  if (result == nullptr) throw std::runtime_error(error);
+  domain.release();
+  return result;
+}
+
+// A column with `rows`, over a domain of just these values and of those in `more` that no row has.
+inline std::unique_ptr<column> make_column(const std::string& kind, const std::string& data_type, const texts& rows,
+                                           const texts& more = {}) {
+  std::unique_ptr<o_set> domain = make_domain(data_type, rows);
+  for (const std::string& value : more) domain->insert(value.c_str());
+  std::unique_ptr<column> result = make_empty_column(kind, std::move(domain));
+  for (const std::string& row : rows) result->push_back(row.c_str());
+  return result;
+}
+
+// What `call` is refused with; empty when it is not.
+template <class Call>
+std::string message_of(Call call) {
+  try {
+    call();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+}  // namespace arbor::tests
+
+#endif

@@ -1,0 +1,320 @@
+// A second version of the split measures, and the nodes on which the real ones are compared with it.
+//
+//   dice roll{1};
+//   const node n = random_node(roll, 255, weighing::even);
+//   const code_column<unsigned char> values(n, column::CONTINUOUS);
+//   w_sequence cases = sequence_of(n);
+//   EXPECT_EQ(told(rate(values, n, *class_column(n, 0), cases)), told(expected(n, column::CONTINUOUS)));
+//
+// The second version is as plain as can be: every cut and every value adds its cases up anew. Where the weights are
+// multiples of 1/8 all sums are exact in any order, so that both versions must agree to the last bit.
+#ifndef ARBOR_TESTS_SUPPORT_ORACLE_H
+#define ARBOR_TESTS_SUPPORT_ORACLE_H
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "arbor/model/column.h"
+#include "arbor/model/column_bool.h"
+#include "arbor/model/column_typed.h"
+#include "tests/support/columns.h"
+
+namespace arbor::tests {
+
+using arbor::impls::column_bool;
+using arbor::impls::column_typed;
+using arbor::impls::options;
+using arbor::impls::w_sequence;
+
+constexpr unsigned int top_code = std::numeric_limits<unsigned int>::max();
+constexpr unsigned int untouched = 77;  // what the fields of a result hold that nobody has written
+
+// Pseudo-random numbers, the same on every platform: each call gives one from 0 to sides - 1.
+struct dice {
+  unsigned int operator()(unsigned int sides) {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<unsigned int>((state >> 32) % sides);
+  }
+
+  unsigned long long state;
+};
+
+struct weighted_case {
+  unsigned int code;  // of the rated column, 0 for an unknown value
+  unsigned int class_code;
+  float weight;
+};
+
+// All that a rating depends on. The bounds of a new node are tight.
+struct node {
+  explicit node(std::vector<weighted_case> list, unsigned int class_count = 2, float least_weight = 0)
+      : cases(std::move(list)), classes(class_count), min_weight(least_weight) {
+    for (const weighted_case& c : cases) {
+      total_weight += c.weight;
+      if (c.code == 0) continue;
+      range.first = range.first == 0 ? c.code : std::min(range.first, c.code);
+      range.second = std::max(range.second, c.code + 1);
+    }
+  }
+
+  std::vector<weighted_case> cases;
+  unsigned int classes;
+  float min_weight;
+  float total_weight = 0;
+  strata::util::pair<unsigned int, unsigned int> range{0, 0};
+  unsigned int known_values = 3;  // of the rated column's domain
+  bool penalty_by_case_count = false;
+};
+
+enum class weighing { even, uneven };  // multiples of 1/8 (0 among them), or fractions that sums must round
+
+// A node with codes below `top`, in which runs, gaps, noise, unknown values and loose bounds come in all mixtures.
+inline node random_node(dice& roll, unsigned int top, weighing weights) {
+  const unsigned int width = 2 + roll(roll(3) == 0 ? 200 : 20);
+  const unsigned int first = 1 + roll(top - width), step = 1 + roll(3), run = 1 + width / (1 + roll(6));
+  const unsigned int classes = 2 + roll(4) * roll(4), noise = roll(3), unknowns = roll(3), weight_kind = roll(3);
+  std::vector<weighted_case> cases(1 + roll(roll(2) == 0 ? 12 : 150));
+  for (weighted_case& c : cases) {
+    c.code = roll(8) < unknowns ? 0 : first + roll((width + step - 1) / step) * step;
+    c.class_code = 1 + (roll(4) < noise ? roll(classes) : c.code / run % classes);
+    const unsigned int eighths = weight_kind == 0 ? 8 : roll(weight_kind == 1 ? 25 : 3);
+    c.weight = weights == weighing::even ? static_cast<float>(eighths) / 8 : static_cast<float>(1 + roll(4000)) / 997;
+  }
+  node result(cases, classes, roll(4) == 0 ? static_cast<float>(roll(31)) : static_cast<float>(roll(9)) / 4.0F);
+  result.penalty_by_case_count = roll(2) == 0;
+  result.known_values = 2 + roll(30);
+  if (roll(2) == 0 && result.range.first != 0) {
+    result.range.first -= roll(std::min(result.range.first, 30U));
+    result.range.second += roll(30);
+  }
+  return result;
+}
+
+// The node's cases as those of a column with two known values and no unknown one.
+inline node two_valued(node n) {
+  for (weighted_case& c : n.cases) c.code = 1 + c.code % 2;
+  n.range = {1, 3};
+  n.known_values = 2;
+  return n;
+}
+
+using rating = column::splitting_desc;
+
+inline std::string told(const rating& r) {
+  char text[128];
+  std::snprintf(text, sizeof text, "%u branches, cut %u|%u, gain %a, split info %a", r.branches, r.low_code,
+                r.high_code, static_cast<double>(r.gain), static_cast<double>(r.split_info));
+  return text;
+}
+
+// -- The second version. Codes run from `from` to `to`, both included. --
+
+inline float log2_of(double x) {
+  return static_cast<float>(std::log(x) / 0.693147182464599609375);
+}
+
+inline float sum_of(const std::vector<float>& parts) {
+  float sum = 0;
+  for (float part : parts) sum += part;
+  return sum;
+}
+
+// The entropy of a distribution, times its sum.
+inline double weighted_entropy(const std::vector<float>& parts) {
+  const double sum = sum_of(parts);
+  float terms = 0;
+  for (double x : parts) terms = static_cast<float>(terms + (x > 0 ? x * log2_of(x) : 0));
+  return (sum > 0 ? sum * log2_of(sum) : 0) - terms;
+}
+
+inline float weight_of(const node& n, unsigned int from, unsigned int to) {
+  std::vector<float> weights;
+  for (const weighted_case& c : n.cases) weights.push_back(from <= c.code && c.code <= to ? c.weight : 0);
+  return sum_of(weights);
+}
+
+inline std::vector<float> class_weights(const node& n, unsigned int from, unsigned int to) {
+  std::vector<float> sums(n.classes, 0.0F);
+  for (const weighted_case& c : n.cases) sums[c.class_code - 1] += from <= c.code && c.code <= to ? c.weight : 0;
+  return sums;
+}
+
+inline bool of_one_class(const node& n, unsigned int from, unsigned int to) {
+  std::set<unsigned int> found;
+  for (const weighted_case& c : n.cases) {
+    if (from <= c.code && c.code <= to) found.insert(c.class_code);
+  }
+  return found.size() == 1;
+}
+
+inline rating no_split(unsigned int branches) {
+  return {branches, untouched, untouched, nullptr, rating::no_split, 0};
+}
+
+inline rating expected_by_value(const node& n) {
+  rating r = no_split(n.known_values);
+  const float unknown = weight_of(n, 0, 0), known = n.total_weight - unknown, all = unknown + known;
+  std::vector<float> branches{unknown};
+  float within = 0;
+  int real_branches = 0;
+  for (unsigned int code = n.range.first; code < n.range.second; ++code) {
+    const std::vector<float> classes = class_weights(n, code, code);
+    within = static_cast<float>(within + weighted_entropy(classes));
+    branches.push_back(sum_of(classes));
+    if (branches.back() >= n.min_weight) ++real_branches;
+  }
+  if (known == 0 || real_branches < 2) return r;
+  const float before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code))) / known;
+  const float difference = before - within / known, known_share = known / all;
+  r.gain = difference * known_share;
+  r.split_info = static_cast<float>(weighted_entropy(branches)) / n.total_weight;
+  return r;
+}
+
+// `by_table` tells the measure that does without sorting: it takes a code of no weight for one that does not occur, and
+// evaluates every cut. The other passes over a cut with cases of one class alone, from the last cut evaluated through
+// the next code, unless the next cut is too high.
+inline rating expected_cut(const node& n, bool by_table) {
+  rating r = no_split(2);
+  const float unknown = weight_of(n, 0, 0), known = n.total_weight - unknown;
+  if (2 * n.min_weight > known) return r;
+  const float before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code)) / known);
+  const float class_share = static_cast<float>(0.1 * known / n.classes);
+  const float min_side = n.min_weight >= class_share ? n.min_weight : std::min(class_share, 25.0F);
+  const float max_left = known - min_side;
+  std::set<unsigned int> codes;
+  for (const weighted_case& c : n.cases) {
+    if (c.code != 0 && !(by_table && c.weight == 0)) codes.insert(c.code);
+  }
+  rating best = r;
+  unsigned int candidates = 0, evaluated = 0;
+  for (auto next = codes.begin(); next != codes.end();) {
+    const unsigned int cut = *next++;
+    const float left = weight_of(n, 1, cut);
+    if (next == codes.end() || left < min_side || left > max_left) continue;
+    ++candidates;
+    if (!by_table && of_one_class(n, evaluated + 1, *next) && weight_of(n, 1, *next) <= max_left) continue;
+    evaluated = cut;
+    const double left_entropy = weighted_entropy(class_weights(n, 1, cut));
+    const float within = static_cast<float>(left_entropy + weighted_entropy(class_weights(n, cut + 1, top_code)));
+    const double k = known;
+    const float gain = static_cast<float>((before - within / k) * (k / (unknown + k)));
+    if (!(gain > best.gain)) continue;
+    best.gain = gain;
+    best.low_code = cut;
+    best.high_code = *next;
+    best.split_info = static_cast<float>(weighted_entropy({unknown, left, known - left})) / n.total_weight;
+  }
+  const double spread = n.penalty_by_case_count ? static_cast<double>(n.cases.size()) : n.total_weight;
+  const float penalty = static_cast<float>((candidates == 0 ? 0 : log2_of(candidates)) / spread);
+  if (!(penalty < best.gain)) return r;
+  best.gain -= penalty;
+  return best;
+}
+
+// What a column of codes answers, which itself chooses the measure.
+inline rating expected(const node& n, column::_type kind) {
+  const unsigned int width = n.range.second - n.range.first;
+  if (width <= 1 || (kind != column::DISCRETE && kind != column::CONTINUOUS)) return no_split(0);
+  return kind == column::DISCRETE ? expected_by_value(n) : expected_cut(n, n.cases.size() / width > 2);
+}
+
+// -- The real columns. Case i of a node is row 2 * i + 1; the rows between belong to other nodes. --
+
+inline w_sequence sequence_of(const node& n) {
+  w_sequence cases;
+  for (const weighted_case& c : n.cases) cases.push_back({static_cast<unsigned int>(2 * cases.size() + 1), c.weight});
+  return cases;
+}
+
+// The domain of 1 to `count`, in which every value is its own code.
+inline o_set* numbers_to(unsigned int count) {
+  std::unique_ptr<o_set> domain = make_domain("integer", {});
+  for (unsigned int value = 1; value <= count; ++value) domain->insert(std::to_string(value).c_str());
+  return domain.release();
+}
+
+// A rated column of any codes that fit T.
+template <class T>
+struct code_column : column_typed<T> {
+  code_column(const node& n, column::_type kind) : column_typed<T>(numbers_to(n.known_values), "x", kind) {
+    for (const weighted_case& c : n.cases) values.insert(values.end(), {T{0}, static_cast<T>(c.code)});
+  }
+  using column_typed<T>::values;
+};
+
+// Rates by the measure that the column chooses.
+inline rating rate(const column& values, node n, column& classes, w_sequence& cases, bool copy_cases = true) {
+  rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
+  options opts{n.penalty_by_case_count};
+  values.quality_measure(&classes, n.total_weight, &cases, n.range, n.min_weight, &opts, r, copy_cases);
+  return r;
+}
+
+enum class by { chosen, value, sorting, table };
+
+// Rates by a measure of choice, with null options where the defaults do.
+template <class T>
+rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_sequence& cases, bool copy_cases = true) {
+  if (measure == by::chosen) return rate(x, n, classes, cases, copy_cases);
+  rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
+  options flagged{true}, *opts = n.penalty_by_case_count ? &flagged : nullptr;
+  const float total = n.total_weight, least = n.min_weight;
+  if (measure == by::value) x.QualityMeasureDiscrete(&classes, total, &cases, n.range, least, r);
+  if (measure == by::sorting) x.QualityMeasureContinuous(&classes, total, &cases, n.range, least, opts, r, copy_cases);
+  if (measure == by::table) x.QualityMeasureContinuousRainForest(&classes, total, &cases, n.range, least, opts, r);
+  return r;
+}
+
+// A class column of a user's own, which keeps its codes elsewhere than its base and may be told to fail at a read.
+struct told_column : column_typed<unsigned char> {
+  explicit told_column(const node& n) : column_typed(numbers_to(n.classes), "class", CLASS) {
+    for (const weighted_case& c : n.cases) codes.insert(codes.end(), {0, c.class_code});
+  }
+  unsigned int get_row_index(unsigned int row) const override {
+    if (reads_left-- == 0) throw std::runtime_error("no such page");
+    return codes[row];
+  }
+
+  std::vector<unsigned int> codes;
+  mutable unsigned int reads_left = top_code;
+};
+
+// A column over 1 to `values` that stores a number of each case, with value 2 in the rows between.
+template <class Column>
+std::unique_ptr<column> stored(const node& n, unsigned int weighted_case::*number, unsigned int values,
+                               column::_type kind = column::CLASS) {
+  auto result = std::make_unique<Column>(numbers_to(values), "x", kind);
+  for (const weighted_case& c : n.cases) {
+    result->push_back("2");
+    result->push_back(std::to_string(c.*number).c_str());
+  }
+  return result;
+}
+inline std::unique_ptr<column> bits_of(const node& n, column::_type kind) {
+  return stored<column_bool>(n, &weighted_case::code, 2, kind);
+}
+
+// The classes of a node in one of five storages, or six where there are two classes; any number chooses one.
+inline std::unique_ptr<column> class_column(const node& n, unsigned int choice) {
+  const auto number = &weighted_case::class_code;
+  const unsigned int storage = choice % (n.classes == 2 ? 6 : 5);
+  if (storage == 0) return stored<column_typed<unsigned char>>(n, number, n.classes);
+  if (storage == 1) return stored<column_typed<unsigned short>>(n, number, n.classes);
+  if (storage == 2) return stored<column_typed<unsigned int>>(n, number, n.classes);
+  if (storage == 3) return stored<column_typed<unsigned long long>>(n, number, n.classes);
+  if (storage == 4) return std::make_unique<told_column>(n);
+  return stored<column_bool>(n, number, n.classes);
+}
+
+}  // namespace arbor::tests
+
+#endif

@@ -1,0 +1,66 @@
+#include "arbor/tree/rating_report.h"
+
+#include <gtest/gtest.h>
+
+#include "arbor/tree/shortest_text.h"
+#include "arbor/tree/table_loader.h"
+#include "tests/support/temporary_file.h"
+
+namespace arbor::tests {
+namespace {
+
+// An attribute of each sort, with names and values that need care in every format.
+tree::table loaded() {
+  const temporary_file csv(
+      "\"size, \"\"big\"\"\",farbe,one,none,c\n"
+      "0.1,gr\xC3\xBCn,5,?,x\n0.1,gr\xC3\xBCn,5,?,x\n0.1,rot,?,?,x\n0.1,rot,5,?,x\n"
+      "0.3,rot,5,?,y\n0.3,rot,5,?,y\n0.3,rot,5,?,y\n0.3,rot,?,?,y\n");
+  tree::table table = tree::load_table(csv.path(), {});
+  table.name = "t.csv";
+  return table;
+}
+
+TEST(RatingReport, TextAlignsTheColumnsAndSaysWhatCannotBeSplit) {
+  const tree::table table = loaded();
+  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, 2);
+  tree::sort_ratings(ratings, tree::rating_order::gain);
+  EXPECT_EQ(tree::table_line(table), "t.csv: 8 rows, 4 attributes, 10 unknown cells; class \"c\": x 4, y 4");
+  EXPECT_EQ(
+      tree::ratings_as_text(table, ratings),
+      "attribute    kind        type     values  unknown      gain  split info  gain ratio  split\n"
+      "size, \"big\"  continuous  float         2     0.0%  1.000000    1.000000    1.000000  <= 0.1\n"
+      "farbe        discrete    string        2     0.0%  0.311278    0.811278    0.383688  2 branches\n"
+      "one          continuous  integer       1    25.0%         -           -           -  no split: a single value\n"
+      "none         ignore      null          0   100.0%         -           -           -  no split: ignored\n");
+}
+
+TEST(RatingReport, CsvQuotesWhereItMustAndLeavesOutWhatDoesNotApply) {
+  const tree::table table = loaded();
+  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, 2);
+  tree::sort_ratings(ratings, tree::rating_order::name);
+  EXPECT_EQ(tree::ratings_as_csv(table, ratings),
+            "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split\n"
+            "farbe,discrete,string,2,0,0.31127805,0.8112781,0.38368845,2,,\n"
+            "none,ignore,null,0,1,,,,,,ignored\n"
+            "one,continuous,integer,1,0.25,,,,,,a single value\n"
+            "\"size, \"\"big\"\"\",continuous,float,2,0,1,1,1,2,0.1,\n");
+}
+
+TEST(RatingReport, JsonReadsBackToTheSameFloats) {
+  const tree::table table = loaded();
+  const std::string json = tree::ratings_as_json(table, tree::rate_attributes(table, 2));
+  for (const std::string part : {R"("attribute": "size, \"big\"")", R"("gain": 0.31127805)", R"("threshold": "0.1")",
+                                 R"("no_split": "a single value")", R"("threshold": null)", R"("unknown_cells": 10)"}) {
+    EXPECT_NE(json.find(part), std::string::npos) << part << " in " << json;
+  }
+}
+
+TEST(ShortestText, ReadsBackToTheSameFloat) {
+  for (const float value : {0.1F, 1e-45F, 3.4028235e38F, -0.0F, 16777216.0F, 1e10F}) {
+    EXPECT_EQ(std::strtof(tree::shortest_text(value).c_str(), nullptr), value);
+  }
+  EXPECT_EQ(tree::shortest_text(0.1F), "0.1");
+}
+
+}  // namespace
+}  // namespace arbor::tests

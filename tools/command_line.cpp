@@ -1,0 +1,91 @@
+#include "tools/command_line.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+
+#include "arbor/tree/message_text.h"
+#include "arbor/utils/number_text.h"
+
+namespace arbor::tools {
+
+using tree::did_you_mean;
+using tree::in_quotes;
+
+namespace {
+
+std::vector<std::string> option_names(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+std::vector<std::string> command_names(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  return names;
+}
+
+// Complains of the first argument that neither `app` nor the command chosen has taken.
+void refuse_extras(const CLI::App& app) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  const std::vector<std::string> extras = app.remaining(true);
+  const auto is_option = [](const std::string& extra) { return extra.size() > 1 && extra[0] == '-'; };
+  const auto option = std::find_if(extras.begin(), extras.end(), is_option);
+  if (option != extras.end()) {
+    const std::string name = option->substr(0, option->find('='));
+    throw usage_error("there is no option " + in_quotes(name) +
+                      did_you_mean(name, option_names(chosen.empty() ? app : *chosen.front())));
+  }
+  if (chosen.empty() && extras.empty()) throw usage_error("no command; \"arbor --help\" tells which there are");
+  if (chosen.empty()) {
+    throw usage_error("there is no command " + in_quotes(extras.front()) +
+                      did_you_mean(extras.front(), command_names(app)));
+  }
+  if (!extras.empty()) throw usage_error(in_quotes(extras.front()) + " is one argument too many");
+}
+
+}  // namespace
+
+bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
+  app.allow_extras();
+  for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& asked) {
+    app.exit(asked, std::cout, std::cerr);
+    return false;
+  } catch (const CLI::ArgumentMismatch& mismatch) {
+    const std::string message = mismatch.what();  // begins with the name of the option
+    throw usage_error(message.substr(0, message.find(':')) + " takes one value");
+  } catch (const CLI::ParseError& error) {
+    throw usage_error(error.what());
+  }
+  refuse_extras(app);
+  return true;
+}
+
+std::map<std::string, std::string> name_values(const std::string& option, const std::vector<std::string>& given) {
+  std::map<std::string, std::string> result;
+  for (const std::string& text : given) {
+    const std::size_t equals = text.rfind('=');
+    if (equals == std::string::npos || equals == 0) {
+      throw usage_error(option + ": " + in_quotes(text) +
+                        " is not of the form NAME=" + (option == "--type" ? "TYPE" : "KIND"));
+    }
+    result[text.substr(0, equals)] = text.substr(equals + 1);
+  }
+  return result;
+}
+
+float weight_value(const std::string& option, const std::string& given) {
+  double value = 0;
+  if (!strata::util::read_number(given.c_str(), value) || !(value >= 0) || !std::isfinite(static_cast<float>(value))) {
+    throw usage_error(option + ": " + in_quotes(given) + " is no weight; give a finite number from 0 up");
+  }
+  return static_cast<float>(value);
+}
+
+}  // namespace arbor::tools
