@@ -124,29 +124,6 @@ TEST(ValueMeasure, RatesTheWeatherTableAsTheTextbookDoes) {
   EXPECT_NEAR(outlook.gain, 0.246750, 5e-7);
   EXPECT_NEAR(outlook.split_info, 1.577406, 5e-7);
   EXPECT_NEAR(outlook.gain / outlook.split_info, 0.156428, 5e-7);
-  const rating windy = rate(by::value, node({{1, 1, 2}, {1, 2, 6}, {2, 1, 3}, {2, 2, 3}}, 2, 2));
-  EXPECT_NEAR(windy.gain, 0.048127, 5e-7);
-  EXPECT_NEAR(windy.split_info, 0.985228, 5e-7);
-}
-
-TEST(ValueMeasure, NeedsTwoValuesOfTheLeastWeight) {
-  const std::vector<weighted_case> cases{{1, 1, 3}, {2, 2, 2}, {4, 1, 1}};
-  EXPECT_GT(rate(by::value, node(cases, 2, 2)).gain, 0);
-  EXPECT_EQ(told(rate(by::value, node(cases, 2, 2.125F))), told(no_split(3)));
-  EXPECT_EQ(rate(by::value, node({{1, 1, 1}, {1, 2, 1}, {2, 1, 1}, {2, 2, 1}})).gain, 0);  // useless, yet a split
-}
-
-TEST(AnyMeasure, GivesNoSplitWithoutKnownValues) {
-  node n({{0, 1, 1}, {0, 2, 1}, {0, 1, 1}});
-  w_sequence cases = sequence_of(n);
-  for (column::_type kind : {column::DISCRETE, column::CONTINUOUS}) {
-    for (const unsigned int end : {4U, 5U, 8U}) {  // a range too narrow for two codes is answered at once
-      n.range = {4, end};
-      const unsigned int branches = end < 6 ? 0 : kind == column::DISCRETE ? n.known_values : 2;
-      EXPECT_EQ(told(rate(code_column<unsigned char>(n, kind), n, *class_column(n, 0), cases)),
-                told(no_split(branches)));
-    }
-  }
 }
 
 TEST(AnyMeasure, TakesTheWeightOfTheNodeFromTheCaller) {
@@ -184,16 +161,6 @@ TEST(CutMeasures, KeepTheLowerOfTwoEqualCutsUnlessTheirNumberCostsTheGain) {
   }
 }
 
-TEST(CutMeasures, SpreadThePenaltyOverTheWeightOrTheCases) {
-  node n({{1, 1, 2}, {2, 1, 2}, {3, 2, 2}, {4, 2, 2}});
-  for (by measure : {by::sorting, by::table}) {  // three cuts tried, two of them in vain
-    n.penalty_by_case_count = false;
-    EXPECT_NEAR(rate(measure, n).gain, 1 - std::log2(3) / 8, 1e-6);
-    n.penalty_by_case_count = true;
-    EXPECT_NEAR(rate(measure, n).gain, 1 - std::log2(3) / 4, 1e-6);
-  }
-}
-
 TEST(CutMeasures, DifferOnCasesWithoutWeight) {
   const std::vector<weighted_case> cases{{1, 1, 2}, {2, 1, 0}, {3, 2, 2}};
   const rating sorted = rate(by::sorting, node(cases)), tabled = rate(by::table, node(cases));
@@ -207,16 +174,6 @@ TEST(CutMeasures, DifferOnCasesWithoutWeight) {
   EXPECT_EQ(told(rate(by::sorting, light)), told(no_split(2)));  // a penalty as large as the gain
   light.penalty_by_case_count = true;
   EXPECT_NEAR(rate(by::sorting, light).gain, 2.0 / 3, 1e-6);
-}
-
-TEST(ContinuousColumn, SortsUnlessThereAreThreeCasesPerCode) {
-  std::vector<weighted_case> cases(8, {3, 2, 2});
-  cases[0] = {1, 1, 2};
-  cases[1] = {2, 1, 0};  // tells the measures apart
-  EXPECT_EQ(told(rate(by::chosen, node(cases))), told(rate(by::sorting, node(cases))));
-  EXPECT_NE(told(rate(by::chosen, node(cases))), told(rate(by::table, node(cases))));
-  cases.push_back({3, 2, 2});
-  EXPECT_EQ(told(rate(by::chosen, node(cases))), told(rate(by::table, node(cases))));
 }
 
 TEST(AnyMeasure, LetsTheErrorsOfTheClassColumnThrough) {

@@ -31,21 +31,13 @@ inline std::unique_ptr<o_set> make_domain(const std::string& data_type, const te
   return domain;
 }
 
-// An empty column over `domain`; throws what NEW_COLUMN refuses it with.
-inline std::unique_ptr<column> make_empty_column(const std::string& kind, std::unique_ptr<o_set> domain) {
+// A column with `rows`, over a domain of just these values; throws what NEW_COLUMN refuses it with.
+inline std::unique_ptr<column> make_column(const std::string& kind, const std::string& data_type, const texts& rows) {
+  std::unique_ptr<o_set> domain = make_domain(data_type, rows);
   std::string error;
   std::unique_ptr<column> result(column::NEW_COLUMN(domain.get(), "x", kind, error));
   if (result == nullptr) throw std::runtime_error(error);
   domain.release();
-  return result;
-}
-
-// A column with `rows`, over a domain of just these values and of those in `more` that no row has.
-inline std::unique_ptr<column> make_column(const std::string& kind, const std::string& data_type, const texts& rows,
-                                           const texts& more = {}) {
-  std::unique_ptr<o_set> domain = make_domain(data_type, rows);
-  for (const std::string& value : more) domain->insert(value.c_str());
-  std::unique_ptr<column> result = make_empty_column(kind, std::move(domain));
   for (const std::string& row : rows) result->push_back(row.c_str());
   return result;
 }

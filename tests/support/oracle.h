@@ -15,14 +15,8 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <set>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "arbor/model/column.h"
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
 #include "tests/support/columns.h"
@@ -259,12 +253,11 @@ inline rating rate(const column& values, node n, column& classes, w_sequence& ca
   return r;
 }
 
-enum class by { chosen, value, sorting, table };
+enum class by { value, sorting, table };
 
 // Rates by a measure of choice, with null options where the defaults do.
 template <class T>
 rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_sequence& cases, bool copy_cases = true) {
-  if (measure == by::chosen) return rate(x, n, classes, cases, copy_cases);
   rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
   options flagged{true}, *opts = n.penalty_by_case_count ? &flagged : nullptr;
   const float total = n.total_weight, least = n.min_weight;
