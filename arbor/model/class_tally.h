@@ -1,13 +1,12 @@
 // The class weights of a node's cases, for each value code of a column: one pass over the cases that the discrete
-// measure and the count-table measure share. Internal to the model.
+// measure and the one by class weights per code share. Internal to the model.
 #ifndef ARBOR_MODEL_CLASS_TALLY_H
 #define ARBOR_MODEL_CLASS_TALLY_H
 
-#include <limits>
-#include <new>
 #include <vector>
 
 #include "arbor/model/code_readers.h"
+#include "arbor/utils/allocatable.h"
 
 namespace arbor::impls {
 
@@ -19,7 +18,7 @@ class class_tally {
               const strata::util::pair<unsigned int, unsigned int>& code_range)
       : row_count(code_range.second - code_range.first + 1),
         stride(class_column.get_distinct()),
-        weights(cells(row_count, stride), 0.0F),
+        weights(strata::util::allocatable<float>(1ULL * row_count * stride), 0.0F),
         class_totals(stride, 0.0F) {
     const unsigned int before_first = code_range.first - 1;
     with_class_codes(class_column, [&](auto class_of) {
@@ -46,12 +45,6 @@ class class_tally {
   float unknown_weight() const { return unknown; }
 
  private:
-  // What a pointer cannot reach cannot be allocated either.
-  static std::size_t cells(std::size_t rows, std::size_t columns) {
-    if (rows > std::numeric_limits<std::size_t>::max() / sizeof(float) / 2 / columns) throw std::bad_alloc();
-    return rows * columns;
-  }
-
   unsigned int row_count;
   std::size_t stride;
   std::vector<float> weights;

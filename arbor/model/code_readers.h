@@ -28,15 +28,15 @@ struct stored_bits {
   }
 };
 
-// Codes as get_row_index tells them.
+// Codes as get_row_index tells them, in 32 bits.
 template <class T>
-struct stored_classes {
+struct stored_indices {
   const T* codes;
-  explicit stored_classes(const column& source) : codes(static_cast<const column_typed<T>&>(source).codes().data()) {}
+  explicit stored_indices(const column& source) : codes(static_cast<const column_typed<T>&>(source).codes().data()) {}
   unsigned int operator()(unsigned int row) const { return static_cast<unsigned int>(codes[row]); }
 };
 
-struct virtual_classes {
+struct virtual_indices {
   const column* source;
   unsigned int operator()(unsigned int row) const { return source->get_row_index(row); }
 };
@@ -49,17 +49,17 @@ template <class Use>
 void with_class_codes(const column& classes, Use&& use) {
   const std::type_info& storage = typeid(classes);
   if (storage == typeid(column_typed<unsigned char>)) {
-    use(stored_classes<unsigned char>(classes));
+    use(stored_indices<unsigned char>(classes));
   } else if (storage == typeid(column_typed<unsigned short>)) {
-    use(stored_classes<unsigned short>(classes));
+    use(stored_indices<unsigned short>(classes));
   } else if (storage == typeid(column_typed<unsigned int>)) {
-    use(stored_classes<unsigned int>(classes));
+    use(stored_indices<unsigned int>(classes));
   } else if (storage == typeid(column_typed<unsigned long long>)) {
-    use(stored_classes<unsigned long long>(classes));
+    use(stored_indices<unsigned long long>(classes));
   } else if (storage == typeid(column_bool)) {
     use(stored_bits{static_cast<const column_bool&>(classes).bits().data()});
   } else {
-    use(virtual_classes{&classes});
+    use(virtual_indices{&classes});
   }
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <memory>
 #include <ostream>
+#include <stdexcept>
 #include <utility>
 
 namespace arbor::impls {
@@ -68,6 +69,13 @@ bool column::less_than(unsigned int /*a*/, unsigned int /*b*/) const {
 
 void column::toXML(std::ostream& out) const {
   out << R"(<WARNING value="XML output not implemented" />)" << std::endl;
+}
+
+w_sequence* column::partition(w_sequence::const_iterator /*begin*/, w_sequence::const_iterator /*end*/,
+                              unsigned int /*branch*/, float /*total*/, float& /*ratio*/,
+                              strata::util::pair<unsigned int, unsigned int>& /*range*/,
+                              const partition_desc& /*desc*/) const {
+  throw std::runtime_error("[column::partition] method not defined for column type '" + get_type() + "'");
 }
 
 void column::quality_measure(column* /*class_column*/, float /*total_weight*/, w_sequence* /*cases*/,

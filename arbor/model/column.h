@@ -1,13 +1,13 @@
 // One attribute of a table: for every row (case) the code of its value in the attribute's domain.
 //
 //   std::string error;
-//   std::unique_ptr<column> outlook(column::NEW_COLUMN(domain, "outlook", "discrete", error));  // takes the domain
-//   over if (outlook == nullptr) ...                                                                 // `error` says
-//   why outlook->reserve(2); outlook->push_back("sunny"); outlook->push_back("?"); unsigned int code =
-//   outlook->get_row_index(0);
+//   std::unique_ptr<column> outlook(column::NEW_COLUMN(domain, "outlook", "discrete", error));
+//   if (outlook == nullptr) throw std::runtime_error(error);  // else the column owns the domain
+//   for (const char* text : {"sunny", "?", "rainy"}) outlook->push_back(text);
+//   unsigned int code = outlook->get_row_index(0);
 //
-// A tree builder rates each column on a node's cases with `quality_measure` and turns the best result into the
-// description of a split with `set_partition_desc`.
+// A tree builder rates each column on a node's cases with `quality_measure`, turns the best result into the description
+// of a split with `set_partition_desc`, and asks the column for the cases of each branch with `partition`.
 //
 // Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are never range-checked.
 #ifndef ARBOR_MODEL_COLUMN_H
@@ -24,10 +24,10 @@
 
 namespace arbor::impls {
 
-// The base of all columns, and itself the column of an ignored attribute without known values: it holds no rows.
+// The base of all columns, and itself the column of an ignored attribute of the data type "null": it holds no rows.
 class column : public strata::util::nocopy {
  public:
-  // What an attribute is used for; the numbers are part of the saved form's meaning.
+  // What an attribute is used for. The numbers are fixed; the saved form carries the texts.
   enum _type : int {
     DISCRETE = 0,    // nominal: a split has one branch per known value
     CLASS = 1,       // the target
@@ -44,7 +44,7 @@ class column : public strata::util::nocopy {
   virtual ~column();
 
   // Makes an empty column of the narrowest class that can hold the domain's codes: one bit a row for a discrete column
-  // of at most two known values and no unknown one, else 1, 2, 4 or 8 bytes.
+  // of at most two known values and no unknown one, a plain column for the data type "null", else 1, 2, 4 or 8 bytes.
   //
   // `domain` is already filled; `type` is "discrete", "continuous", "class", "weights" or "ignore". On success the
   // caller owns the column, the column owns the domain, and `error` is untouched. When kind and domain do not go
@@ -66,15 +66,37 @@ class column : public strata::util::nocopy {
   virtual void reserve(unsigned int rows);
   virtual unsigned int size() const;
 
-  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not hold the text.
+  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not hold the text, and
+  // what the domain throws for a text that is not of its data type.
   virtual void push_back(const char* value);
 
-  // The code of a row's value, of which 32 bits are told.
+  // The code of a row's value, its low 32 bits if it has more.
   virtual unsigned int get_row_index(unsigned int row) const;
   // Whether the value of row `a` comes before that of row `b`.
   virtual bool less_than(unsigned int a, unsigned int b) const;
 
   virtual void toXML(std::ostream& out) const;
+
+  // The cases of a node that go down one branch of a split on this column, in their order, in a new sequence that the
+  // caller owns. A case whose value is unknown goes down every branch, its weight multiplied by the branch's share.
+  //
+  //   begin, end  the node's cases; read only
+  //   branch      of a discrete split the code of its value; of a continuous one 1 for the codes up to that of the
+  //               threshold, 2 for those above it
+  //   total       the weight of the node's cases, unknown values included
+  //   ratio       receives the branch's share: its weight over that of the cases whose value is known. The low branch
+  //               of a continuous split counts the unknown cases too, in its own weight and in what it is divided by
+  //   range       receives the bounds [first, second) of the branch's codes: of a discrete branch its code; of a
+  //               continuous one from the least to the greatest of the threshold's and those of its cases
+  //   desc        the split, of which a continuous one needs the threshold; one that the domain does not hold lies
+  //               below all values
+  //
+  // Discrete and class columns split by value, continuous ones at the threshold; others, two-valued continuous ones and
+  // this base throw std::runtime_error. When anything is thrown `ratio` and `range` are unchanged. A total that is the
+  // weight of the unknown values gives a ratio that is infinite or not a number, and cases of such weights.
+  virtual w_sequence* partition(w_sequence::const_iterator begin, w_sequence::const_iterator end, unsigned int branch,
+                                float total, float& ratio, strata::util::pair<unsigned int, unsigned int>& range,
+                                const partition_desc& desc) const;
 
   // Rates this column as the split of a node.
   //
@@ -83,7 +105,8 @@ class column : public strata::util::nocopy {
   //   cases         the node's cases, at least one
   //   code_range    [first, second): bounds of the known codes of this column among the cases; the cost of a call grows
   //                 with its width, so tight bounds pay
-  //   min_weight    the least weight of a branch
+  //   min_weight    the weight from which on a branch counts, 0 or more: a discrete split needs two such branches;
+  //                 either side of a threshold needs it, or what the minimum-branch rule allows instead
   //   opts          may be null, for the defaults
   //   result        where the rating goes; `gain` is splitting_desc::no_split when no admissible split exists
   //   copy_cases    false lets the call reorder `cases`
@@ -94,6 +117,10 @@ class column : public strata::util::nocopy {
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                options* opts, splitting_desc& result, bool copy_cases) const;
+
+  // Write and read the rows, as part of the column's record; see the operators below. The base has none.
+  virtual strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const;
+  virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
   // The text of the kind, "unspecified" for a number that is none.
   std::string get_type() const;
@@ -111,7 +138,8 @@ class column : public strata::util::nocopy {
   strata::util::pair<unsigned int, unsigned int> get_range() const;
   std::string get_value(unsigned int code) const { return domain->get_value(code); }
   std::string get_row_value(unsigned int row) const { return get_value(get_row_index(row)); }
-  // The code of a text, 0 for the unknown value and for a text that the domain does not hold.
+  // The code of a text, 0 for the unknown value and for a text that the domain does not hold. Throws what the domain
+  // throws for a text that is not of its data type.
   unsigned int get_index(const char* value) const;
   // The threshold text between two codes, as the domain's find_mid gives and refuses it; the null text unless the
   // column is continuous.
@@ -128,11 +156,12 @@ struct column::splitting_desc {
   // The gain of a column that has no admissible split (bits 0xBA83126F).
   static constexpr float no_split = -0.001F;
 
-  unsigned int branches = 0;  // 2 for a continuous split, else the number of known values
+  unsigned int branches = 0;  // 2 for a continuous split, else the number of known values; 0 if none was rated
   unsigned int low_code = 0;  // continuous splits: the occurring codes on either side of the cut
   unsigned int high_code = 0;
   column* split_column = nullptr;  // the rated column; not owned
-  float gain = 0;                  // bits per unit of weight, scaled by the known share; or no_split
+  float gain = 0;                  // bits per unit of weight, scaled by the known share, for a continuous split less
+                                   // the penalty for the cuts that were tried; or no_split
   float split_info = 0;            // bits per unit of weight; 0 without a split
 
   void set_no_split() {
@@ -152,6 +181,21 @@ struct column::partition_desc {
 
   void reset();
 };
+
+// Writes the record of a column with its domain, or of its absence if `source` is null.
+strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, const column* source);
+
+// Reads a record into a new column, made by NEW_COLUMN, which the caller owns; null if it was, and null with
+// NEW_COLUMN's message in `error` when that refuses it: the rows are then unread. Otherwise `error` is untouched.
+// Throws what the stream and NEW_O_SET throw; `target` is null then.
+strata::inpout::ibinstream& read_column(strata::inpout::ibinstream& in, column*& target, std::string& error);
+
+// The same, the message dropped.
+strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, column*& target);
+
+// Writes and reads the record of a split. When reading throws, `split` is unchanged.
+strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, const column::partition_desc& split);
+strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, column::partition_desc& split);
 
 }  // namespace arbor::impls
 

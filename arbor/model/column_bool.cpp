@@ -3,6 +3,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "arbor/model/case_partition.h"
 #include "arbor/model/discrete_quality.h"
 
 namespace arbor::impls {
@@ -29,11 +30,37 @@ void column_bool::push_back(const char* value) {
   values.push_back(code == 2);
 }
 
+w_sequence* column_bool::partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
+                                   unsigned int branch, float total, float& ratio,
+                                   strata::util::pair<unsigned int, unsigned int>& range,
+                                   const partition_desc& desc) const {
+  if (type != DISCRETE && type != CLASS) return column::partition(begin, end, branch, total, ratio, range, desc);
+  // Whatever is not the second value is the first.
+  branch_cases result = cases_of_value(begin, end, branch == 2 ? 2 : 1, total, stored_bits{values.data()});
+  ratio = result.ratio;
+  range = {branch, branch + 1};
+  return result.cases.release();
+}
+
+strata::inpout::obinstream& column_bool::bin_out(strata::inpout::obinstream& out) const {
+  return (out << size()).write_block(values.data(), values.word_count());
+}
+
+strata::inpout::ibinstream& column_bool::bin_in(strata::inpout::ibinstream& in) {
+  unsigned int count = 0;
+  in >> count;
+  in.expect(count / 32 + (count % 32 != 0 ? 1 : 0), sizeof(unsigned int));
+  values.resize(count);
+  in.read_block(values.data(), values.word_count());
+  values.clear_behind();
+  return in;
+}
+
 void column_bool::quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                   strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                   options* /*opts*/, splitting_desc& result, bool /*copy_cases*/) const {
   result.branches = 0;
-  result.split_column = const_cast<column_bool*>(this);  // the caller partitions through it
+  result.split_column = const_cast<column_bool*>(this);  // told, not used
   result.set_no_split();
   if (code_range.second - code_range.first <= 1 || type != DISCRETE) return;
   QualityMeasureDiscrete(class_column, total_weight, cases, code_range, min_weight, result);

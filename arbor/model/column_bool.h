@@ -1,4 +1,4 @@
-// A discrete column of two known values and no unknown one, in one bit a row.
+// A discrete column of at most two known values and no unknown one, in one bit a row.
 #ifndef ARBOR_MODEL_COLUMN_BOOL_H
 #define ARBOR_MODEL_COLUMN_BOOL_H
 
@@ -23,9 +23,18 @@ class column_bool : public column {
   unsigned int get_row_index(unsigned int row) const override { return values[row] ? 2 : 1; }
   bool less_than(unsigned int a, unsigned int b) const override { return !values[a] && values[b]; }
 
+  w_sequence* partition(w_sequence::const_iterator begin, w_sequence::const_iterator end, unsigned int branch,
+                        float total, float& ratio, strata::util::pair<unsigned int, unsigned int>& range,
+                        const partition_desc& desc) const override;
+
   void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                        strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight, options* opts,
                        splitting_desc& result, bool copy_cases) const override;
+
+  // Reading replaces the rows. A record of fewer rows than the column has shortens it and is then refused, as by
+  // bitmap::resize; a device that throws leaves the new length, with bits partly read.
+  strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const override;
+  strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in) override;
 
   // One branch per value; see quality_measure for the arguments.
   void QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,

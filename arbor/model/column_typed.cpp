@@ -3,9 +3,11 @@
 #include <memory>
 #include <stdexcept>
 
+#include "arbor/model/case_partition.h"
 #include "arbor/model/continuous_quality.h"
 #include "arbor/model/discrete_quality.h"
 #include "arbor/model/rainforest_quality.h"
+#include "arbor/utils/allocatable.h"
 
 namespace arbor::impls {
 
@@ -16,14 +18,14 @@ column_typed<T>::column_typed(o_set* adopted_domain, const std::string& column_n
 template <class T>
 column* column_typed<T>::clone(bool empty) {
   auto copy = std::make_unique<column_typed<T>>(nullptr, name, type);
-  copy->domain.reset(domain->clone());
   if (!empty) copy->values = values;
+  copy->domain.reset(domain->clone());
   return copy.release();
 }
 
 template <class T>
 void column_typed<T>::reserve(unsigned int rows) {
-  values.reserve(rows);
+  values.reserve(strata::util::allocatable<T>(rows));
 }
 
 template <class T>
@@ -34,11 +36,55 @@ void column_typed<T>::push_back(const char* value) {
 }
 
 template <class T>
+w_sequence* column_typed<T>::partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
+                                       unsigned int branch, float total, float& ratio,
+                                       strata::util::pair<unsigned int, unsigned int>& range,
+                                       const partition_desc& desc) const {
+  if (type != DISCRETE && type != CLASS && type != CONTINUOUS) {
+    return column::partition(begin, end, branch, total, ratio, range, desc);
+  }
+  const stored_indices<T> code_of(*this);
+  if (type == CONTINUOUS) {
+    const unsigned int threshold = get_index(desc.threshold.c_str());
+    branch_cases result = cases_of_side(begin, end, branch, total, code_of, threshold);
+    ratio = result.ratio;
+    range = code_bounds(*result.cases, code_of, threshold);
+    return result.cases.release();
+  }
+  branch_cases result = cases_of_value(begin, end, branch, total, code_of);
+  ratio = result.ratio;
+  range = {branch, branch + 1};
+  return result.cases.release();
+}
+
+template <class T>
+strata::inpout::obinstream& column_typed<T>::bin_out(strata::inpout::obinstream& out) const {
+  out << size();
+  return values.empty() ? out : out.write_block(values.data(), size());
+}
+
+template <class T>
+strata::inpout::ibinstream& column_typed<T>::bin_in(strata::inpout::ibinstream& in) {
+  unsigned int count = 0;
+  in >> count;
+  if (count == 0) return in;
+  in.expect(count, sizeof(T));
+  const std::size_t rows_before = values.size();
+  values.resize(strata::util::allocatable<T>(0ULL + rows_before + count));
+  try {
+    return in.read_block(values.data() + rows_before, count);
+  } catch (...) {
+    values.resize(rows_before);
+    throw;
+  }
+}
+
+template <class T>
 void column_typed<T>::quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                       strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                       options* opts, splitting_desc& result, bool copy_cases) const {
   result.branches = 0;
-  result.split_column = const_cast<column_typed*>(this);  // the caller partitions through it
+  result.split_column = const_cast<column_typed*>(this);  // told, not used
   result.set_no_split();
   const unsigned int width = code_range.second - code_range.first;
   if (width <= 1) return;

@@ -36,7 +36,8 @@ struct known_case {
   float weight;
 };
 
-// A node's cases in the order of their codes, as the sweep reads them.
+// A node's cases in the order of their codes, gathered: the sweep reads each of them several times, and in the columns
+// they lie scattered.
 template <class T>
 struct ordered_cases {
   std::vector<known_case<T>> known;
@@ -61,9 +62,9 @@ struct ordered_cases {
   }
 };
 
-// Whether the cut after case `p`, with class `p` alone on its left since the last evaluated cut, lies inside a run of
-// that class: all cases of the next code are of it too, and the cut behind them is admissible. The best cut is never
-// inside such a run (U. M. Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
+// Whether a cut behind case `p` would lie inside a run of its class, given that no other class has been seen since the
+// last evaluated cut: all cases of the next code are of this class too, and the cut behind them is admissible. The best
+// cut is never inside a run (U. M. Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
 template <class T>
 bool inside_run(const std::vector<known_case<T>>& known, std::size_t p, float left_weight, float most_left) {
   const unsigned int class_code = known[p].class_code;

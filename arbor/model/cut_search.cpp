@@ -34,7 +34,7 @@ cut_search::cut_search(const class_weights& known, float unknown, float total, f
     : total_weight(total),
       unknown_weight(unknown),
       known_weight(total - unknown),
-      enough(2.0 * static_cast<double>(min_weight) <= static_cast<double>(known_weight)),
+      is_splittable(2.0 * static_cast<double>(min_weight) <= static_cast<double>(known_weight)),
       info(static_cast<float>(entropy_of(known) / static_cast<double>(known_weight))),
       least_side(least_side_weight(known_weight, static_cast<unsigned int>(known.size() - 1), min_weight)) {}
 
@@ -51,7 +51,6 @@ bool cut_search::evaluate(const class_weights& left, const class_weights& right,
 }
 
 bool cut_search::conclude(std::size_t case_count, const options* opts, column::splitting_desc& result) const {
-  result.set_no_split();
   const float penalty = cut_point_penalty(candidates, total_weight, case_count, opts);
   if (!(penalty < best_gain)) return false;
   result.gain = best_gain - penalty;

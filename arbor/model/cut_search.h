@@ -10,8 +10,9 @@
 
 namespace arbor::impls {
 
-// The minimum-branch rule: the least weight of either side of a cut, a tenth of the known weight per class, at most 25,
-// unless `min_weight` is at least that tenth.
+// The minimum-branch rule: the least weight of either side of a cut. It is `min_weight` where that is at least a tenth
+// of the known weight divided by the number of classes, else this tenth, but at most 25; a `min_weight` above 25 can
+// thus be undercut in a heavy node.
 float least_side_weight(float known_weight, unsigned int classes, float min_weight);
 
 // The price of having chosen among several cuts, in bits per unit of weight: log2(candidates), spread over the total
@@ -28,7 +29,7 @@ class cut_search {
   cut_search(const class_weights& known, float unknown_weight, float total_weight, float min_weight);
 
   // Whether the known cases are heavy enough for two branches.
-  bool splittable() const { return enough; }
+  bool splittable() const { return is_splittable; }
 
   // The bounds that the left weight of an admissible cut lies between.
   float least_left() const { return least_side; }
@@ -41,15 +42,15 @@ class cut_search {
   // round to float, the one evaluated earlier stays the best.
   bool evaluate(const class_weights& left, const class_weights& right, float left_weight);
 
-  // Sets gain and split information of `result` to those of the best cut and returns true, or returns false with the
-  // no-split mark set when there is none or its gain does not exceed the cut-point penalty.
+  // Sets gain and split information of `result` to those of the best cut and returns true, or returns false when there
+  // is none or its gain does not exceed the cut-point penalty.
   bool conclude(std::size_t case_count, const options* opts, column::splitting_desc& result) const;
 
  private:
   float total_weight;
   float unknown_weight;
   float known_weight;
-  bool enough;
+  bool is_splittable;
   float info;
   float least_side;
   unsigned int candidates = 0;

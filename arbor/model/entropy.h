@@ -6,7 +6,9 @@
 
 namespace arbor::impls {
 
-// The binary logarithm, rounded to float.
+// The binary logarithm, rounded to float. The rounding hides that the C library's logarithm may differ in its last bit
+// from one processor and build to the next (glibc 2.36: checked for the positive floats). Another library's may not be
+// hidden.
 float binary_log(double x);
 
 // The entropy, in bits, of a distribution of weights, times their sum S: S log2 S less the sum of all w log2 w, where

@@ -1,10 +1,10 @@
-// The middle of two values lo <= hi of a numeric domain, without overflow. Internal to the model.
+// The middle of two values lo <= hi of a numeric domain. Internal to the model.
 #ifndef ARBOR_MODEL_MIDPOINT_H
 #define ARBOR_MODEL_MIDPOINT_H
 
 namespace arbor::impls {
 
-// Rounded down.
+// Rounded down; neither this nor the next overflows.
 inline int midpoint(int lo, int hi) {
   if (lo >= 0 || hi < 0) return (hi - lo) / 2 + lo;
   const int sum = lo + hi;
@@ -15,7 +15,8 @@ inline unsigned int midpoint(unsigned int lo, unsigned int hi) {
   return ((hi - lo) >> 1U) + lo;
 }
 
-// Not a number when either is none and when both are infinite.
+// Infinite when the difference is too large for a double; NaN when either is NaN, when lo is -infinity, and when both
+// are the same infinity.
 inline double midpoint(double lo, double hi) {
   return (hi - lo) * 0.5 + lo;
 }

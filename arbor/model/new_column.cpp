@@ -1,5 +1,7 @@
 // Which columns there may be, and in which class each is stored.
 
+#include <utility>
+
 #include "arbor/model/column.h"
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
@@ -40,9 +42,9 @@ column* column::NEW_COLUMN(o_set* domain, const std::string& name, const std::st
     error = "Unknown column type: " + type;
     return nullptr;
   }
-  const std::string why_not = refusal(*domain, name, type, kind);
+  std::string why_not = refusal(*domain, name, type, kind);
   if (!why_not.empty()) {
-    error = why_not;
+    error = std::move(why_not);
     return nullptr;
   }
 

@@ -72,8 +72,7 @@ std::string o_set::find_mid(unsigned int /*low*/, unsigned int /*high*/) {
 }
 
 bool o_set::is_dt_numeric() const {
-  // "double" is left out on purpose: thresholds and weights are single-precision, and columns that need numbers
-  // refuse what they would have to narrow.
+  // "double" is left out on purpose: such a domain backs no continuous and no weights column.
   return type_name == "integer" || type_name == "uinteger" || type_name == "float";
 }
 

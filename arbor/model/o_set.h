@@ -10,7 +10,7 @@
 // `insert` and then asked; the first question puts the values in order, and an insertion after it may shift codes.
 // Questions therefore change a domain: it is used by one thread at a time.
 //
-// Texts that go in are NUL-terminated and not null. Floating-point numbers are read and printed in the process's
+// Texts that go in are NUL-terminated, no null pointers. Floating-point numbers are read and printed in the process's
 // locale.
 #ifndef ARBOR_MODEL_O_SET_H
 #define ARBOR_MODEL_O_SET_H
@@ -18,7 +18,9 @@
 #include <memory>
 #include <string>
 
+#include "arbor/utils/ibinstream.h"
 #include "arbor/utils/nocopy.h"
+#include "arbor/utils/obinstream.h"
 
 namespace arbor::impls {
 
@@ -58,9 +60,15 @@ class o_set : private strata::util::nocopy {
   virtual int leq(unsigned int code, const std::string& b);
 
   // The text of the threshold between the values of two codes: the largest known value from `low` to `high` that does
-  // not exceed the middle of the two. Throws std::runtime_error when a code is 0 or does not exist, when `low` is above
-  // `high`, and always for a domain that has no middle (this base, and texts).
+  // not exceed the middle of the two. A middle that rounds up to the high value, as those of neighbouring floats and of
+  // a number and infinity do, gives the high value itself. Throws std::runtime_error when a code is 0 or does not
+  // exist, when `low` is above `high`, and always for a domain that has no middle (this base, and texts).
   virtual std::string find_mid(unsigned int low, unsigned int high);
+
+  // Write and read what the record of a domain holds beyond its head: nothing in the base, the known values in the
+  // others. Reading replaces the values. See the operators below.
+  virtual strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out);
+  virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
   bool admits_null() const { return admits_null_; }
   bool contains_null() const { return contains_null_; }      // whether the null text has been inserted
@@ -73,11 +81,21 @@ class o_set : private strata::util::nocopy {
   bool is_null(const char* value) const;
   void insert_null();
 
+  friend strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, o_set*& domain);
+
   bool contains_null_ = false;
   bool admits_null_;
   std::unique_ptr<char[]> null_value;  // NUL-terminated
   std::string type_name;
 };
+
+// Writes the record of a domain, or of its absence if `domain` is null. Writing puts the values in order, as questions
+// do.
+strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, o_set* domain);
+
+// Reads a record into a new domain, which the caller owns; null if it was. Throws what the stream throws and what
+// NEW_O_SET throws for an unknown data type; `domain` is null then.
+strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, o_set*& domain);
 
 }  // namespace arbor::impls
 

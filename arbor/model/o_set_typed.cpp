@@ -5,6 +5,7 @@
 #include <memory>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 
 #include "arbor/model/midpoint.h"
 #include "arbor/utils/binary_search_mid.h"
@@ -14,12 +15,14 @@
 namespace arbor::impls {
 
 using strata::data_types::datatype;
+using strata::inpout::ibinstream;
+using strata::inpout::obinstream;
 using strata::util::number_text;
 using strata::util::string_util;
 
 namespace {
 
-// What differs between the data types, as overloads: text to value, value to text, order, and lookup.
+// What differs between the data types, as overloads: text to value, value to text, value to stream, order, and lookup.
 
 template <class Integer>
 void parse(const char* text, Integer& value) {
@@ -55,6 +58,15 @@ std::string text_of(Number value) {
 
 std::string text_of(const std::string& value) {
   return value;
+}
+
+template <class Number>
+void write_value(obinstream& out, Number value) {
+  out << value;
+}
+
+void write_value(obinstream& out, const std::string& value) {
+  out << value.c_str();
 }
 
 template <class Number>
@@ -107,6 +119,13 @@ o_set_typed<T>::o_set_typed(const std::string& data_type, bool admits_null, cons
     : o_set(data_type, admits_null, null_text) {}
 
 template <class T>
+const std::vector<T>& o_set_typed<T>::frozen_values() {
+  static const std::vector<T> none;
+  freeze();
+  return known_values == nullptr ? none : *known_values;
+}
+
+template <class T>
 void o_set_typed<T>::freeze() {
   if (frozen) return;
   std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
@@ -119,7 +138,12 @@ void o_set_typed<T>::freeze() {
 template <class T>
 void o_set_typed<T>::thaw() {
   if (!frozen) return;
-  for (const T& value : *known_values) builder.insert(value);
+  try {
+    for (const T& value : frozen_values()) builder.insert(value);
+  } catch (...) {
+    builder.clear();  // or the next attempt would insert the NaNs among them twice
+    throw;
+  }
   delete known_values;
   known_values = nullptr;
   frozen = false;
@@ -137,34 +161,33 @@ void o_set_typed<T>::insert(const char* value) {
 
 template <class T>
 unsigned int o_set_typed<T>::size_of_known() {
-  freeze();
-  return static_cast<unsigned int>(known_values->size());
+  return static_cast<unsigned int>(frozen_values().size());
 }
 
 template <class T>
 bool o_set_typed<T>::get_order(const char* value, unsigned int& code) {
-  freeze();
+  const std::vector<T>& values = frozen_values();
   if (is_null(value)) return o_set::get_order(value, code);
-  const std::size_t position = position_of(parsed<T>(value), *known_values);
-  if (position == known_values->size()) return false;
+  const std::size_t position = position_of(parsed<T>(value), values);
+  if (position == values.size()) return false;
   code = static_cast<unsigned int>(position) + 1;
   return true;
 }
 
 template <class T>
 std::string o_set_typed<T>::get_value(unsigned int code) {
-  freeze();
-  if (code == 0 || code > known_values->size()) return get_null();
-  return text_of((*known_values)[code - 1].value);
+  const std::vector<T>& values = frozen_values();
+  if (code == 0 || code > values.size()) return get_null();
+  return text_of(values[code - 1].value);
 }
 
 template <class T>
 o_set* o_set_typed<T>::clone() {
-  freeze();
+  const std::vector<T>& source = frozen_values();
   auto copy = std::make_unique<o_set_typed<T>>(type_name, admits_null_, get_null());
   copy->contains_null_ = contains_null_;
   std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
-  *values = *known_values;
+  *values = source;
   copy->known_values = values.release();
   copy->frozen = true;
   return copy.release();
@@ -180,32 +203,57 @@ int o_set_typed<T>::leq(const std::string& a, const std::string& b) const {
 
 template <class T>
 int o_set_typed<T>::leq(unsigned int code, const std::string& b) {
-  freeze();
+  const std::vector<T>& values = frozen_values();
   if (code == 0 || is_null(b.c_str())) return -1;
   const T right = parsed<T>(b.c_str());
-  return greater((*known_values)[code - 1].value, right.value) ? 1 : 0;
+  return greater(values[code - 1].value, right.value) ? 1 : 0;
 }
 
 template <class T>
 std::string o_set_typed<T>::find_mid(unsigned int low, unsigned int high) {
-  freeze();
+  const std::vector<T>& values = frozen_values();
   // Codes in the first complaint, positions in the second: each names what was checked.
   if (low == 0 || high == 0) throw std::runtime_error(no_elements(low, high));
   const unsigned int i = low - 1;
   const unsigned int j = high - 1;
-  if (i >= known_values->size() || j >= known_values->size() || i > j) throw std::runtime_error(no_elements(i, j));
+  if (i >= values.size() || j >= values.size() || i > j) throw std::runtime_error(no_elements(i, j));
 
   if constexpr (std::is_same_v<T, datatype<std::string>>) {
     throw std::runtime_error("mid_value() is undefined on type datatype_string");
   } else {
-    const auto [lo, hi] = std::minmax((*known_values)[i].value, (*known_values)[j].value);
+    const auto [lo, hi] = std::minmax(values[i].value, values[j].value);
     const auto middle = midpoint(lo, hi);
-    const auto first = known_values->begin() + i;
-    const auto above = std::upper_bound(first, known_values->begin() + j + 1, middle,
+    const auto first = values.begin() + i;
+    const auto above = std::upper_bound(first, values.begin() + j + 1, middle,
                                         [](auto m, const T& value) { return !(value.value <= m); });
     // No value is at most a middle that is not a number; the low value serves then.
     return text_of((above == first ? first : above - 1)->value);
   }
+}
+
+template <class T>
+obinstream& o_set_typed<T>::bin_out(obinstream& out) {
+  freeze();
+  out << (known_values != nullptr);
+  if (known_values == nullptr) return out;
+  out << size_of_known();
+  for (const T& value : *known_values) write_value(out, value.value);
+  return out;
+}
+
+template <class T>
+ibinstream& o_set_typed<T>::bin_in(ibinstream& in) {
+  freeze();
+  std::vector<T>* read = nullptr;
+  in.read_special(read);
+  const std::unique_ptr<std::vector<T>> loaded(read);
+  if (loaded == nullptr) {
+    delete std::exchange(known_values, nullptr);
+  } else {
+    if (known_values == nullptr) known_values = make_unreleased_values<T>().release();
+    known_values->swap(*loaded);
+  }
+  return in;
 }
 
 template class o_set_typed<datatype<int>>;

@@ -19,7 +19,7 @@ namespace arbor::impls {
 //
 //   int, unsigned int   decimal digits, as str2int reads them
 //   float, double       any number that strtod reads to the end of the text; a float is its nearest one, infinite when
-//                       too large. A value that is not a number is kept, has a code, and is found by no lookup.
+//                       too large. A NaN is kept, has a code, and is found by no lookup.
 //   std::string         the text itself. Texts are sorted as unsigned bytes but searched and compared as signed ones,
 //                       so that a text with bytes of 0x80 and above may not be found.
 //
@@ -39,15 +39,24 @@ class o_set_typed : public o_set {
   int leq(const std::string& a, const std::string& b) const override;
   int leq(unsigned int code, const std::string& b) override;
   std::string find_mid(unsigned int low, unsigned int high) override;
+  strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) override;
+  strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in) override;
 
  private:
+  const std::vector<T>& frozen_values();  // freezes
   void freeze();
   void thaw();
 
   strata::adt::set<T> builder;
-  std::vector<T>* known_values = nullptr;  // entry i has code i + 1; null while values are inserted
+  std::vector<T>* known_values = nullptr;  // entry i has code i + 1; null while values are inserted, or saved as such
   bool frozen = false;
 };
+
+extern template class o_set_typed<strata::data_types::datatype<int>>;
+extern template class o_set_typed<strata::data_types::datatype<unsigned int>>;
+extern template class o_set_typed<strata::data_types::datatype<float>>;
+extern template class o_set_typed<strata::data_types::datatype<double>>;
+extern template class o_set_typed<strata::data_types::datatype<std::string>>;
 
 }  // namespace arbor::impls
 

@@ -11,8 +11,8 @@ namespace strata::adt {
 //
 // Entries and key are compared as NUL-terminated texts of signed characters, while texts are sorted as unsigned bytes:
 // a text that holds bytes of 0x80 and above can be missed although it is there. Texts of plain ASCII never are.
-template <class T, class Iterator>
-bool binary_search_mid(Iterator first, Iterator last, const T& key, Iterator& found) {
+template <class T, class Iterator, class Found>
+bool binary_search_mid(Iterator first, Iterator last, const T& key, Found& found) {
   while (first < last) {
     const Iterator mid = first + (last - first) / 2;
     const int order = util::string_util::compare_signed(mid->value.c_str(), key.value.c_str());

@@ -65,4 +65,8 @@ void bitmap::clear() {
   if (words != nullptr) std::fill_n(words.get(), words_for(length), 0U);
 }
 
+void bitmap::clear_behind() {
+  if ((length & 31U) != 0) words[length >> BASE_log] &= (1U << (length & 31U)) - 1;
+}
+
 }  // namespace strata::adt

@@ -56,6 +56,12 @@ class bitmap {
 
   // The storage, for loops over many bits; null before the first reservation, and stale once the bitmap has grown.
   const unsigned int* data() const { return words.get(); }
+  unsigned int* data() { return words.get(); }
+  // How many words hold the bits in use.
+  unsigned int word_count() const { return words_for(length); }
+
+  // Makes the bits of the last word behind those in use false, so that false bits can be appended.
+  void clear_behind();
 
  private:
   static unsigned int words_for(unsigned int bits) { return (bits >> BASE_log) + ((bits & 31U) != 0 ? 1 : 0); }

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "arbor/utils/allocatable.h"
+
 namespace strata::adt {
 
 // Sorts [begin, end), a contiguous run of Element, by key(element), ascending; equal keys end in no order to rely on.
@@ -29,7 +31,7 @@ void counting_sort(Iterator begin, Iterator end, unsigned int low_key, unsigned 
 
   // counts[b] becomes the position of the last free slot of block b; blocks are filled from their last slot downward.
   // (Positions are unsigned: an empty first block has the position before 0, which nothing is ever stored at.)
-  std::vector<unsigned int> counts(key_end - low_key, 0);
+  std::vector<unsigned int> counts(util::allocatable<unsigned int>(key_end - low_key), 0);
   for (Iterator element = begin; element != end; ++element) ++counts[block_of(*element)];
   --counts[0];
   for (std::size_t b = 1; b < counts.size(); ++b) counts[b] += counts[b - 1];

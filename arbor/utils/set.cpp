@@ -81,42 +81,50 @@ set<T>::~set() = default;
 template <class T>
 void set<T>::insert(const T& value) {
   if (slots == nullptr) {
-    auto fresh = std::make_unique<std::vector<T>>();
-    fresh->reserve(first_threshold);
-    slots = std::make_unique<slot_cache>();
-    pending = std::move(fresh);
+    pending.push_back(value);
+  } else {
+    const unsigned int slot = slot_key(value.value) % slot_count;
+    T& cached = slots->value[slot];
+    bool& used = slots->used[slot];
+    if (used && cached == value) return;
+    T copy = value;
+    if (used) pending.push_back(cached);
+    cached = std::move(copy);
+    used = true;
   }
-  const unsigned int slot = slot_key(value.value) % slot_count;
-  T& cached = slots->value[slot];
-  bool& used = slots->used[slot];
-  if (used && cached == value) return;
-  T copy = value;
-  if (used) pending->push_back(cached);
-  cached = std::move(copy);
-  used = true;
-  if (pending->size() >= flush_threshold) compact();
+  if (pending.size() >= flush_threshold) compact();
 }
 
 template <class T>
 void set<T>::compact() {
-  sort_distinct(*pending);
-  const std::size_t distinct = pending->size();
+  sort_distinct(pending);
+  const std::size_t distinct = pending.size();
   flush_threshold = distinct > 0x3FFFFFFE ? largest_threshold : static_cast<unsigned int>(4 * distinct);
-  pending->reserve(std::min<std::size_t>(flush_threshold, pending->max_size()));
+  pending.reserve(std::min<std::size_t>(flush_threshold, pending.max_size()));
+  if (slots == nullptr) slots = std::make_unique<slot_cache>();
 }
 
 template <class T>
 std::vector<T>* set<T>::get() {
-  if (slots == nullptr) return new std::vector<T>();
-  pending->reserve(pending->size() + slot_count);
-  for (unsigned int slot = 0; slot < slot_count; ++slot) {
-    if (slots->used[slot]) pending->push_back(std::move(slots->value[slot]));
+  auto result = std::make_unique<std::vector<T>>();
+  if (slots != nullptr) {
+    pending.reserve(pending.size() + slot_count);
+    for (unsigned int slot = 0; slot < slot_count; ++slot) {
+      if (slots->used[slot]) pending.push_back(std::move(slots->value[slot]));
+    }
   }
+  result->swap(pending);
+  clear();
+  sort_distinct(*result);
+  result->shrink_to_fit();
+  return result.release();
+}
+
+template <class T>
+void set<T>::clear() noexcept {
+  pending = std::vector<T>();
   slots.reset();
   flush_threshold = first_threshold;
-  sort_distinct(*pending);
-  pending->shrink_to_fit();
-  return pending.release();
 }
 
 template class set<datatype<int>>;
