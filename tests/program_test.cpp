@@ -52,6 +52,7 @@ TEST(Program, PrintsResultsOnStandardOutputAndAllElseOnStandardError) {
   const outcome csv = run("rate --format=csv --sort name " + golf);
   EXPECT_THAT(csv.out, StartsWith("attribute,kind,"));
   EXPECT_THAT(csv.err, HasSubstr("14 rows, 4 attributes"));
+  EXPECT_EQ(run("rate --unknown 72 --unknown '[no]' --kind windy=discrete --format=csv --sort name " + golf).status, 0);
   const temporary_file odd("a,c\n1,x\nNA,y\n2,y\n");
   const outcome remarked = run("rate --format json " + odd.path());
   EXPECT_THAT(remarked.out, StartsWith("{"));
@@ -64,7 +65,7 @@ TEST(Program, SaysInOneLineWhatIsWrongAndExitsWithTwo) {
       {"raet x.csv", "there is no command \"raet\"; did you mean \"rate\"?"},
       {"rate", "no table to rate; name a CSV file, or - for standard input"},
       {"rate " + golf + " --fromat csv", "there is no option \"--fromat\"; did you mean \"--format\"?"},
-      {"rate " + golf + " --class", "--class takes one value"},
+      {"rate " + golf + " --class", "--class takes one value, once"},
       {"rate " + golf + " more", "\"more\" is one argument too many"},
       {"rate " + golf + " --sort gian", "--sort: \"gian\" is none of ratio, gain, name; did you mean \"gain\"?"},
       {"rate " + golf + " --min-weight=-1", "--min-weight: \"-1\" is no weight; give a finite number from 0 up"},
@@ -79,7 +80,7 @@ TEST(Program, SaysInOneLineWhatIsWrongAndExitsWithTwo) {
   }
   const outcome full = run("rate " + golf + " >/dev/full");
   EXPECT_EQ(full.status, 2);
-  EXPECT_EQ(full.err, "arbor: the results could not be written to standard output\n");
+  EXPECT_EQ(full.err, "arbor: the results could not be written to standard output: No space left on device\n");
 }
 
 TEST(Program, HelpsAndTellsItsVersion) {

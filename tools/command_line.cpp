@@ -31,7 +31,8 @@ std::vector<std::string> command_names(const CLI::App& app) {
 // Complains of the first argument that neither `app` nor the command chosen has taken.
 void refuse_extras(const CLI::App& app) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
-  const std::vector<std::string> extras = app.remaining(true);
+  std::vector<std::string> extras = app.remaining(true);
+  extras.erase(std::remove(extras.begin(), extras.end(), "--"), extras.end());  // what follows it has been taken
   const auto is_option = [](const std::string& extra) { return extra.size() > 1 && extra[0] == '-'; };
   const auto option = std::find_if(extras.begin(), extras.end(), is_option);
   if (option != extras.end()) {
@@ -59,7 +60,7 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
     return false;
   } catch (const CLI::ArgumentMismatch& mismatch) {
     const std::string message = mismatch.what();  // begins with the name of the option
-    throw usage_error(message.substr(0, message.find(':')) + " takes one value");
+    throw usage_error(message.substr(0, message.find(':')) + " takes one value, once");
   } catch (const CLI::ParseError& error) {
     throw usage_error(error.what());
   }
@@ -75,7 +76,8 @@ std::map<std::string, std::string> name_values(const std::string& option, const 
       throw usage_error(option + ": " + in_quotes(text) +
                         " is not of the form NAME=" + (option == "--type" ? "TYPE" : "KIND"));
     }
-    result[text.substr(0, equals)] = text.substr(equals + 1);
+    const bool first = result.emplace(text.substr(0, equals), text.substr(equals + 1)).second;
+    if (!first) throw usage_error(option + ": " + in_quotes(text.substr(0, equals)) + " is named twice");
   }
   return result;
 }

@@ -1,5 +1,7 @@
 // The program arbor: arguments in, one call, report out.
 
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 #include <new>
 
@@ -18,7 +20,7 @@ int run(int argc, const char* const* argv) {
   if (arbor::tools::parse_command_line(app, argc, argv) && rate.chosen()) rate.run();
   std::cout.flush();
   if (!std::cout) {
-    std::cerr << "arbor: the results could not be written to standard output\n";
+    std::cerr << "arbor: the results could not be written to standard output: " << std::strerror(errno) << '\n';
     return failure;
   }
   return 0;

@@ -41,26 +41,34 @@ rate_command::rate_command(CLI::App& app)
   command
       ->add_option("--weights", weights_name, "The column of weights; 0 leaves a row out (default: all rows weigh 1)")
       ->type_name("NAME");
-  command->add_option("--min-weight", min_weight, "The least weight of a branch (default: 2)")->type_name("W");
   command
-      ->add_option("--unknown", unknown_texts, "What means unknown, '' the empty cell; repeatable (default: ? and '')")
+      ->add_option("--min-weight", min_weight, "The least weight of two values, or of a threshold's sides (default: 2)")
+      ->type_name("W");
+  command
+      ->add_option("--unknown", unknown_texts,
+                   "What means unknown, '' the empty cell, '\"\"' one in quotes; repeatable (default: ? and '')")
       ->type_name("TEXT")
-      ->expected(1)
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args(false);
   command->add_option("--type", types, "A column's data type: integer, uinteger, float, double or string; repeatable")
       ->type_name("NAME=TYPE")
-      ->expected(1)
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args(false);
   command->add_option("--kind", kinds, "An attribute's kind: discrete, continuous or ignore; repeatable")
       ->type_name("NAME=KIND")
-      ->expected(1)
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args(false);
   command->add_option("--format", format, "text, csv or json (default: text)")->type_name("FORMAT");
   command->add_option("--sort", sort, "By ratio, gain or name (default: ratio)")->type_name("ORDER");
   command->footer(examples);
 }
 
 void rate_command::run() const {
+  for (const char* named : {"--class", "--weights"}) {
+    if (command->count(named) > 0 && command->get_option(named)->as<std::string>().empty()) {
+      throw usage_error(std::string(named) + ": the name of the column is empty");
+    }
+  }
   if (table_path.empty()) throw usage_error("no table to rate; name a CSV file, or - for standard input");
   tree::check_choice("--format: ", format, {"text", "csv", "json"});
   tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
@@ -74,7 +82,7 @@ void rate_command::run() const {
 
   const tree::table rated = tree::load_table(table_path, options);
   for (const std::string& remark : rated.remarks) std::cerr << "arbor: " << rated.name << ": " << remark << '\n';
-  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(rated, least_weight);
+  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(rated, rated.cases, least_weight);
   tree::sort_ratings(ratings, order_named(sort));
 
   if (format == "json") {

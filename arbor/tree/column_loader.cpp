@@ -10,6 +10,7 @@
 
 #include "arbor/tree/domain_text.h"
 #include "arbor/tree/message_text.h"
+#include "arbor/tree/text_table.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 
@@ -125,10 +126,18 @@ void column_loader::make_column(unsigned int rows) {
   if (kind.empty()) kind = no_values ? "ignore" : is_text() ? "discrete" : "continuous";
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind, error));
-  if (made == nullptr) throw std::runtime_error(error);
+  if (made == nullptr) throw std::runtime_error(error + advice(kind));
   const unsigned int known_values = domain.release()->size_of_known();
   made->reserve(rows);
   if (may_merge && data_type == "float") merges = std::make_unique<float_merges>(known_values);
+}
+
+// What would do instead of a refused kind.
+std::string column_loader::advice(const std::string& kind) const {
+  if (data_type == "null") return "; it has no known value, and can only be ignored";
+  if (data_type == "double") return "; the numeric data types are integer, uinteger and float";
+  if (kind == "continuous" && !odd_texts.empty()) return "; " + in_quotes(odd_texts.front().text) + " is no number";
+  return "";
 }
 
 void column_loader::append(const char* text) {
@@ -139,35 +148,44 @@ void column_loader::append(const char* text) {
   } else {
     made->push_back(text);
   }
-  double value = 0;
-  if (merges && text != nullptr && strata::util::read_number(text, value)) {
-    merges->add(made->get_row_index(made->size() - 1), value);
+  if (merges && text != nullptr) merges->add(made->get_row_index(made->size() - 1), text);
+}
+
+// What would make numbers of a column of texts, if little is in the way; else nothing.
+std::string column_loader::remark_on_odd_texts(const std::vector<std::string>& unknown_texts) const {
+  std::size_t odd_cells = 0;
+  for (const odd_text& odd : odd_texts) odd_cells += odd.cells;
+  const bool odd_few = may_be_numbers && odd_cells > 0 && odd_cells < number_cells;
+  if (!odd_few || made->is_class() || made->is_ignore()) return "";
+  std::string found;
+  std::vector<std::string> declared = unknown_texts;
+  bool sayable = true;
+  for (const odd_text& odd : odd_texts) {
+    found += fmt::format("{}{} in {}", found.empty() ? "" : ", ", in_quotes(odd.text), counted(odd.cells, "cell"));
+    declared.push_back(odd.text.empty() ? "\"\"" : odd.text);
+    sayable = sayable && printable(odd.text) == odd.text && odd.text.size() < 60;
   }
+  std::string remark = "is of texts, but all its values are numbers except " + found;
+  if (!sayable) return remark;
+  remark += "; if that means unknown, say";
+  for (const std::string& text : declared) remark += " --unknown " + shell_word(text);
+  return remark;
 }
 
 std::unique_ptr<impls::column> column_loader::take(const std::vector<std::string>& unknown_texts,
                                                    std::vector<std::string>& remarks) {
-  const std::string column = "column " + in_quotes(chosen.name);
-  std::size_t odd_cells = 0;
-  for (const odd_text& odd : odd_texts) odd_cells += odd.cells;
-  if (may_be_numbers && odd_cells > 0 && odd_cells < number_cells) {
-    std::string found;
-    std::string declared;
-    for (const odd_text& odd : odd_texts) {
-      found += fmt::format("{}{} in {} cells", found.empty() ? "" : ", ", in_quotes(odd.text), odd.cells);
-    }
-    for (const std::string& text : unknown_texts) declared += " --unknown '" + printable(text) + "'";
-    for (const odd_text& odd : odd_texts) declared += " --unknown '" + printable(odd.text) + "'";
-    remarks.push_back(
-        fmt::format("{} is of texts, but all its values are numbers except {}; if that means unknown, say{}", column,
-                    found, declared));
-  }
+  const auto remark = [&](const std::string& what) {
+    if (!what.empty()) remarks.push_back("column " + in_quotes(chosen.name) + " " + what);
+  };
+  remark(remark_on_odd_texts(unknown_texts));
   const std::size_t merged = merges ? merges->count() : 0;
   if (merged > 0) {
-    remarks.push_back(fmt::format(
-        "{}: of its distinct numbers {} equal another one as float and count as the same value", column, merged));
+    remark(fmt::format("loses {}: as float {}", counted(merged, "distinct number"),
+                       merged == 1 ? "it is equal to another one" : "they are equal to others"));
   }
-  if (data_type == "null") remarks.push_back(column + " has no known value and is ignored");
+  if (data_type == "null") remark("has no known value and is ignored");
+  if (made->is_class() && made->get_distinct() == 2)
+    remark("is the class and has a single value: nothing can be gained");
   return std::move(made);
 }
 

@@ -41,7 +41,8 @@ class column_loader {
   // Whether the survey found the data type only after values of a narrower one, which then are not in the domain yet.
   bool needs_refill() const { return !complete; }
 
-  // Makes the column, with room for `rows` rows. Throws std::runtime_error with NEW_COLUMN's message if it refuses.
+  // Makes the column, with room for `rows` rows. Throws std::runtime_error with NEW_COLUMN's message, and what would
+  // do, if that refuses.
   void make_column(unsigned int rows);
 
   // The column, complete; what a person should know about it is added to `remarks`, a line each. `unknown_texts` are
@@ -60,6 +61,8 @@ class column_loader {
   void start_domain(const char* data_type);
   void insert(const char* text);
   void note_odd(const char* text);
+  std::string remark_on_odd_texts(const std::vector<std::string>& unknown_texts) const;
+  std::string advice(const std::string& kind) const;
   bool is_text() const { return data_type == "string"; }
 
   settings chosen;

@@ -132,7 +132,8 @@ class csv_parse_state {
 
   void parse(const char* bytes, std::size_t count, guarded_builder& to) {
     const bool whole = csv_parse(&state, bytes, count, on_cell, on_line_end, &to) == count;
-    check(whole, to, "a quote inside a cell; quote the whole cell and double the quotes in it");
+    check(whole, to,
+          "a quote inside a cell, or one that was not closed; quote whole cells and double the quotes in them");
   }
 
   void finish(guarded_builder& to) {

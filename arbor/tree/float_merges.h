@@ -2,12 +2,9 @@
 #ifndef ARBOR_TREE_FLOAT_MERGES_H
 #define ARBOR_TREE_FLOAT_MERGES_H
 
-#include <limits>
-#include <memory>
+#include <cstdint>
+#include <unordered_set>
 #include <vector>
-
-#include "arbor/utils/datatype.h"
-#include "arbor/utils/set.h"
 
 namespace arbor::tree {
 
@@ -15,21 +12,21 @@ namespace arbor::tree {
 // tell floats apart, unless they are out of the range of full precision (std::numeric_limits<float>::digits10).
 bool may_merge_as_float(const char* text, double value);
 
+// Numbers are told apart by a hash of 64 bits of their decimal digits, however many these are.
 class float_merges {
  public:
   // For a column whose codes are at most `known_values`.
-  explicit float_merges(unsigned int known_values)
-      : first_seen(known_values + 1ULL, std::numeric_limits<double>::quiet_NaN()) {}
+  explicit float_merges(unsigned int known_values) : first_seen(known_values + 1ULL, 0) {}
 
-  // Takes the number of a row and the code that it got.
-  void add(unsigned int code, double value);
+  // Takes the text of a row's number and the code that it got.
+  void add(unsigned int code, const char* text);
 
-  // How many distinct numbers there are beyond one for each code. Forgets them.
-  std::size_t count();
+  // How many distinct numbers there are beyond one for each code.
+  std::size_t count() const { return others.size(); }
 
  private:
-  std::vector<double> first_seen;  // by code; the others that got the code:
-  strata::adt::set<strata::data_types::datatype<double>> others;
+  std::vector<std::uint64_t> first_seen;  // by code; 0 before any. The others that got a code:
+  std::unordered_set<std::uint64_t> others;
 };
 
 }  // namespace arbor::tree

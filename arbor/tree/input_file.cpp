@@ -1,7 +1,10 @@
 #include "arbor/tree/input_file.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -23,16 +26,25 @@ input_file::input_file(const std::string& path)
       file(path == "-" ? handle(stdin, leave_open) : handle(std::fopen(path.c_str(), "rb"), std::fclose)) {
   if (file == nullptr) fail("cannot be opened");
   start = std::ftell(file.get());
-  if (start < 0) spool();
+  if (start >= 0) return;
+  if (errno != ESPIPE) fail("cannot be read");
+  spool();
 }
 
 void input_file::spool() {
-  handle copy(std::tmpfile(), std::fclose);
-  if (copy == nullptr) fail("cannot be copied to a temporary file");
+  const char* folder = std::getenv("TMPDIR");
+  std::string path = std::string(folder == nullptr ? "/tmp" : folder) + "/arbor.XXXXXX";
+  const std::string failure = "cannot be copied to a temporary file " + printable(path);
+  const int descriptor = mkstemp(path.data());
+  if (descriptor < 0) fail(failure);
+  unlink(path.c_str());
+  handle copy(fdopen(descriptor, "w+b"), std::fclose);
+  if (copy == nullptr) fail(failure);
   std::array<char, 1U << 16U> buffer{};
   while (const std::size_t count = read(buffer.data(), buffer.size())) {
-    if (std::fwrite(buffer.data(), 1, count, copy.get()) != count) fail("cannot be copied to a temporary file");
+    if (std::fwrite(buffer.data(), 1, count, copy.get()) != count) fail(failure);
   }
+  if (std::fflush(copy.get()) != 0) fail(failure);
   file = std::move(copy);
   start = 0;
   rewind();
@@ -48,7 +60,7 @@ void input_file::rewind() {
   if (std::fseek(file.get(), start, SEEK_SET) != 0) fail("cannot be read again from its beginning");
 }
 
-void input_file::fail(const char* what) const {
+void input_file::fail(const std::string& what) const {
   throw table_error(display_name + ": " + what + ": " + std::strerror(errno));
 }
 

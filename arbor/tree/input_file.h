@@ -15,7 +15,8 @@ namespace arbor::tree {
 class input_file {
  public:
   // Opens `path`, "-" for standard input. What cannot be rewound, such as a pipe, is first copied to its end into a
-  // temporary file that has no name. Throws table_error when it cannot be opened or copied.
+  // temporary file without a name, in the folder that the environment names as TMPDIR, else in /tmp. Throws table_error
+  // when it cannot be opened or copied.
   explicit input_file(const std::string& path);
 
   // Fills `buffer` with the next bytes, at most `size`; fewer than `size` only at the end. Throws table_error.
@@ -30,7 +31,7 @@ class input_file {
  private:
   using handle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-  [[noreturn]] void fail(const char* what) const;
+  [[noreturn]] void fail(const std::string& what) const;
   void spool();
 
   std::string display_name;

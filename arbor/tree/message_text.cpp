@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <numeric>
 #include <utility>
 
@@ -11,6 +12,12 @@
 namespace arbor::tree {
 
 namespace {
+
+std::string lower_case(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
 
 // How many single-character insertions, deletions, replacements and swaps of neighbours turn one text into the other
 // (F. J. Damerau, Communications of the ACM 7 (1964), 171-176), three rows of the table at a time.
@@ -54,10 +61,20 @@ std::string printable(std::string_view text) {
 
 std::string in_quotes(std::string_view text) {
   constexpr std::size_t most = 60;
-  if (text.size() <= most) return '"' + printable(text) + '"';
-  std::size_t kept = most;
-  while (kept > 0 && (static_cast<unsigned char>(text[kept]) & 0xC0U) == 0x80) --kept;  // whole characters of UTF-8
-  return '"' + printable(text.substr(0, kept)) + "...\"";
+  std::size_t kept = std::min(most, text.size());
+  while (kept < text.size() && kept > 0 && (static_cast<unsigned char>(text[kept]) & 0xC0U) == 0x80) --kept;  // UTF-8
+  std::string result = "\"";
+  for (const char c : printable(text.substr(0, kept))) {
+    if (c == '"') result += '\\';
+    result += c;
+  }
+  return result + (kept < text.size() ? "...\"" : "\"");
+}
+
+std::string shell_word(const std::string& text) {
+  std::string result = "'";
+  for (const char c : text) result += c == '\'' ? "'\\''" : std::string(1, c);
+  return result + "'";
 }
 
 std::string did_you_mean(const std::string& mistyped, const std::vector<std::string>& names) {
@@ -65,7 +82,7 @@ std::string did_you_mean(const std::string& mistyped, const std::vector<std::str
   const std::string* best = nullptr;
   std::size_t best_distance = near + 1;
   for (const std::string& name : names) {
-    const std::size_t distance = edit_distance(mistyped, name);
+    const std::size_t distance = edit_distance(lower_case(mistyped), lower_case(name));
     if (distance >= best_distance) continue;
     best = &name;
     best_distance = distance;

@@ -15,10 +15,13 @@ namespace arbor::tree {
 // The text on one line: control characters as \n, \t, \r or \xNN. Other bytes stay as they are.
 std::string printable(std::string_view text);
 
-// The printable text in double quotes; of a long one the beginning.
+// The printable text in double quotes, with those in it behind backslashes; of a long one the beginning.
 std::string in_quotes(std::string_view text);
 
-// A question naming the nearest of `names` to add to a message, or nothing when none is near.
+// The text as a word of a shell's command line.
+std::string shell_word(const std::string& text);
+
+// A question naming the nearest of `names`, in either case, to add to a message, or nothing when none is near.
 std::string did_you_mean(const std::string& mistyped, const std::vector<std::string>& names);
 
 // Throws table_error, in the words of `before` and then its own, when `choice` is none of `choices`.

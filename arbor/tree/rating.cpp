@@ -17,9 +17,8 @@ split_rating described(const column::splitting_desc& best, const column& attribu
   result.gain_ratio = best.split_info > 0 ? best.gain / best.split_info : 0;
   result.branches = best.branches;
   if (attribute.is_continuous()) {
-    column::partition_desc description;
-    best.set_partition_desc(description);
-    result.threshold = shortest_threshold(attribute, description.threshold);
+    const unsigned int code = attribute.get_index(cut_threshold(attribute, best).c_str());
+    result.threshold = shortest_value(attribute, code);
   }
   return result;
 }
@@ -28,16 +27,17 @@ const char* why_no_split(const column& attribute, unsigned int values) {
   if (attribute.is_ignore()) return "ignored";
   if (values == 0) return "no known value";
   if (values == 1) return "a single value";
-  if (attribute.is_discrete()) return "fewer than two values of the least weight";
-  return "no threshold gains enough";
+  if (attribute.is_discrete()) return "fewer than two heavy values";
+  return "no threshold pays";
 }
 
 }  // namespace
 
-std::vector<attribute_rating> rate_attributes(const table& rated, float min_weight) {
+std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight) {
   std::vector<attribute_rating> ratings;
   // A continuous measure may reorder the cases that it is given; the next one does not mind.
-  impls::w_sequence cases = rated.cases;
+  impls::w_sequence reordered = cases;
+  const float weight = total_weight(cases);
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
     attribute_rating rating;
@@ -45,11 +45,10 @@ std::vector<attribute_rating> rate_attributes(const table& rated, float min_weig
     rating.kind = attribute->get_type();
     rating.data_type = attribute->get_o_set()->get_datatype();
     rating.values = attribute->get_o_set()->size_of_known();
-    rating.unknown_cells = unknown_cells(*attribute, rated.cases.size());
-    auto code_range = attribute->get_range();
+    rating.unknown_cells = unknown_cells(*attribute, cases);
+    auto code_range = occurring_range(*attribute, cases);
     column::splitting_desc best;
-    attribute->quality_measure(&rated.class_column(), rated.total_weight, &cases, code_range, min_weight, nullptr, best,
-                               false);
+    attribute->quality_measure(&rated.class_column(), weight, &reordered, code_range, min_weight, nullptr, best, false);
     if (best.gain != column::splitting_desc::no_split) {
       rating.split = described(best, *attribute);
     } else {

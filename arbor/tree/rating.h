@@ -1,6 +1,6 @@
 // How good a split each attribute of a table would make.
 //
-//   for (const attribute_rating& rated : rate_attributes(golf, 2)) ...
+//   for (const attribute_rating& rated : rate_attributes(golf, golf.cases, 2)) ...
 #ifndef ARBOR_TREE_RATING_H
 #define ARBOR_TREE_RATING_H
 
@@ -12,7 +12,7 @@
 
 namespace arbor::tree {
 
-// A split on all rows of a table.
+// A split.
 struct split_rating {
   float gain = 0;                        // information gain, bits per unit of weight
   float split_info = 0;                  // split information, likewise
@@ -31,8 +31,9 @@ struct attribute_rating {
   std::string no_split_reason;  // why there is none
 };
 
-// Rates the attributes in the order of the table. A branch must carry `min_weight`, 0 or more, to count as one.
-std::vector<attribute_rating> rate_attributes(const table& rated, float min_weight);
+// Rates the attributes, in the order of the table, on some of its rows with their weights. A branch must carry
+// `min_weight`, 0 or more, to count as one.
+std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight);
 
 enum class rating_order { ratio, gain, name };
 

@@ -1,22 +1,18 @@
 #include "arbor/tree/rating_report.h"
 
-#include <csv.h>
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
-#include <nlohmann/json.hpp>
 
+#include "arbor/tree/csv_cell.h"
+#include "arbor/tree/float_json.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/shortest_text.h"
+#include "arbor/tree/text_table.h"
 
 namespace arbor::tree {
 
 namespace {
-
-// JSON with members in the order of their insertion and floats in their shortest form.
-using json =
-    nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
 
 std::size_t attribute_count(const table& described) {
   const auto attribute = [](const auto& column) { return is_attribute(*column); };
@@ -26,7 +22,7 @@ std::size_t attribute_count(const table& described) {
 std::size_t unknown_attribute_cells(const table& described) {
   std::size_t count = 0;
   for (const auto& column : described.columns) {
-    if (is_attribute(*column)) count += unknown_cells(*column, described.cases.size());
+    if (is_attribute(*column)) count += unknown_cells(*column, described.cases);
   }
   return count;
 }
@@ -36,14 +32,12 @@ struct class_weight {
   float weight;
 };
 
-// In the order of their codes. Summed in double, so that no case is lost among many.
-std::vector<class_weight> class_weights(const table& described) {
-  const impls::column& classes = described.class_column();
-  std::vector<double> sums(classes.get_distinct(), 0.0);
-  for (const auto& [row, weight] : described.cases) sums[classes.get_row_index(row)] += static_cast<double>(weight);
+// In the order of their codes.
+std::vector<class_weight> named_class_weights(const table& described) {
   std::vector<class_weight> result;
-  for (unsigned int code = 1; code < sums.size(); ++code) {
-    result.push_back({value_text(classes, code), static_cast<float>(sums[code])});
+  for (const float weight : class_weights(described.class_column(), described.cases)) {
+    const auto code = static_cast<unsigned int>(result.size()) + 1;
+    result.push_back({value_text(described.class_column(), code), weight});
   }
   return result;
 }
@@ -52,8 +46,10 @@ double unknown_share(const table& rated, const attribute_rating& rating) {
   return static_cast<double>(rating.unknown_cells) / static_cast<double>(rated.cases.size());
 }
 
-std::string plural(std::size_t count, const std::string& thing) {
-  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+// A value in a list, in quotes if it would not be told apart without.
+std::string listed(const std::string& value) {
+  const bool plain = !value.empty() && value.find_first_of(" ,\"\n\r\t") == std::string::npos;
+  return plain ? printable(value) : in_quotes(value);
 }
 
 std::string split_as_text(const attribute_rating& rating) {
@@ -62,64 +58,30 @@ std::string split_as_text(const attribute_rating& rating) {
   return fmt::format("{} branches", rating.split->branches);
 }
 
-using report_row = std::array<std::string, 9>;
-
-// Characters, as far as UTF-8 tells them.
-std::size_t display_width(const std::string& text) {
-  const auto begins_character = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; };
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), begins_character));
-}
-
-// The rows with their columns under each other: texts flush left, from the fourth column on numbers flush right, and
-// the last column as it is.
-std::string aligned(const std::vector<report_row>& rows) {
-  std::array<std::size_t, std::tuple_size_v<report_row>> widths{};
-  for (const report_row& row : rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], display_width(row[i]));
-  }
-  std::string report;
-  for (const report_row& row : rows) {
-    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-      const std::string padding(widths[i] - display_width(row[i]), ' ');
-      report += i < 3 ? row[i] + padding : padding + row[i];
-      report += "  ";
-    }
-    report += row.back() + '\n';
-  }
-  return report;
-}
-
-std::string csv_cell(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string cell(2 * text.size() + 2, '\0');
-  cell.resize(csv_write(cell.data(), cell.size(), text.data(), text.size()));
-  return cell;
-}
-
 }  // namespace
 
 std::string table_line(const table& described) {
   constexpr std::size_t most_classes = 20;
-  std::vector<class_weight> classes = class_weights(described);
+  std::vector<class_weight> classes = named_class_weights(described);
   const std::size_t left_out = classes.size() > most_classes ? classes.size() - most_classes : 0;
   if (left_out > 0) {
     const auto heavier = [](const class_weight& a, const class_weight& b) { return a.weight > b.weight; };
     std::stable_sort(classes.begin(), classes.end(), heavier);
     classes.resize(most_classes);
   }
-  std::string line = fmt::format("{}: {}, {}, {}; class {}:", described.name, plural(described.cases.size(), "row"),
-                                 plural(attribute_count(described), "attribute"),
-                                 plural(unknown_attribute_cells(described), "unknown cell"),
+  std::string line = fmt::format("{}: {}, {}, {}; class {}:", described.name, counted(described.cases.size(), "row"),
+                                 counted(attribute_count(described), "attribute"),
+                                 counted(unknown_attribute_cells(described), "unknown cell"),
                                  in_quotes(described.class_column().get_name()));
   for (std::size_t i = 0; i < classes.size(); ++i) {
-    line += fmt::format("{} {} {}", i == 0 ? "" : ",", printable(classes[i].value), shortest_text(classes[i].weight));
+    line += fmt::format("{} {} {}", i == 0 ? "" : ",", listed(classes[i].value), shortest_text(classes[i].weight));
   }
   if (left_out > 0) line += fmt::format(", and {} lighter ones", left_out);
   return line;
 }
 
 std::string ratings_as_text(const table& rated, const std::vector<attribute_rating>& ratings) {
-  std::vector<report_row> rows{
+  std::vector<std::vector<std::string>> rows{
       {"attribute", "kind", "type", "values", "unknown", "gain", "split info", "gain ratio", "split"}};
   for (const attribute_rating& rating : ratings) {
     const auto number = [&](float split_rating::*member) {
@@ -129,7 +91,7 @@ std::string ratings_as_text(const table& rated, const std::vector<attribute_rati
                     fmt::format("{:.1f}%", 100 * unknown_share(rated, rating)), number(&split_rating::gain),
                     number(&split_rating::split_info), number(&split_rating::gain_ratio), split_as_text(rating)});
   }
-  return aligned(rows);
+  return aligned(rows, "lllrrrrrl");
 }
 
 std::string ratings_as_csv(const table& rated, const std::vector<attribute_rating>& ratings) {
@@ -149,9 +111,10 @@ std::string ratings_as_csv(const table& rated, const std::vector<attribute_ratin
 }
 
 std::string ratings_as_json(const table& rated, const std::vector<attribute_rating>& ratings) {
-  json classes = json::array();
-  for (const auto& [value, weight] : class_weights(rated)) classes.push_back({{"value", value}, {"weight", weight}});
-  json report;
+  float_json classes = float_json::array();
+  for (const auto& [value, weight] : named_class_weights(rated))
+    classes.push_back({{"value", value}, {"weight", weight}});
+  float_json report;
   report["table"] = {{"name", rated.name},
                      {"rows", rated.cases.size()},
                      {"attributes", attribute_count(rated)},
@@ -159,19 +122,19 @@ std::string ratings_as_json(const table& rated, const std::vector<attribute_rati
                      {"weight", rated.total_weight},
                      {"class", rated.class_column().get_name()},
                      {"classes", classes}};
-  report["ratings"] = json::array();
+  report["ratings"] = float_json::array();
   for (const attribute_rating& rating : ratings) {
-    json entry = {{"attribute", rating.name},
-                  {"kind", rating.kind},
-                  {"type", rating.data_type},
-                  {"values", rating.values},
-                  {"unknown", static_cast<float>(unknown_share(rated, rating))},
-                  {"gain", nullptr},
-                  {"split_info", nullptr},
-                  {"gain_ratio", nullptr},
-                  {"branches", nullptr},
-                  {"threshold", nullptr},
-                  {"no_split", nullptr}};
+    float_json entry = {{"attribute", rating.name},
+                        {"kind", rating.kind},
+                        {"type", rating.data_type},
+                        {"values", rating.values},
+                        {"unknown", static_cast<float>(unknown_share(rated, rating))},
+                        {"gain", nullptr},
+                        {"split_info", nullptr},
+                        {"gain_ratio", nullptr},
+                        {"branches", nullptr},
+                        {"threshold", nullptr},
+                        {"no_split", nullptr}};
     if (rating.split) {
       entry["gain"] = rating.split->gain;
       entry["split_info"] = rating.split->split_info;
@@ -183,7 +146,7 @@ std::string ratings_as_json(const table& rated, const std::vector<attribute_rati
     }
     report["ratings"].push_back(entry);
   }
-  return report.dump(2, ' ', false, json::error_handler_t::replace) + '\n';
+  return json_text(report);
 }
 
 }  // namespace arbor::tree

@@ -21,15 +21,25 @@ struct table {
   impls::column& class_column() const { return *columns[class_index]; }
 };
 
-// The text of a code as it stood in the table; the text of an unknown value for code 0.
+// The text of a code: of a text as it stood in the table, of a number the shortest; that of an unknown value for code
+// 0.
 std::string value_text(const impls::column& column, unsigned int code);
 
 // Whether a column is rated: neither the class nor the weights.
 bool is_attribute(const impls::column& column);
 
-// How many rows of a column hold the unknown value. A column without known values holds nothing else, though it keeps
-// no rows of its own: `rows` is the number of rows of the table.
-std::size_t unknown_cells(const impls::column& column, std::size_t rows);
+// In how many of the cases the value is unknown.
+std::size_t unknown_cells(const impls::column& column, const impls::w_sequence& cases);
+
+// The bounds [first, second) of the known codes among cases, (0, 0) when there are none.
+strata::util::pair<unsigned int, unsigned int> occurring_range(const impls::column& column,
+                                                               const impls::w_sequence& cases);
+
+// The sum of the cases' weights, added up in double so that many light ones count for what they are.
+float total_weight(const impls::w_sequence& cases);
+
+// The weight of each class among cases of a table, entry c that of the class with code c + 1; likewise added up.
+std::vector<float> class_weights(const impls::column& classes, const impls::w_sequence& cases);
 
 }  // namespace arbor::tree
 

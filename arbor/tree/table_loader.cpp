@@ -14,6 +14,8 @@
 #include "arbor/tree/csv_reader.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/table_error.h"
+#include "arbor/tree/text_table.h"
+#include "arbor/tree/unknown_texts.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
@@ -22,9 +24,8 @@ namespace {
 
 class loading {
  public:
-  loading(const std::string& path, const load_options& chosen) : file(path), options(chosen) {
-    if (options.unknown_texts.empty()) options.unknown_texts = {"?", ""};
-    quoted_empty_is_unknown = !chosen.unknown_texts.empty() && is_unknown_text("");
+  loading(const std::string& path, const load_options& chosen)
+      : file(path), options(chosen), unknown(chosen.unknown_texts) {
     for (const auto& [name, type] : options.types) {
       check_choice("--type: column " + in_quotes(name) + ": ", type,
                    {"integer", "uinteger", "float", "double", "string"});
@@ -40,11 +41,10 @@ class loading {
     survey(result.cases);
     refill();
     append(static_cast<unsigned int>(result.cases.size()));
-    double total_weight = 0;
-    for (const auto& weighted : result.cases) total_weight += static_cast<double>(weighted.second);
-    result.total_weight = static_cast<float>(total_weight);
+    result.total_weight = total_weight(result.cases);
+    if (!std::isfinite(result.total_weight)) fail("the weights add up to more than a float can hold");
     result.class_index = class_cell;
-    for (column_loader& loader : loaders) result.columns.push_back(loader.take(options.unknown_texts, result.remarks));
+    for (column_loader& loader : loaders) result.columns.push_back(loader.take(unknown.texts(), result.remarks));
     return result;
   }
 
@@ -56,11 +56,11 @@ class loading {
   void survey(impls::w_sequence& cases) {
     for_each_row([&](const csv_row& row, float weight) {
       if (cases.size() == std::numeric_limits<unsigned int>::max()) fail("more than 4294967295 rows");
-      if (cell_text(row, class_cell) == nullptr) {
+      if (unknown.known_text(row, class_cell) == nullptr) {
         fail(row, class_cell, "the unknown value; the class of every row must be known, or the row be left out");
       }
       for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-        if (loaders[cell].survey(cell_text(row, cell))) continue;
+        if (loaders[cell].survey(unknown.known_text(row, cell))) continue;
         fail(row, cell, "not of the type " + options.types[names[cell]] + " that was chosen for the column");
       }
       cases.push_back({static_cast<unsigned int>(cases.size()), weight});
@@ -75,7 +75,7 @@ class loading {
     if (std::none_of(loaders.begin(), loaders.end(), needs_refill)) return;
     for_each_row([&](const csv_row& row, float /*weight*/) {
       for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-        if (loaders[cell].needs_refill()) loaders[cell].refill(cell_text(row, cell));
+        if (loaders[cell].needs_refill()) loaders[cell].refill(unknown.known_text(row, cell));
       }
     });
   }
@@ -85,14 +85,14 @@ class loading {
       try {
         loader.make_column(rows);
       } catch (const std::runtime_error& refusal) {
-        fail(refusal.what());
+        fail("column " + in_quotes(loader.name()) + ": " + refusal.what());
       }
     }
     constexpr const char* changed = "changed while it was being read; read it again";
     unsigned int appended = 0;
     try {
       for_each_row([&](const csv_row& row, float /*weight*/) {
-        for (std::size_t cell = 0; cell < loaders.size(); ++cell) loaders[cell].append(cell_text(row, cell));
+        for (std::size_t cell = 0; cell < loaders.size(); ++cell) loaders[cell].append(unknown.known_text(row, cell));
         ++appended;
       });
     } catch (const table_error&) {
@@ -115,11 +115,11 @@ class loading {
         return;
       }
       ++rows_read;
+      if (options.progress) options.progress(rows_read);
       if (row.size() != names.size()) {
-        fail_at(row.line(),
-                fmt::format("{} cells, but the first row names {} columns; a cell with a comma or a newline in it "
-                            "needs quotes",
-                            row.size(), names.size()));
+        fail_at(row.line(), fmt::format("{}, but the first row names {}{}", counted(row.size(), "cell"),
+                                        counted(names.size(), "column"),
+                                        row.size() > names.size() ? "; a cell with a comma in it needs quotes" : ""));
       }
       const float weight = weight_of(row);
       if (weight > 0) use(row, weight);
@@ -139,7 +139,9 @@ class loading {
     class_cell = options.class_name.empty() ? names.size() - 1 : cell_named(options.class_name, "class");
     weights_cell = options.weights_name.empty() ? names.size() : cell_named(options.weights_name, "weights");
     if (class_cell == weights_cell) fail(in_quotes(names[class_cell]) + " cannot be both the class and the weights");
-    if (names.size() < (weights_cell < names.size() ? 3U : 2U)) fail("no column beside the class to rate");
+    if (names.size() == 1)
+      fail_at(1, "only one column, " + in_quotes(names[0]) + "; a table has several, between commas");
+    if (names.size() == 2 && weights_cell < 2) fail("no column beside the class and the weights");
     for (const auto& type : options.types) cell_named(type.first, "type");
     for (const auto& kind : options.kinds) {
       const std::size_t cell = cell_named(kind.first, "kind");
@@ -151,7 +153,7 @@ class loading {
     for (std::size_t cell = 0; cell < names.size(); ++cell) {
       const std::string& name = names[cell];
       const std::string kind = cell == class_cell ? "class" : cell == weights_cell ? "weights" : options.kinds[name];
-      loaders.emplace_back(column_loader::settings{name, kind, options.types[name], options.unknown_texts.front()});
+      loaders.emplace_back(column_loader::settings{name, kind, options.types[name], unknown.texts().front()});
     }
   }
 
@@ -166,27 +168,12 @@ class loading {
   float weight_of(const csv_row& row) const {
     if (weights_cell == names.size()) return 1;
     double weight = 0;
-    const char* text = cell_text(row, weights_cell);
+    const char* text = unknown.known_text(row, weights_cell);
     if (text == nullptr || !strata::util::read_number(text, weight) || !(weight >= 0) ||
         !std::isfinite(static_cast<float>(weight))) {
       fail(row, weights_cell, "no weight; a weight is a finite number from 0 up, and 0 leaves the row out");
     }
     return static_cast<float>(weight);
-  }
-
-  // Null for the unknown value.
-  const char* cell_text(const csv_row& row, std::size_t cell) const {
-    const char* text = row.text(cell);
-    if (*text == '\0') {
-      const bool unknown = row.is_empty(cell) ? is_unknown_text("") : quoted_empty_is_unknown;
-      return unknown ? nullptr : text;
-    }
-    return is_unknown_text(text) ? nullptr : text;
-  }
-
-  bool is_unknown_text(const char* text) const {
-    return std::any_of(options.unknown_texts.begin(), options.unknown_texts.end(),
-                       [text](const std::string& unknown) { return unknown == text; });
   }
 
   [[noreturn]] void fail(const std::string& what) const { throw table_error(file.name() + ": " + what); }
@@ -202,7 +189,7 @@ class loading {
 
   input_file file;
   load_options options;
-  bool quoted_empty_is_unknown;
+  unknown_texts unknown;
   std::vector<std::string> names;
   std::vector<column_loader> loaders;  // by cell
   std::size_t class_cell = 0;

@@ -11,6 +11,7 @@
 #ifndef ARBOR_TREE_TABLE_LOADER_H
 #define ARBOR_TREE_TABLE_LOADER_H
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -23,12 +24,12 @@ struct load_options {
   std::string class_name;    // empty: the last column
   std::string weights_name;  // the column of the cases' weights, finite numbers from 0 up; empty: every case weighs 1
 
-  // The texts of the unknown value; an empty one stands for the empty cell, quoted or not. None at all: "?" and the
-  // empty cell without quotes.
-  std::vector<std::string> unknown_texts;
+  std::vector<std::string> unknown_texts;  // of the unknown value, see unknown_texts.h; none: "?" and the empty cell
 
   std::map<std::string, std::string> types;  // by column name: integer, uinteger, float, double or string
   std::map<std::string, std::string> kinds;  // by attribute name: discrete, continuous or ignore
+
+  std::function<void(std::size_t rows)> progress;  // told at each row how many have been read in this pass
 };
 
 // Reads the file, "-" for standard input, from its beginning to its end. A row of weight 0 is as if it were absent.

@@ -47,7 +47,8 @@ TEST(CsvReader, SkipsEmptyLinesOnlyAtTheEnd) {
 }
 
 TEST(CsvReader, RefusesWhatIsNoCsvNamingTheLine) {
-  const std::string inside = ": a quote inside a cell; quote the whole cell and double the quotes in it";
+  const std::string inside =
+      ": a quote inside a cell, or one that was not closed; quote whole cells and double the quotes in them";
   EXPECT_THAT(rows_of("a,b\n1,2\"\n"), ElementsAre("1:a|b", ":2" + inside));
   EXPECT_THAT(rows_of("\"a\nb\",c\n\"1\"2,3\n"), ElementsAre("1:a\nb|c", ":3" + inside));
   EXPECT_THAT(rows_of("a\n\"b\n\nc"), ElementsAre("1:a", ":2: a quote that is never closed"));

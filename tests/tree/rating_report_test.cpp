@@ -4,6 +4,7 @@
 
 #include "arbor/tree/shortest_text.h"
 #include "arbor/tree/table_loader.h"
+#include "tests/support/columns.h"
 #include "tests/support/temporary_file.h"
 
 namespace arbor::tests {
@@ -22,7 +23,7 @@ tree::table loaded() {
 
 TEST(RatingReport, TextAlignsTheColumnsAndSaysWhatCannotBeSplit) {
   const tree::table table = loaded();
-  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, 2);
+  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, table.cases, 2);
   tree::sort_ratings(ratings, tree::rating_order::gain);
   EXPECT_EQ(tree::table_line(table), "t.csv: 8 rows, 4 attributes, 10 unknown cells; class \"c\": x 4, y 4");
   EXPECT_EQ(
@@ -36,7 +37,7 @@ TEST(RatingReport, TextAlignsTheColumnsAndSaysWhatCannotBeSplit) {
 
 TEST(RatingReport, CsvQuotesWhereItMustAndLeavesOutWhatDoesNotApply) {
   const tree::table table = loaded();
-  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, 2);
+  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, table.cases, 2);
   tree::sort_ratings(ratings, tree::rating_order::name);
   EXPECT_EQ(tree::ratings_as_csv(table, ratings),
             "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split\n"
@@ -48,18 +49,26 @@ TEST(RatingReport, CsvQuotesWhereItMustAndLeavesOutWhatDoesNotApply) {
 
 TEST(RatingReport, JsonReadsBackToTheSameFloats) {
   const tree::table table = loaded();
-  const std::string json = tree::ratings_as_json(table, tree::rate_attributes(table, 2));
+  const std::string json = tree::ratings_as_json(table, tree::rate_attributes(table, table.cases, 2));
   for (const std::string part : {R"("attribute": "size, \"big\"")", R"("gain": 0.31127805)", R"("threshold": "0.1")",
                                  R"("no_split": "a single value")", R"("threshold": null)", R"("unknown_cells": 10)"}) {
     EXPECT_NE(json.find(part), std::string::npos) << part << " in " << json;
   }
 }
 
-TEST(ShortestText, ReadsBackToTheSameFloat) {
-  for (const float value : {0.1F, 1e-45F, 3.4028235e38F, -0.0F, 16777216.0F, 1e10F}) {
-    EXPECT_EQ(std::strtof(tree::shortest_text(value).c_str(), nullptr), value);
+TEST(ShortestText, GivesTheCodeAgainWherePrintingDoesNot) {
+  const auto numbers =
+      make_column("continuous", "float", listed("-inf,-1e-33,1e-45,1e-33,1.00001e-28,0.1,3.4028235e38,inf"));
+  for (unsigned int code = 1; code <= 8; ++code) {
+    EXPECT_EQ(numbers->get_index(tree::shortest_value(*numbers, code).c_str()), code);
   }
-  EXPECT_EQ(tree::shortest_text(0.1F), "0.1");
+  EXPECT_EQ(tree::shortest_value(*numbers, 6) + tree::shortest_value(*numbers, 0), "0.1?");
+  for (const auto& [low, high] : {std::pair{1U, 2U}, {2U, 3U}, {4U, 5U}, {7U, 8U}}) {
+    column::splitting_desc split;
+    split.low_code = low;
+    split.high_code = high;
+    EXPECT_EQ(numbers->get_index(tree::cut_threshold(*numbers, split).c_str()), low);
+  }
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST(TableLoader, TakesTypesKindsClassAndUnknownTextsAsTold) {
     o.class_name = "play";
     o.types = {{"code", "string"}};
     o.kinds = {{"size", "discrete"}, {"note", "ignore"}};
-    o.unknown_texts = {"NA", ""};
+    o.unknown_texts = {"NA", "", "\"\""};
   });
   const table loaded = load("code,play,size,note\n01,y,3,?\nNA,n,,\"\"\n1,y,4,NA\n", options);
   EXPECT_THAT(columns_of(loaded), ElementsAre("string discrete: 01 NA 1", "string class: y n y",
@@ -96,6 +96,7 @@ TEST(TableLoader, LeavesOutRowsOfWeightZeroWholly) {
     EXPECT_EQ(refusal("a,w,c\n1,1,x\n1," + bad + ",x\n", options), ":3: column \"w\": \"" + bad + "\"" + no_weight);
   }
   EXPECT_EQ(refusal("a,w,c\n1,0,x\n", options), ": every row has the weight 0");
+  EXPECT_EQ(refusal("w,a,c\n3e38,1,x\n3e38,2,y\n", options), ": the weights add up to more than a float can hold");
 }
 
 TEST(TableLoader, LooksUpTextsOfAnyBytes) {
@@ -114,26 +115,32 @@ TEST(TableLoader, LooksUpTextsOfAnyBytes) {
 
 TEST(TableLoader, RemarksOnOddTextsAndOnNumbersThatMerge) {
   EXPECT_THAT(
-      load("a,c\nNA,x\n1,x\n2.5,x\n7,x\nNA,x\n").remarks,
+      load("a,c\nNA,x\n1,x\n2.5,x\n7,y\nNA,x\n").remarks,
       ElementsAre("column \"a\" is of texts, but all its values are numbers except \"NA\" in 2 cells; if that means "
                   "unknown, say --unknown '?' --unknown '' --unknown 'NA'"));
-  EXPECT_THAT(load("a,c\n1,x\nred,x\ngreen,x\nblue,x\nwhite,x\n2,x\n").remarks, ElementsAre());
+  EXPECT_THAT(load("a,c\n1,x\nred,x\ngreen,x\nblue,x\nwhite,x\n2,y\n").remarks, ElementsAre());
   // 16777216 and 16777217 are one float, and so are all three numbers that are too small for one; 0.1 is 0.10.
+  EXPECT_THAT(load("a,b,c\n16777216,1e-60,x\n16777217,2e-60,x\n16777217.0,1e-60,x\n0.1,-1e-60,x\n0.10,3,y\n").remarks,
+              ElementsAre("column \"a\" loses 1 distinct number: as float it is equal to another one",
+                          "column \"b\" loses 2 distinct numbers: as float they are equal to others"));
+  EXPECT_THAT(load("a,b,c\n?,1,x\n").remarks,
+              ElementsAre("column \"a\" has no known value and is ignored",
+                          "column \"c\" is the class and has a single value: nothing can be gained"));
   EXPECT_THAT(
-      load("a,b,c\n16777216,1e-60,x\n16777217,2e-60,x\n16777217.0,1e-60,x\n0.1,-1e-60,x\n0.10,3,x\n").remarks,
-      ElementsAre("column \"a\": of its distinct numbers 1 equal another one as float and count as the same value",
-                  "column \"b\": of its distinct numbers 2 equal another one as float and count as the same value"));
-  EXPECT_THAT(load("a,b,c\n?,1,x\n").remarks, ElementsAre("column \"a\" has no known value and is ignored"));
+      load("a,c\nit's,x\n1,x\n2,y\n\"\",x\n7,x\n").remarks,
+      ElementsAre("column \"a\" is of texts, but all its values are numbers except \"it's\" in 1 cell, \"\" in 1 "
+                  "cell; if that means unknown, say --unknown '?' --unknown '' --unknown 'it'\\''s' --unknown '\"\"'"));
+  EXPECT_THAT(load("a,c\n12345678901234567890,x\n12345678901234567891,y\n1.2345678901234567891e19,x\n").remarks,
+              ElementsAre("column \"a\" loses 1 distinct number: as float it is equal to another one"));
 }
 
 TEST(TableLoader, RefusesWhatIsNoTableNamingThePlace) {
-  const std::string counts =
-      " cells, but the first row names 2 columns; a cell with a comma or a newline in it needs quotes";
+  const std::string counts = ", but the first row names 2 columns";
   EXPECT_EQ(refusal(""), ": empty; a table begins with a row of column names");
   EXPECT_EQ(refusal("a,c\n"), ": no rows below the column names");
-  EXPECT_EQ(refusal("c\nx\n"), ": no column beside the class to rate");
-  EXPECT_EQ(refusal("a,c\n\"1\n2\",x\n1\n"), ":4: 1" + counts);
-  EXPECT_EQ(refusal("a,c\n1,2,3\n"), ":2: 3" + counts);
+  EXPECT_EQ(refusal("a;c\nx\n"), ":1: only one column, \"a;c\"; a table has several, between commas");
+  EXPECT_EQ(refusal("a,c\n\"1\n2\",x\n1\n"), ":4: 1 cell" + counts);
+  EXPECT_EQ(refusal("a,c\n1,2,3\n"), ":2: 3 cells" + counts + "; a cell with a comma in it needs quotes");
   EXPECT_EQ(refusal("a,,c\n"), ":1: column 2 has no name");
   EXPECT_EQ(refusal("a,b,a\n"), ":1: two columns have the name \"a\"");
   EXPECT_EQ(
@@ -159,7 +166,9 @@ TEST(TableLoader, RefusesOptionsThatDoNotGoWithTheTable) {
   EXPECT_EQ(refusal("a,c\nnan,x\n", with([](load_options& o) { o.types["a"] = "float"; })),
             ":2: column \"a\": \"nan\" is not of the type float that was chosen for the column");
   EXPECT_EQ(refusal(csv, with([](load_options& o) { o.types["weight"] = "double"; })),
-            ": Continuous column 'weight' requires a numeric data type");
+            ": column \"weight\": Continuous column 'weight' requires a numeric data type; the numeric data types are "
+            "integer, "
+            "uinteger and float");
 }
 
 }  // namespace

@@ -1,0 +1,174 @@
+#include "arbor/tree/classification.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <stdexcept>
+
+#include "arbor/tree/domain_text.h"
+#include "arbor/utils/number_text.h"
+
+namespace arbor::tree {
+
+namespace {
+
+using impls::column;
+using impls::o_set;
+
+constexpr unsigned int every_branch = 0;  // no branch has this number
+
+// The child of a test that stands for a branch; null when every branch is to be gone down.
+const tree_node* child_on(const decision_tree& tree, const tree_node& test, unsigned int branch) {
+  const auto first = tree.nodes.begin() + test.first_child;
+  const auto last = first + test.child_count;
+  const auto child =
+      std::lower_bound(first, last, branch, [](const tree_node& n, unsigned int b) { return n.branch < b; });
+  return branch == every_branch || child == last || child->branch != branch ? nullptr : &*child;
+}
+
+// Adds up the distributions of all leaves that a case comes to; `branch_of` tells the branch of a node's index.
+template <class BranchOf>
+std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_of) {
+  std::vector<double> result(tree.nodes.front().class_weights.size(), 0.0);
+  std::vector<std::pair<std::size_t, double>> open{{0, 1.0}};
+  while (!open.empty()) {
+    const auto [index, weight] = open.back();
+    open.pop_back();
+    const tree_node& node = tree.nodes[index];
+    if (node.is_leaf()) {
+      const double cases = weigh(node).cases;
+      for (std::size_t c = 0; c < result.size(); ++c) {
+        result[c] += weight * static_cast<double>(node.class_weights[c]) / cases;
+      }
+    } else if (const tree_node* child = child_on(tree, node, branch_of(index))) {
+      open.emplace_back(child - tree.nodes.data(), weight);
+    } else {
+      for (std::size_t i = node.first_child; i < node.first_child + node.child_count; ++i) {
+        open.emplace_back(i, weight * static_cast<double>(tree.nodes[i].share));
+      }
+    }
+  }
+  const double sum = std::accumulate(result.begin(), result.end(), 0.0);
+  for (double& probability : result) probability /= sum;
+  return result;
+}
+
+const column& column_named(const table& rows, const std::string& name) {
+  for (const auto& candidate : rows.columns) {
+    if (candidate->get_name() == name) return *candidate;
+  }
+  throw std::runtime_error("the table has no column of the name " + name);
+}
+
+// A number as the domain of a continuous attribute holds it. What it takes for an integer without being a number, a
+// sign alone, is 0.
+double number_of(const column& attribute, const char* text) {
+  double number = 0;
+  strata::util::read_number(text, number);
+  const bool is_float = attribute.get_o_set()->get_datatype() == "float";
+  return is_float ? static_cast<double>(static_cast<float>(number)) : number;
+}
+
+}  // namespace
+
+std::size_t likeliest_class(const std::vector<double>& distribution) {
+  return static_cast<std::size_t>(std::max_element(distribution.begin(), distribution.end()) - distribution.begin());
+}
+
+row_classifier::row_classifier(const decision_tree& grown, const table& rows)
+    : tree(grown), parents(grown.nodes.size(), 0) {
+  for (const auto& attribute : tree.attributes) columns.push_back(&column_named(rows, attribute->get_name()));
+  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+    const tree_node& node = tree.nodes[i];
+    const bool cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
+    thresholds.push_back(cut ? columns[node.attribute]->get_index(node.split.threshold.c_str()) : 0);
+    for (unsigned int child = 0; child < node.child_count; ++child) parents[node.first_child + child] = i;
+  }
+}
+
+unsigned int row_classifier::branch_of(std::size_t node, unsigned int row) const {
+  const column& attribute = *columns[tree.nodes[node].attribute];
+  const unsigned int code = attribute.get_row_index(row);
+  if (code == 0 || attribute.is_discrete()) return code;
+  return code <= thresholds[node] ? 1 : 2;
+}
+
+std::vector<double> row_classifier::operator()(unsigned int row) const {
+  return distribution_of(tree, [&](std::size_t node) { return branch_of(node, row); });
+}
+
+double row_classifier::weight_at(unsigned int row, std::size_t node) const {
+  double weight = 1;
+  while (node != 0) {
+    const std::size_t parent = parents[node];
+    const tree_node* child = child_on(tree, tree.nodes[parent], branch_of(parent, row));
+    if (child == nullptr) {
+      weight *= static_cast<double>(tree.nodes[node].share);
+    } else if (child != &tree.nodes[node]) {
+      return 0;
+    }
+    node = parent;
+  }
+  return weight;
+}
+
+text_classifier::text_classifier(const decision_tree& grown) : tree(grown), values(grown.attributes.size()) {
+  for (const tree_node& node : tree.nodes) {
+    const bool cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
+    thresholds.push_back(cut ? number_of(*tree.attributes[node.attribute], node.split.threshold.c_str()) : 0);
+  }
+}
+
+text_classifier::value text_classifier::read(const column& attribute, const char* text) {
+  if (text == nullptr) return {};
+  o_set& domain = *attribute.get_o_set();
+  value result;
+  if (attribute.is_continuous()) {
+    domain.leq(text, text);  // throws if the text is not of the data type
+    result.known = true;
+    result.number = number_of(attribute, text);
+    if (std::isnan(result.number)) throw std::runtime_error("not a number");
+  } else {
+    const bool is_text = domain.get_datatype() == "string";
+    result.known = domain.get_order(is_text ? to_domain_text(text).c_str() : text, result.code);
+  }
+  return result;
+}
+
+std::vector<double> text_classifier::operator()(const std::vector<const char*>& texts) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    try {
+      values[i] = read(*tree.attributes[i], texts[i]);
+    } catch (const std::runtime_error&) {
+      throw unfit_text(i);
+    }
+  }
+  return distribution_of(tree, [&](std::size_t index) {
+    const unsigned int attribute = tree.nodes[index].attribute;
+    const value& tested = values[attribute];
+    if (!tested.known) return every_branch;
+    if (!tree.attributes[attribute]->is_continuous()) return tested.code;
+    return tested.number <= thresholds[index] ? 1U : 2U;
+  });
+}
+
+double confusion_matrix::total() const {
+  return std::accumulate(cells.begin(), cells.end(), 0.0);
+}
+
+double confusion_matrix::errors() const {
+  double right = 0;
+  for (std::size_t c = 0; c < count; ++c) right += at(c, c);
+  return total() - right;
+}
+
+confusion_matrix classify_cases(const decision_tree& tree, const table& rows, const impls::w_sequence& cases) {
+  const row_classifier say(tree, rows);
+  confusion_matrix result(tree.nodes.front().class_weights.size());
+  for (const auto& [row, weight] : cases) {
+    result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(say(row)), static_cast<double>(weight));
+  }
+  return result;
+}
+
+}  // namespace arbor::tree

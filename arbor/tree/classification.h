@@ -1,0 +1,99 @@
+// What a tree says of cases.
+//
+//   text_classifier say(tree);
+//   std::vector<const char*> texts{"sunny", nullptr};  // by attribute of the tree; null is unknown
+//   std::vector<double> distribution = say(texts);
+//
+// A case goes down the branch of its value. When the value is unknown, or no training case of the node had it, the case
+// goes down every branch, its weight multiplied by the branch's share; the distributions of all leaves it comes to are
+// added up.
+#ifndef ARBOR_TREE_CLASSIFICATION_H
+#define ARBOR_TREE_CLASSIFICATION_H
+
+#include <stdexcept>
+#include <vector>
+
+#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/table.h"
+
+namespace arbor::tree {
+
+// The class of the greatest probability, as an entry of a distribution; of equal ones the first.
+std::size_t likeliest_class(const std::vector<double>& distribution);
+
+// Classifies the rows of the table that the tree was grown on, or of another with the same domains. Neither may change
+// while the classifier is used. Throws std::runtime_error when the table lacks a column of the tree.
+class row_classifier {
+ public:
+  row_classifier(const decision_tree& tree, const table& rows);
+
+  // The probability of each class, entry c that of the class with code c + 1.
+  std::vector<double> operator()(unsigned int row) const;
+
+  // What of a row's weight of 1 comes to a node.
+  double weight_at(unsigned int row, std::size_t node) const;
+
+ private:
+  unsigned int branch_of(std::size_t node, unsigned int row) const;
+
+  const decision_tree& tree;
+  std::vector<const impls::column*> columns;  // by attribute
+  std::vector<unsigned int> thresholds;       // by node: the code of its threshold
+  std::vector<std::size_t> parents;           // by node
+};
+
+// A text that is not of the data type of its attribute.
+class unfit_text : public std::runtime_error {
+ public:
+  explicit unfit_text(std::size_t of_attribute)
+      : std::runtime_error("a text is not of the data type of its attribute"), attribute(of_attribute) {}
+
+  std::size_t attribute;
+};
+
+// Classifies cases that are given as texts.
+class text_classifier {
+ public:
+  explicit text_classifier(const decision_tree& tree);
+
+  // `texts` are those of the tree's attributes, as they stand in a table, null for the unknown value. Throws
+  // unfit_text.
+  std::vector<double> operator()(const std::vector<const char*>& texts);
+
+ private:
+  // A value as the tests read it: a number for a continuous attribute, a code for a discrete one.
+  struct value {
+    bool known = false;
+    double number = 0;
+    unsigned int code = 0;
+  };
+
+  static value read(const impls::column& attribute, const char* text);
+
+  const decision_tree& tree;
+  std::vector<double> thresholds;  // by node
+  std::vector<value> values;       // by attribute, of the case at hand
+};
+
+// How often a class was said of which class, in weights.
+class confusion_matrix {
+ public:
+  explicit confusion_matrix(std::size_t classes) : count(classes), cells(classes * classes, 0.0) {}
+
+  void add(std::size_t actual, std::size_t said, double weight) { cells[actual * count + said] += weight; }
+  std::size_t classes() const { return count; }
+  double at(std::size_t actual, std::size_t said) const { return cells[actual * count + said]; }
+  double total() const;
+  double errors() const;
+
+ private:
+  std::size_t count;
+  std::vector<double> cells;
+};
+
+// Classifies cases of the table that the tree was grown on.
+confusion_matrix classify_cases(const decision_tree& tree, const table& rows, const impls::w_sequence& cases);
+
+}  // namespace arbor::tree
+
+#endif

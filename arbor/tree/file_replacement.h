@@ -1,0 +1,37 @@
+// Replaces a file as a whole or not at all.
+//
+//   file_replacement file("golf.model");
+//   write(file.temporary_path());
+//   file.commit();
+#ifndef ARBOR_TREE_FILE_REPLACEMENT_H
+#define ARBOR_TREE_FILE_REPLACEMENT_H
+
+#include <string>
+
+namespace arbor::tree {
+
+// Whatever happens before `commit` has returned, the file that was there stays as it was; the temporary file beside it
+// goes with this object, and when the process is interrupted or told to end (SIGINT, SIGTERM, SIGHUP). One exists at a
+// time.
+class file_replacement {
+ public:
+  // Creates the temporary file, empty, in the folder of `path`. Throws table_error.
+  explicit file_replacement(const std::string& path);
+  ~file_replacement();
+  file_replacement(const file_replacement&) = delete;
+  file_replacement& operator=(const file_replacement&) = delete;
+
+  const std::string& temporary_path() const { return temporary; }
+
+  // Makes sure that what the temporary file holds is on the disk, and gives it the name of the file. Throws
+  // table_error.
+  void commit();
+
+ private:
+  std::string target;
+  std::string temporary;
+};
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,35 @@
+// Grows a decision tree on the cases of a table.
+//
+//   grow_options options;
+//   options.min_weight = 5;
+//   decision_tree tree = grow_tree(golf, golf.cases, options);
+//
+// Top-down induction by gain ratio: J. R. Quinlan, "Induction of decision trees", Machine Learning 1 (1986). A node's
+// test is the attribute with the best gain ratio among those whose gain is at least the average of all that split.
+#ifndef ARBOR_TREE_GROWER_H
+#define ARBOR_TREE_GROWER_H
+
+#include <functional>
+#include <limits>
+
+#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/table.h"
+
+namespace arbor::tree {
+
+struct grow_options {
+  float min_weight = 2;                                               // the least weight of a branch
+  unsigned int max_depth = std::numeric_limits<unsigned int>::max();  // of tests one below the other
+  bool prune = true;                                                  // see pruning.h
+  float confidence = 0.25F;                                           // of pruning
+  std::function<void(double settled)> progress;  // told now and then which share of the cases has come to a leaf
+};
+
+// Grows a tree on `cases`, rows of `training` with their weights, of which there is at least one. A node becomes a leaf
+// when its cases are of one class, weigh less than twice `min_weight`, lie `max_depth` deep, or have no split.
+// The same cases in the same order always give the same tree.
+decision_tree grow_tree(const table& training, const impls::w_sequence& cases, const grow_options& options);
+
+}  // namespace arbor::tree
+
+#endif

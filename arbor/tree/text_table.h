@@ -1,0 +1,19 @@
+// Words and columns of reports.
+#ifndef ARBOR_TREE_TEXT_TABLE_H
+#define ARBOR_TREE_TEXT_TABLE_H
+
+#include <string>
+#include <vector>
+
+namespace arbor::tree {
+
+// "1 leaf", "2 leaves"; without `many`, one thing with an s.
+std::string counted(std::size_t count, const std::string& one, const std::string& many = "");
+
+// The rows, a line each, with their cells under each other. `sides` tells for each column whether it is flush left
+// ('l') or right ('r').
+std::string aligned(const std::vector<std::vector<std::string>>& rows, const std::string& sides);
+
+}  // namespace arbor::tree
+
+#endif

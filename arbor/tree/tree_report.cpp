@@ -1,0 +1,203 @@
+#include "arbor/tree/tree_report.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "arbor/tree/float_json.h"
+#include "arbor/tree/message_text.h"
+#include "arbor/tree/shortest_text.h"
+#include "arbor/tree/text_table.h"
+
+namespace arbor::tree {
+
+namespace {
+
+using impls::column;
+
+// A weight to two decimals at most: 4, 2.5, 0.33.
+std::string weight_text(double weight) {
+  std::string text = fmt::format("{:.2f}", weight);
+  while (text.back() == '0') text.pop_back();
+  if (text.back() == '.') text.pop_back();
+  return text;
+}
+
+std::string class_text(const decision_tree& tree, std::size_t entry) {
+  return value_text(*tree.class_column, static_cast<unsigned int>(entry) + 1);
+}
+
+std::string threshold_of(const column& tested, const tree_node& test) {
+  return shortest_value(tested, tested.get_index(test.split.threshold.c_str()));
+}
+
+std::string branch_value(const column& tested, const tree_node& child) {
+  if (!tested.is_continuous()) return value_text(tested, child.branch);
+  return child.branch == 1 ? "<=" : ">";
+}
+
+std::string branch_text(const column& tested, const tree_node& parent, const tree_node& child) {
+  const std::string name = printable(tested.get_name());
+  const std::string value = printable(branch_value(tested, child));
+  if (!tested.is_continuous()) return name + " = " + value;
+  return name + " " + value + " " + threshold_of(tested, parent);
+}
+
+std::string leaf_text(const decision_tree& tree, const tree_node& node) {
+  const leaf_weight weight = weigh(node);
+  const std::string errors = weight.errors > 0 ? "/" + weight_text(weight.errors) : "";
+  const std::string majority = printable(class_text(tree, heaviest_class(node.class_weights)));
+  return fmt::format("{} ({}{})", majority, weight_text(weight.cases), errors);
+}
+
+// Calls `visit` with the index and depth of every node down to `depth`, each before its children, these in their order.
+template <class Visit>
+void for_each_node(const decision_tree& tree, std::size_t depth, Visit visit) {
+  std::vector<std::pair<std::size_t, std::size_t>> open{{0, 0}};
+  while (!open.empty()) {
+    const auto [index, level] = open.back();
+    open.pop_back();
+    visit(index, level);
+    const tree_node& node = tree.nodes[index];
+    if (level == depth) continue;
+    for (unsigned int i = node.child_count; i-- > 0;) open.emplace_back(node.first_child + i, level + 1);
+  }
+}
+
+std::vector<std::size_t> parents_of(const decision_tree& tree) {
+  std::vector<std::size_t> parents(tree.nodes.size(), 0);
+  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+    for (unsigned int child = 0; child < tree.nodes[i].child_count; ++child) {
+      parents[tree.nodes[i].first_child + child] = i;
+    }
+  }
+  return parents;
+}
+
+// How many leaves are below each node; a leaf is its own.
+std::vector<std::size_t> leaves_below(const decision_tree& tree) {
+  std::vector<std::size_t> leaves(tree.nodes.size(), 0);
+  for (std::size_t i = tree.nodes.size(); i-- > 0;) {
+    const tree_node& node = tree.nodes[i];
+    if (node.is_leaf()) leaves[i] = 1;
+    for (unsigned int child = 0; child < node.child_count; ++child) leaves[i] += leaves[node.first_child + child];
+  }
+  return leaves;
+}
+
+// A text in double quotes, as Graphviz reads it.
+std::string dot_text(const std::string& text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') result += '\\';
+    result += c;
+  }
+  return result + '"';
+}
+
+}  // namespace
+
+std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
+  const std::vector<std::size_t> parents = parents_of(tree);
+  const std::vector<std::size_t> leaves = leaves_below(tree);
+  std::string report;
+  for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
+    const tree_node& node = tree.nodes[index];
+    if (level > 0) {
+      const tree_node& parent = tree.nodes[parents[index]];
+      for (std::size_t i = 1; i < level; ++i) report += "|   ";
+      report += branch_text(*tree.attributes[parent.attribute], parent, node);
+    }
+    if (node.is_leaf()) {
+      report += (level > 0 ? ": " : "") + leaf_text(tree, node);
+    } else if (level == depth) {
+      report += fmt::format("{}... {} more leaves", level > 0 ? ": " : "", leaves[index]);
+    }
+    if (level > 0 || report.size() > 0) report += '\n';
+  });
+  return report;
+}
+
+std::string tree_as_dot(const decision_tree& tree, std::size_t depth) {
+  std::string report = "digraph tree {\n  node [fontname=\"sans-serif\"]\n  edge [fontname=\"sans-serif\"]\n";
+  for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
+    const tree_node& node = tree.nodes[index];
+    if (node.is_leaf() || level == depth) {
+      const std::string more = node.is_leaf() ? "" : " ...";
+      report += fmt::format("  n{} [shape=box label={}]\n", index, dot_text(leaf_text(tree, node) + more));
+      return;
+    }
+    const column& tested = *tree.attributes[node.attribute];
+    report += fmt::format("  n{} [label={}]\n", index, dot_text(printable(tested.get_name())));
+    for (std::size_t i = node.first_child; i < node.first_child + node.child_count; ++i) {
+      std::string label = printable(branch_value(tested, tree.nodes[i]));
+      if (tested.is_continuous()) label += " " + threshold_of(tested, node);
+      report += fmt::format("  n{} -> n{} [label={}]\n", index, i, dot_text(label));
+    }
+  });
+  return report + "}\n";
+}
+
+std::string tree_as_json(const decision_tree& tree) {
+  const std::vector<std::size_t> parents = parents_of(tree);
+  float_json classes = float_json::array();
+  const std::size_t class_count = tree.nodes.front().class_weights.size();
+  for (std::size_t c = 0; c < class_count; ++c) classes.push_back(class_text(tree, c));
+  float_json report{{"class", tree.class_column->get_name()}, {"classes", classes}, {"nodes", float_json::array()}};
+  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+    const tree_node& node = tree.nodes[i];
+    float_json entry{
+        {"node", i}, {"weights", node.class_weights}, {"class", class_text(tree, heaviest_class(node.class_weights))}};
+    if (i > 0) {
+      const column& tested = *tree.attributes[tree.nodes[parents[i]].attribute];
+      entry["parent"] = parents[i];
+      entry["branch"] = branch_value(tested, node);
+      entry["share"] = node.share;
+    }
+    if (!node.is_leaf()) {
+      const column& tested = *tree.attributes[node.attribute];
+      entry["attribute"] = tested.get_name();
+      if (tested.is_continuous()) entry["threshold"] = threshold_of(tested, node);
+      entry["children"] = float_json::array();
+      for (std::size_t c = node.first_child; c < node.first_child + node.child_count; ++c)
+        entry["children"].push_back(c);
+    }
+    report["nodes"].push_back(std::move(entry));
+  }
+  return json_text(report);
+}
+
+std::string size_line(const decision_tree& tree) {
+  const tree_size size = measure(tree);
+  return fmt::format("{}, {}, depth {}", counted(size.nodes, "node"), counted(size.leaves, "leaf", "leaves"),
+                     size.depth);
+}
+
+std::string error_line(const std::string& which_cases, const confusion_matrix& matrix) {
+  const double total = matrix.total();
+  return fmt::format("errors on the {} {} cases: {} ({:.1f}%)", weight_text(total), which_cases,
+                     weight_text(matrix.errors()), total > 0 ? 100 * matrix.errors() / total : 0);
+}
+
+std::string matrix_as_text(const decision_tree& tree, const confusion_matrix& matrix) {
+  constexpr std::size_t most_classes = 20;
+  std::vector<std::size_t> occurring;
+  for (std::size_t c = 0; c < matrix.classes(); ++c) {
+    double weight = 0;
+    for (std::size_t other = 0; other < matrix.classes(); ++other) weight += matrix.at(c, other) + matrix.at(other, c);
+    if (weight > 0) occurring.push_back(c);
+  }
+  if (occurring.size() > most_classes) return fmt::format("({} classes: too many for a matrix)\n", occurring.size());
+  std::vector<std::vector<std::string>> rows{{"actual \\ said"}};
+  for (const std::size_t c : occurring) rows.front().push_back(printable(class_text(tree, c)));
+  for (const std::size_t actual : occurring) {
+    std::vector<std::string> row{printable(class_text(tree, actual))};
+    for (const std::size_t said : occurring) row.push_back(weight_text(matrix.at(actual, said)));
+    rows.push_back(std::move(row));
+  }
+  return aligned(rows, 'l' + std::string(occurring.size(), 'r'));
+}
+
+}  // namespace arbor::tree

@@ -1,0 +1,24 @@
+#include "arbor/tree/unknown_texts.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace arbor::tree {
+
+unknown_texts::unknown_texts(std::vector<std::string> chosen) : all(std::move(chosen)) {
+  if (all.empty()) all = {"?", ""};
+  empty_is_unknown = contain("");
+  quoted_empty_is_unknown = contain("\"\"");
+}
+
+const char* unknown_texts::known_text(const csv_row& row, std::size_t cell) const {
+  const char* text = row.text(cell);
+  const bool unknown = *text != '\0' ? contain(text) : row.is_empty(cell) ? empty_is_unknown : quoted_empty_is_unknown;
+  return unknown ? nullptr : text;
+}
+
+bool unknown_texts::contain(const char* text) const {
+  return std::any_of(all.begin(), all.end(), [text](const std::string& unknown) { return unknown == text; });
+}
+
+}  // namespace arbor::tree

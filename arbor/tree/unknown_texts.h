@@ -1,0 +1,34 @@
+// Which cells of a CSV file are unknown.
+#ifndef ARBOR_TREE_UNKNOWN_TEXTS_H
+#define ARBOR_TREE_UNKNOWN_TEXTS_H
+
+#include <string>
+#include <vector>
+
+#include "arbor/tree/csv_reader.h"
+
+namespace arbor::tree {
+
+class unknown_texts {
+ public:
+  // The texts that stand for the unknown value; an empty one for the empty cell, quoted or not. None at all: "?" and
+  // the empty cell without quotes.
+  explicit unknown_texts(std::vector<std::string> chosen);
+
+  // The text of a cell, null if it is unknown. Valid as long as the row.
+  const char* known_text(const csv_row& row, std::size_t cell) const;
+
+  // Those in use; there is at least one.
+  const std::vector<std::string>& texts() const { return all; }
+
+ private:
+  bool contain(const char* text) const;
+
+  std::vector<std::string> all;
+  bool empty_is_unknown;
+  bool quoted_empty_is_unknown;
+};
+
+}  // namespace arbor::tree
+
+#endif
