@@ -63,12 +63,12 @@ TEST(Program, SaysInOneLineWhatIsWrongAndExitsWithTwo) {
   const std::vector<std::pair<std::string, std::string>> wrong{
       {"", "no command; \"arbor --help\" tells which there are"},
       {"raet x.csv", "there is no command \"raet\"; did you mean \"rate\"?"},
-      {"rate", "no table to rate; name a CSV file, or - for standard input"},
+      {"rate", "no table; name a CSV file, or - for standard input"},
       {"rate " + golf + " --fromat csv", "there is no option \"--fromat\"; did you mean \"--format\"?"},
       {"rate " + golf + " --class", "--class takes one value, once"},
       {"rate " + golf + " more", "\"more\" is one argument too many"},
       {"rate " + golf + " --sort gian", "--sort: \"gian\" is none of ratio, gain, name; did you mean \"gain\"?"},
-      {"rate " + golf + " --min-weight=-1", "--min-weight: \"-1\" is no weight; give a finite number from 0 up"},
+      {"rate " + golf + " --min-weight=-1", "--min-weight: \"-1\" is not a finite number from 0 up"},
       {"rate " + golf + " --type windy", "--type: \"windy\" is not of the form NAME=TYPE"},
       {"rate /nowhere/x.csv", "/nowhere/x.csv: cannot be opened: No such file or directory"},
       {"rate /tmp", "/tmp: cannot be read: Is a directory"}};

@@ -1,11 +1,10 @@
 #include "tools/command_line.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iostream>
+#include <vector>
 
 #include "arbor/tree/message_text.h"
-#include "arbor/utils/number_text.h"
 
 namespace arbor::tools {
 
@@ -68,26 +67,9 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
   return true;
 }
 
-std::map<std::string, std::string> name_values(const std::string& option, const std::vector<std::string>& given) {
-  std::map<std::string, std::string> result;
-  for (const std::string& text : given) {
-    const std::size_t equals = text.rfind('=');
-    if (equals == std::string::npos || equals == 0) {
-      throw usage_error(option + ": " + in_quotes(text) +
-                        " is not of the form NAME=" + (option == "--type" ? "TYPE" : "KIND"));
-    }
-    const bool first = result.emplace(text.substr(0, equals), text.substr(equals + 1)).second;
-    if (!first) throw usage_error(option + ": " + in_quotes(text.substr(0, equals)) + " is named twice");
-  }
-  return result;
-}
-
-float weight_value(const std::string& option, const std::string& given) {
-  double value = 0;
-  if (!strata::util::read_number(given.c_str(), value) || !(value >= 0) || !std::isfinite(static_cast<float>(value))) {
-    throw usage_error(option + ": " + in_quotes(given) + " is no weight; give a finite number from 0 up");
-  }
-  return static_cast<float>(value);
+command::command(CLI::App& app, const char* name, const char* description, const char* help)
+    : parser(*app.add_subcommand(name, description)) {
+  parser.footer(help);
 }
 
 }  // namespace arbor::tools

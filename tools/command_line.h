@@ -3,10 +3,8 @@
 #define ARBOR_TOOLS_COMMAND_LINE_H
 
 #include <CLI/CLI.hpp>
-#include <map>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace arbor::tools {
 
@@ -20,11 +18,24 @@ class usage_error : public std::runtime_error {
 // arguments and for an option without its value.
 bool parse_command_line(CLI::App& app, int argc, const char* const* argv);
 
-// Splits the values NAME=VALUE of a repeatable option; a name may hold a "=", a value may not. Throws usage_error.
-std::map<std::string, std::string> name_values(const std::string& option, const std::vector<std::string>& given);
+// What "arbor NAME ..." does.
+class command {
+ public:
+  // Adds the command to `app`; `help` comes behind its options.
+  command(CLI::App& app, const char* name, const char* description, const char* help);
+  virtual ~command() = default;
+  command(const command&) = delete;
+  command& operator=(const command&) = delete;
 
-// Reads a finite number from 0 up. Throws usage_error.
-float weight_value(const std::string& option, const std::string& given);
+  bool chosen() const { return parser.parsed(); }
+
+  // Prints the results on standard output, all else on standard error. Throws usage_error for an option's value that is
+  // none, and whatever else is wrong as an exception whose text is one line.
+  virtual void run() = 0;
+
+ protected:
+  CLI::App& parser;
+};
 
 }  // namespace arbor::tools
 

@@ -3,21 +3,42 @@
 #include <cerrno>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <new>
 
-#include "tools/command_line.h"
+#include "tools/classify_command.h"
+#include "tools/grow_command.h"
 #include "tools/rate_command.h"
+#include "tools/show_command.h"
 
 namespace {
 
+using namespace arbor::tools;
+
 constexpr int failure = 2;
 
+constexpr const char* help = R"("arbor COMMAND --help" tells more of a command.
+
+Examples:
+  arbor rate golf.csv --class play
+  arbor grow golf.csv --model golf.model
+  arbor show golf.model
+  arbor classify golf.model tomorrow.csv)";
+
 int run(int argc, const char* const* argv) {
-  CLI::App app("Rates the attributes of tables for decision trees.", "arbor");
+  CLI::App app("Decision trees from tables.", "arbor");
   app.set_version_flag("--version", "arbor " ARBOR_VERSION);
-  app.footer("\"arbor COMMAND --help\" tells more of a command.\n\nExample:\n  arbor rate golf.csv --class play");
-  const arbor::tools::rate_command rate(app);
-  if (arbor::tools::parse_command_line(app, argc, argv) && rate.chosen()) rate.run();
+  app.footer(help);
+  std::vector<std::unique_ptr<command>> commands;
+  commands.push_back(std::make_unique<rate_command>(app));
+  commands.push_back(std::make_unique<grow_command>(app));
+  commands.push_back(std::make_unique<show_command>(app));
+  commands.push_back(std::make_unique<classify_command>(app));
+  if (parse_command_line(app, argc, argv)) {
+    for (const auto& command : commands) {
+      if (command->chosen()) command->run();
+    }
+  }
   std::cout.flush();
   if (!std::cout) {
     std::cerr << "arbor: the results could not be written to standard output: " << std::strerror(errno) << '\n';

@@ -4,14 +4,12 @@
 
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/rating_report.h"
-#include "arbor/tree/table_loader.h"
-#include "tools/command_line.h"
 
 namespace arbor::tools {
 
 namespace {
 
-constexpr const char* examples = R"(The table is a CSV file whose first row names the columns. A column holds integers,
+constexpr const char* help = R"(The table is a CSV file whose first row names the columns. A column holds integers,
 else floats, else strings, whichever its values all fit. Attributes of numbers are
 continuous: a split has two branches, at the best threshold. Attributes of strings are
 discrete: a split has one branch for each value.
@@ -35,63 +33,36 @@ tree::rating_order order_named(const std::string& name) {
 }  // namespace
 
 rate_command::rate_command(CLI::App& app)
-    : command(app.add_subcommand("rate", "Tell how good a split each attribute of a table would make")) {
-  command->add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
-  command->add_option("--class", class_name, "The column to predict (default: the last one)")->type_name("NAME");
-  command
-      ->add_option("--weights", weights_name, "The column of weights; 0 leaves a row out (default: all rows weigh 1)")
-      ->type_name("NAME");
-  command
-      ->add_option("--min-weight", min_weight, "The least weight of two values, or of a threshold's sides (default: 2)")
+    : command(app, "rate", "Tell how good a split each attribute of a table would make", help) {
+  parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
+  table.add_to(parser);
+  parser
+      .add_option("--min-weight", min_weight, "The least weight of two values, or of a threshold's sides (default: 2)")
       ->type_name("W");
-  command
-      ->add_option("--unknown", unknown_texts,
-                   "What means unknown, '' the empty cell, '\"\"' one in quotes; repeatable (default: ? and '')")
-      ->type_name("TEXT")
-      ->take_all()
-      ->allow_extra_args(false);
-  command->add_option("--type", types, "A column's data type: integer, uinteger, float, double or string; repeatable")
-      ->type_name("NAME=TYPE")
-      ->take_all()
-      ->allow_extra_args(false);
-  command->add_option("--kind", kinds, "An attribute's kind: discrete, continuous or ignore; repeatable")
-      ->type_name("NAME=KIND")
-      ->take_all()
-      ->allow_extra_args(false);
-  command->add_option("--format", format, "text, csv or json (default: text)")->type_name("FORMAT");
-  command->add_option("--sort", sort, "By ratio, gain or name (default: ratio)")->type_name("ORDER");
-  command->footer(examples);
+  parser.add_option("--format", format, "text, csv or json (default: text)")->type_name("FORMAT");
+  parser.add_option("--sort", sort, "By ratio, gain or name (default: ratio)")->type_name("ORDER");
 }
 
-void rate_command::run() const {
-  for (const char* named : {"--class", "--weights"}) {
-    if (command->count(named) > 0 && command->get_option(named)->as<std::string>().empty()) {
-      throw usage_error(std::string(named) + ": the name of the column is empty");
-    }
-  }
-  if (table_path.empty()) throw usage_error("no table to rate; name a CSV file, or - for standard input");
+void rate_command::run() {
   tree::check_choice("--format: ", format, {"text", "csv", "json"});
   tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
-  tree::load_options options;
-  options.class_name = class_name;
-  options.weights_name = weights_name;
-  options.unknown_texts = unknown_texts;
-  options.types = name_values("--type", types);
-  options.kinds = name_values("--kind", kinds);
+  const tree::load_options options = table.chosen();
   const float least_weight = weight_value("--min-weight", min_weight);
-
-  const tree::table rated = tree::load_table(table_path, options);
-  for (const std::string& remark : rated.remarks) std::cerr << "arbor: " << rated.name << ": " << remark << '\n';
+  const tree::table rated = read_table(table_path, options);
   std::vector<tree::attribute_rating> ratings = tree::rate_attributes(rated, rated.cases, least_weight);
   tree::sort_ratings(ratings, order_named(sort));
+  print_ratings(rated, rated.cases, ratings, format);
+}
 
+void print_ratings(const tree::table& rated, const impls::w_sequence& cases,
+                   const std::vector<tree::attribute_rating>& ratings, const std::string& format) {
   if (format == "json") {
-    std::cout << tree::ratings_as_json(rated, ratings);
+    std::cout << tree::ratings_as_json(rated, cases, ratings);
   } else if (format == "csv") {
-    std::cerr << tree::table_line(rated) << '\n';
-    std::cout << tree::ratings_as_csv(rated, ratings);
+    std::cerr << tree::table_line(rated, cases) << '\n';
+    std::cout << tree::ratings_as_csv(cases, ratings);
   } else {
-    std::cout << tree::table_line(rated) << "\n\n" << tree::ratings_as_text(rated, ratings);
+    std::cout << tree::table_line(rated, cases) << "\n\n" << tree::ratings_as_text(cases, ratings);
   }
 }
 

@@ -2,35 +2,28 @@
 #ifndef ARBOR_TOOLS_RATE_COMMAND_H
 #define ARBOR_TOOLS_RATE_COMMAND_H
 
-#include <CLI/CLI.hpp>
-#include <string>
-#include <vector>
+#include "arbor/tree/rating.h"
+#include "tools/command_line.h"
+#include "tools/table_options.h"
 
 namespace arbor::tools {
 
-class rate_command {
+class rate_command : public command {
  public:
-  // Adds the command and its options to `app`.
   explicit rate_command(CLI::App& app);
-
-  bool chosen() const { return command->parsed(); }
-
-  // Prints the ratings on standard output, all else on standard error. Throws what loading a table throws, and
-  // usage_error for an option's value that is none.
-  void run() const;
+  void run() override;
 
  private:
-  CLI::App* command;
+  table_options table;
   std::string table_path;
-  std::string class_name;
-  std::string weights_name;
   std::string min_weight = "2";
   std::string format = "text";
   std::string sort = "ratio";
-  std::vector<std::string> unknown_texts;
-  std::vector<std::string> types;
-  std::vector<std::string> kinds;
 };
+
+// Prints ratings in a format: text, csv or json.
+void print_ratings(const tree::table& rated, const impls::w_sequence& cases,
+                   const std::vector<tree::attribute_rating>& ratings, const std::string& format);
 
 }  // namespace arbor::tools
 

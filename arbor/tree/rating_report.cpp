@@ -19,10 +19,10 @@ std::size_t attribute_count(const table& described) {
   return static_cast<std::size_t>(std::count_if(described.columns.begin(), described.columns.end(), attribute));
 }
 
-std::size_t unknown_attribute_cells(const table& described) {
+std::size_t unknown_attribute_cells(const table& described, const impls::w_sequence& cases) {
   std::size_t count = 0;
   for (const auto& column : described.columns) {
-    if (is_attribute(*column)) count += unknown_cells(*column, described.cases);
+    if (is_attribute(*column)) count += unknown_cells(*column, cases);
   }
   return count;
 }
@@ -33,17 +33,17 @@ struct class_weight {
 };
 
 // In the order of their codes.
-std::vector<class_weight> named_class_weights(const table& described) {
+std::vector<class_weight> named_class_weights(const table& described, const impls::w_sequence& cases) {
   std::vector<class_weight> result;
-  for (const float weight : class_weights(described.class_column(), described.cases)) {
+  for (const float weight : class_weights(described.class_column(), cases)) {
     const auto code = static_cast<unsigned int>(result.size()) + 1;
     result.push_back({value_text(described.class_column(), code), weight});
   }
   return result;
 }
 
-double unknown_share(const table& rated, const attribute_rating& rating) {
-  return static_cast<double>(rating.unknown_cells) / static_cast<double>(rated.cases.size());
+double unknown_share(const impls::w_sequence& cases, const attribute_rating& rating) {
+  return static_cast<double>(rating.unknown_cells) / static_cast<double>(cases.size());
 }
 
 // A value in a list, in quotes if it would not be told apart without.
@@ -60,18 +60,18 @@ std::string split_as_text(const attribute_rating& rating) {
 
 }  // namespace
 
-std::string table_line(const table& described) {
+std::string table_line(const table& described, const impls::w_sequence& cases) {
   constexpr std::size_t most_classes = 20;
-  std::vector<class_weight> classes = named_class_weights(described);
+  std::vector<class_weight> classes = named_class_weights(described, cases);
   const std::size_t left_out = classes.size() > most_classes ? classes.size() - most_classes : 0;
   if (left_out > 0) {
     const auto heavier = [](const class_weight& a, const class_weight& b) { return a.weight > b.weight; };
     std::stable_sort(classes.begin(), classes.end(), heavier);
     classes.resize(most_classes);
   }
-  std::string line = fmt::format("{}: {}, {}, {}; class {}:", described.name, counted(described.cases.size(), "row"),
+  std::string line = fmt::format("{}: {}, {}, {}; class {}:", described.name, counted(cases.size(), "row"),
                                  counted(attribute_count(described), "attribute"),
-                                 counted(unknown_attribute_cells(described), "unknown cell"),
+                                 counted(unknown_attribute_cells(described, cases), "unknown cell"),
                                  in_quotes(described.class_column().get_name()));
   for (std::size_t i = 0; i < classes.size(); ++i) {
     line += fmt::format("{} {} {}", i == 0 ? "" : ",", listed(classes[i].value), shortest_text(classes[i].weight));
@@ -80,7 +80,7 @@ std::string table_line(const table& described) {
   return line;
 }
 
-std::string ratings_as_text(const table& rated, const std::vector<attribute_rating>& ratings) {
+std::string ratings_as_text(const impls::w_sequence& cases, const std::vector<attribute_rating>& ratings) {
   std::vector<std::vector<std::string>> rows{
       {"attribute", "kind", "type", "values", "unknown", "gain", "split info", "gain ratio", "split"}};
   for (const attribute_rating& rating : ratings) {
@@ -88,17 +88,17 @@ std::string ratings_as_text(const table& rated, const std::vector<attribute_rati
       return rating.split ? fmt::format("{:.6f}", (*rating.split).*member) : "-";
     };
     rows.push_back({printable(rating.name), rating.kind, rating.data_type, std::to_string(rating.values),
-                    fmt::format("{:.1f}%", 100 * unknown_share(rated, rating)), number(&split_rating::gain),
+                    fmt::format("{:.1f}%", 100 * unknown_share(cases, rating)), number(&split_rating::gain),
                     number(&split_rating::split_info), number(&split_rating::gain_ratio), split_as_text(rating)});
   }
   return aligned(rows, "lllrrrrrl");
 }
 
-std::string ratings_as_csv(const table& rated, const std::vector<attribute_rating>& ratings) {
+std::string ratings_as_csv(const impls::w_sequence& cases, const std::vector<attribute_rating>& ratings) {
   std::string report = "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split\n";
   for (const attribute_rating& rating : ratings) {
     report += fmt::format("{},{},{},{},{},", csv_cell(rating.name), rating.kind, rating.data_type, rating.values,
-                          shortest_text(static_cast<float>(unknown_share(rated, rating))));
+                          shortest_text(static_cast<float>(unknown_share(cases, rating))));
     if (rating.split) {
       const split_rating& split = *rating.split;
       report += fmt::format("{},{},{},{},{},\n", shortest_text(split.gain), shortest_text(split.split_info),
@@ -110,16 +110,17 @@ std::string ratings_as_csv(const table& rated, const std::vector<attribute_ratin
   return report;
 }
 
-std::string ratings_as_json(const table& rated, const std::vector<attribute_rating>& ratings) {
+std::string ratings_as_json(const table& rated, const impls::w_sequence& cases,
+                            const std::vector<attribute_rating>& ratings) {
   float_json classes = float_json::array();
-  for (const auto& [value, weight] : named_class_weights(rated))
+  for (const auto& [value, weight] : named_class_weights(rated, cases))
     classes.push_back({{"value", value}, {"weight", weight}});
   float_json report;
   report["table"] = {{"name", rated.name},
-                     {"rows", rated.cases.size()},
+                     {"rows", cases.size()},
                      {"attributes", attribute_count(rated)},
-                     {"unknown_cells", unknown_attribute_cells(rated)},
-                     {"weight", rated.total_weight},
+                     {"unknown_cells", unknown_attribute_cells(rated, cases)},
+                     {"weight", total_weight(cases)},
                      {"class", rated.class_column().get_name()},
                      {"classes", classes}};
   report["ratings"] = float_json::array();
@@ -128,7 +129,7 @@ std::string ratings_as_json(const table& rated, const std::vector<attribute_rati
                         {"kind", rating.kind},
                         {"type", rating.data_type},
                         {"values", rating.values},
-                        {"unknown", static_cast<float>(unknown_share(rated, rating))},
+                        {"unknown", static_cast<float>(unknown_share(cases, rating))},
                         {"gain", nullptr},
                         {"split_info", nullptr},
                         {"gain_ratio", nullptr},

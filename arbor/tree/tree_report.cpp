@@ -26,6 +26,7 @@ std::string weight_text(double weight) {
 }
 
 std::string class_text(const decision_tree& tree, std::size_t entry) {
+  if (entry + 1 == tree.class_column->get_distinct()) return "(another)";
   return value_text(*tree.class_column, static_cast<unsigned int>(entry) + 1);
 }
 
@@ -47,9 +48,9 @@ std::string branch_text(const column& tested, const tree_node& parent, const tre
 
 std::string leaf_text(const decision_tree& tree, const tree_node& node) {
   const leaf_weight weight = weigh(node);
-  const std::string errors = weight.errors > 0 ? "/" + weight_text(weight.errors) : "";
+  const std::string errors = weight_text(weight.errors);
   const std::string majority = printable(class_text(tree, heaviest_class(node.class_weights)));
-  return fmt::format("{} ({}{})", majority, weight_text(weight.cases), errors);
+  return fmt::format("{} ({}{})", majority, weight_text(weight.cases), errors == "0" ? "" : "/" + errors);
 }
 
 // Calls `visit` with the index and depth of every node down to `depth`, each before its children, these in their order.
@@ -110,14 +111,39 @@ std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
       for (std::size_t i = 1; i < level; ++i) report += "|   ";
       report += branch_text(*tree.attributes[parent.attribute], parent, node);
     }
+    const char* separator = level > 0 ? ": " : "";
     if (node.is_leaf()) {
-      report += (level > 0 ? ": " : "") + leaf_text(tree, node);
+      report += separator + leaf_text(tree, node) + '\n';
     } else if (level == depth) {
-      report += fmt::format("{}... {} more leaves", level > 0 ? ": " : "", leaves[index]);
+      report += fmt::format("{}... {} below [{}]\n", separator, counted(leaves[index], "leaf", "leaves"), index);
+    } else if (level > 0) {
+      report += fmt::format(" [{}]\n", index);
     }
-    if (level > 0 || report.size() > 0) report += '\n';
   });
   return report;
+}
+
+std::size_t depth_of_lines(const decision_tree& tree, std::size_t lines) {
+  std::vector<std::size_t> depths(tree.nodes.size(), 0);
+  std::vector<std::size_t> nodes_at;
+  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+    const tree_node& node = tree.nodes[i];
+    if (depths[i] >= nodes_at.size()) nodes_at.resize(depths[i] + 1, 0);
+    ++nodes_at[depths[i]];
+    for (unsigned int child = 0; child < node.child_count; ++child) depths[node.first_child + child] = depths[i] + 1;
+  }
+  std::size_t depth = 1;
+  std::size_t used = nodes_at.size() > 1 ? nodes_at[1] : 1;
+  while (depth + 1 < nodes_at.size() && used + nodes_at[depth + 1] <= lines) used += nodes_at[++depth];
+  return depth;
+}
+
+std::string first_lines(const std::string& text, std::size_t lines) {
+  std::size_t end = 0;
+  for (std::size_t line = 0; line < lines && end < text.size(); ++line) end = text.find('\n', end) + 1;
+  const auto left_out = std::count(text.begin() + static_cast<std::ptrdiff_t>(end), text.end(), '\n');
+  if (left_out == 0) return text;
+  return text.substr(0, end) + "... and " + counted(static_cast<std::size_t>(left_out), "more line") + '\n';
 }
 
 std::string tree_as_dot(const decision_tree& tree, std::size_t depth) {

@@ -12,14 +12,22 @@ namespace arbor::tree {
 
 constexpr std::size_t whole_depth = std::numeric_limits<std::size_t>::max();
 
-// An indented line for each branch, a leaf behind a colon: its class, and in brackets the weight of its training cases
-// and, behind a stroke, what of it is of other classes:
+// An indented line for each branch. A leaf stands behind a colon: its class, and in brackets the weight of its training
+// cases and, behind a stroke, what of it is of other classes. A test has its number in square brackets; the root is 0:
 //
 //   outlook = overcast: yes (4)
-//   outlook = rainy: yes (5/2)
+//   outlook = sunny [3]
+//   |   humidity <= 70: yes (2)
+//   |   humidity > 70: no (3/1)
 //
-// Tests below `depth` others are left out, and their line says how many leaves are.
+// Tests below `depth` others are left out, and their line says how many leaves there are.
 std::string tree_as_text(const decision_tree& tree, std::size_t depth);
+
+// The greatest depth at which the text has at most `lines` lines, but at least 1.
+std::size_t depth_of_lines(const decision_tree& tree, std::size_t lines);
+
+// The first lines of a text, at most `lines`, with a word about those that are left out.
+std::string first_lines(const std::string& text, std::size_t lines);
 
 // A graph in the language of Graphviz, tests as ellipses and leaves as boxes.
 std::string tree_as_dot(const decision_tree& tree, std::size_t depth);

@@ -25,9 +25,9 @@ TEST(RatingReport, TextAlignsTheColumnsAndSaysWhatCannotBeSplit) {
   const tree::table table = loaded();
   std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, table.cases, 2);
   tree::sort_ratings(ratings, tree::rating_order::gain);
-  EXPECT_EQ(tree::table_line(table), "t.csv: 8 rows, 4 attributes, 10 unknown cells; class \"c\": x 4, y 4");
+  EXPECT_EQ(tree::table_line(table, table.cases), "t.csv: 8 rows, 4 attributes, 10 unknown cells; class \"c\": x 4, y 4");
   EXPECT_EQ(
-      tree::ratings_as_text(table, ratings),
+      tree::ratings_as_text(table.cases, ratings),
       "attribute    kind        type     values  unknown      gain  split info  gain ratio  split\n"
       "size, \"big\"  continuous  float         2     0.0%  1.000000    1.000000    1.000000  <= 0.1\n"
       "farbe        discrete    string        2     0.0%  0.311278    0.811278    0.383688  2 branches\n"
@@ -39,7 +39,7 @@ TEST(RatingReport, CsvQuotesWhereItMustAndLeavesOutWhatDoesNotApply) {
   const tree::table table = loaded();
   std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, table.cases, 2);
   tree::sort_ratings(ratings, tree::rating_order::name);
-  EXPECT_EQ(tree::ratings_as_csv(table, ratings),
+  EXPECT_EQ(tree::ratings_as_csv(table.cases, ratings),
             "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split\n"
             "farbe,discrete,string,2,0,0.31127805,0.8112781,0.38368845,2,,\n"
             "none,ignore,null,0,1,,,,,,ignored\n"
@@ -49,7 +49,7 @@ TEST(RatingReport, CsvQuotesWhereItMustAndLeavesOutWhatDoesNotApply) {
 
 TEST(RatingReport, JsonReadsBackToTheSameFloats) {
   const tree::table table = loaded();
-  const std::string json = tree::ratings_as_json(table, tree::rate_attributes(table, table.cases, 2));
+  const std::string json = tree::ratings_as_json(table, table.cases, tree::rate_attributes(table, table.cases, 2));
   for (const std::string part : {R"("attribute": "size, \"big\"")", R"("gain": 0.31127805)", R"("threshold": "0.1")",
                                  R"("no_split": "a single value")", R"("threshold": null)", R"("unknown_cells": 10)"}) {
     EXPECT_NE(json.find(part), std::string::npos) << part << " in " << json;

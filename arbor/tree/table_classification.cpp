@@ -1,0 +1,111 @@
+#include "arbor/tree/table_classification.h"
+
+#include <algorithm>
+
+#include "arbor/tree/csv_cell.h"
+#include "arbor/tree/csv_table.h"
+#include "arbor/tree/domain_text.h"
+#include "arbor/tree/shortest_text.h"
+#include "arbor/tree/table.h"
+
+namespace arbor::tree {
+
+namespace {
+
+class classifying {
+ public:
+  classifying(const std::string& path, const decision_tree& of_tree, const classification_options& chosen,
+              std::ostream& to)
+      : file(path, unknown_texts(chosen.unknown_texts)), tree(of_tree), options(chosen), out(to), say(of_tree) {}
+
+  classification_result run() {
+    file.read([&] { find_columns(); }, [&](const csv_row& row) { classify(row); });
+    return std::move(result);
+  }
+
+ private:
+  void find_columns() {
+    for (const auto& attribute : tree.attributes) {
+      cells.push_back(file.cell_named(attribute->get_name(), "an attribute of the model"));
+    }
+    const std::vector<std::string>& names = file.names();
+    const auto class_name = std::find(names.begin(), names.end(), tree.class_column->get_name());
+    if (class_name != names.end()) {
+      class_cell = static_cast<std::size_t>(class_name - names.begin());
+      result.matrix.emplace(class_count() + 1);
+    }
+    if (!options.weights_name.empty()) weights_cell = file.cell_named(options.weights_name, "--weights");
+    for (const std::string& name : names) out << csv_cell(name) << ',';
+    out << "predicted";
+    if (!options.all_probabilities) out << ",probability";
+    for (unsigned int c = 1; options.all_probabilities && c <= class_count(); ++c) {
+      out << ',' << csv_cell("P(" + value_text(*tree.class_column, c) + ")");
+    }
+    out << '\n';
+  }
+
+  void classify(const csv_row& row) {
+    ++result.rows;
+    if (options.progress) options.progress(result.rows);
+    const double weight = weights_cell ? static_cast<double>(file.weight(row, *weights_cell)) : 1;
+    texts.clear();
+    for (const std::size_t cell : cells) texts.push_back(file.known_text(row, cell));
+    std::vector<double> distribution;
+    try {
+      distribution = say(texts);
+    } catch (const unfit_text& unfit) {
+      const auto& attribute = *tree.attributes[unfit.attribute];
+      file.fail(row, cells[unfit.attribute],
+                "not of the type " + attribute.get_o_set()->get_datatype() + " that the model has for the column");
+    }
+    const std::size_t said = likeliest_class(distribution);
+    if (result.matrix && file.known_text(row, class_cell) != nullptr) {
+      result.matrix->add(class_of(file.known_text(row, class_cell)), said, weight);
+    }
+    for (std::size_t cell = 0; cell < row.size(); ++cell) {
+      const std::string text = row.text(cell);
+      out << (text.empty() && !row.is_empty(cell) ? "\"\"" : csv_cell(text)) << ',';
+    }
+    out << csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(said) + 1));
+    if (!options.all_probabilities) out << ',' << shortest_text(static_cast<float>(distribution[said]));
+    for (std::size_t c = 0; options.all_probabilities && c < distribution.size(); ++c) {
+      out << ',' << shortest_text(static_cast<float>(distribution[c]));
+    }
+    out << '\n';
+  }
+
+  unsigned int class_count() const { return tree.class_column->get_distinct() - 1; }
+
+  // The entry of a class, behind the last for one that the model does not know.
+  std::size_t class_of(const char* text) const {
+    impls::o_set& domain = *tree.class_column->get_o_set();
+    unsigned int code = 0;
+    try {
+      const bool is_text = domain.get_datatype() == "string";
+      if (domain.get_order(is_text ? to_domain_text(text).c_str() : text, code)) return code - 1;
+    } catch (const std::runtime_error&) {
+      // Not even of the data type.
+    }
+    return class_count();
+  }
+
+  csv_table file;
+  const decision_tree& tree;
+  const classification_options& options;
+  std::ostream& out;
+  text_classifier say;
+  std::vector<std::size_t> cells;  // by attribute of the tree
+  std::size_t class_cell = 0;
+  std::optional<std::size_t> weights_cell;
+  std::vector<const char*> texts;
+  classification_result result;
+};
+
+}  // namespace
+
+classification_result classify_table(const std::string& path, const decision_tree& tree,
+                                     const classification_options& options, std::ostream& out) {
+  return classifying(path, tree, options, out).run();
+}
+
+}  // namespace arbor::tree
