@@ -25,7 +25,8 @@ TEST(RatingReport, TextAlignsTheColumnsAndSaysWhatCannotBeSplit) {
   const tree::table table = loaded();
   std::vector<tree::attribute_rating> ratings = tree::rate_attributes(table, table.cases, 2);
   tree::sort_ratings(ratings, tree::rating_order::gain);
-  EXPECT_EQ(tree::table_line(table, table.cases), "t.csv: 8 rows, 4 attributes, 10 unknown cells; class \"c\": x 4, y 4");
+  EXPECT_EQ(tree::table_line(table, table.cases),
+            "t.csv: 8 rows, 4 attributes, 10 unknown cells; class \"c\": x 4, y 4");
   EXPECT_EQ(
       tree::ratings_as_text(table.cases, ratings),
       "attribute    kind        type     values  unknown      gain  split info  gain ratio  split\n"

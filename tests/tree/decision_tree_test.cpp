@@ -1,0 +1,161 @@
+// Trees: grown, pruned, classified with, saved and reloaded.
+
+#include "arbor/tree/decision_tree.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <fstream>
+#include <iterator>
+
+#include "arbor/tree/binomial_limit.h"
+#include "arbor/tree/classification.h"
+#include "arbor/tree/grower.h"
+#include "arbor/tree/holdout.h"
+#include "arbor/tree/table_loader.h"
+#include "arbor/tree/tree_report.h"
+#include "tests/support/columns.h"
+#include "tests/support/oracle.h"
+#include "tests/support/temporary_file.h"
+
+namespace arbor::tests {
+namespace {
+
+using tree::decision_tree;
+using tree::table;
+
+table loaded(const std::string& csv) {
+  const temporary_file file(csv);
+  return tree::load_table(file.path(), {});
+}
+
+decision_tree grown(const table& rows, bool prune, float min_weight = 2) {
+  tree::grow_options options;
+  options.min_weight = min_weight;
+  options.prune = prune;
+  return tree::grow_tree(rows, rows.cases, options);
+}
+
+std::string text_of(const decision_tree& t) {
+  return tree::tree_as_text(t, tree::whole_depth);
+}
+
+TEST(Grower, ChoosesByGainRatioAmongTheGainsAboveAverageAndStopsAtPureNodes) {
+  const table golf = tree::load_table(ARBOR_DATA "/golf.csv", {});
+  const decision_tree t = grown(golf, true);
+  EXPECT_EQ(text_of(t),
+            "outlook = overcast: yes (4)\n"
+            "outlook = rainy [2]\n"
+            "|   windy = no: yes (3)\n"
+            "|   windy = yes: no (2)\n"
+            "outlook = sunny [3]\n"
+            "|   humidity <= 75: yes (2)\n"
+            "|   humidity > 75: no (3)\n");
+  EXPECT_EQ(tree::size_line(t), "8 nodes, 5 leaves, depth 2");
+  EXPECT_EQ(tree::tree_as_text(t, 1),
+            "outlook = overcast: yes (4)\noutlook = rainy: ... 2 leaves below [2]\n"
+            "outlook = sunny: ... 2 leaves below [3]\n");
+  tree::grow_options options;
+  options.max_depth = 0;
+  EXPECT_EQ(text_of(tree::grow_tree(golf, golf.cases, options)), "yes (14/5)\n");
+}
+
+TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
+  EXPECT_EQ(text_of(grown(loaded("a,c\n1,x\n1,x\ninf,y\ninf,y\n"), false)), "a <= 1: x (2)\na > 1: y (2)\n");
+  EXPECT_EQ(text_of(grown(loaded("a,c\n1e-33,x\n1e-33,x\n2e-33,y\n2e-33,y\n"), false)),
+            "a <= 1e-33: x (2)\na > 1e-33: y (2)\n");
+  EXPECT_EQ(text_of(grown(loaded("a,c\n1.0000001,x\n1.0000001,x\n1.0000002,y\n1.0000002,y\n"), false)),
+            "a <= 1.0000001: x (2)\na > 1.0000001: y (2)\n");
+}
+
+TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
+  for (const auto& [errors, cases] : {std::pair{0, 1}, {0, 6}, {1, 2}, {1, 16}, {3, 7}, {20, 60}}) {
+    const double p = tree::binomial_upper_limit(errors, cases, 0.25);
+    double up_to = 0;
+    double choose = 1;
+    for (int k = 0; k <= errors; choose = choose * (cases - k) / (k + 1), ++k) {
+      up_to += choose * std::pow(p, k) * std::pow(1 - p, cases - k);
+    }
+    EXPECT_NEAR(up_to, 0.25, 1e-9) << errors << " of " << cases;
+  }
+  EXPECT_EQ(tree::binomial_upper_limit(5, 5, 0.25), 1);
+}
+
+TEST(Pruning, CutsWhatTellsNothingAndKeepsWhatDoes) {
+  std::string csv = "noise,signal,c\n";
+  dice roll{7};
+  for (unsigned int i = 0; i < 200; ++i) {
+    const bool x = roll(2) == 0;
+    csv += "v" + std::to_string(roll(8)) + (x ? ",1," : ",2,") + (x != (roll(10) == 0) ? "x\n" : "y\n");
+  }
+  const table rows = loaded(csv);
+  EXPECT_GT(tree::measure(grown(rows, false)).leaves, 4U);
+  EXPECT_EQ(tree::measure(grown(rows, true)).leaves, 2U);
+}
+
+// A table with unknown values, many values and noise, and the texts of its attributes.
+std::string random_csv(dice& roll, std::vector<texts>& rows) {
+  std::string csv = "n,f,d,c\n";
+  for (unsigned int i = 0; i < 120; ++i) {
+    const unsigned int n = roll(40);
+    texts row{roll(6) == 0 ? "?" : std::to_string(n), roll(5) == 0 ? "?" : std::to_string(roll(30)) + ".25",
+              roll(7) == 0 ? "?" : "v" + std::to_string(roll(9))};
+    csv += row[0] + "," + row[1] + "," + row[2] + (roll(4) == 0 ? ",z\n" : n < 20 ? ",x\n" : ",y\n");
+    rows.push_back(std::move(row));
+  }
+  return csv;
+}
+
+TEST(Classification, SaysTheSameOfRowsAndOfTheirTexts) {
+  dice roll{8};
+  for (int round = 0; round < 20; ++round) {
+    std::vector<texts> written;
+    const table rows = loaded(random_csv(roll, written));
+    const decision_tree t = grown(rows, round % 2 == 0, 1);
+    const tree::row_classifier by_row(t, rows);
+    tree::text_classifier by_text(t);
+    for (unsigned int row = 0; row < rows.cases.size(); ++row) {
+      std::vector<const char*> cells;
+      for (const auto& attribute : t.attributes) {
+        const std::string& cell = written[row][attribute->get_name() == "n" ? 0 : attribute->get_name() == "f" ? 1 : 2];
+        cells.push_back(cell == "?" ? nullptr : cell.c_str());
+      }
+      EXPECT_EQ(by_row(row), by_text(cells));
+      double at_leaves = 0;
+      for (std::size_t i = 0; i < t.nodes.size(); ++i) at_leaves += t.nodes[i].is_leaf() ? by_row.weight_at(row, i) : 0;
+      EXPECT_GT(at_leaves, 0);
+    }
+  }
+}
+
+TEST(Classification, SendsUnknownAndUnseenValuesDownEveryBranchByItsShare) {
+  const decision_tree t = grown(loaded("a,c\np,x\np,x\np,x\np,y\nq,y\nq,y\nq,y\nq,y\n"), false);
+  tree::text_classifier say(t);
+  EXPECT_THAT(say({"p"}), testing::ElementsAre(0.75, 0.25));
+  EXPECT_THAT(say({nullptr}), testing::ElementsAre(0.375, 0.625));
+  EXPECT_THAT(say({"never seen"}), testing::ElementsAre(0.375, 0.625));
+  const decision_tree cut = grown(loaded("a,c\n1,x\n1,x\n5,y\n5,y\n"), false);
+  tree::text_classifier compare(cut);
+  EXPECT_THAT(compare({"-7"}), testing::ElementsAre(1, 0));
+  EXPECT_THAT(compare({"2"}), testing::ElementsAre(0, 1));
+  EXPECT_THROW(compare({"2.5"}), tree::unfit_text);
+}
+
+TEST(Holdout, KeepsBackTheSameRowsForTheSameSeed) {
+  w_sequence cases;
+  for (unsigned int row = 0; row < 1000; ++row) cases.push_back({row, 1});
+  const auto rows_of = [](const w_sequence& s) {
+    std::vector<unsigned int> rows;
+    for (const auto& c : s) rows.push_back(c.first);
+    return rows;
+  };
+  const tree::divided_cases parts = tree::hold_out(cases, 0.3, 5);
+  EXPECT_EQ(parts.held_back.size(), 300U);
+  EXPECT_EQ(parts.training.size(), 700U);
+  EXPECT_EQ(rows_of(parts.held_back), rows_of(tree::hold_out(cases, 0.3, 5).held_back));
+  EXPECT_NE(rows_of(parts.held_back), rows_of(tree::hold_out(cases, 0.3, 6).held_back));
+  EXPECT_EQ(tree::hold_out(cases, 0, 5).training.size() + tree::hold_out(cases, 1, 5).held_back.size(), 2000U);
+}
+
+}  // namespace
+}  // namespace arbor::tests
