@@ -3,6 +3,7 @@
 # Usage: readme_test.sh PROGRAM, from the root of the sources.
 set -euo pipefail
 program=$1
+mkdir -p build
 
 block() { awk -v start='```'"$1" '$0 == start { inside = 1; next } $0 == "```" { inside = 0 } inside' README.md; }
 
