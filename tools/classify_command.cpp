@@ -1,5 +1,7 @@
 #include "tools/classify_command.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 
@@ -16,7 +18,8 @@ namespace {
 
 constexpr const char* help = R"(Prints the table with the predicted class and its probability behind each row, as CSV.
 Columns are found by their names. A value that is unknown, or that no training case of a
-test had, goes down every branch. Where the table has the class too, errors and confusion
+test had, goes down every branch; say with --unknown what was said of the table that the
+tree was grown on. Where the table has the class too, errors and confusion
 matrix are told: on standard error, or with --output on standard output.
 
 Examples:
@@ -64,7 +67,7 @@ void classify_command::run() {
   const tree::classification_result result = tree::classify_table(table_path, model, options, out);
   progress.clear();
   out.close();
-  if (!out) throw tree::table_error(output_path + ": cannot be written");
+  if (!out) throw tree::table_error(output_path + ": cannot be written: " + std::strerror(errno));
   file.commit();
   std::cout << result.rows << " rows classified\n";
   report(model, result, std::cout);

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "arbor/tree/classification.h"
+#include "arbor/tree/file_replacement.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/holdout.h"
 #include "arbor/tree/model_store.h"
@@ -62,6 +63,8 @@ void grow_command::run() {
   const float share = share_value("--holdout", holdout);
   const unsigned int which = whole_value("--seed", seed);
 
+  // What cannot be saved is known before the work is done.
+  if (!model_path.empty()) tree::file_replacement can_be_written(model_path);
   const tree::table rows = read_table(table_path, load);
   const tree::divided_cases cases = tree::hold_out(rows.cases, static_cast<double>(share), which);
   if (cases.training.empty()) throw usage_error("--holdout: \"" + holdout + "\" leaves no rows to grow the tree on");

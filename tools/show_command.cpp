@@ -1,5 +1,6 @@
 #include "tools/show_command.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -37,6 +38,7 @@ void draw(const std::string& graph, const std::string& path) {
         "elsewhere");
   }
   tree::file_replacement file(path);
+  std::signal(SIGPIPE, SIG_IGN);  // should dot end early, it is told below
   const std::string command = "dot -Tsvg >" + tree::shell_word(file.temporary_path());
   FILE* drawing = popen(command.c_str(), "w");
   const bool sent = drawing != nullptr && std::fwrite(graph.data(), 1, graph.size(), drawing) == graph.size();
@@ -50,19 +52,30 @@ void draw(const std::string& graph, const std::string& path) {
 show_command::show_command(CLI::App& app)
     : command(app, "show", "Show a saved tree, as text, graph, JSON or picture", help) {
   parser.add_option("MODEL", model_path, "A file that arbor grow has saved")->type_name("");
-  parser.add_option("--format", format, "text, dot (for Graphviz) or json (default: text)")->type_name("FORMAT");
+  parser
+      .add_option("--format", format, "text, dot (for Graphviz) or json; of --rate text, csv or json (default: text)")
+      ->type_name("FORMAT");
   parser.add_option("--depth", depth, "Leave out tests below this many others (default: none)")->type_name("N");
   parser.add_option("--picture", picture_path, "Have Graphviz draw the tree")->type_name("FILE.svg");
   parser.add_option("--node", node, "The test to rate attributes at (default: 0, the root)")->type_name("N");
   parser.add_option("--rate", rated_path, "A table whose rows are rated at the test")->type_name("TABLE");
+  parser.add_option("--min-weight", min_weight, "Of --rate: as of arbor rate (default: 2)")->type_name("W");
   table.add_cell_options_to(parser);
 }
 
 void show_command::run() {
-  tree::check_choice("--format: ", format, {"text", "dot", "json"});
+  tree::check_choice("--format: ", format, {"text", "dot", "json", "csv"});
   const std::size_t shown_depth = depth.empty() ? tree::whole_depth : whole_value("--depth", depth);
   if (model_path.empty()) throw usage_error("no model; name a file that arbor grow has saved");
-  if (!node.empty() && rated_path.empty()) throw usage_error("--node goes with --rate TABLE");
+  refuse_together({"--rate", "--picture", "--depth"});
+  refuse_together({"--picture", "--format"});
+  if (format == "json" && !depth.empty()) throw usage_error("--depth does not go with --format json, which tells all");
+  if (format == "dot" && !rated_path.empty()) throw usage_error("--rate goes with --format text, csv or json");
+  if (format == "csv" && rated_path.empty()) throw usage_error("--format csv goes with --rate TABLE");
+  for (const char* option : {"--node", "--min-weight", "--weights", "--unknown"}) {
+    if (rated_path.empty() && parser.count(option) > 0)
+      throw usage_error(std::string(option) + " goes with --rate TABLE");
+  }
   const tree::decision_tree model = tree::load_model(model_path);
   if (!rated_path.empty()) {
     rate(model, node.empty() ? 0 : whole_value("--node", node));
@@ -75,6 +88,15 @@ void show_command::run() {
   }
 }
 
+// Complains if the first of some options has been given with another of them.
+void show_command::refuse_together(const std::vector<const char*>& options) const {
+  for (std::size_t i = 1; i < options.size(); ++i) {
+    if (parser.count(options[0]) > 0 && parser.count(options[i]) > 0) {
+      throw usage_error(std::string(options[0]) + " does not go with " + options[i]);
+    }
+  }
+}
+
 void show_command::rate(const tree::decision_tree& model, std::size_t at) const {
   if (at >= model.nodes.size()) {
     throw usage_error("--node: there is no node " + std::to_string(at) + "; the last one is " +
@@ -82,6 +104,7 @@ void show_command::rate(const tree::decision_tree& model, std::size_t at) const 
   }
   tree::load_options options = table.chosen();
   options.class_name = model.class_column->get_name();
+  options.types_from = "the model";
   options.types[options.class_name] = model.class_column->get_o_set()->get_datatype();
   for (const auto& attribute : model.attributes) {
     options.types[attribute->get_name()] = attribute->get_o_set()->get_datatype();
@@ -95,9 +118,10 @@ void show_command::rate(const tree::decision_tree& model, std::size_t at) const 
     if (here > 0) cases.push_back({row, here});
   }
   if (cases.empty()) throw tree::table_error(rows.name + ": no row comes to node " + std::to_string(at));
-  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(rows, cases, 2);
+  std::vector<tree::attribute_rating> ratings =
+      tree::rate_attributes(rows, cases, weight_value("--min-weight", min_weight));
   tree::sort_ratings(ratings, tree::rating_order::ratio);
-  print_ratings(rows, cases, ratings, format == "json" ? "json" : "text");
+  print_ratings(rows, cases, ratings, format);
 }
 
 }  // namespace arbor::tools

@@ -17,6 +17,7 @@ class show_command : public command {
   void run() override;
 
  private:
+  void refuse_together(const std::vector<const char*>& options) const;
   void rate(const tree::decision_tree& model, std::size_t node) const;
 
   table_options table;
@@ -26,6 +27,7 @@ class show_command : public command {
   std::string picture_path;
   std::string node;
   std::string rated_path;
+  std::string min_weight = "2";
 };
 
 }  // namespace arbor::tools

@@ -243,10 +243,10 @@ obinstream& o_set_typed<T>::bin_out(obinstream& out) {
 
 template <class T>
 ibinstream& o_set_typed<T>::bin_in(ibinstream& in) {
-  freeze();
   std::vector<T>* read = nullptr;
   in.read_special(read);
   const std::unique_ptr<std::vector<T>> loaded(read);
+  freeze();
   if (loaded == nullptr) {
     delete std::exchange(known_values, nullptr);
   } else {

@@ -5,7 +5,7 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "arbor/tree/domain_text.h"
+#include "arbor/tree/shortest_text.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
@@ -48,7 +48,13 @@ std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_o
       }
     }
   }
-  const double sum = std::accumulate(result.begin(), result.end(), 0.0);
+  double sum = std::accumulate(result.begin(), result.end(), 0.0);
+  if (!(sum > 0) || !std::isfinite(sum)) {
+    // So many shares have been multiplied that nothing, or no number, has come down. All that is known is the root.
+    const std::vector<float>& root = tree.nodes.front().class_weights;
+    result.assign(root.begin(), root.end());
+    sum = std::accumulate(result.begin(), result.end(), 0.0);
+  }
   for (double& probability : result) probability /= sum;
   return result;
 }
@@ -69,6 +75,21 @@ double number_of(const column& attribute, const char* text) {
   return is_float ? static_cast<double>(static_cast<float>(number)) : number;
 }
 
+// The greatest code of a column whose value is not above a threshold.
+unsigned int last_code_up_to(const column& source, const std::string& threshold) {
+  unsigned int low = 0;
+  unsigned int high = source.get_distinct() - 1;
+  while (low < high) {
+    const unsigned int middle = high - (high - low) / 2;
+    if (source.get_o_set()->leq(middle, threshold) == 0) {
+      low = middle;
+    } else {
+      high = middle - 1;
+    }
+  }
+  return low;
+}
+
 }  // namespace
 
 std::size_t likeliest_class(const std::vector<double>& distribution) {
@@ -76,20 +97,26 @@ std::size_t likeliest_class(const std::vector<double>& distribution) {
 }
 
 row_classifier::row_classifier(const decision_tree& grown, const table& rows)
-    : tree(grown), parents(grown.nodes.size(), 0) {
-  for (const auto& attribute : tree.attributes) columns.push_back(&column_named(rows, attribute->get_name()));
-  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
-    const tree_node& node = tree.nodes[i];
+    : tree(grown), parents(node_parents(grown)) {
+  for (const auto& attribute : tree.attributes) {
+    const column& source = column_named(rows, attribute->get_name());
+    columns.push_back(&source);
+    codes.emplace_back(source.get_distinct(), 0);
+    for (unsigned int code = 1; code < source.get_distinct() && attribute->is_discrete(); ++code) {
+      codes.back()[code] = attribute->get_index(shortest_value(source, code).c_str());
+    }
+  }
+  for (const tree_node& node : tree.nodes) {
     const bool cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
-    thresholds.push_back(cut ? columns[node.attribute]->get_index(node.split.threshold.c_str()) : 0);
-    for (unsigned int child = 0; child < node.child_count; ++child) parents[node.first_child + child] = i;
+    thresholds.push_back(cut ? last_code_up_to(*columns[node.attribute], node.split.threshold) : 0);
   }
 }
 
 unsigned int row_classifier::branch_of(std::size_t node, unsigned int row) const {
-  const column& attribute = *columns[tree.nodes[node].attribute];
-  const unsigned int code = attribute.get_row_index(row);
-  if (code == 0 || attribute.is_discrete()) return code;
+  const unsigned int attribute = tree.nodes[node].attribute;
+  const unsigned int code = columns[attribute]->get_row_index(row);
+  if (tree.attributes[attribute]->is_discrete()) return codes[attribute][code];
+  if (code == 0) return every_branch;
   return code <= thresholds[node] ? 1 : 2;
 }
 
@@ -129,8 +156,7 @@ text_classifier::value text_classifier::read(const column& attribute, const char
     result.number = number_of(attribute, text);
     if (std::isnan(result.number)) throw std::runtime_error("not a number");
   } else {
-    const bool is_text = domain.get_datatype() == "string";
-    result.known = domain.get_order(is_text ? to_domain_text(text).c_str() : text, result.code);
+    result.known = code_of_text(attribute, text, result.code);
   }
   return result;
 }
@@ -152,19 +178,9 @@ std::vector<double> text_classifier::operator()(const std::vector<const char*>& 
   });
 }
 
-double confusion_matrix::total() const {
-  return std::accumulate(cells.begin(), cells.end(), 0.0);
-}
-
-double confusion_matrix::errors() const {
-  double right = 0;
-  for (std::size_t c = 0; c < count; ++c) right += at(c, c);
-  return total() - right;
-}
-
 confusion_matrix classify_cases(const decision_tree& tree, const table& rows, const impls::w_sequence& cases) {
   const row_classifier say(tree, rows);
-  confusion_matrix result(tree.nodes.front().class_weights.size());
+  confusion_matrix result;
   for (const auto& [row, weight] : cases) {
     result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(say(row)), static_cast<double>(weight));
   }

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "arbor/tree/confusion_matrix.h"
 #include "arbor/tree/decision_tree.h"
 #include "arbor/tree/table.h"
 
@@ -21,8 +22,8 @@ namespace arbor::tree {
 // The class of the greatest probability, as an entry of a distribution; of equal ones the first.
 std::size_t likeliest_class(const std::vector<double>& distribution);
 
-// Classifies the rows of the table that the tree was grown on, or of another with the same domains. Neither may change
-// while the classifier is used. Throws std::runtime_error when the table lacks a column of the tree.
+// Classifies the rows of a table, the one that the tree was grown on or another whose columns have the same data types.
+// Neither may change while the classifier is used. Throws std::runtime_error when the table lacks a column of the tree.
 class row_classifier {
  public:
   row_classifier(const decision_tree& tree, const table& rows);
@@ -37,9 +38,10 @@ class row_classifier {
   unsigned int branch_of(std::size_t node, unsigned int row) const;
 
   const decision_tree& tree;
-  std::vector<const impls::column*> columns;  // by attribute
-  std::vector<unsigned int> thresholds;       // by node: the code of its threshold
-  std::vector<std::size_t> parents;           // by node
+  std::vector<const impls::column*> columns;     // of the table, by attribute of the tree
+  std::vector<std::vector<unsigned int>> codes;  // of the tree, by discrete attribute and code of the table
+  std::vector<unsigned int> thresholds;  // by node: the greatest code of the table that goes down the low branch
+  std::vector<std::size_t> parents;      // by node
 };
 
 // A text that is not of the data type of its attribute.
@@ -73,22 +75,6 @@ class text_classifier {
   const decision_tree& tree;
   std::vector<double> thresholds;  // by node
   std::vector<value> values;       // by attribute, of the case at hand
-};
-
-// How often a class was said of which class, in weights.
-class confusion_matrix {
- public:
-  explicit confusion_matrix(std::size_t classes) : count(classes), cells(classes * classes, 0.0) {}
-
-  void add(std::size_t actual, std::size_t said, double weight) { cells[actual * count + said] += weight; }
-  std::size_t classes() const { return count; }
-  double at(std::size_t actual, std::size_t said) const { return cells[actual * count + said]; }
-  double total() const;
-  double errors() const;
-
- private:
-  std::size_t count;
-  std::vector<double> cells;
 };
 
 // Classifies cases of the table that the tree was grown on.

@@ -15,16 +15,27 @@ leaf_weight weigh(const tree_node& node) {
   return {cases, cases - static_cast<double>(node.class_weights[heaviest_class(node.class_weights)])};
 }
 
-tree_size measure(const decision_tree& tree) {
-  tree_size size;
-  std::vector<std::size_t> depths(tree.nodes.size(), 0);
+std::vector<std::size_t> node_parents(const decision_tree& tree) {
+  std::vector<std::size_t> parents(tree.nodes.size(), 0);
   for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
     const tree_node& node = tree.nodes[i];
-    if (node.is_leaf()) ++size.leaves;
-    size.depth = std::max(size.depth, depths[i]);
-    for (unsigned int child = 0; child < node.child_count; ++child) depths[node.first_child + child] = depths[i] + 1;
+    for (unsigned int child = 0; child < node.child_count; ++child) parents[node.first_child + child] = i;
   }
+  return parents;
+}
+
+std::vector<std::size_t> node_depths(const decision_tree& tree) {
+  const std::vector<std::size_t> parents = node_parents(tree);
+  std::vector<std::size_t> depths(tree.nodes.size(), 0);
+  for (std::size_t i = 1; i < depths.size(); ++i) depths[i] = depths[parents[i]] + 1;  // parents come first
+  return depths;
+}
+
+tree_size measure(const decision_tree& tree) {
+  tree_size size;
   size.nodes = tree.nodes.size();
+  for (const tree_node& node : tree.nodes) size.leaves += node.is_leaf() ? 1 : 0;
+  for (const std::size_t depth : node_depths(tree)) size.depth = std::max(size.depth, depth);
   return size;
 }
 

@@ -42,6 +42,10 @@ struct leaf_weight {
 };
 leaf_weight weigh(const tree_node& node);
 
+// Of each node, its parent (the root is its own) and how many tests stand above it.
+std::vector<std::size_t> node_parents(const decision_tree& tree);
+std::vector<std::size_t> node_depths(const decision_tree& tree);
+
 struct tree_size {
   std::size_t nodes = 0;
   std::size_t leaves = 0;

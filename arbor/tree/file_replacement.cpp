@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/table_error.h"
@@ -21,7 +22,7 @@ namespace {
 // What a signal handler removes before the process ends as it would have; null for nothing.
 const char* volatile to_remove = nullptr;
 
-constexpr std::array<int, 3> ending_signals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array<int, 5> ending_signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ};
 
 void remove_and_end(int signal) {
   if (to_remove != nullptr) unlink(to_remove);
@@ -44,15 +45,50 @@ std::string folder_of(const std::string& path) {
   return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
 }
 
-}  // namespace
+// Keeps signals from coming between two steps that belong together.
+class signals_held {
+ public:
+  signals_held() {
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before);
+  }
+  ~signals_held() { sigprocmask(SIG_SETMASK, &before, nullptr); }
+  signals_held(const signals_held&) = delete;
+  signals_held& operator=(const signals_held&) = delete;
 
-file_replacement::file_replacement(const std::string& path) : target(path), temporary(path + ".XXXXXX") {
-  const int descriptor = mkstemp(temporary.data());
-  if (descriptor < 0) fail(target, "no file can be written beside it");
-  // mkstemp lets only the owner read; a file made in the usual way follows the process's mask.
+ private:
+  sigset_t before{};
+};
+
+// The file that a path leads to, over links if it exists.
+std::string resolved(const std::string& path) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+  return real == nullptr ? path : real.get();
+}
+
+// The access that the file is to have: that of the present one, else what the process gives to new files.
+mode_t wanted_mode(const std::string& path) {
+  struct stat present {};
+  if (stat(path.c_str(), &present) == 0) {
+    if (!S_ISREG(present.st_mode)) {
+      throw table_error(printable(path) + ": is there and is no regular file, and will not be replaced by one");
+    }
+    return present.st_mode & 07777U;
+  }
   const mode_t mask = umask(0);
   umask(mask);
-  fchmod(descriptor, 0666 & ~mask);
+  return 0666U & ~mask;
+}
+
+}  // namespace
+
+file_replacement::file_replacement(const std::string& path) : target(resolved(path)), temporary(target + ".XXXXXX") {
+  const mode_t mode = wanted_mode(target);
+  const signals_held held;
+  const int descriptor = mkstemp(temporary.data());
+  if (descriptor < 0) fail(target, "no file can be written beside it");
+  fchmod(descriptor, mode);
   close(descriptor);
   to_remove = temporary.c_str();
   struct sigaction action {};
@@ -66,15 +102,22 @@ file_replacement::file_replacement(const std::string& path) : target(path), temp
 }
 
 file_replacement::~file_replacement() {
-  if (to_remove != nullptr) unlink(temporary.c_str());
+  if (committed) return;
+  unlink(temporary.c_str());
   to_remove = nullptr;
 }
 
 void file_replacement::commit() {
   sync(temporary, O_WRONLY);
+  const signals_held held;
   if (std::rename(temporary.c_str(), target.c_str()) != 0) fail(target, "cannot be replaced");
+  committed = true;
   to_remove = nullptr;
-  sync(folder_of(target), O_RDONLY | O_DIRECTORY);
+  // The file is there whatever comes of this: some folders cannot be opened, and some file systems sync none.
+  const int folder = open(folder_of(target).c_str(), O_RDONLY | O_DIRECTORY);
+  if (folder < 0) return;
+  fsync(folder);
+  close(folder);
 }
 
 }  // namespace arbor::tree

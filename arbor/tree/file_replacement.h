@@ -11,11 +11,12 @@
 namespace arbor::tree {
 
 // Whatever happens before `commit` has returned, the file that was there stays as it was; the temporary file beside it
-// goes with this object, and when the process is interrupted or told to end (SIGINT, SIGTERM, SIGHUP). One exists at a
-// time.
+// goes with this object, and when a signal ends the process (SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ). One exists at a
+// time. A link is followed, and the access rights of a file that is there are kept.
 class file_replacement {
  public:
-  // Creates the temporary file, empty, in the folder of `path`. Throws table_error.
+  // Creates the temporary file, empty, in the folder of the file. Throws table_error, also for what is there and is no
+  // regular file.
   explicit file_replacement(const std::string& path);
   ~file_replacement();
   file_replacement(const file_replacement&) = delete;
@@ -30,6 +31,7 @@ class file_replacement {
  private:
   std::string target;
   std::string temporary;
+  bool committed = false;
 };
 
 }  // namespace arbor::tree

@@ -1,7 +1,6 @@
 #include "arbor/tree/grower.h"
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -16,32 +15,51 @@ using impls::column;
 using impls::w_sequence;
 using code_range = strata::util::pair<unsigned int, unsigned int>;
 
+// The cases of a test, from which those of its branches are taken when their turn comes, and not before: the unknown
+// ones go down every branch, and there may be as many branches as cases.
+struct divided_node {
+  unsigned int column_index;
+  column::partition_desc split;
+  float weight;
+  unsigned int depth;
+  std::vector<code_range> ranges;  // by column: bounds of the known codes among the cases
+  w_sequence cases;                // of a discrete test the unknown ones first, then value by value
+  std::size_t unknown_count = 0;
+};
+
 class growing {
  public:
   growing(const table& training_table, const grow_options& chosen) : training(training_table), options(chosen) {}
 
   decision_tree grow(const w_sequence& cases) {
-    open_node root{0, 0, cases, {}};
+    node_cases root{0, 0, cases, {}};
     for (const auto& attribute : training.columns) root.ranges.push_back(attribute->get_range());
     all_weight = static_cast<double>(total_weight(cases));
     nodes.emplace_back();
-    // Nodes wait on a stack of their own: a tree may be deeper than the machine's.
-    open.push_back(std::move(root));
+    settle(std::move(root));
+    // Branches wait on a stack of their own: a tree may be deeper than the machine's.
     while (!open.empty()) {
-      open_node next = std::move(open.back());
+      const branch next = std::move(open.back());
       open.pop_back();
-      settle(next);
+      settle(cases_of(next));
     }
     return finished();
   }
 
  private:
-  // A node that is neither a leaf nor a test yet.
-  struct open_node {
-    unsigned int index;
+  struct node_cases {
+    unsigned int index;  // of the node
     unsigned int depth;
     w_sequence cases;
-    std::vector<code_range> ranges;  // by column: bounds of the known codes among the cases
+    std::vector<code_range> ranges;
+  };
+
+  // A node whose cases are still with its parent.
+  struct branch {
+    unsigned int index;
+    std::shared_ptr<const divided_node> parent;
+    std::size_t first_case;  // of a discrete test: those of its value, from this one
+    std::size_t end_case;    // to before this one
   };
 
   // A test that a node may become.
@@ -50,25 +68,26 @@ class growing {
     column::splitting_desc rating;
   };
 
-  void settle(open_node& node) {
+  void settle(node_cases node) {
     nodes[node.index].class_weights = class_weights(training.class_column(), node.cases);
     const float weight = total_weight(node.cases);
     std::optional<candidate> best;
     if (may_split(node, weight)) best = best_test(node, weight);
-    if (best) split(node, weight, *best);
-    if (nodes[node.index].is_leaf()) {
+    if (best) {
+      divide(std::move(node), weight, *best);
+    } else {
       settled_weight += static_cast<double>(weight);
       if (options.progress) options.progress(std::min(1.0, settled_weight / all_weight));
     }
   }
 
-  bool may_split(const open_node& node, float weight) const {
+  bool may_split(const node_cases& node, float weight) const {
     const std::vector<float>& classes = nodes[node.index].class_weights;
     const auto present = std::count_if(classes.begin(), classes.end(), [](float w) { return w > 0; });
     return present > 1 && weight >= 2 * options.min_weight && node.depth < options.max_depth;
   }
 
-  std::optional<candidate> best_test(open_node& node, float weight) const {
+  std::optional<candidate> best_test(node_cases& node, float weight) const {
     std::vector<candidate> candidates;
     double gains = 0;
     for (unsigned int i = 0; i < training.columns.size(); ++i) {
@@ -83,71 +102,103 @@ class growing {
                                 nullptr, test.rating, true);
       if (!(test.rating.gain > 0)) continue;
       gains += static_cast<double>(test.rating.gain);
-      candidates.push_back(std::move(test));
+      candidates.push_back(test);
     }
     const double average = gains / static_cast<double>(candidates.size());
-    const candidate* best = nullptr;
+    std::optional<candidate> best;
     for (const candidate& test : candidates) {
       if (static_cast<double>(test.rating.gain) < average) continue;
-      if (best == nullptr || gain_ratio(test) > gain_ratio(*best)) best = &test;
+      if (!best || gain_ratio(test) > gain_ratio(*best)) best = test;
     }
-    return best == nullptr ? std::nullopt : std::optional<candidate>(*best);
+    return best;
   }
 
   static double gain_ratio(const candidate& test) {
     return static_cast<double>(test.rating.gain) / static_cast<double>(test.rating.split_info);
   }
 
-  void split(open_node& node, float weight, const candidate& test) {
+  // Makes a test of a node, and puts its branches on the stack, the first on top.
+  void divide(node_cases node, float weight, const candidate& test) {
     const column& attribute = *training.columns[test.column_index];
-    column::partition_desc description;
-    test.rating.set_partition_desc(description);
-    if (attribute.is_continuous()) description.threshold = cut_threshold(attribute, test.rating);
-    std::vector<open_node> children;
-    const auto add_branch = [&](unsigned int branch, const w_sequence& cases) {
-      tree_node child;
-      open_node opened{0, node.depth + 1, {}, node.ranges};
-      const std::unique_ptr<w_sequence> taken(attribute.partition(
-          cases.begin(), cases.end(), branch, weight, child.share, opened.ranges[test.column_index], description));
-      opened.cases = std::move(*taken);
-      opened.index = static_cast<unsigned int>(nodes.size());
-      child.branch = branch;
-      nodes.push_back(std::move(child));
-      children.push_back(std::move(opened));
-    };
+    auto parent = std::make_shared<divided_node>();
+    parent->column_index = test.column_index;
+    test.rating.set_partition_desc(parent->split);
+    // The threshold that it tells may lie outside of the cut; see cut_threshold.
+    if (attribute.is_continuous()) parent->split.threshold = cut_threshold(attribute, test.rating);
+    parent->weight = weight;
+    parent->depth = node.depth;
+    parent->ranges = std::move(node.ranges);
+    parent->cases = std::move(node.cases);
+
+    std::vector<branch> branches;
     const auto first_child = static_cast<unsigned int>(nodes.size());
+    const auto add_branch = [&](unsigned int number, std::size_t first_case, std::size_t end_case) {
+      branches.push_back({static_cast<unsigned int>(nodes.size()), parent, first_case, end_case});
+      nodes.emplace_back().branch = number;
+    };
     if (attribute.is_continuous()) {
-      add_branch(1, node.cases);
-      add_branch(2, node.cases);
+      add_branch(1, 0, 0);
+      add_branch(2, 0, 0);
     } else {
-      for_each_value(attribute, node.cases, add_branch);
+      for_each_value(attribute, *parent, add_branch);
     }
-    tree_node& parent = nodes[node.index];
-    parent.attribute = test.column_index;
-    parent.split = std::move(description);
-    parent.first_child = first_child;
-    parent.child_count = static_cast<unsigned int>(children.size());
-    std::move(children.rbegin(), children.rend(), std::back_inserter(open));
+    tree_node& tested = nodes[node.index];
+    tested.attribute = test.column_index;
+    tested.split = parent->split;
+    tested.first_child = first_child;
+    tested.child_count = static_cast<unsigned int>(branches.size());
+    std::move(branches.rbegin(), branches.rend(), std::back_inserter(open));
   }
 
-  // Calls `add_branch` with each known value among the cases, its cases and the unknown ones: a branch has no use for
-  // the others, and there may be as many values as cases.
+  // Puts the cases in the order of their values and calls `add_branch` with each known value among them and the bounds of
+  // its cases.
   template <class AddBranch>
-  static void for_each_value(const column& attribute, const w_sequence& cases, AddBranch add_branch) {
-    w_sequence by_value = cases;
+  static void for_each_value(const column& attribute, divided_node& node, AddBranch add_branch) {
     const auto code_of = [&](const auto& weighted) { return attribute.get_row_index(weighted.first); };
-    std::stable_sort(by_value.begin(), by_value.end(),
-                     [&](const auto& a, const auto& b) { return code_of(a) < code_of(b); });
-    auto value = std::find_if(by_value.begin(), by_value.end(), [&](const auto& c) { return code_of(c) != 0; });
-    const w_sequence unknown(by_value.begin(), value);
-    while (value != by_value.end()) {
-      const unsigned int code = code_of(*value);
-      const auto next = std::find_if(value, by_value.end(), [&](const auto& c) { return code_of(c) != code; });
-      w_sequence branch_cases(value, next);
-      branch_cases.insert(branch_cases.end(), unknown.begin(), unknown.end());
-      add_branch(code, branch_cases);
-      value = next;
+    const auto before = [&](const auto& a, const auto& b) { return code_of(a) < code_of(b); };
+    w_sequence& cases = node.cases;
+    std::stable_sort(cases.begin(), cases.end(), before);
+    for (std::size_t first = 0, end = 0; first < cases.size(); first = end) {
+      const unsigned int code = code_of(cases[first]);
+      while (end < cases.size() && code_of(cases[end]) == code) ++end;
+      if (code == 0) {
+        node.unknown_count = end;
+      } else {
+        add_branch(code, first, end);
+      }
     }
+  }
+
+  // Takes the cases of a branch, and notes its share.
+  node_cases cases_of(const branch& taken) {
+    const divided_node& parent = *taken.parent;
+    const column& attribute = *training.columns[parent.column_index];
+    w_sequence of_value;  // of a discrete test: the other values' cases would be passed over
+    if (!attribute.is_continuous()) {
+      of_value.insert(of_value.end(), parent.cases.begin() + static_cast<std::ptrdiff_t>(taken.first_case),
+                      parent.cases.begin() + static_cast<std::ptrdiff_t>(taken.end_case));
+      of_value.insert(of_value.end(), parent.cases.begin(),
+                      parent.cases.begin() + static_cast<std::ptrdiff_t>(parent.unknown_count));
+    }
+    const w_sequence& from = attribute.is_continuous() ? parent.cases : of_value;
+    node_cases result{taken.index, parent.depth + 1, {}, parent.ranges};
+    tree_node& node = nodes[taken.index];
+    const std::unique_ptr<w_sequence> cases(attribute.partition(from.begin(), from.end(), node.branch, parent.weight,
+                                                                node.share, result.ranges[parent.column_index],
+                                                                parent.split));
+    result.cases = std::move(*cases);
+    drop_slivers(result.cases);
+    return result;
+  }
+
+  // Leaves out what has become a small part of a case: it would take the time and the room of a whole one, times as many
+  // as there are branches on the way, and its weight might end as 0.
+  void drop_slivers(w_sequence& cases) const {
+    constexpr float least_part = 1.0F / 1024;
+    const auto is_sliver = [&](const auto& weighted) {
+      return weighted.second < least_part * training.cases[weighted.first].second || !(weighted.second > 0);
+    };
+    cases.erase(std::remove_if(cases.begin(), cases.end(), is_sliver), cases.end());
   }
 
   decision_tree finished() {
@@ -173,7 +224,7 @@ class growing {
   const table& training;
   const grow_options& options;
   std::vector<tree_node> nodes;  // their attributes are indices of the table's columns until the tree is finished
-  std::vector<open_node> open;
+  std::vector<branch> open;
   double all_weight = 0;
   double settled_weight = 0;
 };

@@ -16,11 +16,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <stdexcept>
 #include <utility>
 
 #include "arbor/tree/file_replacement.h"
+#include "arbor/tree/input_file.h"
 #include "arbor/tree/message_text.h"
+#include "arbor/tree/table.h"
 #include "arbor/tree/table_error.h"
 #include "arbor/utils/file_device.h"
 #include "arbor/utils/ibinstream.h"
@@ -65,6 +68,19 @@ constexpr unsigned int least_node_bytes = 5 * 4 + 5;
   throw std::runtime_error(what);
 }
 
+// Whether every value can be looked up, as those of a domain in order can. (Of the smallest doubles the text is not enough
+// to tell.)
+void check_domain(const column& checked) {
+  const unsigned int codes = checked.get_distinct();
+  if (checked.get_o_set()->get_datatype() == "double") return;
+  for (unsigned int code = 1; code < codes; ++code) {
+    unsigned int found = 0;
+    if (!code_of_text(checked, value_text(checked, code).c_str(), found) || found != code) {
+      refuse("the values of a column are out of order");
+    }
+  }
+}
+
 std::unique_ptr<column> read_column(ibinstream& in) {
   column* loaded = nullptr;
   std::string error;
@@ -72,6 +88,7 @@ std::unique_ptr<column> read_column(ibinstream& in) {
   std::unique_ptr<column> result(loaded);
   if (result == nullptr) refuse("it lacks a column");
   if (result->size() != 0) refuse("a column of it has rows");
+  check_domain(*result);
   return result;
 }
 
@@ -84,7 +101,8 @@ void check_node(const decision_tree& tree, std::size_t index, std::vector<bool>&
     weight += static_cast<double>(w);
   }
   if (!(weight > 0)) refuse("a node has no weight");
-  if (!(node.share >= 0) || !std::isfinite(node.share)) refuse("a branch has no proper share");
+  // No branch has all; what float sums round is far less than that.
+  if (!(node.share >= 0 && node.share <= 2)) refuse("a branch has no proper share");
   if (node.is_leaf()) {
     if (node.child_count != 0) refuse("a leaf has branches");
     return;
@@ -167,42 +185,36 @@ void save_model(const std::string& path, const decision_tree& tree) {
 }
 
 decision_tree load_model(const std::string& path) {
-  const std::string name = printable(path);
-  std::vector<unsigned char> payload;
-  try {
-    file_device device(path, file_device::mode::read);
-    ibinstream in(device);
-    std::array<unsigned char, magic.size()> first{};
-    unsigned int version = 0;
-    if (device.remaining() >= first.size()) in.read_block(first.data(), first.size());
-    if (first != magic) throw table_error(name + ": not a model of arbor grow");
-    in >> version;
-    if (version != format_version) {
-      throw table_error(name + ": a model of format " + std::to_string(version) + "; this program reads format " +
-                        std::to_string(format_version));
-    }
-    unsigned long long length = 0;
-    unsigned int expected = 0;
-    in >> length >> expected;
-    if (length != device.remaining()) {
-      throw table_error(name + ": damaged: it holds " + std::to_string(device.remaining()) + " bytes of a model of " +
-                        std::to_string(length));
-    }
-    payload.resize(length);
-    constexpr std::size_t part = 1U << 30U;
-    for (std::size_t done = 0; done < length; done += part) {
-      device.read(payload.data() + done, static_cast<unsigned int>(std::min<std::size_t>(part, length - done)));
-    }
-    if (checksum(payload) != expected) throw table_error(name + ": damaged: its checksum is wrong");
-  } catch (const table_error&) {
-    throw;
-  } catch (const std::runtime_error& failure) {
-    throw table_error(printable(failure.what()));
+  input_file file(path);
+  const auto fail = [&](const std::string& what) -> void { throw table_error(file.name() + ": " + what); };
+  std::vector<unsigned char> bytes;
+  std::array<char, 1U << 16U> part{};
+  while (const std::size_t count = file.read(part.data(), part.size())) {
+    if (bytes.empty() && std::memcmp(part.data(), magic.data(), std::min(count, magic.size())) != 0) break;
+    bytes.insert(bytes.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
   }
+  constexpr std::size_t head = magic.size() + 4 + 8 + 4;
+  if (bytes.size() < magic.size()) fail("not a model of arbor grow");
+  if (bytes.size() < head) fail("damaged: it ends too early");
+  memory_device device({bytes.begin() + magic.size(), bytes.begin() + head});
+  ibinstream in(device);
+  unsigned int version = 0;
+  unsigned long long length = 0;
+  unsigned int expected = 0;
+  in >> version >> length >> expected;
+  if (version != format_version) {
+    fail("a model of format " + std::to_string(version) + "; this program reads format " +
+         std::to_string(format_version));
+  }
+  bytes.erase(bytes.begin(), bytes.begin() + head);
+  if (length != bytes.size()) {
+    fail("damaged: it holds " + std::to_string(bytes.size()) + " bytes of a tree of " + std::to_string(length));
+  }
+  if (checksum(bytes) != expected) fail("damaged: its checksum is wrong");
   try {
-    return tree_of(std::move(payload));
+    return tree_of(std::move(bytes));
   } catch (const std::runtime_error& failure) {
-    throw table_error(name + ": damaged: " + printable(failure.what()));
+    throw table_error(file.name() + ": damaged: " + printable(failure.what()));
   }
 }
 

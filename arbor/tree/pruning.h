@@ -1,8 +1,8 @@
 // Cuts back a tree where its branches promise no fewer errors than a leaf would.
 //
-// Pessimistic error pruning: J. R. Quinlan, "Simplifying decision trees", International Journal of Man-Machine Studies
-// 27 (1987), 221-234. The share of errors that a leaf promises is the upper confidence limit that its training cases
-// leave; so a leaf of few cases promises little.
+// Pessimistic error pruning, the idea of J. R. Quinlan, "Simplifying decision trees", International Journal of
+// Man-Machine Studies 27 (1987), 221-234: what is seen in the training cases is too good to be true, the more so the
+// fewer they are. Here the share of errors that a leaf promises is the upper confidence limit of binomial_limit.h.
 #ifndef ARBOR_TREE_PRUNING_H
 #define ARBOR_TREE_PRUNING_H
 

@@ -25,6 +25,10 @@ struct table {
 // 0.
 std::string value_text(const impls::column& column, unsigned int code);
 
+// The reverse, for a text as it stands in a table: whether the column's domain holds it, setting `code` then. Throws
+// std::runtime_error for a text that is not of the data type.
+bool code_of_text(const impls::column& column, const char* text, unsigned int& code);
+
 // Whether a column is rated: neither the class nor the weights.
 bool is_attribute(const impls::column& column);
 

@@ -1,12 +1,14 @@
 #include "arbor/tree/table_classification.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 
 #include "arbor/tree/csv_cell.h"
 #include "arbor/tree/csv_table.h"
-#include "arbor/tree/domain_text.h"
 #include "arbor/tree/shortest_text.h"
 #include "arbor/tree/table.h"
+#include "arbor/tree/table_error.h"
 
 namespace arbor::tree {
 
@@ -32,16 +34,23 @@ class classifying {
     const auto class_name = std::find(names.begin(), names.end(), tree.class_column->get_name());
     if (class_name != names.end()) {
       class_cell = static_cast<std::size_t>(class_name - names.begin());
-      result.matrix.emplace(class_count() + 1);
+      result.matrix.emplace();
     }
     if (!options.weights_name.empty()) weights_cell = file.cell_named(options.weights_name, "--weights");
     for (const std::string& name : names) out << csv_cell(name) << ',';
-    out << "predicted";
-    if (!options.all_probabilities) out << ",probability";
+    out << unused_name("predicted");
+    if (!options.all_probabilities) out << ',' << unused_name("probability");
     for (unsigned int c = 1; options.all_probabilities && c <= class_count(); ++c) {
-      out << ',' << csv_cell("P(" + value_text(*tree.class_column, c) + ")");
+      out << ',' << csv_cell(unused_name("P(" + value_text(*tree.class_column, c) + ")"));
     }
     out << '\n';
+  }
+
+  // A name for a column more: the table may have one of that name, say because it was classified before.
+  std::string unused_name(std::string name) const {
+    const std::vector<std::string>& names = file.names();
+    while (std::find(names.begin(), names.end(), name) != names.end()) name += "_2";
+    return name;
   }
 
   void classify(const csv_row& row) {
@@ -72,17 +81,16 @@ class classifying {
       out << ',' << shortest_text(static_cast<float>(distribution[c]));
     }
     out << '\n';
+    if (!out) throw table_error(std::string("the rows cannot be written: ") + std::strerror(errno));
   }
 
   unsigned int class_count() const { return tree.class_column->get_distinct() - 1; }
 
   // The entry of a class, behind the last for one that the model does not know.
   std::size_t class_of(const char* text) const {
-    impls::o_set& domain = *tree.class_column->get_o_set();
     unsigned int code = 0;
     try {
-      const bool is_text = domain.get_datatype() == "string";
-      if (domain.get_order(is_text ? to_domain_text(text).c_str() : text, code)) return code - 1;
+      if (code_of_text(*tree.class_column, text, code)) return code - 1;
     } catch (const std::runtime_error&) {
       // Not even of the data type.
     }

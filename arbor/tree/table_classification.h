@@ -21,7 +21,7 @@ struct classification_options {
 
 struct classification_result {
   std::size_t rows = 0;
-  // Of the rows whose class the table tells. Behind the classes of the tree it has one more, for those that are others.
+  // Of the rows whose class the table tells. The entry behind the last of the tree's classes is for all others.
   // None when the table has no column of the class's name.
   std::optional<confusion_matrix> matrix;
 };

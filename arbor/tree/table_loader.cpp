@@ -128,7 +128,7 @@ class loading {
     if (class_cell == weights_cell)
       file.fail(in_quotes(names[class_cell]) + " cannot be both the class and the weights");
     if (names.size() == 2 && weights_cell < 2) file.fail("no column beside the class and the weights");
-    for (const auto& type : options.types) file.cell_named(type.first, "--type");
+    for (const auto& type : options.types) file.cell_named(type.first, options.types_from);
     for (const auto& kind : options.kinds) {
       const std::size_t cell = file.cell_named(kind.first, "--kind");
       if (cell != class_cell && cell != weights_cell) continue;

@@ -27,6 +27,7 @@ struct load_options {
   std::vector<std::string> unknown_texts;  // of the unknown value, see unknown_texts.h; none: "?" and the empty cell
 
   std::map<std::string, std::string> types;  // by column name: integer, uinteger, float, double or string
+  std::string types_from = "--type";         // who chose the types, to name if a column is missing
   std::map<std::string, std::string> kinds;  // by attribute name: discrete, continuous or ignore
 
   std::function<void(std::size_t rows)> progress;  // told at each row how many have been read in this pass

@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 #include <vector>
 
 #include "arbor/tree/float_json.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/shortest_text.h"
+#include "arbor/tree/table.h"
 #include "arbor/tree/text_table.h"
 
 namespace arbor::tree {
@@ -67,16 +69,6 @@ void for_each_node(const decision_tree& tree, std::size_t depth, Visit visit) {
   }
 }
 
-std::vector<std::size_t> parents_of(const decision_tree& tree) {
-  std::vector<std::size_t> parents(tree.nodes.size(), 0);
-  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
-    for (unsigned int child = 0; child < tree.nodes[i].child_count; ++child) {
-      parents[tree.nodes[i].first_child + child] = i;
-    }
-  }
-  return parents;
-}
-
 // How many leaves are below each node; a leaf is its own.
 std::vector<std::size_t> leaves_below(const decision_tree& tree) {
   std::vector<std::size_t> leaves(tree.nodes.size(), 0);
@@ -93,7 +85,7 @@ std::string dot_text(const std::string& text) {
   std::string result = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') result += '\\';
-    result += c;
+    result += c == '&' ? "&amp;" : std::string(1, c);  // or what follows might be taken for the name of a character
   }
   return result + '"';
 }
@@ -101,14 +93,16 @@ std::string dot_text(const std::string& text) {
 }  // namespace
 
 std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
-  const std::vector<std::size_t> parents = parents_of(tree);
+  constexpr std::size_t most_indented = 40;  // or the text would grow with the square of the depth
+  const std::vector<std::size_t> parents = node_parents(tree);
   const std::vector<std::size_t> leaves = leaves_below(tree);
   std::string report;
   for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
     const tree_node& node = tree.nodes[index];
     if (level > 0) {
       const tree_node& parent = tree.nodes[parents[index]];
-      for (std::size_t i = 1; i < level; ++i) report += "|   ";
+      for (std::size_t i = 1; i < std::min(level, most_indented); ++i) report += "|   ";
+      if (level > most_indented) report += fmt::format("(depth {}) ", level);
       report += branch_text(*tree.attributes[parent.attribute], parent, node);
     }
     const char* separator = level > 0 ? ": " : "";
@@ -124,16 +118,13 @@ std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
 }
 
 std::size_t depth_of_lines(const decision_tree& tree, std::size_t lines) {
-  std::vector<std::size_t> depths(tree.nodes.size(), 0);
-  std::vector<std::size_t> nodes_at;
-  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
-    const tree_node& node = tree.nodes[i];
-    if (depths[i] >= nodes_at.size()) nodes_at.resize(depths[i] + 1, 0);
-    ++nodes_at[depths[i]];
-    for (unsigned int child = 0; child < node.child_count; ++child) depths[node.first_child + child] = depths[i] + 1;
+  std::vector<std::size_t> nodes_at(2, 0);
+  for (const std::size_t depth : node_depths(tree)) {
+    if (depth >= nodes_at.size()) nodes_at.resize(depth + 1, 0);
+    ++nodes_at[depth];
   }
   std::size_t depth = 1;
-  std::size_t used = nodes_at.size() > 1 ? nodes_at[1] : 1;
+  std::size_t used = nodes_at[1];
   while (depth + 1 < nodes_at.size() && used + nodes_at[depth + 1] <= lines) used += nodes_at[++depth];
   return depth;
 }
@@ -167,7 +158,7 @@ std::string tree_as_dot(const decision_tree& tree, std::size_t depth) {
 }
 
 std::string tree_as_json(const decision_tree& tree) {
-  const std::vector<std::size_t> parents = parents_of(tree);
+  const std::vector<std::size_t> parents = node_parents(tree);
   float_json classes = float_json::array();
   const std::size_t class_count = tree.nodes.front().class_weights.size();
   for (std::size_t c = 0; c < class_count; ++c) classes.push_back(class_text(tree, c));
@@ -209,12 +200,8 @@ std::string error_line(const std::string& which_cases, const confusion_matrix& m
 
 std::string matrix_as_text(const decision_tree& tree, const confusion_matrix& matrix) {
   constexpr std::size_t most_classes = 20;
-  std::vector<std::size_t> occurring;
-  for (std::size_t c = 0; c < matrix.classes(); ++c) {
-    double weight = 0;
-    for (std::size_t other = 0; other < matrix.classes(); ++other) weight += matrix.at(c, other) + matrix.at(other, c);
-    if (weight > 0) occurring.push_back(c);
-  }
+  std::set<std::size_t> occurring;
+  for (const auto& [pair, weight] : matrix.pairs()) occurring.insert({pair.first, pair.second});
   if (occurring.size() > most_classes) return fmt::format("({} classes: too many for a matrix)\n", occurring.size());
   std::vector<std::vector<std::string>> rows{{"actual \\ said"}};
   for (const std::size_t c : occurring) rows.front().push_back(printable(class_text(tree, c)));

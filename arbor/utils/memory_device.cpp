@@ -14,7 +14,7 @@ void memory_device::write(const void* data, unsigned int count) {
 }
 
 void memory_device::read(void* data, unsigned int count) {
-  if (count > remaining()) throw std::runtime_error("memory_device: read past the end");
+  if (count > contents.size() - position) throw std::runtime_error("memory_device: read past the end");
   if (count != 0) std::memcpy(data, contents.data() + position, count);
   position += count;
 }

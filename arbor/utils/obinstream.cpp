@@ -42,10 +42,12 @@ obinstream& obinstream::operator<<(double value) {
 
 obinstream& obinstream::operator<<(const char* text) {
   if (text == nullptr) return *this << false;
-  const std::size_t length = std::strlen(text);
-  if (length > 0x7FFFFFFEU) throw std::runtime_error("obinstream::writing too long string");
-  *this << true << static_cast<unsigned int>(length);
-  device->write(text, static_cast<unsigned int>(length));
+  // Not strlen, of which a 32-bit compiler knows that it cannot be that long.
+  const void* end = std::memchr(text, '\0', 0x7FFFFFFFU);
+  if (end == nullptr) throw std::runtime_error("obinstream::writing too long string");
+  const auto length = static_cast<unsigned int>(static_cast<const char*>(end) - text);
+  *this << true << length;
+  device->write(text, length);
   return *this;
 }
 
