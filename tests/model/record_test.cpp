@@ -80,6 +80,31 @@ TEST(Record, IsReadBehindTheCodesThatAreThereButInPlaceOfBits) {
   EXPECT_EQ(message_of([&] { bits->bin_in(shorter.in); }), "bitmap::resize cannot deal with shortening of bitmaps");
 }
 
+template <class T>
+byte_list rows_of(const texts& rows) {
+  column_typed<T> c(numbers_to(300), "x", column::CONTINUOUS);
+  for (const std::string& row : rows) c.push_back(row.c_str());
+  call_log device;
+  c.bin_out(device.out);
+  return device.medium.bytes();
+}
+
+TEST(Record, HoldsTheCodesInTheirWidthAndBitsInWholeWords) {
+  EXPECT_EQ(rows_of<unsigned char>(listed("1,255")), spelt("02000000 01FF"));
+  EXPECT_EQ(rows_of<unsigned short>(listed("1,300")), spelt("02000000 01002C01"));
+  EXPECT_EQ(rows_of<unsigned int>(listed("1,300")), spelt("02000000 01000000 2C010000"));
+  EXPECT_EQ(rows_of<unsigned long long>(listed("1,300")), spelt("02000000 0100000000000000 2C01000000000000"));
+  EXPECT_EQ(rows_of<unsigned long long>({}), spelt("00000000"));
+  column_bool bits(numbers_to(2), "x", column::DISCRETE);
+  call_log none, some;
+  bits.bin_out(none.out);
+  for (int row = 0; row < 33; ++row) bits.push_back(row % 8 == 0 ? "2" : "1");
+  bits.bin_out(some.out);
+  EXPECT_EQ(none.medium.bytes(), spelt("00000000"));
+  EXPECT_EQ(none.calls, call_sizes({4, 0}));
+  EXPECT_EQ(some.medium.bytes(), spelt("21000000 01010101 01000000"));
+}
+
 TEST(Record, HoldsASplitAndIsReadWholeOrNotAtAll) {
   column::partition_desc split{std::string("2.5\0z", 5), 2};
   call_log device, broken(spelt("'3.5 0700"));

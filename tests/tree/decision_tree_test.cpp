@@ -141,6 +141,25 @@ TEST(Classification, SendsUnknownAndUnseenValuesDownEveryBranchByItsShare) {
   EXPECT_THROW(compare({"2.5"}), tree::unfit_text);
 }
 
+TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
+  const decision_tree t = grown(loaded("d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\nr,2,w\n"), false, 1);
+  const table other = loaded("d,n,c\nq,3,z\nr,3,w\nnew,3,w\nq,7,z\np,0,x\np,3,y\n");
+  const tree::row_classifier say(t, other);
+  tree::text_classifier by_text(t);
+  const std::vector<std::vector<const char*>> rows{{"q", "3"}, {"r", "3"}, {"new", "3"},
+                                                   {"q", "7"}, {"p", "0"}, {"p", "3"}};
+  for (unsigned int row = 0; row < rows.size(); ++row) EXPECT_EQ(say(row), by_text(rows[row])) << row;
+}
+
+TEST(Grower, LeavesOutWhatBecomesOfACaseInTooManyBranches) {
+  std::string csv = "a,b,c\n";
+  for (int i = 0; i < 3000; ++i) csv += "v" + std::to_string(i % 1500) + ",1," + (i % 2 == 0 ? "x\n" : "y\n");
+  for (int i = 0; i < 3000; ++i) csv += "?,2,z\n";
+  const decision_tree t = grown(loaded(csv), false, 1);
+  for (const tree::tree_node& node : t.nodes) EXPECT_GT(tree::weigh(node).cases, 0);
+  EXPECT_LT(t.nodes.size(), 3100U);
+}
+
 TEST(Holdout, KeepsBackTheSameRowsForTheSameSeed) {
   w_sequence cases;
   for (unsigned int row = 0; row < 1000; ++row) cases.push_back({row, 1});

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <zlib.h>
 
 #include <cstring>
@@ -70,6 +72,21 @@ TEST(ModelStore, GivesTheSameTreeAndTheSameBytesAgain) {
   const temporary_file second("an older model");
   tree::save_model(second.path(), tree::load_model(first.path()));
   EXPECT_EQ(bytes_of(second.path()), bytes);
+}
+
+TEST(ModelStore, FollowsLinksAndKeepsTheRightsOfAFile) {
+  const temporary_file bytes(saved_model());
+  const tree::decision_tree t = tree::load_model(bytes.path());
+  const temporary_file target("older");
+  const std::string link = target.path() + ".link";
+  ASSERT_EQ(symlink(target.path().c_str(), link.c_str()) + chmod(target.path().c_str(), 0600), 0);
+  tree::save_model(link, t);
+  struct stat told {};
+  ASSERT_EQ(stat(target.path().c_str(), &told), 0);
+  EXPECT_EQ(told.st_mode & 0777U, 0600U);
+  EXPECT_EQ(bytes_of(target.path()), bytes_of(bytes.path()));
+  EXPECT_EQ(unlink(link.c_str()), 0);
+  EXPECT_THROW(tree::save_model("/dev/null", t), tree::table_error);
 }
 
 TEST(ModelStore, RefusesEveryTruncationAndEveryChangedByte) {
