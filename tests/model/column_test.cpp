@@ -136,15 +136,6 @@ TYPED_TEST(TypedColumn, StoresComparesAndCopiesCodes) {
             "continuousx30");
 }
 
-TEST(BoolColumn, StoresAndComparesBits) {
-  const auto c = make_column("discrete", "string", listed("b,a,b"));
-  EXPECT_EQ(message_of([&] { c->push_back("c"); }), "[column::push_back] index not found for value 'c'");
-  c->reserve(1000);
-  EXPECT_EQ(codes_of(*c), code_list({2, 1, 2}));
-  EXPECT_TRUE(c->less_than(1, 0));
-  EXPECT_FALSE(c->less_than(0, 1) || c->less_than(0, 2) || c->less_than(1, 1));
-}
-
 TEST(BoolColumn, SharesItsBitsWithAFullCloneUntilOneOutgrowsThem) {
   auto source = make_column("discrete", "string", listed("b,a,b"));
   const auto copy = clone_of(*source, false), empty = clone_of(*source, true), heir = clone_of(*copy, false);

@@ -119,23 +119,6 @@ TEST(ValueMeasure, GainsTheWholeEntropyFromAPureSplit) {
   }
 }
 
-TEST(ValueMeasure, RatesTheWeatherTableAsTheTextbookDoes) {
-  const rating outlook = rate(by::value, node({{3, 1, 3}, {3, 2, 2}, {1, 2, 4}, {2, 2, 3}, {2, 1, 2}}, 2, 2));
-  EXPECT_NEAR(outlook.gain, 0.246750, 5e-7);
-  EXPECT_NEAR(outlook.split_info, 1.577406, 5e-7);
-  EXPECT_NEAR(outlook.gain / outlook.split_info, 0.156428, 5e-7);
-}
-
-TEST(AnyMeasure, TakesTheWeightOfTheNodeFromTheCaller) {
-  node n({{1, 1, 4}, {2, 2, 4}});
-  n.total_weight = 16;
-  for (by measure : {by::value, by::sorting, by::table}) {
-    EXPECT_EQ(rate(measure, n).gain, 0.5F);
-    // A cut leaves to its right whatever is not on its left: branches of 4 and 12 here.
-    EXPECT_NEAR(rate(measure, n).split_info, measure == by::value ? 0.5 : 0.811278, 5e-7);
-  }
-}
-
 TEST(CutMeasures, KeepAwayFromTheSidesByTheLeastWeight) {
   struct {
     float known, min_weight, side;

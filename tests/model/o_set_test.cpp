@@ -73,16 +73,6 @@ TEST(Domain, NumbersRandomValuesInOrderAlsoWhenAskedInBetween) {
   }
 }
 
-TEST(Domain, ClonesAndSourcesChangeAlone) {
-  const auto source = make_domain("string", listed("b,a long text that needs storage of its own"));
-  const std::unique_ptr<o_set> copy(source->clone());
-  copy->insert("c");
-  EXPECT_EQ(source->size_of_known(), 2U);
-  source->insert("aa");
-  EXPECT_EQ(code_of(*source, "b"), 3);
-  EXPECT_EQ(known_texts(*copy), listed("a long text that needs storage of its own,b,c"));
-}
-
 TEST(Domain, ReadsAndPrintsValuesByTheRulesOfItsDataType) {
   using row = std::vector<std::string>;  // the data type, what is inserted, what is known then
   for (const row& r : {row{"integer", "3, 1,-0,+3,0,-", "0,1,3"},
