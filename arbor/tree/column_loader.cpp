@@ -45,7 +45,7 @@ column_loader::column_loader(settings of_column) : chosen(std::move(of_column)),
 void column_loader::start_domain(const char* type) {
   data_type = type;
   // Among numbers the unknown value needs a text that no number is printed as.
-  null_text = is_text() ? to_domain_text(chosen.null_text) : "?";
+  null_text = is_text() ? chosen.null_text : "?";
   domain.reset(impls::o_set::NEW_O_SET(data_type, true, null_text));
 }
 

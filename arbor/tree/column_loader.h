@@ -24,7 +24,7 @@ class column_loader {
     std::string name;
     std::string kind;       // empty: continuous for numbers, discrete for texts, ignore without known values
     std::string data_type;  // empty: found in the survey
-    std::string null_text;  // the text of the unknown value in a column of texts, which no known value has
+    std::string null_text;  // the domain's text of the unknown value, in a column of texts
   };
 
   explicit column_loader(settings chosen);

@@ -123,10 +123,12 @@ class loading {
     if (names.size() == 1) {
       file.fail_at(1, "only one column, " + in_quotes(names[0]) + "; a table has several, between commas");
     }
-    class_cell = options.class_name.empty() ? names.size() - 1 : file.cell_named(options.class_name, "--class");
     weights_cell = options.weights_name.empty() ? names.size() : file.cell_named(options.weights_name, "--weights");
-    if (class_cell == weights_cell)
+    const std::size_t last_cell = names.size() - (weights_cell + 1 == names.size() ? 2 : 1);
+    class_cell = options.class_name.empty() ? last_cell : file.cell_named(options.class_name, "--class");
+    if (class_cell == weights_cell) {
       file.fail(in_quotes(names[class_cell]) + " cannot be both the class and the weights");
+    }
     if (names.size() == 2 && weights_cell < 2) file.fail("no column beside the class and the weights");
     for (const auto& type : options.types) file.cell_named(type.first, options.types_from);
     for (const auto& kind : options.kinds) {
@@ -138,7 +140,7 @@ class loading {
     for (std::size_t cell = 0; cell < names.size(); ++cell) {
       const std::string& name = names[cell];
       const std::string kind = cell == class_cell ? "class" : cell == weights_cell ? "weights" : options.kinds[name];
-      loaders.emplace_back(column_loader::settings{name, kind, options.types[name], file.unknowns().texts().front()});
+      loaders.emplace_back(column_loader::settings{name, kind, options.types[name], file.unknowns().domain_text()});
     }
   }
 

@@ -4,10 +4,10 @@
 //   options.unknown_texts = {"NA"};
 //   table golf = load_table("golf.csv", options);
 //
-// The first row names the columns. The last column is the class unless another is named; every other column but that of
-// the weights is an attribute. A column holds the narrowest data type that all its known values fit: integer, else
-// float, else string. Attributes of numbers are continuous, those of texts discrete; an attribute without known values
-// is ignored.
+// The first row names the columns. The last column, unless it holds the weights, is the class unless another is named;
+// every other column but that of the weights is an attribute. A column holds the narrowest data type that all its known
+// values fit: integer, else float, else string. Attributes of numbers are continuous, those of texts discrete; an
+// attribute without known values is ignored.
 #ifndef ARBOR_TREE_TABLE_LOADER_H
 #define ARBOR_TREE_TABLE_LOADER_H
 
@@ -21,7 +21,7 @@
 namespace arbor::tree {
 
 struct load_options {
-  std::string class_name;    // empty: the last column
+  std::string class_name;    // empty: the last column but that of the weights
   std::string weights_name;  // the column of the cases' weights, finite numbers from 0 up; empty: every case weighs 1
 
   std::vector<std::string> unknown_texts;  // of the unknown value, see unknown_texts.h; none: "?" and the empty cell

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "arbor/tree/domain_text.h"
+
 namespace arbor::tree {
 
 unknown_texts::unknown_texts(std::vector<std::string> chosen) : all(std::move(chosen)) {
@@ -15,6 +17,14 @@ const char* unknown_texts::known_text(const csv_row& row, std::size_t cell) cons
   const char* text = row.text(cell);
   const bool unknown = *text != '\0' ? contain(text) : row.is_empty(cell) ? empty_is_unknown : quoted_empty_is_unknown;
   return unknown ? nullptr : text;
+}
+
+std::string unknown_texts::domain_text() const {
+  for (const std::string& text : all) {
+    const bool means_empty_cell = text.empty() || text == "\"\"";
+    if (!means_empty_cell) return to_domain_text(text);
+  }
+  return "\x7F?";
 }
 
 bool unknown_texts::contain(const char* text) const {

@@ -83,6 +83,13 @@ TEST(TableLoader, KeepsTheEmptyTextInQuotesApartFromTheEmptyCell) {
   EXPECT_THAT(columns_of(load("a,c\n\"\",x\n,x\nb,x\n")), ElementsAre("string discrete:  ? b", "string class: x x x"));
 }
 
+TEST(TableLoader, TakesNoKnownTextForTheUnknownOne) {
+  const load_options options = with([](load_options& o) { o.unknown_texts = {""}; });
+  const table loaded = load("a,c\n\"\",x\n,x\n?,x\n", options);
+  EXPECT_EQ(loaded.columns[0]->get_o_set()->size_of_known(), 2U);
+  EXPECT_EQ(tree::unknown_cells(*loaded.columns[0], loaded.cases), 1U);
+}
+
 TEST(TableLoader, LeavesOutRowsOfWeightZeroWholly) {
   const load_options options = with([](load_options& o) { o.weights_name = "w"; });
   const table loaded = load("a,w,c\nodd,0,?\n1,0.5,x\n2,2,y\n", options);
@@ -159,7 +166,7 @@ TEST(TableLoader, RefusesOptionsThatDoNotGoWithTheTable) {
             "\"float\"?");
   EXPECT_EQ(refusal(csv, with([](load_options& o) { o.kinds["play"] = "ignore"; })),
             ": column \"play\" is the class, which is its kind; --kind is for attributes");
-  EXPECT_EQ(refusal(csv, with([](load_options& o) { o.weights_name = "play"; })),
+  EXPECT_EQ(refusal(csv, with([](load_options& o) { o.class_name = o.weights_name = "play"; })),
             ": \"play\" cannot be both the class and the weights");
   EXPECT_EQ(refusal(csv, with([](load_options& o) { o.types["weight"] = "integer"; })),
             ":2: column \"weight\": \"1.5\" is not of the type integer that was chosen for the column");
