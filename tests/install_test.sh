@@ -22,6 +22,6 @@ int main() {
   return domain->get_value(1) == "42" ? 0 : 1;
 }
 END
-cmake -S "$work" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" -DCMAKE_CXX_FLAGS="${2:-}" >/dev/null
+cmake -G Ninja -S "$work" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" -DCMAKE_CXX_FLAGS="${2:-}" >/dev/null
 cmake --build "$work/build" >/dev/null
 "$work/build/user"
