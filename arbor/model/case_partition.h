@@ -15,12 +15,12 @@ struct branch_cases {
   float ratio;
 };
 
-// The cases whose code `on_branch` accepts, and those of unknown value. The former weigh on the branch; the latter,
-// unless `on_branch` accepts their code 0 as well, are taken off `total`. `scale_unknown` tells whether unknown cases
-// are taken with their weight multiplied by the ratio.
-template <class CodeOf, class OnBranch>
+// The cases whose code `on_branch` accepts, and those of unknown value. The former weigh on the branch; the latter, unless
+// `on_branch` accepts their code 0 as well, are taken off `total`. `scale_unknown` tells whether unknown cases are taken
+// with their weight multiplied by the ratio. `when_taken` is called with the code of every other case that is taken.
+template <class CodeOf, class OnBranch, class WhenTaken>
 branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const_iterator end, float total,
-                             CodeOf code_of, OnBranch on_branch, bool scale_unknown) {
+                             CodeOf code_of, OnBranch on_branch, bool scale_unknown, WhenTaken when_taken) {
   float branch_weight = 0;
   float unknown_weight = 0;
   std::size_t count = 0;
@@ -44,6 +44,7 @@ branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const
       result.cases->push_back({c->first, result.ratio * c->second});
     } else if (on_branch(code)) {
       result.cases->push_back(*c);
+      when_taken(code);
     }
   }
   return result;
@@ -54,35 +55,29 @@ template <class CodeOf>
 branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_iterator end, unsigned int branch,
                             float total, CodeOf code_of) {
   return cases_on_branch(
-      begin, end, total, code_of, [branch](unsigned int code) { return code == branch; }, branch != 0);
+      begin, end, total, code_of, [branch](unsigned int code) { return code == branch; }, branch != 0,
+      [](unsigned int /*code*/) {});
 }
 
 // The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other). Code 0 is not above the
-// low branch's threshold: there the unknown cases weigh on the branch.
+// low branch's threshold: there the unknown cases weigh on the branch. `range` receives the bounds of `threshold` and of
+// the known codes on the branch.
 template <class CodeOf>
 branch_cases cases_of_side(w_sequence::const_iterator begin, w_sequence::const_iterator end, unsigned int branch,
-                           float total, CodeOf code_of, unsigned int threshold) {
-  if (branch == 1) {
-    return cases_on_branch(
-        begin, end, total, code_of, [=](unsigned int code) { return code <= threshold; }, true);
-  }
-  return cases_on_branch(
-      begin, end, total, code_of, [=](unsigned int code) { return branch == 2 && code > threshold; }, true);
-}
-
-// The bounds of `threshold` and of the known codes among cases.
-template <class CodeOf>
-strata::util::pair<unsigned int, unsigned int> code_bounds(const w_sequence& cases, CodeOf code_of,
-                                                           unsigned int threshold) {
+                           float total, CodeOf code_of, unsigned int threshold,
+                           strata::util::pair<unsigned int, unsigned int>& range) {
   unsigned int low = threshold;
   unsigned int high = threshold;
-  for (const auto& [row, weight] : cases) {
-    const unsigned int code = code_of(row);
-    if (code == 0) continue;
+  const auto widen = [&](unsigned int code) {
     low = std::min(low, code);
     high = std::max(high, code);
-  }
-  return {low, high + 1};
+  };
+  const auto up_to = [=](unsigned int code) { return code <= threshold; };
+  const auto above = [=](unsigned int code) { return branch == 2 && code > threshold; };
+  branch_cases result = branch == 1 ? cases_on_branch(begin, end, total, code_of, up_to, true, widen)
+                                    : cases_on_branch(begin, end, total, code_of, above, true, widen);
+  range = {low, high + 1};
+  return result;
 }
 
 }  // namespace arbor::impls

@@ -46,9 +46,8 @@ w_sequence* column_typed<T>::partition(w_sequence::const_iterator begin, w_seque
   const stored_indices<T> code_of(*this);
   if (type == CONTINUOUS) {
     const unsigned int threshold = get_index(desc.threshold.c_str());
-    branch_cases result = cases_of_side(begin, end, branch, total, code_of, threshold);
+    branch_cases result = cases_of_side(begin, end, branch, total, code_of, threshold, range);
     ratio = result.ratio;
-    range = code_bounds(*result.cases, code_of, threshold);
     return result.cases.release();
   }
   branch_cases result = cases_of_value(begin, end, branch, total, code_of);
