@@ -59,7 +59,7 @@ class growing {
     unsigned int index;
     std::shared_ptr<const divided_node> parent;
     std::size_t first_case;  // of a discrete test: those of its value, from this one
-    std::size_t end_case;    // to before this one
+    std::size_t end_case;    // to before this one; of a continuous one both only tell how many there are
   };
 
   // A test that a node may become.
@@ -117,7 +117,7 @@ class growing {
     return static_cast<double>(test.rating.gain) / static_cast<double>(test.rating.split_info);
   }
 
-  // Makes a test of a node, and puts its branches on the stack, the first on top.
+  // Makes a test of a node, and puts its branches on the stack.
   void divide(node_cases node, float weight, const candidate& test) {
     const column& attribute = *training.columns[test.column_index];
     auto parent = std::make_shared<divided_node>();
@@ -137,8 +137,11 @@ class growing {
       nodes.emplace_back().branch = number;
     };
     if (attribute.is_continuous()) {
-      add_branch(1, 0, 0);
-      add_branch(2, 0, 0);
+      const unsigned int threshold = attribute.get_index(parent->split.threshold.c_str());
+      const auto goes_low = [&](const auto& weighted) { return attribute.get_row_index(weighted.first) <= threshold; };
+      const auto low = static_cast<std::size_t>(std::count_if(parent->cases.begin(), parent->cases.end(), goes_low));
+      add_branch(1, 0, low);
+      add_branch(2, low, parent->cases.size());
     } else {
       for_each_value(attribute, *parent, add_branch);
     }
@@ -147,7 +150,12 @@ class growing {
     tested.split = parent->split;
     tested.first_child = first_child;
     tested.child_count = static_cast<unsigned int>(branches.size());
-    std::move(branches.rbegin(), branches.rend(), std::back_inserter(open));
+    // The largest comes last, when it is the only one that still needs the cases of its parent: of all that wait, only
+    // smaller ones, of at most half the cases each, have parents that wait too, so that twice the cases are kept at most.
+    std::stable_sort(branches.begin(), branches.end(), [](const branch& a, const branch& b) {
+      return a.end_case - a.first_case > b.end_case - b.first_case;
+    });
+    std::move(branches.begin(), branches.end(), std::back_inserter(open));
   }
 
   // Puts the cases in the order of their values and calls `add_branch` with each known value among them and the bounds of
