@@ -52,6 +52,7 @@ grow_command::grow_command(CLI::App& app) : command(app, "grow", "Grow a decisio
 
 void grow_command::run() {
   const tree::load_options load = table.chosen();
+  if (parser.count("--model") > 0 && model_path.empty()) throw usage_error("--model: the name of the file is empty");
   tree::grow_options grow;
   grow.min_weight = weight_value("--min-weight", min_weight);
   if (!max_depth.empty()) grow.max_depth = whole_value("--max-depth", max_depth);

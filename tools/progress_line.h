@@ -14,7 +14,8 @@ class progress_line {
   progress_line(const progress_line&) = delete;
   progress_line& operator=(const progress_line&) = delete;
 
-  // Whether there is a terminal and a tenth of a second has gone by since the last time. Cheap enough to ask at each row.
+  // Whether there is a terminal and a tenth of a second has gone by since the last time. Cheap enough to ask at each
+  // row.
   bool due();
   void show(const std::string& text);
   void clear();

@@ -15,9 +15,10 @@ struct branch_cases {
   float ratio;
 };
 
-// The cases whose code `on_branch` accepts, and those of unknown value. The former weigh on the branch; the latter, unless
-// `on_branch` accepts their code 0 as well, are taken off `total`. `scale_unknown` tells whether unknown cases are taken
-// with their weight multiplied by the ratio. `when_taken` is called with the code of every other case that is taken.
+// The cases whose code `on_branch` accepts, and those of unknown value. The former weigh on the branch; the latter,
+// unless `on_branch` accepts their code 0 as well, are taken off `total`. `scale_unknown` tells whether unknown cases
+// are taken with their weight multiplied by the ratio. `when_taken` is called with the code of every other case that is
+// taken.
 template <class CodeOf, class OnBranch, class WhenTaken>
 branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const_iterator end, float total,
                              CodeOf code_of, OnBranch on_branch, bool scale_unknown, WhenTaken when_taken) {
@@ -60,8 +61,8 @@ branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_
 }
 
 // The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other). Code 0 is not above the
-// low branch's threshold: there the unknown cases weigh on the branch. `range` receives the bounds of `threshold` and of
-// the known codes on the branch.
+// low branch's threshold: there the unknown cases weigh on the branch. `range` receives the bounds of `threshold` and
+// of the known codes on the branch.
 template <class CodeOf>
 branch_cases cases_of_side(w_sequence::const_iterator begin, w_sequence::const_iterator end, unsigned int branch,
                            float total, CodeOf code_of, unsigned int threshold,

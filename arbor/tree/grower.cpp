@@ -151,15 +151,16 @@ class growing {
     tested.first_child = first_child;
     tested.child_count = static_cast<unsigned int>(branches.size());
     // The largest comes last, when it is the only one that still needs the cases of its parent: of all that wait, only
-    // smaller ones, of at most half the cases each, have parents that wait too, so that twice the cases are kept at most.
+    // smaller ones, of at most half the cases each, have parents that wait too, so that twice the cases are kept at
+    // most.
     std::stable_sort(branches.begin(), branches.end(), [](const branch& a, const branch& b) {
       return a.end_case - a.first_case > b.end_case - b.first_case;
     });
     std::move(branches.begin(), branches.end(), std::back_inserter(open));
   }
 
-  // Puts the cases in the order of their values and calls `add_branch` with each known value among them and the bounds of
-  // its cases.
+  // Puts the cases in the order of their values and calls `add_branch` with each known value among them and the bounds
+  // of its cases.
   template <class AddBranch>
   static void for_each_value(const column& attribute, divided_node& node, AddBranch add_branch) {
     const auto code_of = [&](const auto& weighted) { return attribute.get_row_index(weighted.first); };
@@ -199,8 +200,8 @@ class growing {
     return result;
   }
 
-  // Leaves out what has become a small part of a case: it would take the time and the room of a whole one, times as many
-  // as there are branches on the way, and its weight might end as 0.
+  // Leaves out what has become a small part of a case: it would take the time and the room of a whole one, times as
+  // many as there are branches on the way, and its weight might end as 0.
   void drop_slivers(w_sequence& cases) const {
     constexpr float least_part = 1.0F / 1024;
     const auto is_sliver = [&](const auto& weighted) {

@@ -25,10 +25,10 @@ struct grow_options {
   std::function<void(double settled)> progress;  // told now and then which share of the cases has come to a leaf
 };
 
-// Grows a tree on `cases`, rows of `training` with the weights that they have there, of which there is at least one. A node becomes a leaf
-// when its cases are of one class, weigh less than twice `min_weight`, lie `max_depth` deep, or have no split.
-// Cases whose value is unknown go down every branch, until less than a thousandth of them is left. The same cases in the
-// same order always give the same tree.
+// Grows a tree on `cases`, rows of `training` with the weights that they have there, of which there is at least one. A
+// node becomes a leaf when its cases are of one class, weigh less than twice `min_weight`, lie `max_depth` deep, or
+// have no split. Cases whose value is unknown go down every branch, until less than a thousandth of them is left. The
+// same cases in the same order always give the same tree.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases, const grow_options& options);
 
 }  // namespace arbor::tree

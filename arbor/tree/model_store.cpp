@@ -68,8 +68,8 @@ constexpr unsigned int least_node_bytes = 5 * 4 + 5;
   throw std::runtime_error(what);
 }
 
-// Whether every value can be looked up, as those of a domain in order can. (Of the smallest doubles the text is not enough
-// to tell.)
+// Whether every value can be looked up, as those of a domain in order can. (Of the smallest doubles the text is not
+// enough to tell.)
 void check_domain(const column& checked) {
   const unsigned int codes = checked.get_distinct();
   if (checked.get_o_set()->get_datatype() == "double") return;

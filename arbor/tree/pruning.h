@@ -13,7 +13,8 @@
 namespace arbor::tree {
 
 // Makes leaves of the tests whose leaves promise at least as many errors as they would as a leaf themselves. The nodes
-// below them stay where they are, unreachable. `confidence` is above 0 and at most 0.5; the less it is, the more is cut.
+// below them stay where they are, unreachable. `confidence` is above 0 and at most 0.5; the less it is, the more is
+// cut.
 void prune(std::vector<tree_node>& nodes, float confidence);
 
 }  // namespace arbor::tree

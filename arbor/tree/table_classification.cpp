@@ -59,16 +59,9 @@ class classifying {
     const double weight = weights_cell ? static_cast<double>(file.weight(row, *weights_cell)) : 1;
     texts.clear();
     for (const std::size_t cell : cells) texts.push_back(file.known_text(row, cell));
-    std::vector<double> distribution;
-    try {
-      distribution = say(texts);
-    } catch (const unfit_text& unfit) {
-      const auto& attribute = *tree.attributes[unfit.attribute];
-      file.fail(row, cells[unfit.attribute],
-                "not of the type " + attribute.get_o_set()->get_datatype() + " that the model has for the column");
-    }
+    const std::vector<double> distribution = distribution_of(row, weight);
     const std::size_t said = likeliest_class(distribution);
-    if (result.matrix && file.known_text(row, class_cell) != nullptr) {
+    if (result.matrix && weight > 0 && file.known_text(row, class_cell) != nullptr) {
       result.matrix->add(class_of(file.known_text(row, class_cell)), said, weight);
     }
     for (std::size_t cell = 0; cell < row.size(); ++cell) {
@@ -82,6 +75,22 @@ class classifying {
     }
     out << '\n';
     if (!out) throw table_error(std::string("the rows cannot be written: ") + std::strerror(errno));
+  }
+
+  // A row that weighs nothing may hold anything, as when the tree was grown: what does not fit is unknown then.
+  std::vector<double> distribution_of(const csv_row& row, double weight) {
+    while (true) {
+      try {
+        return say(texts);
+      } catch (const unfit_text& unfit) {
+        const auto& attribute = *tree.attributes[unfit.attribute];
+        if (weight > 0) {
+          file.fail(row, cells[unfit.attribute],
+                    "not of the type " + attribute.get_o_set()->get_datatype() + " that the model has for the column");
+        }
+        texts[unfit.attribute] = nullptr;
+      }
+    }
   }
 
   unsigned int class_count() const { return tree.class_column->get_distinct() - 1; }

@@ -20,8 +20,8 @@ constexpr std::size_t whole_depth = std::numeric_limits<std::size_t>::max();
 //   |   humidity <= 70: yes (2)
 //   |   humidity > 70: no (3/1)
 //
-// Tests below `depth` others are left out, and their line says how many leaves there are. Below forty others a line tells
-// its depth instead of being indented further.
+// Tests below `depth` others are left out, and their line says how many leaves there are. Below forty others a line
+// tells its depth instead of being indented further.
 std::string tree_as_text(const decision_tree& tree, std::size_t depth);
 
 // The greatest depth at which the text has at most `lines` lines, but at least 1.

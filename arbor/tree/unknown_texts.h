@@ -18,8 +18,8 @@ class unknown_texts {
   // The text of a cell, null if it is unknown. Valid as long as the row.
   const char* known_text(const csv_row& row, std::size_t cell) const;
 
-  // The text for the unknown value in a domain of texts (see domain_text.h): one of those in use, or, when that might be
-  // a known text too, one that no cell becomes.
+  // The text for the unknown value in a domain of texts (see domain_text.h): one of those in use, or, when that might
+  // be a known text too, one that no cell becomes.
   std::string domain_text() const;
 
   // Those in use; there is at least one.
