@@ -12,6 +12,7 @@
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/holdout.h"
+#include "arbor/tree/pruning.h"
 #include "arbor/tree/table_loader.h"
 #include "arbor/tree/tree_report.h"
 #include "tests/support/columns.h"
@@ -91,6 +92,28 @@ TEST(Pruning, CutsWhatTellsNothingAndKeepsWhatDoes) {
   const table rows = loaded(csv);
   EXPECT_GT(tree::measure(grown(rows, false)).leaves, 4U);
   EXPECT_EQ(tree::measure(grown(rows, true)).leaves, 2U);
+}
+
+TEST(Grower, PassesOverAGoodRatioOfASmallGain) {
+  std::string csv = "rare,common,c\n";
+  for (int i = 0; i < 40; ++i) {
+    const bool x = i < 20 ? i % 10 < 8 : i % 10 < 2;  // in each quarter of the rows eight of ten are alike
+    csv += (i < 2 ? "p," : "q,") + std::string(1, static_cast<char>('a' + i / 10)) + (x ? ",x\n" : ",y\n");
+  }
+  EXPECT_THAT(text_of(grown(loaded(csv), false)), testing::StartsWith("common = a"));
+}
+
+TEST(Pruning, CountsTheErrorsOfSharedCasesOnce) {
+  // Ten unknown cases of weight 1 went down both branches, which without them would be the better ones.
+  std::vector<tree::tree_node> nodes(3);
+  nodes[0].class_weights = {12, 8};
+  nodes[0].attribute = 0;
+  nodes[0].first_child = 1;
+  nodes[0].child_count = 2;
+  nodes[1].class_weights = {14, 3};
+  nodes[2].class_weights = {5, 8};
+  tree::prune(nodes, 0.25F);
+  EXPECT_FALSE(nodes[0].is_leaf());
 }
 
 // A table with unknown values, many values and noise, and the texts of its attributes.

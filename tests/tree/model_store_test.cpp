@@ -3,14 +3,18 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <zlib.h>
 
+#include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "arbor/tree/classification.h"
+#include "arbor/tree/file_replacement.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/table_error.h"
 #include "arbor/tree/table_loader.h"
@@ -87,6 +91,23 @@ TEST(ModelStore, FollowsLinksAndKeepsTheRightsOfAFile) {
   EXPECT_EQ(bytes_of(target.path()), bytes_of(bytes.path()));
   EXPECT_EQ(unlink(link.c_str()), 0);
   EXPECT_THROW(tree::save_model("/dev/null", t), tree::table_error);
+}
+
+TEST(FileReplacement, LeavesNothingBehindWhenASignalEndsTheProcess) {
+  const temporary_file target("older");
+  const pid_t child = fork();
+  if (child == 0) {
+    const tree::file_replacement unfinished(target.path());
+    raise(SIGTERM);
+    _exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+  EXPECT_EQ(bytes_of(target.path()), "older");
+  for (const auto& entry : std::filesystem::directory_iterator("/tmp")) {
+    EXPECT_NE(entry.path().string().rfind(target.path() + ".", 0), 0U) << entry.path();
+  }
 }
 
 TEST(ModelStore, RefusesEveryTruncationAndEveryChangedByte) {
