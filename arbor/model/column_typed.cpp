@@ -111,9 +111,7 @@ void column_typed<T>::QualityMeasureContinuous(column* class_column, float total
                                                float min_weight, options* opts, splitting_desc& result,
                                                bool copy_cases) const {
   result.branches = 2;
-  w_sequence copy;
-  if (copy_cases) copy = *cases;
-  rate_continuous(*this, *class_column, total_weight, copy_cases ? copy : *cases, code_range, min_weight, opts, result);
+  rate_continuous(*this, *class_column, total_weight, *cases, code_range, min_weight, opts, copy_cases, result);
 }
 
 template <class T>

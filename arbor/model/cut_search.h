@@ -3,10 +3,14 @@
 #ifndef ARBOR_MODEL_CUT_SEARCH_H
 #define ARBOR_MODEL_CUT_SEARCH_H
 
+#include <array>
 #include <cstddef>
-#include <vector>
+#include <numeric>
+#include <type_traits>
 
 #include "arbor/model/column.h"
+#include "arbor/model/entropy.h"
+#include "arbor/utils/work_array.h"
 
 namespace arbor::impls {
 
@@ -20,43 +24,137 @@ float least_side_weight(float known_weight, unsigned int classes, float min_weig
 // Research 4 (1996), 77-90.
 float cut_point_penalty(unsigned int candidates, float total_weight, std::size_t case_count, const options* opts);
 
+// The cases of a node, as a continuous measure sees them.
+struct node_weights {
+  const float* classes;  // the weight of each class among the cases whose value is known
+  unsigned int class_count;
+  float unknown;
+  float total;  // as the caller tells it
+  float least_branch;
+
+  float known() const { return total - unknown; }
+  // Whether the known cases are heavy enough for two branches.
+  bool splittable() const { return 2.0 * static_cast<double>(least_branch) <= static_cast<double>(known()); }
+};
+
+// Moves a cut from the lowest code to the highest and keeps the best place.
+//
+// Weight and Terms as in entropy_sum. `Classes` is the number of classes where it is known to the compiler, else 0.
+template <class Weight, class Terms, unsigned int Classes>
 class cut_search {
  public:
-  // Entry c of a table by class code is the weight of class c; entry 0 is unused.
-  using class_weights = std::vector<float>;
+  cut_search(const node_weights& searched, const Terms& of_weights)
+      : node(searched),
+        term(of_weights),
+        known_weight(searched.known()),
+        info(static_cast<float>(weighted_entropy<Weight>(term, node.classes, node.class_count) /
+                                static_cast<double>(known_weight))),
+        known_fraction(static_cast<double>(known_weight) /
+                       (static_cast<double>(node.unknown) + static_cast<double>(known_weight))),
+        least_left(least_side_weight(known_weight, node.class_count, node.least_branch)),
+        most_left(known_weight - least_left),
+        left(node.class_count + 1ULL),
+        right(node.class_count + 1ULL) {
+    for (unsigned int c = 1; c <= classes(); ++c) right[c] = static_cast<Weight>(node.classes[c - 1]);
+  }
 
-  // `known` holds the class weights of all cases whose value is known.
-  cut_search(const class_weights& known, float unknown_weight, float total_weight, float min_weight);
+  // Moves to the left of the cut what lies next to it.
+  void move(unsigned int class_code, Weight weight) {
+    left[class_code] += weight;
+    right[class_code] -= weight;
+    left_sum += weight;
+  }
+  unsigned int classes() const { return Classes != 0 ? Classes : node.class_count; }
+  Weight left_weight() const { return left_sum; }
+  template <class Stored>
+  static Weight as_weight(Stored weight) {
+    return static_cast<Weight>(weight);
+  }
 
-  // Whether the known cases are heavy enough for two branches.
-  bool splittable() const { return is_splittable; }
-
-  // The bounds that the left weight of an admissible cut lies between.
-  float least_left() const { return least_side; }
-  float most_left() const { return known_weight - least_side; }
+  // Where the cut is, as far as both sides have their least weight.
+  bool too_low() const { return static_cast<float>(left_sum) < least_left; }
+  bool too_high() const { return too_high(left_sum); }
+  bool too_high(Weight left_of_cut) const { return static_cast<float>(left_of_cut) > most_left; }
 
   // Counts an admissible cut, whether it is then evaluated or not.
   void count_candidate() { ++candidates; }
 
-  // Rates the cut with these class weights on its sides; returns whether it is the best so far. Of equal gains, as they
-  // round to float, the one evaluated earlier stays the best.
-  bool evaluate(const class_weights& left, const class_weights& right, float left_weight);
+  // Rates the cut, which the caller knows as `place`. Of equal gains, as they round to float, the one evaluated earlier
+  // stays the best.
+  void evaluate(std::size_t place) {
+    entropy_sum<Weight, Terms> on_left(term);
+    entropy_sum<Weight, Terms> on_right(term);
+    for (unsigned int c = 1; c <= classes(); ++c) {
+      on_left.add(left[c]);
+      on_right.add(right[c]);
+    }
+    const float value_entropy = static_cast<float>(on_left.value() + on_right.value());
+    const float gain = static_cast<float>(
+        (static_cast<double>(info) - static_cast<double>(value_entropy) / static_cast<double>(known_weight)) *
+        known_fraction);
+    // Without a branch: whether a cut is the best so far is hard to foresee while the gain still rises.
+    const bool better = gain > best_gain;
+    best_gain = better ? gain : best_gain;
+    best_left = better ? left_sum : best_left;
+    best = better ? place : best;
+  }
 
-  // Sets gain and split information of `result` to those of the best cut and returns true, or returns false when there
-  // is none or its gain does not exceed the cut-point penalty.
-  bool conclude(std::size_t case_count, const options* opts, column::splitting_desc& result) const;
+  // Sets gain and split information of `result` to those of the best cut, `best_place`, and returns true; or returns
+  // false when there is none or its gain does not exceed the cut-point penalty. `case_count` includes unknown values.
+  bool conclude(std::size_t case_count, const options* opts, column::splitting_desc& result) const {
+    const float penalty = cut_point_penalty(candidates, node.total, case_count, opts);
+    if (!(penalty < best_gain)) return false;
+    const float left_branch = static_cast<float>(best_left);
+    const std::array<float, 3> branches{node.unknown, left_branch, known_weight - left_branch};
+    const float split_entropy = static_cast<float>(weighted_entropy<float>(real_terms(), branches.data(), 3));
+    result.gain = best_gain - penalty;
+    result.split_info = split_entropy / node.total;
+    return true;
+  }
+  std::size_t best_place() const { return best; }
 
  private:
-  float total_weight;
-  float unknown_weight;
-  float known_weight;
-  bool is_splittable;
-  float info;
-  float least_side;
+  // Two numbers can live in registers.
+  struct few : std::array<Weight, Classes + 1> {
+    explicit few(unsigned long long /*length*/) : std::array<Weight, Classes + 1>{} {}
+  };
+  using by_class = std::conditional_t<Classes != 0, few, strata::util::work_array<Weight, 16>>;
+
+  const node_weights& node;
+  const Terms& term;
+  const float known_weight;
+  const float info;
+  const double known_fraction;
+  const float least_left;
+  const float most_left;
+  by_class left;  // by class code the weight on this side; entry 0 is unused
+  by_class right;
+  Weight left_sum = 0;
   unsigned int candidates = 0;
   float best_gain = column::splitting_desc::no_split;
-  float best_split_info = 0;
+  Weight best_left = 0;
+  std::size_t best = 0;
 };
+
+// Calls `use` with a cut_search that suits the node.
+template <class Use>
+void with_cut_search(const node_weights& node, bool whole, Use&& use) {
+  if (whole) {
+    const whole_terms terms(
+        static_cast<unsigned int>(std::accumulate(node.classes, node.classes + node.class_count, 0.0F)));
+    if (node.class_count == 2) {
+      cut_search<unsigned int, whole_terms, 2> search(node, terms);
+      use(search);
+    } else {
+      cut_search<unsigned int, whole_terms, 0> search(node, terms);
+      use(search);
+    }
+  } else {
+    const real_terms terms;
+    cut_search<float, real_terms, 0> search(node, terms);
+    use(search);
+  }
+}
 
 }  // namespace arbor::impls
 

@@ -4,7 +4,6 @@
 #include "arbor/model/rainforest_quality.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "arbor/model/cut_search.h"
 
@@ -12,61 +11,43 @@ namespace arbor::impls {
 
 namespace {
 
-// The rows of a tally that cases fall on.
-class occurring_rows {
- public:
-  explicit occurring_rows(const class_tally& tally) : occurs(tally.rows(), false) {
-    for (unsigned int i = 1; i < tally.rows(); ++i) {
-      const float* row = tally.row(i);
-      occurs[i] = std::any_of(row, row + tally.classes(), [](float weight) { return weight != 0; });
-      if (occurs[i]) last_row = i;
-    }
-  }
+// Whether cases fall on a row of the tally.
+bool occurs(const class_tally& tally, unsigned int i) {
+  const float* row = tally.row(i);
+  return std::any_of(row, row + tally.classes(), [](float weight) { return weight != 0; });
+}
 
-  bool operator[](unsigned int i) const { return occurs[i]; }
-  unsigned int last() const { return last_row; }  // 0 when there is none
-  // The next such row after `i`, which is not the last one.
-  unsigned int after(unsigned int i) const {
-    do ++i;
-    while (!occurs[i]);
-    return i;
+template <class Weight, class Terms, unsigned int Classes>
+void sweep(const class_tally& tally, cut_search<Weight, Terms, Classes>& search) {
+  unsigned int last = tally.rows() - 1;
+  while (last > 0 && !occurs(tally, last)) --last;
+  for (unsigned int i = 1; i < last; ++i) {
+    if (!occurs(tally, i)) continue;
+    const float* row = tally.row(i);
+    for (unsigned int c = 0; c < search.classes(); ++c) search.move(c + 1, static_cast<Weight>(row[c]));
+    if (search.too_low()) continue;
+    if (search.too_high()) break;
+    search.count_candidate();
+    search.evaluate(i);
   }
-
- private:
-  std::vector<bool> occurs;
-  unsigned int last_row = 0;
-};
+}
 
 }  // namespace
 
 void rate_rainforest(const class_tally& tally, unsigned int first_code, float total_weight, std::size_t case_count,
                      float min_weight, const options* opts, column::splitting_desc& result) {
   result.set_no_split();
-  cut_search search(tally.totals(), tally.unknown_weight(), total_weight, min_weight);
-  if (!search.splittable()) return;
-
-  const occurring_rows occurs(tally);
-  cut_search::class_weights left(tally.totals().size(), 0.0F);
-  cut_search::class_weights right = tally.totals();
-  float left_weight = 0;
-  unsigned int best_row = 0;
-  for (unsigned int i = 1; i < occurs.last(); ++i) {
-    if (!occurs[i]) continue;
-    const float* row = tally.row(i);
-    for (unsigned int c = 0; c < tally.classes(); ++c) {
-      left[c + 1] += row[c];
-      right[c + 1] -= row[c];
-      left_weight += row[c];
-    }
-    if (left_weight < search.least_left()) continue;
-    if (left_weight > search.most_left()) break;
-    search.count_candidate();
-    if (search.evaluate(left, right, left_weight)) best_row = i;
-  }
-
-  if (!search.conclude(case_count, opts, result)) return;
-  result.low_code = best_row + first_code - 1;
-  result.high_code = occurs.after(best_row) + first_code - 1;
+  const node_weights node{tally.totals(), tally.classes(), tally.unknown_weight(), total_weight, min_weight};
+  if (!node.splittable()) return;
+  with_cut_search(node, tally.whole(), [&](auto& search) {
+    sweep(tally, search);
+    if (!search.conclude(case_count, opts, result)) return;
+    const auto best_row = static_cast<unsigned int>(search.best_place());
+    unsigned int next_row = best_row + 1;
+    while (!occurs(tally, next_row)) ++next_row;
+    result.low_code = best_row + first_code - 1;
+    result.high_code = next_row + first_code - 1;
+  });
 }
 
 }  // namespace arbor::impls

@@ -35,8 +35,7 @@ const char* why_no_split(const column& attribute, unsigned int values) {
 
 std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight) {
   std::vector<attribute_rating> ratings;
-  // A continuous measure may reorder the cases that it is given; the next one does not mind.
-  impls::w_sequence reordered = cases;
+  auto& unchanged = const_cast<impls::w_sequence&>(cases);  // a measure that is to copy the cases leaves them alone
   const float weight = total_weight(cases);
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
@@ -48,7 +47,7 @@ std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w
     rating.unknown_cells = unknown_cells(*attribute, cases);
     auto code_range = occurring_range(*attribute, cases);
     column::splitting_desc best;
-    attribute->quality_measure(&rated.class_column(), weight, &reordered, code_range, min_weight, nullptr, best, false);
+    attribute->quality_measure(&rated.class_column(), weight, &unchanged, code_range, min_weight, nullptr, best, true);
     if (best.gain != column::splitting_desc::no_split) {
       rating.split = described(best, *attribute);
     } else {

@@ -1,0 +1,97 @@
+// A node's cases in the order of their codes, where all of them weigh the same: then nothing of a case matters but its
+// code and its class, and equal codes may stand in any order, so that a case is one integer. Internal to the model.
+#ifndef ARBOR_MODEL_PACKED_CASES_H
+#define ARBOR_MODEL_PACKED_CASES_H
+
+#include <algorithm>
+
+#include "arbor/model/code_readers.h"
+#include "arbor/model/whole_weights.h"
+#include "arbor/utils/work_array.h"
+
+namespace arbor::impls {
+
+// The number of bits that the numbers up to `greatest` take.
+constexpr unsigned int bits_of(unsigned int greatest) {
+  unsigned int bits = 0;
+  for (; greatest != 0; greatest >>= 1U) ++bits;
+  return bits;
+}
+
+class packed_cases {
+ public:
+  // Whether codes of the range and class codes fit into one integer together.
+  static bool can_hold(const strata::util::pair<unsigned int, unsigned int>& code_range, unsigned int class_count) {
+    return bits_of(code_range.second - code_range.first) + bits_of(class_count) <= 32;
+  }
+
+  // The known codes among `cases` lie in `code_range`, which these can hold.
+  template <class CodeOf>
+  packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
+               const strata::util::pair<unsigned int, unsigned int>& code_range)
+      : before_first(code_range.first - 1),
+        code_bits(bits_of(code_range.second - code_range.first)),
+        class_bits(bits_of(class_column.get_distinct() - 1)),
+        count(cases.size()),
+        numbers(room_for(cases.size()), strata::util::first_values::any) {
+    with_class_codes(class_column, [&](auto class_of) { is_even = take(code_of, class_of, cases); });
+    if (is_even) sort();
+  }
+
+  // Whether all cases weigh the same whole number, as one of them does. Else nothing can be told of them.
+  bool even() const { return is_even; }
+  float unknown_weight() const { return static_cast<float>(unknown * each); }
+
+  // The cases whose value is known, in the order of their codes.
+  std::size_t size() const { return count - unknown; }
+  unsigned int code(std::size_t i) const { return before_first + (known[i] >> class_bits); }
+  unsigned int class_code(std::size_t i) const { return known[i] & ((1U << class_bits) - 1); }
+  unsigned int weight(std::size_t /*i*/) const { return each; }
+
+ private:
+  static constexpr std::size_t few = 64;  // are sorted by comparing
+
+  // Many are sorted to and fro between two halves.
+  static std::size_t room_for(std::size_t cases) { return cases <= few ? cases : 2 * cases; }
+
+  // Returns whether they all weigh the same.
+  template <class CodeOf, class ClassOf>
+  bool take(CodeOf code_of, ClassOf class_of, const w_sequence& cases) {
+    constexpr std::size_t block = 1024;  // stays in the nearest cache between the look at its weights and the rest
+    const float first_weight = cases.front().second;
+    if (first_weight == 0 || !whole_weights(count).hold(cases.data(), cases.data() + 1)) return false;
+    each = static_cast<unsigned int>(first_weight);
+    unsigned int* number = numbers.data();
+    for (std::size_t taken = 0; taken < count;) {
+      const auto* const begin = cases.data() + taken;
+      const auto* const end = begin + std::min(block, count - taken);
+      bool same = true;
+      for (const auto* c = begin; c != end; ++c) same = same & (c->second == first_weight);
+      if (!same) return false;
+      for (const auto* c = begin; c != end; ++c) {
+        const auto code = static_cast<unsigned int>(code_of(c->first));
+        const unsigned int offset = code == 0 ? 0 : code - before_first;
+        *number++ = offset << class_bits | class_of(c->first);
+        unknown += code == 0 ? 1 : 0;
+      }
+      taken += static_cast<std::size_t>(end - begin);
+    }
+    return true;
+  }
+
+  void sort();
+
+  unsigned int before_first;  // code of the range
+  unsigned int code_bits;
+  unsigned int class_bits;
+  std::size_t count;
+  std::size_t unknown = 0;
+  unsigned int each = 0;  // weight
+  bool is_even = false;
+  strata::util::work_array<unsigned int, few> numbers;  // offsets of codes, 0 for the unknown one, before class codes
+  const unsigned int* known = nullptr;                  // the first of those, once they are sorted
+};
+
+}  // namespace arbor::impls
+
+#endif
