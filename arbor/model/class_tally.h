@@ -23,7 +23,7 @@ class class_tally {
         weights(1ULL * row_count * stride),
         class_totals(stride) {
     const unsigned int before_first = code_range.first - 1;
-    with_class_codes(class_column, [&](auto class_of) {
+    with_codes(class_column, [&](auto class_of) {
       const std::size_t counted = add_whole(code_of, class_of, cases, before_first);
       if (counted > 0) add_up_rows();
       is_whole = counted == cases.size();

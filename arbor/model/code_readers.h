@@ -1,7 +1,7 @@
 // How the loops over the cases read codes: where a column keeps them is found out once per call, so that nothing is
-// left to decide per case. Internal to the model.
+// left to decide per case.
 //
-//   with_class_codes(*class_column, [&](auto class_of) {
+//   with_codes(class_column, [&](auto class_of) {
 //     for (const auto& [row, weight] : *cases) weights[class_of(row)] += weight;
 //   });
 #ifndef ARBOR_MODEL_CODE_READERS_H
@@ -41,25 +41,25 @@ struct virtual_indices {
   unsigned int operator()(unsigned int row) const { return source->get_row_index(row); }
 };
 
-// Calls `use` with the reader of a class column.
+// Calls `use` with a reader of the column: what it tells of a row is what get_row_index tells.
 //
 // A class derived from one of the library's own may override get_row_index, so that only the very own ones are read
 // past it.
 template <class Use>
-void with_class_codes(const column& classes, Use&& use) {
-  const std::type_info& storage = typeid(classes);
+void with_codes(const column& source, Use&& use) {
+  const std::type_info& storage = typeid(source);
   if (storage == typeid(column_typed<unsigned char>)) {
-    use(stored_indices<unsigned char>(classes));
+    use(stored_indices<unsigned char>(source));
   } else if (storage == typeid(column_typed<unsigned short>)) {
-    use(stored_indices<unsigned short>(classes));
+    use(stored_indices<unsigned short>(source));
   } else if (storage == typeid(column_typed<unsigned int>)) {
-    use(stored_indices<unsigned int>(classes));
+    use(stored_indices<unsigned int>(source));
   } else if (storage == typeid(column_typed<unsigned long long>)) {
-    use(stored_indices<unsigned long long>(classes));
+    use(stored_indices<unsigned long long>(source));
   } else if (storage == typeid(column_bool)) {
-    use(stored_bits{static_cast<const column_bool&>(classes).bits().data()});
+    use(stored_bits{static_cast<const column_bool&>(source).bits().data()});
   } else {
-    use(virtual_indices{&classes});
+    use(virtual_indices{&source});
   }
 }
 

@@ -49,7 +49,7 @@ class coded_cases {
   void gather(const column_typed<T>& rated, const column& class_column, const w_sequence& cases) {
     all.reserve(cases.size());
     const stored_codes<T> code_of{rated.codes().data()};
-    with_class_codes(class_column, [&](auto class_of) {
+    with_codes(class_column, [&](auto class_of) {
       for (const auto& [row, weight] : cases) all.push_back({code_of(row), class_of(row), weight});
     });
   }

@@ -34,7 +34,7 @@ class packed_cases {
         class_bits(bits_of(class_column.get_distinct() - 1)),
         count(cases.size()),
         numbers(room_for(cases.size()), strata::util::first_values::any) {
-    with_class_codes(class_column, [&](auto class_of) { is_even = take(code_of, class_of, cases); });
+    with_codes(class_column, [&](auto class_of) { is_even = take(code_of, class_of, cases); });
     if (is_even) sort();
   }
 

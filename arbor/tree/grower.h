@@ -22,13 +22,15 @@ struct grow_options {
   unsigned int max_depth = std::numeric_limits<unsigned int>::max();  // of tests one below the other
   bool prune = true;                                                  // see pruning.h
   float confidence = 0.25F;                                           // of pruning
-  std::function<void(double settled)> progress;  // told now and then which share of the cases has come to a leaf
+  unsigned int threads = 1;  // that work side by side; the tree is the same for any number
+  // Told now and then which share of the cases has come to a leaf; by any of the threads, one at a time.
+  std::function<void(double settled)> progress;
 };
 
 // Grows a tree on `cases`, rows of `training` with the weights that they have there, of which there is at least one. A
 // node becomes a leaf when its cases are of one class, weigh less than twice `min_weight`, lie `max_depth` deep, or
 // have no split. Cases whose value is unknown go down every branch, until less than a thousandth of them is left. The
-// same cases in the same order always give the same tree.
+// same cases in the same order always give the same tree. Throws std::system_error when threads cannot be had.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases, const grow_options& options);
 
 }  // namespace arbor::tree

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "arbor/model/code_readers.h"
 #include "arbor/tree/domain_text.h"
 #include "arbor/tree/shortest_text.h"
 
@@ -24,23 +25,27 @@ bool is_attribute(const impls::column& column) {
 }
 
 std::size_t unknown_cells(const impls::column& column, const impls::w_sequence& cases) {
+  std::size_t count = 0;
   // A column without known values keeps no rows; the base tells the unknown code for any.
-  const auto unknown = [&](const auto& weighted) { return column.get_row_index(weighted.first) == 0; };
-  return static_cast<std::size_t>(std::count_if(cases.begin(), cases.end(), unknown));
+  impls::with_codes(column, [&](auto code_of) {
+    for (const auto& weighted : cases) count += code_of(weighted.first) == 0 ? 1 : 0;
+  });
+  return count;
 }
 
 strata::util::pair<unsigned int, unsigned int> occurring_range(const impls::column& column,
                                                                const impls::w_sequence& cases) {
-  unsigned int least = std::numeric_limits<unsigned int>::max();
+  unsigned int before_least = std::numeric_limits<unsigned int>::max();  // as it stays when all codes are 0
   unsigned int greatest = 0;
-  for (const auto& weighted : cases) {
-    const unsigned int code = column.get_row_index(weighted.first);
-    if (code == 0) continue;
-    least = std::min(least, code);
-    greatest = std::max(greatest, code);
-  }
+  impls::with_codes(column, [&](auto code_of) {
+    for (const auto& weighted : cases) {
+      const unsigned int code = code_of(weighted.first);
+      before_least = std::min(before_least, code - 1);
+      greatest = std::max(greatest, code);
+    }
+  });
   if (greatest == 0) return {0, 0};
-  return {least, greatest + 1};
+  return {before_least + 1, greatest + 1};
 }
 
 float total_weight(const impls::w_sequence& cases) {
@@ -51,7 +56,9 @@ float total_weight(const impls::w_sequence& cases) {
 
 std::vector<float> class_weights(const impls::column& classes, const impls::w_sequence& cases) {
   std::vector<double> sums(classes.get_distinct(), 0.0);
-  for (const auto& [row, weight] : cases) sums[classes.get_row_index(row)] += static_cast<double>(weight);
+  impls::with_codes(classes, [&](auto class_of) {
+    for (const auto& [row, weight] : cases) sums[class_of(row)] += static_cast<double>(weight);
+  });
   return {sums.begin() + 1, sums.end()};
 }
 
