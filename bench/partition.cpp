@@ -1,6 +1,7 @@
 // Taking the cases of a branch beside copying them by hand: half of the cases, in no order that a processor could
 // guess.
 
+#include <functional>
 #include <memory>
 
 #include "bench/benches.h"
@@ -60,9 +61,10 @@ void expect_same(const w_sequence& unit, const taken_cases& bare, std::size_t al
   expect(same, "the same cases are taken");
 }
 
+// The bare loop takes the cases for whose code and `bound`, the code of branch or threshold, `takes` holds.
 template <class Takes>
-void add(const std::string& name, const std::function<column*()>& source, unsigned int branch,
-         const std::string& threshold, sample& table, Takes takes) {
+void add(sample& table, const std::string& name, const std::function<column*()>& source, unsigned int branch,
+         const std::string& threshold, unsigned int bound, Takes takes) {
   for (const row_order order : {row_order::rows, row_order::scattered}) {
     const std::string full_name =
         "partition : bare copy/" + name + (order == row_order::rows ? "/row order" : "/scattered");
@@ -73,7 +75,9 @@ void add(const std::string& name, const std::function<column*()>& source, unsign
       node->branch = branch;
       node->desc.threshold = threshold;
       const auto bare = [=] {
-        return with_codes(*node->source, [&](auto codes) { return bare_copy(node->cases, codes, takes); });
+        return with_codes(*node->source, [&](auto codes) {
+          return bare_copy(node->cases, codes, [=](unsigned int code) { return takes(code, bound); });
+        });
       };
       expect_same(*node->partition(), bare(), node->cases.size());
       return comparison{node->cases.size(), [=] { node->partition(); }, bare};
@@ -84,19 +88,15 @@ void add(const std::string& name, const std::function<column*()>& source, unsign
 }  // namespace
 
 void add_partition(sample& table) {
-  const auto is_first = [](unsigned int code) { return code == 1; };
-  const auto is_second = [](unsigned int code) { return code == 2; };
-  const auto up_to = [](unsigned int code) { return code <= 50000; };
-  const auto above = [](unsigned int code) { return code > 50000; };
+  const auto bits = [&table] { return table.attribute("discrete", 2); };
+  const auto three = [&table] { return table.skewed(); };
+  const auto many = [&table] { return table.attribute("continuous", 100000); };
+  add(table, "discrete, bits", bits, 1, "", 1, std::equal_to<>());
+  add(table, "discrete, 1 byte, 3 values", three, 2, "", 2, std::equal_to<>());
   // The least value is 0 and has code 1.
-  const std::string threshold = "49999";
-  const auto bits = [&] { return table.attribute("discrete", 2); };
-  const auto three = [&] { return table.skewed(); };
-  const auto many = [&] { return table.attribute("continuous", 100000); };
-  add("discrete, bits", bits, 1, "", table, is_first);
-  add("discrete, 1 byte, 3 values", three, 2, "", table, is_second);
-  add("continuous, 4 bytes, 100,000 values, low side", many, 1, threshold, table, up_to);
-  add("continuous, 4 bytes, 100,000 values, high side", many, 2, threshold, table, above);
+  const std::string name = "continuous, 4 bytes, 100,000 values, ";
+  add(table, name + "low side", many, 1, "49999", 50000, std::less_equal<>());
+  add(table, name + "high side", many, 2, "49999", 50000, std::greater<>());
 }
 
 }  // namespace arbor::bench

@@ -26,10 +26,9 @@ def processor():
         return next((line.split(":")[1].strip() for line in info if line.startswith("model name")), platform.machine())
 
 
-def run(options, core):
-    repetitions, seconds = (3, 0.01) if options.quick else (11, 0.05)
+def run(options, core, repetitions):
     command = [options.binary, "--benchmark_format=json", f"--benchmark_repetitions={repetitions}",
-               f"--benchmark_min_time={seconds}", f"--benchmark_filter={options.filter}"]
+               f"--benchmark_min_time={0.01 if options.quick else 0.05}", f"--benchmark_filter={options.filter}"]
     stay = lambda: os.sched_setaffinity(0, {core})
     done = subprocess.run(command, stdout=subprocess.PIPE, preexec_fn=stay, check=True, text=True)
     if not done.stdout.strip():
@@ -38,7 +37,7 @@ def run(options, core):
     failed = {f"{b['name']}: {b['error_message']}" for b in measured["benchmarks"] if b.get("error_occurred")}
     if failed:
         sys.exit("\n".join(sorted(failed)))
-    return measured["context"], measured["benchmarks"], repetitions
+    return measured["context"], [b for b in measured["benchmarks"] if b["run_type"] == "iteration"]
 
 
 def summary(name, repetitions):
@@ -74,21 +73,23 @@ def table(summaries):
 def main():
     parser = argparse.ArgumentParser(prog="script/bench", description="Times every unit of work beside its bare loop.")
     parser.add_argument("binary", help=argparse.SUPPRESS)
-    parser.add_argument("--quick", action="store_true", help="3 short repetitions in place of 11")
+    parser.add_argument("--quick", action="store_true", help="3 short repetitions in place of 12")
     parser.add_argument("--filter", metavar="REGEX", default=".", help="only benchmarks whose name matches")
     parser.add_argument("--json", action="store_true", help="for machines")
     options = parser.parse_args()
 
     core = max(os.sched_getaffinity(0))
-    context, benchmarks, repetitions = run(options, core)
+    # In rounds, some minutes apart: what else the machine does in one of them does not decide a median.
+    rounds, repetitions = (1, 3) if options.quick else (3, 4)
     runs = defaultdict(list)
-    for b in benchmarks:
-        if b["run_type"] == "iteration":
+    for _ in range(rounds):
+        context, measured = run(options, core, repetitions)
+        for b in measured:
             runs[b["run_name"]].append(b)
     summaries = [summary(name, r) for name, r in runs.items()]
     setting = {"processor": processor(), "core": core, "compiler": context["compiler"],
                "flags": re.sub(r"-W\S+\s*", "", context["flags"]), "files": context["files"],
-               "repetitions": repetitions, "load": context["load_avg"][0]}
+               "repetitions": rounds * repetitions, "load": context["load_avg"][0]}
     if options.json:
         json.dump({"setting": setting, "benchmarks": summaries}, sys.stdout, indent=1)
         print()
