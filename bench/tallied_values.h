@@ -1,0 +1,29 @@
+// What a measure should say of a node, by the definition of the gain, in doubles.
+#ifndef ARBOR_BENCH_TALLIED_VALUES_H
+#define ARBOR_BENCH_TALLIED_VALUES_H
+
+#include <cstddef>
+#include <vector>
+
+namespace arbor::bench {
+
+class tallied_values {
+ public:
+  // `table` holds weights by code, then by class, of which there are `stride`.
+  tallied_values(const std::vector<float>& table, std::size_t stride);
+
+  std::size_t count() const { return values.size(); }  // of those that occur
+  double gain_by_value() const;
+  double gain_at_threshold() const;  // at the best one
+
+ private:
+  using class_weights = std::vector<double>;
+  static double entropy(const class_weights& weights);  // times the weight
+
+  std::vector<class_weights> values;
+  class_weights all;
+};
+
+}  // namespace arbor::bench
+
+#endif
