@@ -6,14 +6,15 @@
 #include "arbor/model/coded_cases.h"
 #include "arbor/model/cut_search.h"
 #include "arbor/model/packed_cases.h"
+#include "arbor/model/two_class_quality.h"
 
 namespace arbor::impls {
 
 // Whether a cut behind case `p` would lie inside a run of its class, given that no other class has been seen since the
 // last evaluated cut: all cases of the next code are of this class too, and the cut behind them is admissible. The best
 // cut is never inside a run (U. M. Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
-template <class Ordered, class Search>
-bool inside_run(const Ordered& cases, const Search& search, std::size_t p) {
+template <class Cases, class Search>
+bool inside_run(const Cases& cases, const Search& search, std::size_t p) {
   const unsigned int class_code = cases.class_code(p);
   std::size_t q = p + 1;
   auto left_of_next_cut = search.left_weight();
@@ -26,9 +27,9 @@ bool inside_run(const Ordered& cases, const Search& search, std::size_t p) {
   return cases.class_code(q) == class_code && !search.too_high(left_of_next_cut);
 }
 
-// Moves the cut from the lowest to the highest code. Ordered is packed_cases or coded_cases.
-template <class Ordered, class Search>
-void sweep(const Ordered& cases, Search& search) {
+// Moves the cut from the lowest to the highest code.
+template <class Cases, class Search>
+void sweep(const Cases& cases, Search& search) {
   if (cases.size() < 2) return;
   unsigned int previous_class = cases.class_code(0);
   bool class_changed = false;  // between consecutive cases, since the last evaluated cut
@@ -47,12 +48,12 @@ void sweep(const Ordered& cases, Search& search) {
   }
 }
 
-// Finds the best cut of cases in the order of their codes. `whole` tells whether their weights are whole numbers with
-// an exact sum; the other arguments mean what they mean in column::quality_measure.
-template <class Ordered>
-void rate_ordered(const Ordered& ordered, bool whole, const column& class_column, float total_weight,
+// Finds the best cut of cases in the order of their codes: packed_cases or coded_cases. `whole` tells whether their
+// weights are whole numbers with an exact sum; `result` holds the no-split mark before. The other arguments mean what
+// they mean in column::quality_measure.
+template <class Cases>
+void rate_ordered(const Cases& ordered, bool whole, unsigned int class_count, float total_weight,
                   std::size_t case_count, float min_weight, const options* opts, column::splitting_desc& result) {
-  const unsigned int class_count = class_column.get_distinct() - 1;
   strata::util::work_array<float, 16> class_weights(class_count + 1ULL);
   for (std::size_t i = 0; i < ordered.size(); ++i) {
     class_weights[ordered.class_code(i)] += static_cast<float>(ordered.weight(i));
@@ -75,18 +76,24 @@ void rate_continuous(const column_typed<T>& rated, const column& class_column, f
                      const options* opts, bool copy_cases, column::splitting_desc& result) {
   result.set_no_split();
   if (cases.empty()) return;
+  const unsigned int class_count = class_column.get_distinct() - 1;
+  // Codes of more than 32 bits are told in 32 only, but put in order by all.
   if constexpr (sizeof(T) <= sizeof(unsigned int)) {
-    if (copy_cases && packed_cases::can_hold(code_range, class_column.get_distinct() - 1)) {
+    if (copy_cases && packed_cases::can_hold(code_range, class_count)) {
       const packed_cases packed(stored_codes<T>{rated.codes().data()}, class_column, cases, code_range);
+      if (packed.even() && class_count == 2) {
+        rate_two_classes(packed, total_weight, cases.size(), min_weight, opts, result);
+        return;
+      }
       if (packed.even()) {
-        rate_ordered(packed, true, class_column, total_weight, cases.size(), min_weight, opts, result);
+        rate_ordered(packed, true, class_count, total_weight, cases.size(), min_weight, opts, result);
         return;
       }
     }
   }
   const coded_cases<T> ordered(rated, class_column, cases, code_range, copy_cases);
   const bool whole = whole_weights(cases.size()).hold(cases.data(), cases.data() + cases.size());
-  rate_ordered(ordered, whole, class_column, total_weight, cases.size(), min_weight, opts, result);
+  rate_ordered(ordered, whole, class_count, total_weight, cases.size(), min_weight, opts, result);
 }
 
 }  // namespace arbor::impls

@@ -64,6 +64,15 @@ class cut_search {
     right[class_code] -= weight;
     left_sum += weight;
   }
+  // Puts the cut where the two classes weigh this on its left.
+  void put(Weight first_class, Weight second_class) {
+    static_assert(Classes == 2, "the weights of all classes are needed");
+    right[1] += left[1] - first_class;
+    right[2] += left[2] - second_class;
+    left[1] = first_class;
+    left[2] = second_class;
+    left_sum = first_class + second_class;
+  }
   unsigned int classes() const { return Classes != 0 ? Classes : node.class_count; }
   Weight left_weight() const { return left_sum; }
   template <class Stored>
@@ -80,8 +89,8 @@ class cut_search {
   void count_candidate() { ++candidates; }
 
   // Rates the cut, which the caller knows as `place`. Of equal gains, as they round to float, the one evaluated earlier
-  // stays the best.
-  void evaluate(std::size_t place) {
+  // stays the best. A cut that is not `eligible` cannot be the best.
+  void evaluate(std::size_t place, bool eligible = true) {
     entropy_sum<Weight, Terms> on_left(term);
     entropy_sum<Weight, Terms> on_right(term);
     for (unsigned int c = 1; c <= classes(); ++c) {
@@ -93,7 +102,7 @@ class cut_search {
         (static_cast<double>(info) - static_cast<double>(value_entropy) / static_cast<double>(known_weight)) *
         known_fraction);
     // Without a branch: whether a cut is the best so far is hard to foresee while the gain still rises.
-    const bool better = gain > best_gain;
+    const bool better = eligible & (gain > best_gain);
     best_gain = better ? gain : best_gain;
     best_left = better ? left_sum : best_left;
     best = better ? place : best;

@@ -7,38 +7,45 @@ namespace arbor::impls {
 
 namespace {
 
-constexpr unsigned int most_digit_bits = 11;
-
-// Copies [from, from + count) to `to` in the order of the digit of `bits` bits above `shift`, equal ones as they stand.
-void sort_by_digit(const unsigned int* from, unsigned int* to, std::size_t count, unsigned int shift,
-                   unsigned int bits) {
-  const unsigned int mask = (1U << bits) - 1;
-  std::array<unsigned int, 1U << most_digit_bits> next;
-  std::fill_n(next.begin(), mask + 1, 0U);
-  for (std::size_t i = 0; i < count; ++i) ++next[from[i] >> shift & mask];
-  unsigned int before = 0;
-  for (unsigned int digit = 0; digit <= mask; ++digit) before += std::exchange(next[digit], before);
-  for (std::size_t i = 0; i < count; ++i) to[next[from[i] >> shift & mask]++] = from[i];
+// Sorts integers by their bits from `low_bit` to before `high_bit`, one digit of these after the other, from the last:
+// linear in the integers and in what a digit can be. `numbers` and `room` hold as many; returns which of them holds the
+// sorted ones.
+template <unsigned int DigitBits>
+unsigned int* sort_by_digits(unsigned int* numbers, unsigned int* room, std::size_t count, unsigned int low_bit,
+                             unsigned int high_bit) {
+  constexpr unsigned int digit_values = 1U << DigitBits;
+  constexpr unsigned int most_digits = (32 + DigitBits - 1) / DigitBits;
+  const unsigned int digits = (high_bit - low_bit + DigitBits - 1) / DigitBits;
+  std::array<std::array<unsigned int, digit_values>, most_digits> next;  // by digit and its value, the next place
+  for (unsigned int d = 0; d < digits; ++d) next[d].fill(0);
+  const auto value = [=](unsigned int number, unsigned int d) {
+    return number >> (low_bit + d * DigitBits) & (digit_values - 1);
+  };
+  for (std::size_t i = 0; i < count; ++i) {
+    for (unsigned int d = 0; d < digits; ++d) ++next[d][value(numbers[i], d)];
+  }
+  for (unsigned int d = 0; d < digits; ++d, std::swap(numbers, room)) {
+    unsigned int before = 0;
+    for (unsigned int& place : next[d]) before += std::exchange(place, before);
+    for (std::size_t i = 0; i < count; ++i) room[next[d][value(numbers[i], d)]++] = numbers[i];
+  }
+  return numbers;
 }
 
 }  // namespace
 
-// Digit by digit from the last, which is linear in the cases. Class bits need no order.
+// Class bits need no order.
 void packed_cases::sort() {
-  unsigned int* from = numbers.data();
+  unsigned int* sorted = numbers.data();
   if (count <= few) {
-    std::sort(from, from + count);
+    std::sort(sorted, sorted + count);
   } else {
-    unsigned int* to = from + count;
-    // Counting through all digits has to stay cheap beside the cases.
-    const unsigned int most_bits = count < 1U << 13U ? 8 : most_digit_bits;
-    const unsigned int digits = (code_bits + most_bits - 1) / most_bits;
-    const unsigned int bits = (code_bits + digits - 1) / digits;
-    for (unsigned int digit = 0; digit < digits; ++digit, std::swap(from, to)) {
-      sort_by_digit(from, to, count, class_bits + digit * bits, bits);
-    }
+    constexpr std::size_t many = 600;  // from here on it pays to save a digit by going through more values of each
+    const unsigned int end_bit = class_bits + code_bits;
+    sorted = count < many ? sort_by_digits<8>(sorted, sorted + count, count, class_bits, end_bit)
+                          : sort_by_digits<11>(sorted, sorted + count, count, class_bits, end_bit);
   }
-  known = from + unknown;
+  known = sorted + unknown;
 }
 
 }  // namespace arbor::impls

@@ -25,7 +25,7 @@ class packed_cases {
     return bits_of(code_range.second - code_range.first) + bits_of(class_count) <= 32;
   }
 
-  // The known codes among `cases` lie in `code_range`, which these can hold.
+  // The known codes among `cases`, of which there are some, lie in `code_range`, which these can hold.
   template <class CodeOf>
   packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
                const strata::util::pair<unsigned int, unsigned int>& code_range)
@@ -38,15 +38,16 @@ class packed_cases {
     if (is_even) sort();
   }
 
-  // Whether all cases weigh the same whole number, as one of them does. Else nothing can be told of them.
+  // Whether all cases weigh the same whole number, above 0, and have an exact sum. Else nothing more can be told.
   bool even() const { return is_even; }
+  // The weight of each.
+  unsigned int weight(std::size_t /*i*/ = 0) const { return each; }
   float unknown_weight() const { return static_cast<float>(unknown * each); }
 
   // The cases whose value is known, in the order of their codes.
   std::size_t size() const { return count - unknown; }
   unsigned int code(std::size_t i) const { return before_first + (known[i] >> class_bits); }
   unsigned int class_code(std::size_t i) const { return known[i] & ((1U << class_bits) - 1); }
-  unsigned int weight(std::size_t /*i*/) const { return each; }
 
  private:
   static constexpr std::size_t few = 64;  // are sorted by comparing
@@ -54,7 +55,7 @@ class packed_cases {
   // Many are sorted to and fro between two halves.
   static std::size_t room_for(std::size_t cases) { return cases <= few ? cases : 2 * cases; }
 
-  // Returns whether they all weigh the same.
+  // Returns whether they are even.
   template <class CodeOf, class ClassOf>
   bool take(CodeOf code_of, ClassOf class_of, const w_sequence& cases) {
     constexpr std::size_t block = 1024;  // stays in the nearest cache between the look at its weights and the rest
@@ -86,7 +87,7 @@ class packed_cases {
   unsigned int class_bits;
   std::size_t count;
   std::size_t unknown = 0;
-  unsigned int each = 0;  // weight
+  unsigned int each = 0;
   bool is_even = false;
   strata::util::work_array<unsigned int, few> numbers;  // offsets of codes, 0 for the unknown one, before class codes
   const unsigned int* known = nullptr;                  // the first of those, once they are sorted
