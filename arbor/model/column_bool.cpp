@@ -70,8 +70,8 @@ void column_bool::QualityMeasureDiscrete(column* class_column, float total_weigh
                                          strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                          splitting_desc& result) const {
   result.branches = domain->size_of_known();
-  const class_tally tally(stored_bits{values.data()}, *class_column, *cases, code_range);
-  rate_discrete(tally, total_weight, min_weight, result);
+  with_class_tally(stored_bits{values.data()}, *class_column, *cases, code_range,
+                   [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
 }
 
 }  // namespace arbor::impls

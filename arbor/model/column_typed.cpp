@@ -101,8 +101,8 @@ void column_typed<T>::QualityMeasureDiscrete(column* class_column, float total_w
                                              strata::util::pair<unsigned int, unsigned int>& code_range,
                                              float min_weight, splitting_desc& result) const {
   result.branches = domain->size_of_known();
-  const class_tally tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range);
-  rate_discrete(tally, total_weight, min_weight, result);
+  with_class_tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range,
+                   [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
 }
 
 template <class T>
@@ -120,8 +120,9 @@ void column_typed<T>::QualityMeasureContinuousRainForest(column* class_column, f
                                                          float min_weight, options* opts,
                                                          splitting_desc& result) const {
   result.branches = 2;
-  const class_tally tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range);
-  rate_rainforest(tally, code_range.first, total_weight, cases->size(), min_weight, opts, result);
+  with_class_tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range, [&](const auto& tally) {
+    rate_rainforest(tally, code_range.first, total_weight, cases->size(), min_weight, opts, result);
+  });
 }
 
 template class column_typed<unsigned char>;

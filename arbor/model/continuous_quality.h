@@ -48,19 +48,19 @@ void sweep(const Cases& cases, Search& search) {
   }
 }
 
-// Finds the best cut of cases in the order of their codes: packed_cases or coded_cases. `whole` tells whether their
-// weights are whole numbers with an exact sum; `result` holds the no-split mark before. The other arguments mean what
-// they mean in column::quality_measure.
-template <class Cases>
-void rate_ordered(const Cases& ordered, bool whole, unsigned int class_count, float total_weight,
-                  std::size_t case_count, float min_weight, const options* opts, column::splitting_desc& result) {
+// Finds the best cut of cases in the order of their codes: packed_cases, with weights of unsigned int, or coded_cases,
+// with floats. `result` holds the no-split mark before. The other arguments mean what they mean in
+// column::quality_measure.
+template <class Weight, class Cases>
+void rate_ordered(const Cases& ordered, unsigned int class_count, float total_weight, std::size_t case_count,
+                  float min_weight, const options* opts, column::splitting_desc& result) {
   strata::util::work_array<float, 16> class_weights(class_count + 1ULL);
   for (std::size_t i = 0; i < ordered.size(); ++i) {
     class_weights[ordered.class_code(i)] += static_cast<float>(ordered.weight(i));
   }
   const node_weights node{class_weights.data() + 1, class_count, ordered.unknown_weight(), total_weight, min_weight};
   if (!node.splittable()) return;
-  with_cut_search(node, whole, [&](auto& search) {
+  with_cut_search<0, Weight>(node, [&](auto& search) {
     sweep(ordered, search);
     if (!search.conclude(case_count, opts, result)) return;
     result.low_code = static_cast<unsigned int>(ordered.code(search.best_place()));
@@ -86,14 +86,13 @@ void rate_continuous(const column_typed<T>& rated, const column& class_column, f
         return;
       }
       if (packed.even()) {
-        rate_ordered(packed, true, class_count, total_weight, cases.size(), min_weight, opts, result);
+        rate_ordered<unsigned int>(packed, class_count, total_weight, cases.size(), min_weight, opts, result);
         return;
       }
     }
   }
   const coded_cases<T> ordered(rated, class_column, cases, code_range, copy_cases);
-  const bool whole = whole_weights(cases.size()).hold(cases.data(), cases.data() + cases.size());
-  rate_ordered(ordered, whole, class_count, total_weight, cases.size(), min_weight, opts, result);
+  rate_ordered<float>(ordered, class_count, total_weight, cases.size(), min_weight, opts, result);
 }
 
 }  // namespace arbor::impls

@@ -56,6 +56,7 @@ class cut_search {
         left(node.class_count + 1ULL),
         right(node.class_count + 1ULL) {
     for (unsigned int c = 1; c <= classes(); ++c) right[c] = static_cast<Weight>(node.classes[c - 1]);
+    all = std::accumulate(right.data(), right.data() + classes() + 1, Weight());
   }
 
   // Moves to the left of the cut what lies next to it.
@@ -63,6 +64,16 @@ class cut_search {
     left[class_code] += weight;
     right[class_code] -= weight;
     left_sum += weight;
+  }
+  // The same for each class, from the weight of the first one on.
+  template <class Stored>
+  void move_all(const Stored* weights) {
+    const unsigned int count = classes();
+    Weight* const on_left = left.data() + 1;
+    Weight* const on_right = right.data() + 1;
+    for (unsigned int c = 0; c < count; ++c) left_sum += as_weight(weights[c]);
+    for (unsigned int c = 0; c < count; ++c) on_left[c] += as_weight(weights[c]);
+    for (unsigned int c = 0; c < count; ++c) on_right[c] -= as_weight(weights[c]);
   }
   // Puts the cut where the two classes weigh this on its left.
   void put(Weight first_class, Weight second_class) {
@@ -91,13 +102,18 @@ class cut_search {
   // Rates the cut, which the caller knows as `place`. Of equal gains, as they round to float, the one evaluated earlier
   // stays the best. A cut that is not `eligible` cannot be the best.
   void evaluate(std::size_t place, bool eligible = true) {
-    entropy_sum<Weight, Terms> on_left(term);
-    entropy_sum<Weight, Terms> on_right(term);
-    for (unsigned int c = 1; c <= classes(); ++c) {
-      on_left.add(left[c]);
-      on_right.add(right[c]);
+    const unsigned int count = classes();
+    const Weight* const on_left = left.data() + 1;
+    const Weight* const on_right = right.data() + 1;
+    float left_terms = 0;
+    float right_terms = 0;
+    for (unsigned int c = 0; c < count; ++c) {
+      left_terms = with_term(left_terms, term(on_left[c]));
+      right_terms = with_term(right_terms, term(on_right[c]));
     }
-    const float value_entropy = static_cast<float>(on_left.value() + on_right.value());
+    const double left_entropy = term(sum_of(on_left, left_sum)) - static_cast<double>(left_terms);
+    const double right_entropy = term(sum_of(on_right, all - left_sum)) - static_cast<double>(right_terms);
+    const float value_entropy = static_cast<float>(left_entropy + right_entropy);
     const float gain = static_cast<float>(
         (static_cast<double>(info) - static_cast<double>(value_entropy) / static_cast<double>(known_weight)) *
         known_fraction);
@@ -123,6 +139,12 @@ class cut_search {
   std::size_t best_place() const { return best; }
 
  private:
+  // The sum of a side's weights. Whole numbers need not be added up anew.
+  Weight sum_of(const Weight* side, Weight known_sum) const {
+    if constexpr (std::is_integral_v<Weight>) return known_sum;
+    return std::accumulate(side, side + classes(), Weight());
+  }
+
   // Two numbers can live in registers.
   struct few : std::array<Weight, Classes + 1> {
     explicit few(unsigned long long /*length*/) : std::array<Weight, Classes + 1>{} {}
@@ -138,6 +160,7 @@ class cut_search {
   const float most_left;
   by_class left;  // by class code the weight on this side; entry 0 is unused
   by_class right;
+  Weight all = 0;
   Weight left_sum = 0;
   unsigned int candidates = 0;
   float best_gain = column::splitting_desc::no_split;
@@ -145,24 +168,22 @@ class cut_search {
   std::size_t best = 0;
 };
 
-// Calls `use` with a cut_search that suits the node.
-template <class Use>
-void with_cut_search(const node_weights& node, bool whole, Use&& use) {
-  if (whole) {
-    const whole_terms terms(
-        static_cast<unsigned int>(std::accumulate(node.classes, node.classes + node.class_count, 0.0F)));
-    if (node.class_count == 2) {
-      cut_search<unsigned int, whole_terms, 2> search(node, terms);
+// Calls `use` with a cut_search of so many classes, 0 for any number. Weight is unsigned int for weights that count in
+// whole numbers, else float.
+template <unsigned int Classes, class Weight, class Use>
+void with_cut_search(const node_weights& node, Use&& use) {
+  if constexpr (std::is_integral_v<Weight>) {
+    const float sum = std::accumulate(node.classes, node.classes + node.class_count, 0.0F);
+    if (const double* table = whole_number_terms(static_cast<unsigned int>(sum))) {
+      const whole_terms terms{table};
+      cut_search<Weight, whole_terms, Classes> search(node, terms);
       use(search);
-    } else {
-      cut_search<unsigned int, whole_terms, 0> search(node, terms);
-      use(search);
+      return;
     }
-  } else {
-    const real_terms terms;
-    cut_search<float, real_terms, 0> search(node, terms);
-    use(search);
   }
+  const real_terms terms;
+  cut_search<float, real_terms, Classes> search(node, terms);
+  use(search);
 }
 
 }  // namespace arbor::impls

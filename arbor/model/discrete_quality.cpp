@@ -2,6 +2,9 @@
 
 #include "arbor/model/discrete_quality.h"
 
+#include <numeric>
+#include <type_traits>
+
 #include "arbor/model/entropy.h"
 
 namespace arbor::impls {
@@ -16,9 +19,8 @@ struct discrete_entropies {
   float of_branches = 0;
 };
 
-// Weight is float, or unsigned int where all weights are whole numbers.
-template <class Weight, class Terms>
-discrete_entropies entropies(const class_tally& tally, float min_weight, const Terms& terms) {
+template <class Weight, class Terms, class Tallied>
+discrete_entropies entropies(const class_tally<Tallied>& tally, float min_weight, const Terms& terms) {
   discrete_entropies result;
   result.of_classes = static_cast<float>(weighted_entropy<Weight>(terms, tally.totals(), tally.classes()));
   entropy_sum<Weight, Terms> branches(terms);
@@ -35,17 +37,28 @@ discrete_entropies entropies(const class_tally& tally, float min_weight, const T
   return result;
 }
 
+template <class Weight>
+discrete_entropies entropies(const class_tally<Weight>& tally, float min_weight) {
+  if constexpr (std::is_integral_v<Weight>) {
+    const unsigned int weight =
+        std::accumulate(tally.totals(), tally.totals() + tally.classes(), tally.unknown_weight());
+    if (const double* table = whole_number_terms(weight)) {
+      return entropies<Weight>(tally, min_weight, whole_terms{table});
+    }
+  }
+  return entropies<float>(tally, min_weight, real_terms());
+}
+
 }  // namespace
 
-void rate_discrete(const class_tally& tally, float total_weight, float min_weight, column::splitting_desc& result) {
+template <class Weight>
+void rate_discrete(const class_tally<Weight>& tally, float total_weight, float min_weight,
+                   column::splitting_desc& result) {
   result.set_no_split();
-  const float unknown_weight = tally.unknown_weight();
+  const auto unknown_weight = static_cast<float>(tally.unknown_weight());
   const float known_weight = total_weight - unknown_weight;
   if (known_weight == 0 || tally.rows() <= 1) return;
-
-  const discrete_entropies sums =
-      tally.whole() ? entropies<unsigned int>(tally, min_weight, whole_terms(static_cast<unsigned int>(tally.weight())))
-                    : entropies<float>(tally, min_weight, real_terms());
+  const discrete_entropies sums = entropies(tally, min_weight);
   if (sums.real_branches < 2) return;
 
   const float info = sums.of_classes / known_weight;
@@ -58,5 +71,8 @@ void rate_discrete(const class_tally& tally, float total_weight, float min_weigh
   result.gain = difference * known_fraction;
   result.split_info = sums.of_branches / total_weight;
 }
+
+template void rate_discrete(const class_tally<float>&, float, float, column::splitting_desc&);
+template void rate_discrete(const class_tally<unsigned int>&, float, float, column::splitting_desc&);
 
 }  // namespace arbor::impls

@@ -8,7 +8,9 @@ namespace arbor::impls {
 
 // Sets gain and split information of `result`, or the no-split mark unless at least two values carry `min_weight`.
 // The arguments mean what they mean in column::quality_measure.
-void rate_discrete(const class_tally& tally, float total_weight, float min_weight, column::splitting_desc& result);
+template <class Weight>
+void rate_discrete(const class_tally<Weight>& tally, float total_weight, float min_weight,
+                   column::splitting_desc& result);
 
 }  // namespace arbor::impls
 

@@ -12,6 +12,11 @@
 
 namespace arbor::impls {
 
+// A float sum with one more term of an entropy.
+inline float with_term(float sum, double term) {
+  return static_cast<float>(static_cast<double>(sum) + term);
+}
+
 // The entropy, in bits, of a distribution of weights, times their sum S: S log2 S less the sum of all w log2 w (Shannon
 // 1948). Both running sums are floats. Weights are float with real_terms; or unsigned int with whole_terms, whose
 // integer sums are those that float would have as well, up to 2^24.
@@ -22,7 +27,7 @@ class entropy_sum {
 
   void add(Weight weight) {
     sum += weight;
-    terms = static_cast<float>(static_cast<double>(terms) + term(weight));
+    terms = with_term(terms, term(weight));
   }
 
   Weight weight() const { return sum; }

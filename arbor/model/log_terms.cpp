@@ -11,16 +11,15 @@ namespace arbor::impls {
 
 namespace {
 
-// Tables of 2^10 entries, which a small node needs, of 2^15, and of 2^20: 8 MB, for a million cases.
-constexpr std::array<unsigned int, 3> table_ends{1U << 10U, 1U << 15U, 1U << 20U};
-std::array<std::atomic<const double*>, table_ends.size()> tables{};
+// The tables' ends: from 8 KB, for a small node, to 32 MB, for four million cases.
+constexpr std::array<unsigned int, 6> ends{1U << 10U, 1U << 14U, 1U << 18U, 1U << 20U, 1U << 21U, 1U << 22U};
+std::array<std::atomic<const double*>, ends.size()> tables{};
 
-// Null without memory. No lock is taken: of two threads that make a table at once, one drops its own.
-const double* table_at(std::size_t i) {
-  if (const double* made = tables[i].load(std::memory_order_acquire)) return made;
-  double* fresh = new (std::nothrow) double[table_ends[i]];
+// No lock is taken: of two threads that make a table at once, one drops its own.
+const double* made(std::size_t i) {
+  double* fresh = new (std::nothrow) double[ends[i]];
   if (fresh == nullptr) return nullptr;
-  for (unsigned int x = 0; x < table_ends[i]; ++x) fresh[x] = log_term(static_cast<float>(x));
+  for (unsigned int x = 0; x < ends[i]; ++x) fresh[x] = log_term(static_cast<float>(x));
   const double* first = nullptr;
   if (tables[i].compare_exchange_strong(first, fresh, std::memory_order_acq_rel)) return fresh;
   delete[] fresh;
@@ -38,11 +37,13 @@ double log_term(float x) {
   return static_cast<double>(x) * static_cast<double>(binary_log(static_cast<double>(x)));
 }
 
-whole_terms::whole_terms(unsigned int greatest) {
-  std::size_t i = 0;
-  while (i + 1 < table_ends.size() && greatest >= table_ends[i]) ++i;
-  table = table_at(i);
-  if (table != nullptr) end = table_ends[i];
+const double* whole_number_terms(unsigned int greatest) {
+  for (std::size_t i = 0; i < ends.size(); ++i) {
+    if (greatest >= ends[i]) continue;
+    const double* table = tables[i].load(std::memory_order_acquire);
+    return table != nullptr ? table : made(i);
+  }
+  return nullptr;
 }
 
 }  // namespace arbor::impls

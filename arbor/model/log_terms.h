@@ -1,8 +1,8 @@
 // x log2 x, of which every entropy is a sum. Internal to the model.
 //
-//   real_terms::of(2.5F);             // 3.30...
-//   const whole_terms terms(1000000);  // of the whole numbers; up to a million they come from a table
-//   terms(8);                         // 24
+//   real_terms()(2.5F);                                 // 3.30...
+//   const double* table = whole_number_terms(1000000);  // may be null
+//   whole_terms{table}(8);                              // 24
 #ifndef ARBOR_MODEL_LOG_TERMS_H
 #define ARBOR_MODEL_LOG_TERMS_H
 
@@ -16,27 +16,18 @@ float binary_log(double x);
 // x times its binary logarithm, not rounded; 0 for what is not positive.
 double log_term(float x);
 
-// The terms of weights that are any number.
-class real_terms {
- public:
+// The values of log_term for the whole numbers from 0 to at least `greatest`; null when there are too many of them, or
+// no memory. Tables are made when first asked for and then stay unchanged until the process ends; several threads may
+// ask at once.
+const double* whole_number_terms(unsigned int greatest);
+
+// The terms of weights that are any number, and of those that are whole and not beyond the end of a table.
+struct real_terms {
   double operator()(float weight) const { return log_term(weight); }
 };
-
-// The terms of weights that are whole numbers up to 2^24, which are exact as float: a table holds the values of
-// log_term, so that they have its bits. Tables are made when first asked for and then stay unchanged until the process
-// ends; several threads may ask at once. What no table holds, for lack of memory say, is computed.
-class whole_terms {
- public:
-  // For numbers up to `greatest`.
-  explicit whole_terms(unsigned int greatest);
-
-  double operator()(unsigned int weight) const {
-    return weight < end ? table[weight] : log_term(static_cast<float>(weight));
-  }
-
- private:
-  const double* table = nullptr;
-  unsigned int end = 0;
+struct whole_terms {
+  const double* table;
+  double operator()(unsigned int weight) const { return table[weight]; }
 };
 
 }  // namespace arbor::impls

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "arbor/model/code_readers.h"
-#include "arbor/model/whole_weights.h"
+#include "arbor/model/even_weight.h"
 #include "arbor/utils/work_array.h"
 
 namespace arbor::impls {
@@ -58,26 +58,21 @@ class packed_cases {
   // Returns whether they are even.
   template <class CodeOf, class ClassOf>
   bool take(CodeOf code_of, ClassOf class_of, const w_sequence& cases) {
-    constexpr std::size_t block = 1024;  // stays in the nearest cache between the look at its weights and the rest
-    const float first_weight = cases.front().second;
-    if (first_weight == 0 || !whole_weights(count).hold(cases.data(), cases.data() + 1)) return false;
-    each = static_cast<unsigned int>(first_weight);
+    const even_weight weight(cases);
+    if (!weight.likely()) return false;
+    each = weight.value();
+    const unsigned int before = before_first;
+    const unsigned int shift = class_bits;
+    unsigned int difference = 0;
     unsigned int* number = numbers.data();
-    for (std::size_t taken = 0; taken < count;) {
-      const auto* const begin = cases.data() + taken;
-      const auto* const end = begin + std::min(block, count - taken);
-      bool same = true;
-      for (const auto* c = begin; c != end; ++c) same = same & (c->second == first_weight);
-      if (!same) return false;
-      for (const auto* c = begin; c != end; ++c) {
-        const auto code = static_cast<unsigned int>(code_of(c->first));
-        const unsigned int offset = code == 0 ? 0 : code - before_first;
-        *number++ = offset << class_bits | class_of(c->first);
-        unknown += code == 0 ? 1 : 0;
-      }
-      taken += static_cast<std::size_t>(end - begin);
+    for (const auto& c : cases) {
+      difference |= weight.difference(c.second);
+      const auto code = static_cast<unsigned int>(code_of(c.first));
+      const unsigned int offset = code == 0 ? 0 : code - before;
+      *number++ = offset << shift | class_of(c.first);
+      unknown += code == 0 ? 1 : 0;
     }
-    return true;
+    return difference == 0;
   }
 
   void sort();

@@ -4,6 +4,7 @@
 #include "arbor/model/rainforest_quality.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "arbor/model/cut_search.h"
 
@@ -12,19 +13,19 @@ namespace arbor::impls {
 namespace {
 
 // Whether cases fall on a row of the tally.
-bool occurs(const class_tally& tally, unsigned int i) {
-  const float* row = tally.row(i);
-  return std::any_of(row, row + tally.classes(), [](float weight) { return weight != 0; });
+template <class Weight>
+bool occurs(const class_tally<Weight>& tally, unsigned int i) {
+  const Weight* row = tally.row(i);
+  return std::accumulate(row, row + tally.classes(), Weight()) != 0;
 }
 
-template <class Weight, class Terms, unsigned int Classes>
-void sweep(const class_tally& tally, cut_search<Weight, Terms, Classes>& search) {
+template <class Weight, class Search>
+void sweep(const class_tally<Weight>& tally, Search& search) {
   unsigned int last = tally.rows() - 1;
   while (last > 0 && !occurs(tally, last)) --last;
   for (unsigned int i = 1; i < last; ++i) {
     if (!occurs(tally, i)) continue;
-    const float* row = tally.row(i);
-    for (unsigned int c = 0; c < search.classes(); ++c) search.move(c + 1, static_cast<Weight>(row[c]));
+    search.move_all(tally.row(i));
     if (search.too_low()) continue;
     if (search.too_high()) break;
     search.count_candidate();
@@ -34,12 +35,16 @@ void sweep(const class_tally& tally, cut_search<Weight, Terms, Classes>& search)
 
 }  // namespace
 
-void rate_rainforest(const class_tally& tally, unsigned int first_code, float total_weight, std::size_t case_count,
-                     float min_weight, const options* opts, column::splitting_desc& result) {
+template <class Weight>
+void rate_rainforest(const class_tally<Weight>& tally, unsigned int first_code, float total_weight,
+                     std::size_t case_count, float min_weight, const options* opts, column::splitting_desc& result) {
   result.set_no_split();
-  const node_weights node{tally.totals(), tally.classes(), tally.unknown_weight(), total_weight, min_weight};
+  strata::util::work_array<float, 16> classes(tally.classes());
+  std::copy_n(tally.totals(), tally.classes(), classes.data());
+  const node_weights node{classes.data(), tally.classes(), static_cast<float>(tally.unknown_weight()), total_weight,
+                          min_weight};
   if (!node.splittable()) return;
-  with_cut_search(node, tally.whole(), [&](auto& search) {
+  const auto rate = [&](auto& search) {
     sweep(tally, search);
     if (!search.conclude(case_count, opts, result)) return;
     const auto best_row = static_cast<unsigned int>(search.best_place());
@@ -47,7 +52,17 @@ void rate_rainforest(const class_tally& tally, unsigned int first_code, float to
     while (!occurs(tally, next_row)) ++next_row;
     result.low_code = best_row + first_code - 1;
     result.high_code = next_row + first_code - 1;
-  });
+  };
+  if (tally.classes() == 2) {
+    with_cut_search<2, Weight>(node, rate);
+  } else {
+    with_cut_search<0, Weight>(node, rate);
+  }
 }
+
+template void rate_rainforest(const class_tally<float>&, unsigned int, float, std::size_t, float, const options*,
+                              column::splitting_desc&);
+template void rate_rainforest(const class_tally<unsigned int>&, unsigned int, float, std::size_t, float, const options*,
+                              column::splitting_desc&);
 
 }  // namespace arbor::impls

@@ -11,8 +11,9 @@ namespace arbor::impls {
 // Sets gain and split information of `result` and, where there is a split, its codes. `first_code` is the first of the
 // code range that was tallied, `case_count` the number of cases, unknown ones included; the other arguments mean what
 // they mean in column::quality_measure.
-void rate_rainforest(const class_tally& tally, unsigned int first_code, float total_weight, std::size_t case_count,
-                     float min_weight, const options* opts, column::splitting_desc& result);
+template <class Weight>
+void rate_rainforest(const class_tally<Weight>& tally, unsigned int first_code, float total_weight,
+                     std::size_t case_count, float min_weight, const options* opts, column::splitting_desc& result);
 
 }  // namespace arbor::impls
 

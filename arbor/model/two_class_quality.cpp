@@ -49,14 +49,14 @@ void sweep_ends(const code_ends& ends, Search& search) {
   for (std::size_t i = 0; i + 1 < ends.size(); ++i) {
     const unsigned int weight = ends.weight(i);
     const unsigned int second = ends.second_weight(i);
-    search.put(weight - second, second);
+    search.put(search.as_weight(weight - second), search.as_weight(second));
     if (search.too_low()) continue;
     if (search.too_high()) break;
     search.count_candidate();
     const unsigned int since = ends.weight(i + 1) - evaluated_weight;
     const unsigned int second_since = ends.second_weight(i + 1) - evaluated_second;
     const bool one_class = (second_since == 0) | (second_since == since);
-    const bool inside_run = one_class & !search.too_high(ends.weight(i + 1));
+    const bool inside_run = one_class & !search.too_high(search.as_weight(ends.weight(i + 1)));
     evaluated_weight = inside_run ? evaluated_weight : weight;
     evaluated_second = inside_run ? evaluated_second : second;
     search.evaluate(i, !inside_run);
@@ -73,13 +73,13 @@ void rate_two_classes(const packed_cases& cases, float total_weight, std::size_t
   const std::array<float, 2> classes{static_cast<float>(weight - second), static_cast<float>(second)};
   const node_weights node{classes.data(), 2, cases.unknown_weight(), total_weight, min_weight};
   if (!node.splittable()) return;
-  const whole_terms terms(weight);
-  cut_search<unsigned int, whole_terms, 2> search(node, terms);
-  sweep_ends(ends, search);
-  if (!search.conclude(case_count, opts, result)) return;
-  const std::size_t best_case = ends.last_case(search.best_place());
-  result.low_code = cases.code(best_case);
-  result.high_code = cases.code(best_case + 1);
+  with_cut_search<2, unsigned int>(node, [&](auto& search) {
+    sweep_ends(ends, search);
+    if (!search.conclude(case_count, opts, result)) return;
+    const std::size_t best_case = ends.last_case(search.best_place());
+    result.low_code = cases.code(best_case);
+    result.high_code = cases.code(best_case + 1);
+  });
 }
 
 }  // namespace arbor::impls
