@@ -95,7 +95,7 @@ def results_of(job, table, options):
     for suffix, command in (("", job.command), (", coded", job.coded_command)):
         if command is None:
             break
-        print(f"{table.stem}: {job.system}{suffix}", file=sys.stderr)
+        print(f"{table.stem}: {job.system}{suffix}: {', '.join(job.phases)}", file=sys.stderr)
         told, problem = run(command, table, options)
         lines += [{"system": job.system + suffix, **result} for result in told]
         missing = [phase for phase in job.phases if phase not in [result["phase"] for result in told]]
@@ -231,7 +231,7 @@ def output_of(*command):
 def about(build, options):
     cache = (build / "CMakeCache.txt").read_text()
     compiler = first_match(r"^CMAKE_CXX_COMPILER:.*?=(.*)$", cache)
-    flags = [first_match(rf"^{name}:.*?=(.*)$", cache) for name in ("CMAKE_CXX_FLAGS_RELEASE", "CMAKE_CXX_FLAGS")]
+    flags = [first_match(rf"^{name}:.*?=(.*)$", cache) for name in ("CMAKE_CXX_FLAGS", "CMAKE_CXX_FLAGS_RELEASE")]
     cpus = pathlib.Path("/proc/cpuinfo").read_text()
     return {
         "date": datetime.datetime.now().astimezone().isoformat(sep=" ", timespec="minutes"),

@@ -2,6 +2,7 @@
 
 import gc
 import json
+import math
 import sys
 import time
 
@@ -15,22 +16,32 @@ def process_bytes(entry):
 
 def measure(phase, work):
     """Runs the work three times; more often when that takes less than a second in all, less often when it takes more
-    than a minute. Returns what to tell of it, and the result of the last run."""
+    than a minute. Work that is too short for the clocks is repeated within a run. Returns what to tell of it, and the
+    result of the last run."""
+    shortest_run = 0.05
     gc.collect()
     with open("/proc/self/clear_refs", "w") as peak:
         peak.write("5")  # the peak begins anew
     told = {"phase": phase, "before": process_bytes("VmRSS"), "seconds": [], "clock": []}
     beginning = time.perf_counter()
+    repeats = 1
     for run in range(25):
         taken = time.perf_counter() - beginning
         if run > 0 and taken > (60 if run < 3 else 1):
             break
-        result = None  # not beside the next
         start, processor_start = time.perf_counter(), time.process_time()
-        result = work()
-        told["seconds"].append(time.process_time() - processor_start)
-        told["clock"].append(time.perf_counter() - start)
-        told.setdefault("peak", process_bytes("VmHWM"))
+        for _ in range(repeats):
+            result = None  # not beside the next
+            result = work()
+        seconds = (time.process_time() - processor_start) / repeats
+        clock = (time.perf_counter() - start) / repeats
+        if run == 0:
+            told["peak"] = process_bytes("VmHWM")
+            repeats = max(1, math.ceil(shortest_run / clock))
+            if repeats > 1:
+                continue  # too short to count
+        told["seconds"].append(seconds)
+        told["clock"].append(clock)
     return told, result
 
 
