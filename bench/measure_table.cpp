@@ -18,9 +18,8 @@
 #include <limits>
 #include <map>
 #include <memory>
-#include <string>
-
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"

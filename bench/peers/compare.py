@@ -41,6 +41,13 @@ quantise  xgboost puts numbers into 256 bins, and then rates and grows on these:
 coded     texts became numbers by the alphabet, and unknown values a number below all others, before the time began,
           for a system that could not do with the table as it is."""
 
+RATIO_NOTE = """\
+How many times as long as Arbor others take; xgboost's time is that of the bins and of the tree together."""
+MEMORY_NOTE = """\
+Arbor's memory, without that of the process before it loads, for tables of at least 10,000 rows: what a cell takes once
+the table is loaded, its cases apart, beside what its code and its column's distinct values need; then the peak of
+loading, what is resident before growing, and the peak of growing, beside the aim of twice the columns and the cases."""
+
 
 @dataclasses.dataclass
 class Job:
@@ -110,8 +117,9 @@ def results_of(job, table, options):
 
 def find(lines, phase, system):
     """The line of a system that did the phase, on the table as it is or else coded."""
+    names = (system, system + ", coded")
     return next((line for line in lines
-                 if line["phase"] == phase and "median" in line and line["system"] in (system, system + ", coded")), None)
+                 if line["system"] in names and line["phase"] == phase and "median" in line), None)
 
 
 def ratios_of(lines):
@@ -127,7 +135,8 @@ def ratios_of(lines):
         fastest = min(exact, key=lambda line: line["median"], default=None)
         ratios[f"{phase}: fastest exact"] = over_arbor(phase, fastest)
         ratios[f"{phase}: which"] = fastest and fastest["system"].partition(",")[0]
-        ratios[f"{phase}: xgboost"] = over_arbor(phase, find(lines, "quantise", "xgboost"), find(lines, phase, "xgboost"))
+        bins_and_tree = find(lines, "quantise", "xgboost"), find(lines, phase, "xgboost")
+        ratios[f"{phase}: xgboost"] = over_arbor(phase, *bins_and_tree)
     ratios["load: pandas categories"] = over_arbor("load", find(lines, "load", "pandas, categories"))
     return ratios
 
@@ -209,13 +218,15 @@ def ratio_table(data):
 
 
 def memory_table(data):
-    rows = [["table", "bytes a cell", "codes", "domains", "load peak MB", "before growing MB", "growing MB", "aim MB"]]
+    rows = [["table", "bytes a cell", "codes", "values", "load peak MB", "before growing MB", "growing MB", "aim MB"]]
+    per_cell = ("per cell", "codes per cell", "domains per cell")
+    whole = ("load peak", "before growing", "growing", "aim")
     for table in data:
         memory = table["memory"]
         if memory is None or table["rows"] < 10000:
             continue
-        rows.append([table["name"], *(f"{memory[key]:.2f}" for key in ("per cell", "codes per cell", "domains per cell")),
-                     *(megabytes(memory[key]) for key in ("load peak", "before growing", "growing", "aim"))])
+        rows.append([table["name"], *(f"{memory[key]:.2f}" for key in per_cell),
+                     *(megabytes(memory[key]) for key in whole)])
     return text_table(rows, left=1)
 
 
@@ -233,21 +244,18 @@ def about(build, options):
     compiler = first_match(r"^CMAKE_CXX_COMPILER:.*?=(.*)$", cache)
     flags = [first_match(rf"^{name}:.*?=(.*)$", cache) for name in ("CMAKE_CXX_FLAGS", "CMAKE_CXX_FLAGS_RELEASE")]
     cpus = pathlib.Path("/proc/cpuinfo").read_text()
+    release = first_match(r'^PRETTY_NAME="(.*)"$', pathlib.Path("/etc/os-release").read_text())
     return {
         "date": datetime.datetime.now().astimezone().isoformat(sep=" ", timespec="minutes"),
         "processor": first_match(r"^model name\s*: (.*)$", cpus),
         "cores": f"{os.cpu_count()}, of which number {options.core} was used",
         "load average": "{:.1f} {:.1f} {:.1f}".format(*os.getloadavg()),
-        "system": f"{output_of('lsb_release', '-ds') or platform_name()}, Linux {os.uname().release}",
+        "system": f"{release}, Linux {os.uname().release}",
         "compiler": output_of(compiler, "--version").partition("\n")[0],
         "flags": " ".join(flags) + " -ffp-contract=off",
         "Arbor": output_of("git", "describe", "--always", "--dirty"),
         **{package: output_of("dpkg-query", "-W", "-f", "${Version}", package) for package in PACKAGES},
     }
-
-
-def platform_name():
-    return first_match(r'^PRETTY_NAME="(.*)"$', pathlib.Path("/etc/os-release").read_text())
 
 
 def made_tables(build, rows):
@@ -269,7 +277,8 @@ def arguments():
     parser.add_argument("--quick", action="store_true", help="generate tables of 100,000 rows, not of 1,000,000")
     parser.add_argument("--json", metavar="FILE", type=pathlib.Path, help="write all that was measured to a file too")
     parser.add_argument("--limit", metavar="SECONDS", type=int, default=300, help="for each system (default: 300)")
-    parser.add_argument("--core", metavar="N", type=int, default=os.cpu_count() - 1, help="(default: the last)")
+    parser.add_argument("--core", metavar="N", type=int, default=max(os.sched_getaffinity(0)),
+                        help="the one to run on (default: the last)")
     parser.add_argument("--build", type=pathlib.Path, default="build/bench", help=argparse.SUPPRESS)
     return parser.parse_args()
 
@@ -285,14 +294,12 @@ def main():
         lines = [line for job in jobs_of(build) for line in results_of(job, path, options)]
         load = find(lines, "load", "Arbor") or {}
         facts = {key: load.get(key) for key in ("rows", "attributes", "classes")}
-        data.append({"name": path.stem, **facts, "results": lines, "ratios": ratios_of(lines), "memory": memory_of(lines)})
+        data.append({"name": path.stem, **facts, "results": lines, "ratios": ratios_of(lines),
+                     "memory": memory_of(lines)})
         print(f"\n{path.stem}: " + ", ".join(f"{value} {key}" for key, value in facts.items()) + "\n")
         print(phase_table(lines), flush=True)
-    print("\nHow many times as long as Arbor others take; xgboost's time is that of the bins and of the tree together\n\n"
-          + ratio_table(data))
-    print("\nArbor's memory, without the program's own: what a cell takes once the table is loaded, its cases apart, beside"
-          "\nwhat its code and its column's values need; and the peak of growing, the table included, beside the aim of"
-          "\ntwice the columns and the cases\n\n" + memory_table(data))
+    print("\n" + RATIO_NOTE + "\n\n" + ratio_table(data))
+    print("\n" + MEMORY_NOTE + "\n\n" + memory_table(data))
     if options.json:
         options.json.write_text(json.dumps({"about": said, "tables": data}, indent=1) + "\n")
 
