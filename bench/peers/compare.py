@@ -25,9 +25,10 @@ EXACT = ["scikit-learn", "ranger", "rpart"]  # try every threshold, as Arbor doe
 MEMORY_LIMIT = 12 << 30
 
 NOTES = """\
-Time is the median of at least three runs, in seconds of processor time (that of the clock is the same on a core that
-has nothing else to do; "share" tells how much of it the runs got). "/ Arbor" is above 1 where Arbor is faster. Memory
-is that of the whole process, before the phase's first run and at its peak.
+Time is the median of three runs, of more when they are short and fewer when they take minutes, in seconds of processor
+time (that of the clock is the same on a core that has nothing else to do; "share" tells how much of it the runs got;
+when that is little, neighbours slow down the memory too). "/ Arbor" is above 1 where Arbor is faster; the trees differ,
+as their leaves tell. Memory is that of the whole process, before the phase's first run and at its peak.
 
 load      reading the CSV file into columns. Arbor finds each column's distinct values and codes them, which pandas does
           with categories only; data.table codes texts alone.
