@@ -33,7 +33,7 @@ class agrawal {
     std::uint64_t seed;  // the same seed makes the same people
   };
 
-  explicit agrawal(const settings& chosen) : chosen(chosen), random(chosen.seed) {}
+  explicit agrawal(const settings& of_people) : chosen(of_people), random(of_people.seed) {}
 
   person next();
 
