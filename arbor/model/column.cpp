@@ -19,7 +19,7 @@ constexpr std::array<std::pair<const char*, column::_type>, 5> kinds{{{"discrete
 }  // namespace
 
 column::column(o_set* adopted_domain, const std::string& column_name, _type kind)
-    : type(kind), name(column_name), domain(adopted_domain) {}
+    : type(kind), name(column_name), domain(adopted_domain, deleter{true}) {}
 
 column::~column() = default;
 
@@ -47,7 +47,7 @@ bool column::admits_null(const std::string& text) {
 column* column::clone(bool /*empty*/) {
   std::unique_ptr<o_set> domain_copy(domain->clone());
   auto copy = std::make_unique<column>(nullptr, name, type);
-  copy->domain = std::move(domain_copy);
+  copy->domain.reset(domain_copy.release());
   return copy.release();
 }
 
@@ -88,6 +88,12 @@ strata::util::pair<unsigned int, unsigned int> column::get_range() const {
   const unsigned int known = domain->size_of_known();
   if (known == 0) return {0, 0};
   return {1, known + 1};
+}
+
+column* column::extract(const w_sequence& /*cases*/) const {
+  auto copy = std::make_unique<column>(nullptr, name, type);
+  copy->domain = {domain.get(), deleter{false}};
+  return copy.release();
 }
 
 unsigned int column::get_index(const char* value) const {

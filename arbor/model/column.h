@@ -122,6 +122,10 @@ class column : public strata::util::nocopy {
   virtual strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const;
   virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
+  // A column of the same class, kind and name with the rows of `cases` alone, in their order, for work on a part of the
+  // table without reading all over it. The caller owns it; the domain stays this column's, which must outlive it.
+  virtual column* extract(const w_sequence& cases) const;
+
   // The text of the kind, "unspecified" for a number that is none.
   std::string get_type() const;
   std::string get_name() const { return name; }
@@ -148,7 +152,13 @@ class column : public strata::util::nocopy {
  protected:
   _type type;
   std::string name;
-  std::unique_ptr<o_set> domain;
+  struct deleter {
+    bool owned;  // that of an extract belongs to another column
+    void operator()(o_set* adopted) const {
+      if (owned) delete adopted;
+    }
+  };
+  std::unique_ptr<o_set, deleter> domain;
 };
 
 // How good a split on a column would be.

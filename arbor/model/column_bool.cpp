@@ -56,6 +56,14 @@ strata::inpout::ibinstream& column_bool::bin_in(strata::inpout::ibinstream& in) 
   return in;
 }
 
+column* column_bool::extract(const w_sequence& cases) const {
+  auto copy = std::make_unique<column_bool>(nullptr, name, type);
+  copy->domain = {domain.get(), deleter{false}};
+  copy->values.reserve(static_cast<unsigned int>(cases.size()));
+  for (const auto& taken : cases) copy->values.push_back(values[taken.first]);
+  return copy.release();
+}
+
 void column_bool::quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                   strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                   options* /*opts*/, splitting_desc& result, bool /*copy_cases*/) const {

@@ -36,6 +36,8 @@ class column_bool : public column {
   strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const override;
   strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in) override;
 
+  column* extract(const w_sequence& cases) const override;
+
   // One branch per value; see quality_measure for the arguments.
   void QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,
                               strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,

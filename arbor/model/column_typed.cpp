@@ -79,6 +79,15 @@ strata::inpout::ibinstream& column_typed<T>::bin_in(strata::inpout::ibinstream& 
 }
 
 template <class T>
+column* column_typed<T>::extract(const w_sequence& cases) const {
+  auto copy = std::make_unique<column_typed<T>>(nullptr, name, type);
+  copy->domain = {domain.get(), deleter{false}};
+  copy->values.resize(cases.size());
+  for (std::size_t i = 0; i < cases.size(); ++i) copy->values[i] = values[cases[i].first];
+  return copy.release();
+}
+
+template <class T>
 void column_typed<T>::quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                       strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                       options* opts, splitting_desc& result, bool copy_cases) const {

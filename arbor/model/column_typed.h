@@ -37,6 +37,8 @@ class column_typed : public column {
   strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const override;
   strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in) override;
 
+  column* extract(const w_sequence& cases) const override;
+
   // The measures that quality_measure chooses among; see there for the arguments. One branch per value.
   void QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,
                               strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,

@@ -10,14 +10,10 @@ namespace arbor::tree {
 using impls::column;
 using impls::w_sequence;
 
-division::division(const table& divided, node_cases of_node, float node_weight, std::size_t tested_column,
+division::division(node_cases of_node, float node_weight, std::size_t tested_column,
                    column::partition_desc chosen_split)
-    : rows(divided),
-      node(std::move(of_node)),
-      weight(node_weight),
-      column_index(tested_column),
-      split(std::move(chosen_split)) {
-  if (rows.columns[column_index]->is_continuous()) {
+    : node(std::move(of_node)), weight(node_weight), column_index(tested_column), split(std::move(chosen_split)) {
+  if (attribute().is_continuous()) {
     divide_in_two();
   } else {
     divide_by_value();
@@ -25,10 +21,9 @@ division::division(const table& divided, node_cases of_node, float node_weight, 
 }
 
 void division::divide_in_two() {
-  const column& attribute = *rows.columns[column_index];
-  const unsigned int threshold = attribute.get_index(split.threshold.c_str());
+  const unsigned int threshold = attribute().get_index(split.threshold.c_str());
   std::size_t low = 0;
-  impls::with_codes(attribute, [&](auto code_of) {
+  impls::with_codes(attribute(), [&](auto code_of) {
     for (const auto& weighted : *node.cases) low += code_of(weighted.first) <= threshold ? 1 : 0;
   });
   all_branches = {{1, 0, low}, {2, low, node.cases->size()}};
@@ -42,7 +37,7 @@ void division::divide_by_value() {
   auto by_value = std::make_shared<w_sequence>(cases.size());
   // The place of the next case of each value, the unknown one first.
   std::vector<std::size_t> next(range.second - before_first, 0);
-  impls::with_codes(*rows.columns[column_index], [&](auto code_of) {
+  impls::with_codes(attribute(), [&](auto code_of) {
     const auto value_of = [&](const auto& weighted) {
       const unsigned int code = code_of(weighted.first);
       return code == 0 ? 0 : code - before_first;
@@ -62,11 +57,10 @@ void division::divide_by_value() {
 }
 
 node_cases division::cases_of(const branch& taken, float& share) const {
-  const column& attribute = *rows.columns[column_index];
   auto begin = node.cases->begin();
   auto end = node.cases->end();
   w_sequence of_value;
-  if (!attribute.is_continuous()) {  // or the cases of all other values would be passed over
+  if (!attribute().is_continuous()) {  // or the cases of all other values would be passed over
     end = begin + static_cast<std::ptrdiff_t>(taken.end_case);
     begin += static_cast<std::ptrdiff_t>(taken.first_case);
     if (unknown_count > 0) {
@@ -77,10 +71,10 @@ node_cases division::cases_of(const branch& taken, float& share) const {
       end = of_value.end();
     }
   }
-  node_cases result{nullptr, node.ranges, node.depth + 1};
+  node_cases result{node.rows, nullptr, node.ranges, node.depth + 1};
   std::unique_ptr<w_sequence> cases(
-      attribute.partition(begin, end, taken.number, weight, share, result.ranges[column_index], split));
-  if (attribute.get_o_set()->contains_null()) drop_slivers(*cases);
+      attribute().partition(begin, end, taken.number, weight, share, result.ranges[column_index], split));
+  if (attribute().get_o_set()->contains_null()) drop_slivers(*cases);
   result.cases = std::move(cases);
   return result;
 }
@@ -90,7 +84,7 @@ node_cases division::cases_of(const branch& taken, float& share) const {
 void division::drop_slivers(w_sequence& cases) const {
   constexpr float least_part = 1.0F / 1024;
   const auto is_sliver = [&](const auto& weighted) {
-    return weighted.second < least_part * rows.cases[weighted.first].second || !(weighted.second > 0);
+    return weighted.second < least_part * node.rows->weight(weighted.first) || !(weighted.second > 0);
   };
   cases.erase(std::remove_if(cases.begin(), cases.end(), is_sliver), cases.end());
 }

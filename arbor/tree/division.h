@@ -6,8 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "arbor/tree/decision_tree.h"
-#include "arbor/tree/table.h"
+#include "arbor/tree/case_rows.h"
 
 namespace arbor::tree {
 
@@ -15,6 +14,7 @@ using code_range = strata::util::pair<unsigned int, unsigned int>;
 
 // The cases of a node of a growing tree.
 struct node_cases {
+  std::shared_ptr<const case_rows> rows;  // that their row numbers mean
   std::shared_ptr<const impls::w_sequence> cases;
   std::vector<code_range> ranges;  // by column of the table: bounds of the known codes among the cases
   unsigned int depth = 0;          // of tests above the node
@@ -33,8 +33,8 @@ class division {
     std::size_t size() const { return end_case - first_case; }
   };
 
-  // Divides the cases of a node, of the weight `node_weight`, by one of the table's columns.
-  division(const table& divided, node_cases of_node, float node_weight, std::size_t tested_column,
+  // Divides the cases of a node, of the weight `node_weight`, by one of the columns.
+  division(node_cases of_node, float node_weight, std::size_t tested_column,
            impls::column::partition_desc chosen_split);
 
   // In the order of their numbers. Of a discrete test, those of values that no case has are left out.
@@ -47,8 +47,8 @@ class division {
   void divide_in_two();
   void divide_by_value();
   void drop_slivers(impls::w_sequence& cases) const;
+  const impls::column& attribute() const { return *node.rows->columns()[column_index]; }
 
-  const table& rows;
   node_cases node;  // of a discrete test the unknown cases come first, then value by value
   float weight;
   std::size_t column_index;

@@ -22,8 +22,7 @@ using impls::w_sequence;
 // What all parts of a growing tree share.
 class growth {
  public:
-  growth(const table& training_table, const grow_options& chosen)
-      : training(training_table), options(chosen), workers(std::max(1U, chosen.threads)) {}
+  explicit growth(const grow_options& chosen) : options(chosen), workers(std::max(1U, chosen.threads)) {}
 
   // Tells how much of the cases has come to leaves.
   void settled(float weight) {
@@ -32,7 +31,6 @@ class growth {
     if (options.progress) options.progress(std::min(1.0, settled_weight / all_weight));
   }
 
-  const table& training;
   const grow_options& options;
   crew workers;
   double all_weight = 0;
@@ -71,10 +69,10 @@ node_weight weigh_cases(const column& class_column, const w_sequence& cases) {
 class test_choice {
  public:
   // `workers`, null for none, rate several columns at once.
-  test_choice(const table& training_table, float least_branch, node_cases& node, float node_weight, crew* workers)
-      : training(training_table), min_weight(least_branch), weight(node_weight), rated(node) {
-    for (std::size_t i = 0; i < training.columns.size(); ++i) {
-      const column& attribute = *training.columns[i];
+  test_choice(node_cases& node, float node_weight, float least_branch, crew* workers)
+      : rated(node), weight(node_weight), min_weight(least_branch) {
+    for (std::size_t i = 0; i < rated.rows->columns().size(); ++i) {
+      const column& attribute = *rated.rows->columns()[i];
       if (attribute.is_discrete() || attribute.is_continuous()) candidates.push_back({i, {}});
     }
     const auto rate = [this](std::size_t i) { rate_candidate(candidates[i]); };
@@ -105,7 +103,7 @@ class test_choice {
 
  private:
   void rate_candidate(candidate& test) {
-    const column& attribute = *training.columns[test.column_index];
+    const column& attribute = *rated.rows->columns()[test.column_index];
     code_range& range = rated.ranges[test.column_index];
     // Looking at every case pays when the measure would look at more codes than there are cases.
     const bool loose = range.second - range.first > rated.cases->size();
@@ -113,7 +111,7 @@ class test_choice {
     // A measure that is to copy the cases leaves them alone: each attribute is rated on them in the same order, so that
     // its rating does not depend on the others.
     auto& unchanged = const_cast<w_sequence&>(*rated.cases);
-    attribute.quality_measure(&training.class_column(), weight, &unchanged, range, min_weight, nullptr, test.rating,
+    attribute.quality_measure(&rated.rows->class_column(), weight, &unchanged, range, min_weight, nullptr, test.rating,
                               true);
   }
 
@@ -121,17 +119,16 @@ class test_choice {
     return static_cast<double>(test.rating.gain) / static_cast<double>(test.rating.split_info);
   }
 
-  const table& training;
-  float min_weight;
-  float weight;
   node_cases& rated;
+  float weight;
+  float min_weight;
   std::vector<candidate> candidates;
 };
 
 // A part of the tree: what grows from one node.
 class subtree {
  public:
-  explicit subtree(growth& grown) : whole(grown), training(grown.training), options(grown.options), nodes(1) {}
+  explicit subtree(growth& grown) : whole(grown), options(grown.options), nodes(1) {}
 
   // Grows from node 0. `root` are its cases.
   void grow(node_cases root) {
@@ -187,11 +184,12 @@ class subtree {
 
   // Makes a test or a leaf of a node.
   void settle(std::size_t node, node_cases cases, crew* workers) {
-    node_weight weight = weigh_cases(training.class_column(), *cases.cases);
+    node_weight weight = weigh_cases(cases.rows->class_column(), *cases.cases);
     nodes[node].class_weights = std::move(weight.classes);
     std::optional<candidate> best;
     if (may_split(node, cases, weight.all)) {
-      best = test_choice(training, options.min_weight, cases, weight.all, workers).best();
+      bring_together(cases);
+      best = test_choice(cases, weight.all, options.min_weight, workers).best();
     }
     if (best) {
       divide(node, std::move(cases), weight.all, *best);
@@ -206,14 +204,29 @@ class subtree {
     return present > 1 && weight >= 2 * options.min_weight && cases.depth < options.max_depth;
   }
 
+  // Extracts the cases of a node that lie scattered over many rows: the columns are read several times for each node
+  // below, and each read of a few bytes far from the next one takes the time of a whole cache line.
+  static void bring_together(node_cases& node) {
+    constexpr std::size_t many_rows = 1U << 15U;  // of which a few columns fill a core's own cache
+    constexpr std::size_t scattered = 8;          // rows to a case
+    constexpr std::size_t worth_it = 512;         // cases
+    const w_sequence& cases = *node.cases;
+    if (node.rows->size() < many_rows || cases.size() < worth_it) return;
+    if (node.rows->size() / cases.size() < scattered) return;
+    auto numbered = std::make_shared<w_sequence>(cases);
+    for (std::size_t i = 0; i < cases.size(); ++i) (*numbered)[i].first = static_cast<unsigned int>(i);
+    node.rows = std::make_shared<const case_rows>(*node.rows, cases);
+    node.cases = std::move(numbered);
+  }
+
   // Makes a test of a node, and puts its branches on the stack.
   void divide(std::size_t node, node_cases cases, float weight, const candidate& test) {
-    const column& attribute = *training.columns[test.column_index];
+    const column& attribute = *cases.rows->columns()[test.column_index];
     column::partition_desc split;
     test.rating.set_partition_desc(split);
     // The threshold that it tells may lie outside of the cut; see cut_threshold.
     if (attribute.is_continuous()) split.threshold = cut_threshold(attribute, test.rating);
-    const auto parent = std::make_shared<const division>(training, std::move(cases), weight, test.column_index, split);
+    const auto parent = std::make_shared<const division>(std::move(cases), weight, test.column_index, split);
 
     std::vector<open_branch> branches;
     tree_node& tested = nodes[node];
@@ -244,7 +257,6 @@ class subtree {
   }
 
   growth& whole;
-  const table& training;
   const grow_options& options;
   std::vector<tree_node> nodes;  // their attributes are indices of the table's columns
   std::vector<open_branch> open;
@@ -273,10 +285,10 @@ decision_tree tree_of(const table& training, std::vector<tree_node> nodes) {
 }  // namespace
 
 decision_tree grow_tree(const table& training, const w_sequence& cases, const grow_options& options) {
-  growth grown(training, options);
+  growth grown(options);
   grown.all_weight = static_cast<double>(total_weight(cases));
   // The caller keeps the cases of the root.
-  node_cases root{{std::shared_ptr<void>(), &cases}, {}, 0};
+  node_cases root{std::make_shared<const case_rows>(training), {std::shared_ptr<void>(), &cases}, {}, 0};
   for (const auto& attribute : training.columns) root.ranges.push_back(attribute->get_range());
   subtree all(grown);
   if (grown.workers.size() == 1) {

@@ -1,0 +1,20 @@
+#include "arbor/tree/case_rows.h"
+
+namespace arbor::tree {
+
+case_rows::case_rows(const table& whole) : classes(&whole.class_column()), weights(whole.cases) {
+  for (const auto& column : whole.columns) all_columns.push_back(column.get());
+}
+
+case_rows::case_rows(const case_rows& from, const impls::w_sequence& cases)
+    : extracted_weights(cases.size()), weights(extracted_weights) {
+  for (const impls::column* column : from.all_columns) {
+    all_columns.push_back(extracts.emplace_back(column->extract(cases)).get());
+    if (column == from.classes) classes = extracts.back().get();
+  }
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    extracted_weights[i] = {static_cast<unsigned int>(i), from.weight(cases[i].first)};
+  }
+}
+
+}  // namespace arbor::tree
