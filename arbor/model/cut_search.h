@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <numeric>
 #include <type_traits>
 
@@ -114,14 +115,16 @@ class cut_search {
     const double left_entropy = term(sum_of(on_left, left_sum)) - static_cast<double>(left_terms);
     const double right_entropy = term(sum_of(on_right, all - left_sum)) - static_cast<double>(right_terms);
     const float value_entropy = static_cast<float>(left_entropy + right_entropy);
+    // The gain never grows with the entropy within the sides, however it is rounded, so that most cuts need no division.
+    if (!(value_entropy < best_entropy) || !eligible) return;
     const float gain = static_cast<float>(
         (static_cast<double>(info) - static_cast<double>(value_entropy) / static_cast<double>(known_weight)) *
         known_fraction);
-    // Without a branch: whether a cut is the best so far is hard to foresee while the gain still rises.
-    const bool better = eligible & (gain > best_gain);
-    best_gain = better ? gain : best_gain;
-    best_left = better ? left_sum : best_left;
-    best = better ? place : best;
+    if (!(gain > best_gain)) return;
+    best_gain = gain;
+    best_entropy = value_entropy;
+    best_left = left_sum;
+    best = place;
   }
 
   // Sets gain and split information of `result` to those of the best cut, `best_place`, and returns true; or returns
@@ -164,6 +167,7 @@ class cut_search {
   Weight left_sum = 0;
   unsigned int candidates = 0;
   float best_gain = column::splitting_desc::no_split;
+  float best_entropy = std::numeric_limits<float>::infinity();
   Weight best_left = 0;
   std::size_t best = 0;
 };

@@ -208,7 +208,7 @@ class subtree {
   // below, and each read of a few bytes far from the next one takes the time of a whole cache line.
   static void bring_together(node_cases& node) {
     constexpr std::size_t many_rows = 1U << 15U;  // of which a few columns fill a core's own cache
-    constexpr std::size_t scattered = 8;          // rows to a case
+    constexpr std::size_t scattered = 4;          // rows to a case
     constexpr std::size_t worth_it = 512;         // cases
     const w_sequence& cases = *node.cases;
     if (node.rows->size() < many_rows || cases.size() < worth_it) return;
