@@ -138,12 +138,7 @@ void o_set_typed<T>::freeze() {
 template <class T>
 void o_set_typed<T>::thaw() {
   if (!frozen) return;
-  try {
-    for (const T& value : frozen_values()) builder.insert(value);
-  } catch (...) {
-    builder.clear();  // or the next attempt would insert the NaNs among them twice
-    throw;
-  }
+  if (known_values != nullptr) builder.insert_all(std::move(*known_values));  // the builder is empty: nothing throws
   delete known_values;
   known_values = nullptr;
   frozen = false;
@@ -157,6 +152,12 @@ void o_set_typed<T>::insert(const char* value) {
   } else {
     builder.insert(parsed<T>(value));
   }
+}
+
+template <class T>
+void o_set_typed<T>::insert_values(std::vector<T> values) {
+  thaw();
+  builder.insert_all(std::move(values));
 }
 
 template <class T>
