@@ -30,7 +30,8 @@ std::uint64_t commas_and_below(std::uint64_t characters) {
 }  // namespace
 
 unsigned long long csv_row::line_of(std::size_t cell) const {
-  return first_line + newlines(std::string_view(characters, cells[cell].begin));
+  const std::size_t row_begin = cells[0].begin;
+  return first_line + newlines(std::string_view(characters + row_begin, cells[cell].begin - row_begin));
 }
 
 void csv_row_builder::add_cell(const char* text, std::size_t length) {
