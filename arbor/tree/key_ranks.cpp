@@ -11,6 +11,13 @@ namespace {
 
 using key = std::uint32_t;
 
+// In sums of two, four and eight bits; the processors that the library is built for need not be able to count.
+key bit_count(std::uint64_t bits) {
+  bits -= bits >> 1U & 0x5555555555555555U;
+  bits = (bits & 0x3333333333333333U) + (bits >> 2U & 0x3333333333333333U);
+  return static_cast<key>(((bits + (bits >> 4U)) & 0x0F0F0F0F0F0F0F0FU) * 0x0101010101010101U >> 56U);
+}
+
 // Where the keys are dense, a bit for each key from the least to the greatest tells whether it is there, and the rank of
 // a key is the number of bits up to its own. All that is read at random is small enough for the processor's caches.
 class presence_ranks {
@@ -23,7 +30,7 @@ class presence_ranks {
     key distinct = 0;
     for (word& w : words) {
       w.before = distinct;
-      distinct += static_cast<key>(__builtin_popcountll(w.bits));
+      distinct += bit_count(w.bits);
     }
     std::vector<key> keys;
     keys.reserve(distinct);
@@ -37,7 +44,7 @@ class presence_ranks {
 
   key rank(key k) const {
     const word& w = words[(k - first) / 64];
-    return w.before + static_cast<key>(__builtin_popcountll(w.bits << (63 - (k - first) % 64)));
+    return w.before + bit_count(w.bits << (63 - (k - first) % 64));
   }
 
  private:
