@@ -22,7 +22,7 @@ using strata::util::string_util;
 
 namespace {
 
-// What differs between the data types, as overloads: text to value, value to text, value to stream, order, and lookup.
+// What differs between the data types, as overloads: text to value, value to text, values to stream, order, and lookup.
 
 template <class Integer>
 void parse(const char* text, Integer& value) {
@@ -61,12 +61,13 @@ std::string text_of(const std::string& value) {
 }
 
 template <class Number>
-void write_value(obinstream& out, Number value) {
-  out << value;
+void write_values(obinstream& out, const std::vector<datatype<Number>>& values) {
+  static_assert(sizeof(datatype<Number>) == sizeof(Number), "values lie one behind the other");
+  if (!values.empty()) out.write_values(&values.front().value, static_cast<unsigned int>(values.size()));
 }
 
-void write_value(obinstream& out, const std::string& value) {
-  out << value.c_str();
+void write_values(obinstream& out, const std::vector<datatype<std::string>>& values) {
+  for (const auto& text : values) out << text.value.c_str();
 }
 
 template <class Number>
@@ -238,7 +239,7 @@ obinstream& o_set_typed<T>::bin_out(obinstream& out) {
   out << (known_values != nullptr);
   if (known_values == nullptr) return out;
   out << size_of_known();
-  for (const T& value : *known_values) write_value(out, value.value);
+  write_values(out, *known_values);
   return out;
 }
 
