@@ -79,24 +79,24 @@ bool greater(const std::string& a, const std::string& b) {
   return string_util::compare_signed(a.c_str(), b.c_str()) > 0;
 }
 
-// The position of `key` among sorted values, or their number when it is not there.
+// The position of a text's value among sorted values, or their number when it is not there.
 template <class Number>
-std::size_t position_of(const datatype<Number>& key, const std::vector<datatype<Number>>& values) {
+std::size_t position_of(const char* text, const std::vector<datatype<Number>>& values) {
+  const auto key = parsed<datatype<Number>>(text);
   std::size_t lo = 0;
   std::size_t hi = values.size();
   while (lo < hi) {
     const std::size_t mid = lo + (hi - lo) / 2;
     if (values[mid] == key) return mid;
-    if (key.value > values[mid].value) {
-      lo = mid + 1;
-    } else {
-      hi = mid;
-    }
+    // Which half is as good as random, so that a branch would often be mispredicted.
+    const bool above = key.value > values[mid].value;
+    lo = above ? mid + 1 : lo;
+    hi = above ? hi : mid;
   }
   return values.size();
 }
 
-std::size_t position_of(const datatype<std::string>& key, const std::vector<datatype<std::string>>& values) {
+std::size_t position_of(const char* key, const std::vector<datatype<std::string>>& values) {
   auto found = values.end();
   strata::adt::binary_search_mid(values.begin(), values.end(), key, found);
   return static_cast<std::size_t>(found - values.begin());
@@ -170,7 +170,7 @@ template <class T>
 bool o_set_typed<T>::get_order(const char* value, unsigned int& code) {
   const std::vector<T>& values = frozen_values();
   if (is_null(value)) return o_set::get_order(value, code);
-  const std::size_t position = position_of(parsed<T>(value), values);
+  const std::size_t position = position_of(value, values);
   if (position == values.size()) return false;
   code = static_cast<unsigned int>(position) + 1;
   return true;

@@ -1,10 +1,15 @@
 #include "arbor/tree/plain_number.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 
+#include "arbor/utils/number_text.h"
+
 namespace arbor::tree {
+
+using strata::util::decimal_fraction;
+using strata::util::last_exact_integer;
+using strata::util::last_exact_power;
 
 namespace {
 
@@ -78,16 +83,10 @@ std::string text_of(plain_number number) {
 }
 
 double value_of(plain_number number) {
-  // Up to these, integers and powers of ten are exact as double; their quotient, rounded once, is the double nearest to
-  // the number, which is what strtod finds.
-  constexpr std::uint64_t last_exact = 1ULL << 53U;
-  constexpr std::array<double, 23> powers_of_ten = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   const std::uint64_t digits = digits_of(number);
-  const std::uint64_t behind = behind_point(number);
-  if (digits > last_exact || behind >= powers_of_ten.size()) return std::strtod(text_of(number).c_str(), nullptr);
-  const double value = static_cast<double>(digits) / powers_of_ten[behind];
+  const auto behind = static_cast<unsigned int>(behind_point(number));
+  if (digits > last_exact_integer || behind > last_exact_power) return std::strtod(text_of(number).c_str(), nullptr);
+  const double value = decimal_fraction(digits, behind);
   return number < 0 ? -value : value;
 }
 
