@@ -40,14 +40,15 @@ void recode(column_cells& cells, const std::vector<unsigned int>& codes) {
   });
 }
 
-// Sorts like the text: its first eight characters, as a number whose digits they are, tell most texts apart.
+// Sorts like the text: its first eight characters behind those that all texts share, as a number whose digits they are,
+// tell most texts apart.
 struct sortable_text {
   std::uint64_t beginning = 0;
   std::string_view text;
   unsigned int code;
 
-  sortable_text(std::string_view view, unsigned int text_code) : text(view), code(text_code) {
-    for (std::size_t i = 0; i < 8; ++i) {
+  sortable_text(std::string_view view, std::size_t shared, unsigned int text_code) : text(view), code(text_code) {
+    for (std::size_t i = shared; i < shared + 8; ++i) {
       beginning = beginning << 8U | (i < view.size() ? static_cast<unsigned char>(view[i]) : 0U);
     }
   }
@@ -55,6 +56,18 @@ struct sortable_text {
     return beginning != other.beginning ? beginning < other.beginning : text < other.text;
   }
 };
+
+// With how many characters all the texts begin alike.
+std::size_t shared_beginning(const text_dictionary& texts) {
+  std::string_view shared = texts.size() == 0 ? "" : texts.view(1);
+  for (unsigned int code = 2; code <= texts.size(); ++code) {
+    const std::string_view text = texts.view(code);
+    shared = shared.substr(0, text.size());
+    const auto differing = std::mismatch(shared.begin(), shared.end(), text.begin()).first;
+    shared.remove_suffix(static_cast<std::size_t>(shared.end() - differing));
+  }
+  return shared.size();
+}
 
 // Goes from the form of numbers to keys. `text_keys` are by code of the dictionary.
 template <class KeyOfNumber>
@@ -132,7 +145,10 @@ void code_texts(column_cells& cells, impls::o_set& domain) {
   cells.keep_as_texts();
   std::vector<sortable_text> texts;
   texts.reserve(cells.texts().size());
-  for (unsigned int code = 1; code <= cells.texts().size(); ++code) texts.emplace_back(cells.texts().view(code), code);
+  const std::size_t shared = shared_beginning(cells.texts());
+  for (unsigned int code = 1; code <= cells.texts().size(); ++code) {
+    texts.emplace_back(cells.texts().view(code), shared, code);
+  }
   std::sort(texts.begin(), texts.end());
   std::vector<unsigned int> codes(texts.size() + 1, 0);
   std::vector<datatype<std::string>> values;
