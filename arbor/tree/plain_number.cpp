@@ -1,7 +1,7 @@
 #include "arbor/tree/plain_number.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
 
 #include "arbor/utils/number_text.h"
 
@@ -85,7 +85,12 @@ std::string text_of(plain_number number) {
 double value_of(plain_number number) {
   const std::uint64_t digits = digits_of(number);
   const auto behind = static_cast<unsigned int>(behind_point(number));
-  if (digits > last_exact_integer || behind > last_exact_power) return std::strtod(text_of(number).c_str(), nullptr);
+  if (digits > last_exact_integer || behind > last_exact_power) {
+    const std::string text = text_of(number);
+    double nearest = 0;
+    std::from_chars(text.data(), text.data() + text.size(), nearest);
+    return nearest;
+  }
   const double value = decimal_fraction(digits, behind);
   return number < 0 ? -value : value;
 }
