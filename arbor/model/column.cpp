@@ -1,5 +1,6 @@
 #include "arbor/model/column.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <ostream>
@@ -58,6 +59,23 @@ unsigned int column::size() const {
 }
 
 void column::push_back(const char* /*value*/) {}
+
+void column::append_codes(const unsigned int* codes, unsigned int count) {
+  check_codes(codes, count);
+}
+
+void column::check_codes(const unsigned int* codes, unsigned int count) const {
+  const unsigned int known = domain->size_of_known();
+  unsigned int least = 1;
+  unsigned int greatest = 0;
+  for (unsigned int i = 0; i < count; ++i) {
+    least = std::min(least, codes[i]);
+    greatest = std::max(greatest, codes[i]);
+  }
+  if (greatest > known || (least == 0 && !domain->contains_null())) {
+    throw std::runtime_error("column require a valid o_set");
+  }
+}
 
 unsigned int column::get_row_index(unsigned int /*row*/) const {
   return 0;

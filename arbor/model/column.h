@@ -70,6 +70,11 @@ class column : public strata::util::nocopy {
   // what the domain throws for a text that is not of its data type.
   virtual void push_back(const char* value);
 
+  // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid o_set", with the column
+  // unchanged, unless the domain has them all: those of its known values, and 0 if it contains the unknown value. The
+  // base, which holds no rows, appends none.
+  virtual void append_codes(const unsigned int* codes, unsigned int count);
+
   // The code of a row's value, its low 32 bits if it has more.
   virtual unsigned int get_row_index(unsigned int row) const;
   // Whether the value of row `a` comes before that of row `b`.
@@ -150,6 +155,9 @@ class column : public strata::util::nocopy {
   std::string find_threshold(unsigned int low, unsigned int high) const;
 
  protected:
+  // What append_codes throws.
+  void check_codes(const unsigned int* codes, unsigned int count) const;
+
   _type type;
   std::string name;
   struct deleter {

@@ -30,6 +30,11 @@ void column_bool::push_back(const char* value) {
   values.push_back(code == 2);
 }
 
+void column_bool::append_codes(const unsigned int* codes, unsigned int count) {
+  check_codes(codes, count);
+  for (unsigned int i = 0; i < count; ++i) values.push_back(codes[i] == 2);
+}
+
 w_sequence* column_bool::partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                                    unsigned int branch, float total, float& ratio,
                                    strata::util::pair<unsigned int, unsigned int>& range,

@@ -20,6 +20,7 @@ class column_bool : public column {
   // Throws "[column::push_back] index not found for value '<value>'" for a text that the domain does not hold; the null
   // text of a domain that holds it counts as the first value.
   void push_back(const char* value) override;
+  void append_codes(const unsigned int* codes, unsigned int count) override;
   unsigned int get_row_index(unsigned int row) const override { return values[row] ? 2 : 1; }
   bool less_than(unsigned int a, unsigned int b) const override { return !values[a] && values[b]; }
 

@@ -36,6 +36,14 @@ void column_typed<T>::push_back(const char* value) {
 }
 
 template <class T>
+void column_typed<T>::append_codes(const unsigned int* codes, unsigned int count) {
+  check_codes(codes, count);
+  const std::size_t rows_before = values.size();
+  values.resize(strata::util::allocatable<T>(0ULL + rows_before + count));
+  for (unsigned int i = 0; i < count; ++i) values[rows_before + i] = static_cast<T>(codes[i]);
+}
+
+template <class T>
 w_sequence* column_typed<T>::partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                                        unsigned int branch, float total, float& ratio,
                                        strata::util::pair<unsigned int, unsigned int>& range,

@@ -20,6 +20,7 @@ class column_typed : public column {
   unsigned int size() const override { return static_cast<unsigned int>(values.size()); }
   // Throws "column require a valid o_set" for a text that the domain does not hold.
   void push_back(const char* value) override;
+  void append_codes(const unsigned int* codes, unsigned int count) override;
   // For eight-byte codes the low 32 bits.
   unsigned int get_row_index(unsigned int row) const override { return static_cast<unsigned int>(values[row]); }
   // Compares codes in their full width.

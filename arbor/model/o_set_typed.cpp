@@ -22,7 +22,7 @@ using strata::util::string_util;
 
 namespace {
 
-// What differs between the data types, as overloads: text to value, value to text, value to stream, order, and lookup.
+// What differs between the data types, as overloads: text to value, value to text, values to stream, order, and lookup.
 
 template <class Integer>
 void parse(const char* text, Integer& value) {
@@ -61,12 +61,13 @@ std::string text_of(const std::string& value) {
 }
 
 template <class Number>
-void write_value(obinstream& out, Number value) {
-  out << value;
+void write_values(obinstream& out, const std::vector<datatype<Number>>& values) {
+  static_assert(sizeof(datatype<Number>) == sizeof(Number), "values lie one behind the other");
+  if (!values.empty()) out.write_values(&values.front().value, static_cast<unsigned int>(values.size()));
 }
 
-void write_value(obinstream& out, const std::string& value) {
-  out << value.c_str();
+void write_values(obinstream& out, const std::vector<datatype<std::string>>& values) {
+  for (const auto& text : values) out << text.value.c_str();
 }
 
 template <class Number>
@@ -78,24 +79,24 @@ bool greater(const std::string& a, const std::string& b) {
   return string_util::compare_signed(a.c_str(), b.c_str()) > 0;
 }
 
-// The position of `key` among sorted values, or their number when it is not there.
+// The position of a text's value among sorted values, or their number when it is not there.
 template <class Number>
-std::size_t position_of(const datatype<Number>& key, const std::vector<datatype<Number>>& values) {
+std::size_t position_of(const char* text, const std::vector<datatype<Number>>& values) {
+  const auto key = parsed<datatype<Number>>(text);
   std::size_t lo = 0;
   std::size_t hi = values.size();
   while (lo < hi) {
     const std::size_t mid = lo + (hi - lo) / 2;
     if (values[mid] == key) return mid;
-    if (key.value > values[mid].value) {
-      lo = mid + 1;
-    } else {
-      hi = mid;
-    }
+    // Which half is as good as random, so that a branch would often be mispredicted.
+    const bool above = key.value > values[mid].value;
+    lo = above ? mid + 1 : lo;
+    hi = above ? hi : mid;
   }
   return values.size();
 }
 
-std::size_t position_of(const datatype<std::string>& key, const std::vector<datatype<std::string>>& values) {
+std::size_t position_of(const char* key, const std::vector<datatype<std::string>>& values) {
   auto found = values.end();
   strata::adt::binary_search_mid(values.begin(), values.end(), key, found);
   return static_cast<std::size_t>(found - values.begin());
@@ -138,12 +139,7 @@ void o_set_typed<T>::freeze() {
 template <class T>
 void o_set_typed<T>::thaw() {
   if (!frozen) return;
-  try {
-    for (const T& value : frozen_values()) builder.insert(value);
-  } catch (...) {
-    builder.clear();  // or the next attempt would insert the NaNs among them twice
-    throw;
-  }
+  if (known_values != nullptr) builder.insert_all(std::move(*known_values));  // the builder is empty: nothing throws
   delete known_values;
   known_values = nullptr;
   frozen = false;
@@ -160,6 +156,12 @@ void o_set_typed<T>::insert(const char* value) {
 }
 
 template <class T>
+void o_set_typed<T>::insert_values(std::vector<T> values) {
+  thaw();
+  builder.insert_all(std::move(values));
+}
+
+template <class T>
 unsigned int o_set_typed<T>::size_of_known() {
   return static_cast<unsigned int>(frozen_values().size());
 }
@@ -168,7 +170,7 @@ template <class T>
 bool o_set_typed<T>::get_order(const char* value, unsigned int& code) {
   const std::vector<T>& values = frozen_values();
   if (is_null(value)) return o_set::get_order(value, code);
-  const std::size_t position = position_of(parsed<T>(value), values);
+  const std::size_t position = position_of(value, values);
   if (position == values.size()) return false;
   code = static_cast<unsigned int>(position) + 1;
   return true;
@@ -237,7 +239,7 @@ obinstream& o_set_typed<T>::bin_out(obinstream& out) {
   out << (known_values != nullptr);
   if (known_values == nullptr) return out;
   out << size_of_known();
-  for (const T& value : *known_values) write_value(out, value.value);
+  write_values(out, *known_values);
   return out;
 }
 

@@ -2,13 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
 
-#include "arbor/tree/domain_text.h"
+#include "arbor/tree/cell_codes.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/text_table.h"
 #include "arbor/utils/number_text.h"
@@ -23,12 +22,10 @@ bool is_number(const char* text, double& value) {
   return strata::util::read_number(text, value) && !std::isnan(value);
 }
 
-// Whether a number is written as an integer and is in the range of one.
-bool is_integer(const char* text) {
-  const char last = text[std::strlen(text) - 1];
-  if (last < '0' || last > '9') return false;
+template <class Integer>
+bool can_be_read(const char* text) {
   try {
-    int ignored = 0;
+    Integer ignored = 0;
     strata::util::string_util::str2int(text, ignored);
     return true;
   } catch (const std::runtime_error&) {
@@ -36,100 +33,88 @@ bool is_integer(const char* text) {
   }
 }
 
+// Whether a number is written as an integer and is in the range of one.
+bool is_integer(const char* text) {
+  const char last = text[std::strlen(text) - 1];
+  return last >= '0' && last <= '9' && can_be_read<int>(text);
+}
+
+column_cells::plain keepable_as(const std::string& chosen_type) {
+  if (chosen_type.empty() || chosen_type == "float") return column_cells::plain::all;
+  return chosen_type == "integer" ? column_cells::plain::integers : column_cells::plain::none;
+}
+
 }  // namespace
 
-column_loader::column_loader(settings of_column) : chosen(std::move(of_column)), data_type(chosen.data_type) {
-  start_domain(data_type.empty() ? "integer" : data_type.c_str());
-}
-
-void column_loader::start_domain(const char* type) {
-  data_type = type;
-  // Among numbers the unknown value needs a text that no number is printed as.
-  null_text = is_text() ? chosen.null_text : "?";
-  domain.reset(impls::o_set::NEW_O_SET(data_type, true, null_text));
-}
-
-void column_loader::insert(const char* text) {
-  if (is_text()) {
-    domain->insert(to_domain_text(text).c_str());
-    return;
-  }
-  domain->insert(text);
-  double value = 0;
-  if (data_type == "float" && !may_merge && is_number(text, value)) may_merge = may_merge_as_float(text, value);
-}
+column_loader::column_loader(settings of_column) : chosen(std::move(of_column)), cells(keepable_as(chosen.data_type)) {}
 
 bool column_loader::accepts(const char* text) const {
-  if (is_text()) return true;
+  if (chosen.data_type == "string") return true;
   double value = 0;
   if (!is_number(text, value)) return false;
-  try {
-    domain->leq(text, text);  // reads the text as the domain does, and adds nothing
-    return true;
-  } catch (const std::runtime_error&) {
-    return false;
-  }
+  if (chosen.data_type == "integer") return can_be_read<int>(text);
+  return chosen.data_type != "uinteger" || can_be_read<unsigned int>(text);
 }
 
-bool column_loader::survey(const char* text) {
-  if (text == nullptr) {
-    ++unknown_cells;
-    return true;
-  }
-  if (chosen.data_type.empty()) {
-    widen_to_fit(text);
-  } else if (!accepts(text)) {
-    return false;
-  }
-  if (complete) insert(text);
-  return true;
-}
-
-void column_loader::widen_to_fit(const char* text) {
-  if (!may_be_numbers) return;
-  double value = 0;
-  const bool number = is_number(text, value);
-  const bool fits = is_text() || (number && (data_type == "float" || is_integer(text)));
-  if (!fits) {
-    complete = number_cells == 0;
-    start_domain(number ? "float" : "string");
-  }
-  if (number) {
-    ++number_cells;
-  } else {
-    note_odd(text);
-  }
-}
-
-void column_loader::note_odd(const char* text) {
+// A few texts among the numbers may be there by mistake, and are kept to be told.
+std::string column_loader::narrowest_type() {
   constexpr std::size_t most_odd_texts = 3;
-  const auto known =
-      std::find_if(odd_texts.begin(), odd_texts.end(), [&](const odd_text& o) { return o.text == text; });
-  if (known != odd_texts.end()) {
-    ++known->cells;
-  } else if (odd_texts.size() < most_odd_texts) {
-    odd_texts.push_back({text, 1});
-  } else {
-    may_be_numbers = false;
+  const text_dictionary& texts = cells.texts();
+  number_cells = cells.plain_numbers();
+  if (number_cells == 0 && texts.size() == 0) return "null";
+  if (texts.size() == 0) return cells.has_fractions() ? "float" : "integer";
+  const std::vector<std::size_t> counts = cells.text_counts();
+  bool all_integers = !cells.has_fractions();
+  for (unsigned int code = 1; code <= texts.size() && may_be_numbers; ++code) {
+    const char* text = texts.text(code);
+    double value = 0;
+    if (is_number(text, value)) {
+      number_cells += counts[code];
+      all_integers = all_integers && is_integer(text);
+    } else if (odd_texts.size() < most_odd_texts) {
+      odd_texts.push_back({text, counts[code]});
+    } else {
+      may_be_numbers = false;
+    }
   }
+  if (!odd_texts.empty()) return "string";
+  return all_integers ? "integer" : "float";
 }
 
-void column_loader::refill(const char* text) {
-  if (text != nullptr) insert(text);
-}
-
-void column_loader::make_column(unsigned int rows) {
-  const bool no_values = chosen.data_type.empty() && number_cells == 0 && odd_texts.empty();
-  if (no_values) start_domain("null");
-  if (unknown_cells > 0) domain->insert(null_text.c_str());
+void column_loader::make_column() {
+  data_type = chosen.data_type.empty() ? narrowest_type() : chosen.data_type;
+  const bool is_text = data_type == "string";
+  // Among numbers the unknown value needs a text that no number is printed as.
+  const std::string null_text = is_text ? chosen.null_text : "?";
+  std::unique_ptr<impls::o_set> domain(impls::o_set::NEW_O_SET(data_type, true, null_text));
+  if (cells.unknown_cells() > 0) domain->insert(null_text.c_str());
+  const bool plain = cells.kept_as() != column_cells::form::texts;
+  bool coded = true;
+  if (is_text) {
+    code_texts(cells, *domain);
+  } else if (plain && data_type == "integer") {
+    code_integers(cells, *domain);
+  } else if (plain && data_type == "float") {
+    lost_numbers = code_floats(cells, *domain);
+  } else {
+    coded = false;
+    insert_texts(cells, *domain);
+  }
   std::string kind = chosen.kind;
-  if (kind.empty()) kind = no_values ? "ignore" : is_text() ? "discrete" : "continuous";
+  if (kind.empty()) kind = data_type == "null" ? "ignore" : is_text ? "discrete" : "continuous";
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind, error));
   if (made == nullptr) throw std::runtime_error(error + advice(kind));
-  const unsigned int known_values = domain.release()->size_of_known();
-  made->reserve(rows);
-  if (may_merge && data_type == "float") merges = std::make_unique<float_merges>(known_values);
+  impls::o_set& values = *domain.release();
+  if (!coded) {
+    if (data_type == "float") lost_numbers = lost_as_float(cells, values);
+    look_up_codes(cells, values);
+  }
+  made->reserve(static_cast<unsigned int>(cells.keys().size()));
+  cells.keys().consume([&](const std::uint32_t* codes, std::size_t count) {
+    made->append_codes(codes, static_cast<unsigned int>(count));
+  });
+  cells = column_cells(column_cells::plain::none);
 }
 
 // What would do instead of a refused kind.
@@ -138,17 +123,6 @@ std::string column_loader::advice(const std::string& kind) const {
   if (data_type == "double") return "; the numeric data types are integer, uinteger and float";
   if (kind == "continuous" && !odd_texts.empty()) return "; " + in_quotes(odd_texts.front().text) + " is no number";
   return "";
-}
-
-void column_loader::append(const char* text) {
-  if (text == nullptr) {
-    made->push_back(null_text.c_str());
-  } else if (is_text()) {
-    made->push_back(to_domain_text(text).c_str());
-  } else {
-    made->push_back(text);
-  }
-  if (merges && text != nullptr) merges->add(made->get_row_index(made->size() - 1), text);
 }
 
 // What would make numbers of a column of texts, if little is in the way; else nothing.
@@ -178,10 +152,9 @@ std::unique_ptr<impls::column> column_loader::take(const std::vector<std::string
     if (!what.empty()) remarks.push_back("column " + in_quotes(chosen.name) + " " + what);
   };
   remark(remark_on_odd_texts(unknown_texts));
-  const std::size_t merged = merges ? merges->count() : 0;
-  if (merged > 0) {
-    remark(fmt::format("loses {}: as float {}", counted(merged, "distinct number"),
-                       merged == 1 ? "it is equal to another one" : "they are equal to others"));
+  if (lost_numbers > 0) {
+    remark(fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"),
+                       lost_numbers == 1 ? "it is equal to another one" : "they are equal to others"));
   }
   if (data_type == "null") remark("has no known value and is ignored");
   if (made->is_class() && made->get_distinct() == 2)

@@ -1,92 +1,21 @@
+// Two readers take turns, line by line. The parser of libcsv knows quotes; but it looks at each byte in turn, calls a
+// function for it, and would take most of the time of loading. Plain lines, which most tables consist of, are therefore
+// taken apart by the builder, eight bytes at a time. The parser gets a line that is not plain, and those after it until
+// a row has ended with its line: then both stand at the beginning of a row, and which of them goes on is all the same.
+
 #include "arbor/tree/csv_reader.h"
 
 #include <csv.h>
-#include <fmt/format.h>
 
-#include <array>
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <new>
 #include <string_view>
 
-#include "arbor/tree/table_error.h"
+#include "arbor/tree/csv_row_builder.h"
 
 namespace arbor::tree {
-
-namespace {
-
-// LF, CRLF and a lone CR each end a line.
-unsigned long long newlines(std::string_view text) {
-  unsigned long long count = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\n' || (text[i] == '\r' && text.substr(i + 1, 1) != "\n")) ++count;
-  }
-  return count;
-}
-
-}  // namespace
-
-unsigned long long csv_row::line_of(std::size_t cell) const {
-  return first_line + newlines(std::string_view(characters).substr(0, starts[cell]));
-}
-
-// Collects what the parser reports, cell by cell and line end by line end, into rows.
-class csv_row_builder {
- public:
-  csv_row_builder(const input_file& file, const std::function<void(const csv_row&)>& use_row)
-      : name(file.name()), use(use_row) {}
-
-  // `text` is null for an empty cell without quotes.
-  void add_cell(const char* text, std::size_t length) {
-    if (row.starts.empty()) begin_row();
-    const std::string_view cell(text == nullptr ? "" : text, length);
-    if (cell.find('\0') != std::string_view::npos) {
-      fail("a zero byte in the text; a table is text in UTF-8 or another encoding that has none");
-    }
-    row.starts.push_back(row.characters.size());
-    row.empty.push_back(text == nullptr);
-    row.characters.append(cell);
-    row.characters += '\0';
-    line += newlines(cell);
-    after_cr = false;
-  }
-
-  // `terminator` is CR, LF or, at the end of a file without one, -1. It is told for every line end outside quotes, so
-  // that CRLF comes as two of them, and an empty line as one without cells.
-  void end_line(int terminator) {
-    const bool second_half = terminator == CSV_LF && after_cr;
-    after_cr = terminator == CSV_CR;
-    if (second_half) return;
-    if (row.starts.empty()) {
-      if (empty_line == 0) empty_line = line;
-    } else {
-      use(row);
-      row.characters.clear();
-      row.starts.clear();
-      row.empty.clear();
-    }
-    ++line;
-  }
-
-  [[noreturn]] void fail(const std::string& what) const {
-    throw table_error(fmt::format("{}:{}: {}", name, line, what));
-  }
-
- private:
-  void begin_row() {
-    row.first_line = line;
-    if (empty_line == 0) return;
-    line = empty_line;
-    fail("an empty line; only the end of a table may have some");
-  }
-
-  const std::string& name;
-  const std::function<void(const csv_row&)>& use;
-  csv_row row;
-  unsigned long long line = 1;        // where the next cell begins
-  unsigned long long empty_line = 0;  // the first of those since the last row
-  bool after_cr = false;
-};
 
 namespace {
 
@@ -136,6 +65,13 @@ class csv_parse_state {
           "a quote inside a cell, or one that was not closed; quote whole cells and double the quotes in them");
   }
 
+  // Parses an LF. Returns whether it ended a line, as it does outside quotes.
+  bool parse_newline(guarded_builder& to) {
+    const unsigned long long ended = to.builder.ended_lines();
+    parse("\n", 1, to);
+    return to.builder.ended_lines() > ended;
+  }
+
   void finish(guarded_builder& to) {
     check(csv_fini(&state, on_cell, on_line_end, &to) == 0, to, "a quote that is never closed");
   }
@@ -151,23 +87,59 @@ class csv_parse_state {
   csv_parser state{};
 };
 
+class csv_reading {
+ public:
+  csv_reading(input_file& source, const std::function<void(const csv_row&)>& use)
+      : file(source), guarded{{source.name(), use}, nullptr} {}
+
+  void run() {
+    constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+    std::size_t kept = 0;  // the beginning of a line, left over from the bytes before
+    bool at_start = true;
+    while (const std::size_t count = file.read(buffer.data() + kept, capacity - kept)) {
+      char* next = buffer.data();
+      char* const end = next + kept + count;
+      if (at_start && std::string_view(next, count).substr(0, byte_order_mark.size()) == byte_order_mark) {
+        next += byte_order_mark.size();
+      }
+      at_start = false;
+      next = take(next, end);
+      kept = static_cast<std::size_t>(end - next);
+      std::memmove(buffer.data(), next, kept);
+    }
+    parser.parse(buffer.data(), kept, guarded);
+    parser.finish(guarded);
+  }
+
+ private:
+  static constexpr std::size_t capacity = 1U << 16U;
+
+  // Returns the beginning of the first line that is incomplete, with which there is room for more bytes.
+  char* take(char* next, char* end) {
+    while (next < end) {
+      if (at_row) next += guarded.builder.take_plain_lines(next, static_cast<std::size_t>(end - next));
+      auto* newline = static_cast<char*>(std::memchr(next, '\n', static_cast<std::size_t>(end - next)));
+      const bool fills_buffer = next == buffer.data() && end == next + capacity;
+      if (newline == nullptr && at_row && !fills_buffer) return next;
+      char* const stop = newline == nullptr ? end : newline;
+      parser.parse(next, static_cast<std::size_t>(stop - next), guarded);
+      at_row = newline != nullptr && parser.parse_newline(guarded);
+      next = newline == nullptr ? end : newline + 1;
+    }
+    return end;
+  }
+
+  input_file& file;
+  guarded_builder guarded;
+  csv_parse_state parser;
+  std::vector<char> buffer = std::vector<char>(capacity + readable_behind_cell);
+  bool at_row = true;  // whether a row begins here, or an empty line
+};
+
 }  // namespace
 
 void read_csv(input_file& file, const std::function<void(const csv_row&)>& use) {
-  constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-  csv_parse_state parser;
-  guarded_builder guarded{{file, use}, nullptr};
-  std::array<char, 1U << 16U> buffer{};
-  bool at_start = true;
-  while (const std::size_t count = file.read(buffer.data(), buffer.size())) {
-    std::string_view bytes(buffer.data(), count);
-    if (at_start && bytes.substr(0, byte_order_mark.size()) == byte_order_mark) {
-      bytes.remove_prefix(byte_order_mark.size());
-    }
-    at_start = false;
-    parser.parse(bytes.data(), bytes.size(), guarded);
-  }
-  parser.finish(guarded);
+  csv_reading(file, use).run();
 }
 
 }  // namespace arbor::tree

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "arbor/tree/cell_text.h"
 #include "arbor/tree/input_file.h"
 
 namespace arbor::tree {
@@ -16,11 +17,12 @@ namespace arbor::tree {
 // The cells of one row. Valid during the call that it is handed to.
 class csv_row {
  public:
-  std::size_t size() const { return starts.size(); }
+  std::size_t size() const { return cells.size(); }
   // The text of a cell, NUL-terminated, without the quotes around it and with all its blanks.
-  const char* text(std::size_t cell) const { return characters.data() + starts[cell]; }
+  const char* text(std::size_t cell) const { return characters + cells[cell].begin; }
+  cell_text cell(std::size_t cell) const { return {text(cell), cells[cell].end - cells[cell].begin}; }
   // Whether nothing at all stands between the separators, not even quotes.
-  bool is_empty(std::size_t cell) const { return empty[cell]; }
+  bool is_empty(std::size_t cell) const { return cells[cell].empty; }
   // The line of the file, from 1, that the row begins on, and that a cell of it begins on.
   unsigned long long line() const { return first_line; }
   unsigned long long line_of(std::size_t cell) const;
@@ -28,9 +30,14 @@ class csv_row {
  private:
   friend class csv_row_builder;
 
-  std::string characters;  // the cells, a NUL after each
-  std::vector<std::size_t> starts;
-  std::vector<bool> empty;
+  struct extent {
+    std::size_t begin;
+    std::size_t end;
+    bool empty;
+  };
+
+  const char* characters = nullptr;  // the cells, one character between two, a NUL when the row is complete
+  std::vector<extent> cells;
   unsigned long long first_line = 1;
 };
 

@@ -14,7 +14,6 @@
 namespace arbor::tree {
 
 void csv_table::read(const std::function<void()>& when_named, const std::function<void(const csv_row&)>& use) {
-  file.rewind();
   bool named = false;
   read_csv(file, [&](const csv_row& row) {
     if (named) {
@@ -30,7 +29,6 @@ void csv_table::read(const std::function<void()>& when_named, const std::functio
 }
 
 void csv_table::read_names(const csv_row& row) {
-  column_names.clear();
   std::set<std::string> seen;
   for (std::size_t cell = 0; cell < row.size(); ++cell) {
     const std::string column = row.text(cell);

@@ -21,8 +21,8 @@ class csv_table {
  public:
   csv_table(const std::string& path, unknown_texts chosen) : file(path), unknown(std::move(chosen)) {}
 
-  // Reads the file from its beginning to its end, the first time or again: the column names, and then each row, which
-  // has as many cells. Throws when there are no names, when one is empty or there twice, and for any other row.
+  // Reads the file, once, to its end: the column names, and then each row, which has as many cells. Throws when there
+  // are no names, when one is empty or there twice, and for any other row.
   void read(const std::function<void()>& when_named, const std::function<void(const csv_row&)>& use);
 
   const std::string& name() const { return file.name(); }

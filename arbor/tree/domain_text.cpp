@@ -1,5 +1,6 @@
 #include "arbor/tree/domain_text.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace arbor::tree {
@@ -12,11 +13,13 @@ constexpr std::string_view digits = "0123456789ABCDEF";
 }  // namespace
 
 std::string to_domain_text(std::string_view cell) {
+  const auto stays = [](char c) { return static_cast<unsigned char>(c) < 0x7F; };
+  if (std::all_of(cell.begin(), cell.end(), stays)) return std::string(cell);
   std::string result;
   result.reserve(cell.size());
   for (const char c : cell) {
     const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x7F) {
+    if (stays(c)) {
       result += c;
     } else {
       result += {escape, digits[byte >> 4U], digits[byte & 0xFU]};

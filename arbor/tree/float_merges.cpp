@@ -12,8 +12,20 @@ namespace arbor::tree {
 
 namespace {
 
-// A number that is the same for all ways to write a decimal number, and hardly for another one; never 0.
-std::uint64_t hash_of_number(const char* text) {
+// Of what is no plain number. Plain ones have their own number, which is none of these: they have no digits and yet
+// some behind the point.
+constexpr std::uint64_t infinity = 2;
+constexpr std::uint64_t negative_infinity = 4;
+constexpr std::uint64_t zero = 6;
+
+}  // namespace
+
+std::uint64_t number_identity(plain_number number) {
+  const plain_number shortest = shortened(number);
+  return shortest == 0 ? zero : static_cast<std::uint64_t>(shortest);
+}
+
+std::uint64_t number_identity(const char* text) {
   std::string digits;      // the significant ones
   long long exponent = 0;  // of a point behind them
   bool behind_point = false;
@@ -31,21 +43,22 @@ std::uint64_t hash_of_number(const char* text) {
   } else if (*c != '\0') {
     // Hexadecimal digits or infinity. A finite double is the same number in seventeen decimal digits.
     const double value = std::strtod(text, nullptr);
-    if (!std::isfinite(value)) return value > 0 ? 2 : 4;
-    return hash_of_number(fmt::format("{:.17g}", value).c_str());
+    if (!std::isfinite(value)) return value > 0 ? infinity : negative_infinity;
+    return number_identity(fmt::format("{:.17g}", value).c_str());
   }
   const std::size_t end = digits.find_last_not_of('0') + 1;
   exponent += static_cast<long long>(digits.size() - end);
   digits.resize(end);
-  if (digits.empty()) return 6;  // zero, whatever its exponent and sign
-  if (text[std::strspn(text, " \t\n\v\f\r")] == '-') digits += '-';
+  if (digits.empty()) return zero;  // whatever its exponent and sign
+  const bool negative = text[std::strspn(text, " \t\n\v\f\r")] == '-';
+  const plain_number plain = plain_number_of(negative, digits, exponent);
+  if (plain != no_plain_number) return static_cast<std::uint64_t>(plain);
+  if (negative) digits += '-';
   digits += 'e' + std::to_string(exponent);
   std::uint64_t hash = 0xCBF29CE484222325U;  // FNV-1a
   for (const char digit : digits) hash = (hash ^ static_cast<unsigned char>(digit)) * 0x100000001B3U;
-  return hash | 1U;  // zero, the infinities and what has not been seen have numbers of their own
+  return hash | 1U;  // the infinities, zero and what has not been seen have numbers of their own
 }
-
-}  // namespace
 
 bool may_merge_as_float(const char* text, double value) {
   const double magnitude = std::fabs(value);
@@ -59,10 +72,8 @@ bool may_merge_as_float(const char* text, double value) {
   return significant > std::numeric_limits<float>::digits10;
 }
 
-void float_merges::add(unsigned int code, const char* text) {
-  const std::uint64_t number = hash_of_number(text);
-  if (first_seen[code] == 0) first_seen[code] = number;
-  if (first_seen[code] != number) others.insert(number);
+bool may_merge_as_float(plain_number number) {
+  return has_more_digits_than(std::numeric_limits<float>::digits10, number);  // and none is out of range
 }
 
 }  // namespace arbor::tree

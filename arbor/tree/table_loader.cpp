@@ -1,10 +1,10 @@
 #include "arbor/tree/table_loader.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
 
+#include "arbor/tree/cell_blocks.h"
 #include "arbor/tree/column_loader.h"
 #include "arbor/tree/csv_table.h"
 #include "arbor/tree/message_text.h"
@@ -30,9 +30,16 @@ class loading {
   table load() {
     table result;
     result.name = file.name();
-    survey(result.cases);
-    refill();
-    append(static_cast<unsigned int>(result.cases.size()));
+    file.read([&] { assign_columns(); }, [&](const csv_row& row) { take(row); });
+    if (rows == 0) file.fail(rows_read == 0 ? "no rows below the column names" : "every row has the weight 0");
+    for (column_loader& loader : loaders) {
+      try {
+        loader.make_column();
+      } catch (const std::runtime_error& refusal) {
+        file.fail("column " + in_quotes(loader.name()) + ": " + refusal.what());
+      }
+    }
+    result.cases = weighted_cases();
     result.total_weight = total_weight(result.cases);
     if (!std::isfinite(result.total_weight)) file.fail("the weights add up to more than a float can hold");
     result.class_index = class_cell;
@@ -43,78 +50,39 @@ class loading {
   }
 
  private:
-  using use_row = std::function<void(const csv_row& row, float weight)>;
-
-  // The passes over the file.
-
-  void survey(impls::w_sequence& cases) {
-    for_each_row([&] { assign_columns(); },
-                 [&](const csv_row& row, float weight) {
-                   if (cases.size() == std::numeric_limits<unsigned int>::max()) file.fail("more than 4294967295 rows");
-                   survey(row);
-                   cases.push_back({static_cast<unsigned int>(cases.size()), weight});
-                 });
-    if (cases.empty()) file.fail(rows_read == 0 ? "no rows below the column names" : "every row has the weight 0");
-    cases.shrink_to_fit();
-  }
-
-  void survey(const csv_row& row) {
-    if (file.known_text(row, class_cell) == nullptr) {
+  // A row that weighs nothing is left out.
+  void take(const csv_row& row) {
+    ++rows_read;
+    if (options.progress) options.progress(rows_read);
+    const bool weighted = weights_cell < row.size();
+    const float weight = weighted ? file.weight(row, weights_cell) : 1;
+    if (!(weight > 0)) return;
+    if (rows == std::numeric_limits<unsigned int>::max()) file.fail("more than 4294967295 rows");
+    ++rows;
+    if (weighted) weights.push_back(weight);
+    const unknown_texts& unknowns = file.unknowns();
+    if (unknowns.is_unknown(row, class_cell)) {
       file.fail(row, class_cell, "the unknown value; the class of every row must be known, or the row be left out");
     }
     for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-      if (loaders[cell].survey(file.known_text(row, cell))) continue;
-      file.fail(row, cell, "not of the type " + options.types[file.names()[cell]] + " that was chosen for the column");
-    }
-  }
-
-  void refill() {
-    const auto needs_refill = [](const column_loader& loader) { return loader.needs_refill(); };
-    if (std::none_of(loaders.begin(), loaders.end(), needs_refill)) return;
-    for_each_row([] {},
-                 [&](const csv_row& row, float /*weight*/) {
-                   for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-                     if (loaders[cell].needs_refill()) loaders[cell].refill(file.known_text(row, cell));
-                   }
-                 });
-  }
-
-  void append(unsigned int rows) {
-    for (column_loader& loader : loaders) {
-      try {
-        loader.make_column(rows);
-      } catch (const std::runtime_error& refusal) {
-        file.fail("column " + in_quotes(loader.name()) + ": " + refusal.what());
+      if (unknowns.is_unknown(row, cell)) {
+        loaders[cell].add_unknown();
+      } else if (!loaders[cell].add(row.cell(cell))) {
+        file.fail(row, cell,
+                  "not of the type " + options.types[file.names()[cell]] + " that was chosen for the column");
       }
     }
-    constexpr const char* changed = "changed while it was being read; read it again";
-    unsigned int appended = 0;
-    try {
-      for_each_row([] {},
-                   [&](const csv_row& row, float /*weight*/) {
-                     for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-                       loaders[cell].append(file.known_text(row, cell));
-                     }
-                     ++appended;
-                   });
-    } catch (const table_error&) {
-      throw;
-    } catch (const std::runtime_error&) {
-      file.fail(changed);  // it holds a text that it did not hold before
-    }
-    if (appended != rows) file.fail(changed);
   }
 
-  // Hands out the rows that weigh something.
-  void for_each_row(const std::function<void()>& when_named, const use_row& use) {
-    rows_read = 0;
-    file.read(when_named, [&](const csv_row& row) {
-      ++rows_read;
-      if (options.progress) options.progress(rows_read);
-      const float weight = weights_cell < row.size() ? file.weight(row, weights_cell) : 1;
-      // Were there another number of columns than before, the file would have changed, as its rows will tell.
-      if (weight > 0 && row.size() == loaders.size()) use(row, weight);
+  impls::w_sequence weighted_cases() {
+    impls::w_sequence cases;
+    cases.reserve(rows);
+    for (unsigned int row = 0; row < rows; ++row) cases.push_back({row, 1.0F});
+    auto next = cases.begin();
+    weights.consume([&](const float* first, std::size_t count) {
+      for (std::size_t i = 0; i < count; ++i, ++next) next->second = first[i];
     });
+    return cases;
   }
 
   // Decides what each column is.
@@ -149,6 +117,8 @@ class loading {
   std::vector<column_loader> loaders;  // by cell
   std::size_t class_cell = 0;
   std::size_t weights_cell = std::numeric_limits<std::size_t>::max();  // beyond the last when every case weighs 1
+  cell_blocks<float> weights;                                          // of the rows, if there is such a column
+  unsigned int rows = 0;                                               // that weigh something
   std::size_t rows_read = 0;
 };
 

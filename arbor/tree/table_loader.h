@@ -30,13 +30,14 @@ struct load_options {
   std::string types_from = "--type";         // who chose the types, to name if a column is missing
   std::map<std::string, std::string> kinds;  // by attribute name: discrete, continuous or ignore
 
-  std::function<void(std::size_t rows)> progress;  // told at each row how many have been read in this pass
+  std::function<void(std::size_t rows)> progress;  // told at each row how many have been read
 };
 
 // Reads the file, "-" for standard input, from its beginning to its end. A row of weight 0 is as if it were absent.
 //
-// The file is read at least twice, so that its text need not be kept: beside the table this takes the memory of one
-// row, and of the distinct numbers of the columns that are being checked for distinct numbers that are one float.
+// The file is read once, and its text is not kept. Until the last row is read a cell takes four bytes, or eight in a
+// column of numbers that are not all integers, and a column of texts its distinct texts; then column after column is made
+// and what it was made of is freed.
 // Numbers are read in the process's locale.
 //
 // Throws table_error when the file cannot be read, is no such table, or does not go together with the options.

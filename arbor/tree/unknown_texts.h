@@ -2,6 +2,7 @@
 #ifndef ARBOR_TREE_UNKNOWN_TEXTS_H
 #define ARBOR_TREE_UNKNOWN_TEXTS_H
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,15 @@ class unknown_texts {
   // the empty cell without quotes.
   explicit unknown_texts(std::vector<std::string> chosen);
 
+  bool is_unknown(const csv_row& row, std::size_t cell) const {
+    // Most cells begin like none of the texts.
+    return is_first[static_cast<unsigned char>(*row.text(cell))] && contain(row, cell);
+  }
+
   // The text of a cell, null if it is unknown. Valid as long as the row.
-  const char* known_text(const csv_row& row, std::size_t cell) const;
+  const char* known_text(const csv_row& row, std::size_t cell) const {
+    return is_unknown(row, cell) ? nullptr : row.text(cell);
+  }
 
   // The text for the unknown value in a domain of texts (see domain_text.h): one of those in use, or, when that might
   // be a known text too, one that no cell becomes.
@@ -26,11 +34,10 @@ class unknown_texts {
   const std::vector<std::string>& texts() const { return all; }
 
  private:
-  bool contain(const char* text) const;
+  bool contain(const csv_row& row, std::size_t cell) const;
 
   std::vector<std::string> all;
-  bool empty_is_unknown;
-  bool quoted_empty_is_unknown;
+  std::array<bool, 256> is_first{};  // by character; NUL stands for the empty cell
 };
 
 }  // namespace arbor::tree

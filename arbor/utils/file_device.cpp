@@ -19,10 +19,26 @@ file_device::file_device(const std::string& path, mode direction)
 }
 
 void file_device::write(const void* data, unsigned int count) {
-  if (std::fwrite(data, 1, count, file.get()) != count) fail("cannot be written");
+  write_bytes(data, count);
+}
+
+void file_device::write_values(const void* data, unsigned int width, unsigned int count) {
+  write_bytes(data, std::size_t{width} * count);
 }
 
 void file_device::read(void* data, unsigned int count) {
+  read_bytes(data, count);
+}
+
+void file_device::read_values(void* data, unsigned int width, unsigned int count) {
+  read_bytes(data, std::size_t{width} * count);
+}
+
+void file_device::write_bytes(const void* data, std::size_t count) {
+  if (std::fwrite(data, 1, count, file.get()) != count) fail("cannot be written");
+}
+
+void file_device::read_bytes(void* data, std::size_t count) {
   if (std::fread(data, 1, count, file.get()) != count) {
     if (std::ferror(file.get()) != 0) fail("cannot be read");
     throw std::runtime_error(name + ": ends too early");

@@ -27,6 +27,8 @@ class file_device : public bindevice {
 
   void write(const void* data, unsigned int count) override;
   void read(void* data, unsigned int count) override;
+  void write_values(const void* data, unsigned int width, unsigned int count) override;
+  void read_values(void* data, unsigned int width, unsigned int count) override;
   // Known for regular files that are read.
   unsigned long long remaining() const override;
 
@@ -34,6 +36,8 @@ class file_device : public bindevice {
   void close();
 
  private:
+  void write_bytes(const void* data, std::size_t count);
+  void read_bytes(void* data, std::size_t count);
   [[noreturn]] void fail(const char* what) const;
 
   std::string name;

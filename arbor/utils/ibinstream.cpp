@@ -99,7 +99,12 @@ ibinstream& ibinstream::read_special(Vector*& vector) {
   // The shortest text is an absent one, a single byte.
   expect(count, std::is_same_v<value_type, std::string> ? 1 : sizeof(value_type));
   loaded->resize(count);
-  for (auto& element : *loaded) *this >> element.value;
+  if constexpr (std::is_same_v<value_type, std::string>) {
+    for (auto& element : *loaded) *this >> element.value;
+  } else {
+    static_assert(sizeof(typename Vector::value_type) == sizeof(value_type), "values lie one behind the other");
+    device->read_values(loaded->data(), sizeof(value_type), count);
+  }
   vector = loaded.release();
   return *this;
 }

@@ -16,9 +16,9 @@
 
 namespace strata::inpout {
 
-// Every value is one call of the device. What the device throws passes through; a pointer that was to be set is null
-// then, and nothing is leaked. A length or count that the device's remaining bytes cannot hold is refused with
-// std::runtime_error before anything is allocated for it.
+// Every value is one call of the device, those of a vector one each unless the device has another way. What the device
+// throws passes through; a pointer that was to be set is null then, and nothing is leaked. A length or count that the
+// device's remaining bytes cannot hold is refused with std::runtime_error before anything is allocated for it.
 class ibinstream {
  public:
   // The device stays the caller's and must outlive the stream.

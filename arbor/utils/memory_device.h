@@ -21,8 +21,10 @@ class memory_device : public bindevice {
   explicit memory_device(std::vector<unsigned char> bytes);
 
   void write(const void* data, unsigned int count) override;
-  // Throws std::runtime_error, and reads nothing, when fewer than `count` bytes are left.
+  // Throw std::runtime_error, and read nothing, when fewer bytes than that are left.
   void read(void* data, unsigned int count) override;
+  void write_values(const void* data, unsigned int width, unsigned int count) override;
+  void read_values(void* data, unsigned int width, unsigned int count) override;
   unsigned long long remaining() const override { return contents.size() - position; }
 
   const std::vector<unsigned char>& bytes() const { return contents; }

@@ -1,8 +1,10 @@
 #include "arbor/utils/number_text.h"
 
 #include <array>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace strata::util {
 
@@ -24,7 +26,42 @@ std::string number_text(double value) {
   return text;
 }
 
+double decimal_fraction(std::uint64_t digits, unsigned int behind_point) {
+  constexpr std::array<double, 23> powers_of_ten = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  return static_cast<double>(digits) / powers_of_ten[behind_point];
+}
+
+namespace {
+
+// Whether the text is nothing but a "-", at most 18 digits and a point, and has a value that decimal_fraction finds.
+bool read_plain(const char* text, double& value) {
+  const bool negative = *text == '-';
+  const char* const begin = text + (negative ? 1 : 0);
+  const char* point = nullptr;
+  const char* c = begin;
+  std::uint64_t digits = 0;
+  for (; (*c >= '0' && *c <= '9') || (*c == '.' && point == nullptr); ++c) {
+    if (*c == '.') {
+      point = c;
+    } else {
+      digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
+    }
+    if (c - begin > 18) return false;
+  }
+  const auto count = (c - begin) - (point == nullptr ? 0 : 1);
+  if (*c != '\0' || count == 0 || count > 18 || digits > last_exact_integer) return false;
+  if (point != nullptr && std::strcmp(std::localeconv()->decimal_point, ".") != 0) return false;
+  const double magnitude = decimal_fraction(digits, point == nullptr ? 0U : static_cast<unsigned int>(c - point - 1));
+  value = negative ? -magnitude : magnitude;
+  return true;
+}
+
+}  // namespace
+
 bool read_number(const char* text, double& value) {
+  if (read_plain(text, value)) return true;
   char* end = nullptr;
   const double parsed = std::strtod(text, &end);
   if (*text == '\0' || *end != '\0') return false;

@@ -57,6 +57,16 @@ obinstream& obinstream::write_block(const T* elements, unsigned int count) {
   return *this;
 }
 
+template <class T>
+obinstream& obinstream::write_values(const T* elements, unsigned int count) {
+  device->write_values(elements, sizeof(T), count);
+  return *this;
+}
+
+template obinstream& obinstream::write_values(const unsigned int*, unsigned int);
+template obinstream& obinstream::write_values(const int*, unsigned int);
+template obinstream& obinstream::write_values(const float*, unsigned int);
+template obinstream& obinstream::write_values(const double*, unsigned int);
 template obinstream& obinstream::write_block(const unsigned char*, unsigned int);
 template obinstream& obinstream::write_block(const unsigned short*, unsigned int);
 template obinstream& obinstream::write_block(const unsigned int*, unsigned int);

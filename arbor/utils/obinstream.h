@@ -17,7 +17,8 @@
 
 namespace strata::inpout {
 
-// Every value is one call of the device. What the device throws passes through.
+// Every value is one call of the device, those of a vector one each unless the device has another way. What the device
+// throws passes through.
 class obinstream {
  public:
   // The device stays the caller's and must outlive the stream.
@@ -40,6 +41,10 @@ class obinstream {
   // more (less what is no whole element), in one call each.
   template <class T>
   obinstream& write_block(const T* elements, unsigned int count);
+
+  // Writes `count` elements like as many values, each a call of the device or all together, as that prefers.
+  template <class T>
+  obinstream& write_values(const T* elements, unsigned int count);
 
  private:
   template <class T>

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -59,7 +60,14 @@ bool comes_before(const datatype<T>& a, const datatype<T>& b) {
 }
 
 template <class T>
+bool is_sorted_distinct(const std::vector<T>& values) {
+  const auto misplaced = [](const T& a, const T& b) { return !comes_before(a, b) || a == b; };
+  return std::adjacent_find(values.begin(), values.end(), misplaced) == values.end();
+}
+
+template <class T>
 void sort_distinct(std::vector<T>& values) {
+  if (is_sorted_distinct(values)) return;
   std::sort(values.begin(), values.end(), [](const T& a, const T& b) { return comes_before(a, b); });
   values.erase(std::unique(values.begin(), values.end()), values.end());
 }
@@ -93,6 +101,15 @@ void set<T>::insert(const T& value) {
     used = true;
   }
   if (pending.size() >= flush_threshold) compact();
+}
+
+template <class T>
+void set<T>::insert_all(std::vector<T> values) {
+  if (pending.empty()) {
+    pending = std::move(values);
+  } else {
+    pending.insert(pending.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+  }
 }
 
 template <class T>

@@ -29,6 +29,10 @@ class set : private util::nocopy {
   // Takes a copy of `value`. On std::bad_alloc the values taken before are all still there.
   virtual void insert(const T& value);
 
+  // Takes many values, as if each was inserted, but at no cost beyond that of the vector when there were none before;
+  // those in ascending order without repeats need no sorting either. On std::bad_alloc nothing is changed.
+  void insert_all(std::vector<T> values);
+
   // The distinct values in ascending order; the caller owns the vector, and the builder is empty again. NaNs equal
   // nothing: they come last, as many as were inserted. Of 0 and -0, which are equal, 0 is kept.
   // On std::bad_alloc nothing is changed.

@@ -9,8 +9,8 @@ namespace strata::util {
 
 template <class T>
 void string_util::str2int(const char* text, T& result) {
-  static const T maxabs = std::numeric_limits<T>::max();
-  static const T max10 = maxabs / 10;
+  constexpr T maxabs = std::numeric_limits<T>::max();
+  constexpr T max10 = maxabs / 10;
 
   if (text == nullptr) throw std::runtime_error("str2int:: cannot convert a NULL string.");
   const char* next = text;
@@ -25,6 +25,10 @@ void string_util::str2int(const char* text, T& result) {
   if (*next == '+' || *next == '-') ++next;
 
   T magnitude = 0;
+  // As many digits as any number of this type may have need no check.
+  for (int i = 0; i < std::numeric_limits<T>::digits10 && *next >= '0' && *next <= '9'; ++i, ++next) {
+    magnitude = static_cast<T>(magnitude * 10 + static_cast<T>(*next - '0'));
+  }
   for (; *next >= '0' && *next <= '9'; ++next) {
     const T digit = static_cast<T>(*next - '0');
     if (magnitude > max10) throw std::runtime_error("str2int:: overflow");
@@ -39,13 +43,5 @@ void string_util::str2int(const char* text, T& result) {
 
 template void string_util::str2int<int>(const char*, int&);
 template void string_util::str2int<unsigned int>(const char*, unsigned int&);
-
-int string_util::compare_signed(const char* a, const char* b) {
-  while (*a == *b && *a != '\0') {
-    ++a;
-    ++b;
-  }
-  return static_cast<signed char>(*a) - static_cast<signed char>(*b);
-}
 
 }  // namespace strata::util

@@ -20,7 +20,13 @@ class string_util {
   // Compares two NUL-terminated texts character by character, each character taken as a signed 8-bit number: negative,
   // zero or positive as `a` is less than, equal to or greater than `b`. Bytes of 0x80 and above thus come before the
   // end of a text, unlike in the order of std::string.
-  static int compare_signed(const char* a, const char* b);
+  static int compare_signed(const char* a, const char* b) {
+    while (*a == *b && *a != '\0') {
+      ++a;
+      ++b;
+    }
+    return static_cast<signed char>(*a) - static_cast<signed char>(*b);
+  }
 };
 
 }  // namespace strata::util

@@ -6,6 +6,7 @@
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
+#include "arbor/model/o_set_typed.h"
 #include "tests/support/columns.h"
 
 namespace arbor::tests {
@@ -31,6 +32,33 @@ std::string storage_of(const column* c) {
   if (dynamic_cast<const column_typed<unsigned short>*>(c) != nullptr) return "2";
   if (dynamic_cast<const column_typed<unsigned int>*>(c) != nullptr) return "4";
   return dynamic_cast<const column_typed<unsigned long long>*>(c) != nullptr ? "8" : "none";
+}
+
+TEST(Column, AppendsCodesThatItsDomainHasAndNoOthers) {
+  // Values given as such count like texts, in any order and after those that are there.
+  std::unique_ptr<o_set> domain = make_domain("integer", {"5"});
+  EXPECT_EQ(domain->size_of_known(), 1U);
+  dynamic_cast<impls::o_set_typed<strata::data_types::datatype<int>>&>(*domain).insert_values({9, 5, 7});
+  EXPECT_EQ(domain->get_value(2), "7");
+  std::string error;
+  const std::unique_ptr<column> sizes(column::NEW_COLUMN(domain.release(), "x", "continuous", error));
+  const auto bits = make_column("discrete", "string", listed("b,a"));
+  const auto unknowns = make_column("discrete", "string", listed("b,?"));
+  for (column* c : {sizes.get(), bits.get(), unknowns.get()}) {
+    const code_list before = codes_of(*c);
+    const unsigned int known = c->get_distinct() - 1;
+    const bool admits = c->get_o_set()->contains_null();
+    for (const code_list& codes : {code_list{1, 0, 1}, code_list{1, known}, code_list{known + 1, 1}}) {
+      const bool fit = codes[0] <= known && (codes[1] > 0 || admits);
+      code_list expected = before;
+      if (fit) expected.insert(expected.end(), codes.begin(), codes.end());
+      const std::unique_ptr<column> target = clone_of(*c, true);
+      target->append_codes(before.data(), static_cast<unsigned int>(before.size()));
+      const auto append = [&] { target->append_codes(codes.data(), static_cast<unsigned int>(codes.size())); };
+      EXPECT_EQ(message_of(append), fit ? "" : "column require a valid o_set");
+      EXPECT_EQ(codes_of(*target), expected);
+    }
+  }
 }
 
 TEST(Column, KindsHaveExactTextsAndNumbers) {

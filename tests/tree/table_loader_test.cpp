@@ -2,7 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cctype>
+#include <cmath>
+#include <random>
+
 #include "arbor/tree/table_error.h"
+#include "arbor/utils/memory_device.h"
+#include "arbor/utils/number_text.h"
+#include "tests/support/columns.h"
 #include "tests/support/temporary_file.h"
 
 namespace arbor::tests {
@@ -141,12 +149,70 @@ TEST(TableLoader, RemarksOnOddTextsAndOnNumbersThatMerge) {
               ElementsAre("column \"a\" loses 1 distinct number: as float it is equal to another one"));
 }
 
+// The record of a column of these texts, "?" being unknown, filled text by text.
+std::vector<unsigned char> record_of(const std::vector<std::string>& cells) {
+  bool integers = true;
+  bool numbers = true;
+  for (const std::string& cell : cells) {
+    double value = 0;
+    const bool number = cell == "?" || (strata::util::read_number(cell.c_str(), value) && !std::isnan(value));
+    numbers = numbers && number;
+    integers = integers && number && (cell == "?" || (std::isdigit(cell.back()) != 0 && std::fabs(value) < 2147483648));
+    integers = integers && cell.find_first_of(".ex") == std::string::npos;
+  }
+  const std::string kind = numbers ? "continuous" : "discrete";
+  const auto filled = make_column(kind, integers ? "integer" : numbers ? "float" : "string", cells);
+  strata::inpout::memory_device device;
+  strata::inpout::obinstream out(device);
+  out << filled.get();
+  return device.bytes();
+}
+
+TEST(TableLoader, MakesTheColumnThatTheTextsMakeOneByOne) {
+  const std::vector<std::string> odd = {
+      " 7",  "+5",    "007",     "1e3",      "0x10",     "-0",          "-0.0",       "0.0",
+      "1.0", ".5",    "5.",      "16777217", "1e-60",    "-2147483648", "2147483648", "nan",
+      "inf", "1e-05", "0.00001", "+",        "--1",      "123456789",   "123456789",  "1234567890123456789.5",
+      "1 ",  "/1",    "1:",      "abcdefgh", "abcdefghi"};
+  std::mt19937 random(5);
+  const auto draw = [&](int end) { return static_cast<int>(random() % static_cast<unsigned int>(end)); };
+  for (int round = 0; round < 200; ++round) {
+    // Regular cells of one sort, with unknown and odd ones from some row on, if at all.
+    const int rows = round < 4 ? 70000 : 1 + draw(600);
+    const int sort = draw(6);
+    const int range = std::array{3, 300, 70000, 2147483647}[static_cast<std::size_t>(draw(4))];
+    const int first_odd = draw(3) == 0 ? rows : draw(rows);
+    std::vector<std::string> cells;
+    for (int row = 0; row < rows; ++row) {
+      std::string cell = std::to_string(draw(range) - (sort == 1 ? range / 2 : 0));
+      if (sort == 2) cell += "." + std::to_string(draw(100));
+      if (sort == 3) cell = "text " + cell;
+      if (sort == 4) cell = "0." + std::to_string(draw(range)) + cell;
+      if (draw(40) == 0) cell = "?";
+      if (row >= first_odd && draw(50) == 0) cell = odd[static_cast<std::size_t>(draw(static_cast<int>(odd.size())))];
+      cells.push_back(cell);
+    }
+    std::string csv = "x,c\n";
+    for (const std::string& cell : cells) csv += cell + ",x\n";
+    const table loaded = load(csv);
+    strata::inpout::memory_device device;
+    strata::inpout::obinstream out(device);
+    const auto& column = loaded.columns[0];
+    if (column->get_o_set()->is_dt_null()) continue;
+    out << column.get();
+    EXPECT_EQ(device.bytes(), record_of(cells)) << "round " << round;
+  }
+}
+
 TEST(TableLoader, RefusesWhatIsNoTableNamingThePlace) {
   const std::string counts = ", but the first row names 2 columns";
   EXPECT_EQ(refusal(""), ": empty; a table begins with a row of column names");
   EXPECT_EQ(refusal("a,c\n"), ": no rows below the column names");
   EXPECT_EQ(refusal("a;c\nx\n"), ":1: only one column, \"a;c\"; a table has several, between commas");
   EXPECT_EQ(refusal("a,c\n\"1\n2\",x\n1\n"), ":4: 1 cell" + counts);
+  EXPECT_EQ(
+      refusal("a,c\r\n1,2\r\n3,?\r\n"),
+      ":3: column \"c\": \"?\" is the unknown value; the class of every row must be known, or the row be left out");
   EXPECT_EQ(refusal("a,c\n1,2,3\n"), ":2: 3 cells" + counts + "; a cell with a comma in it needs quotes");
   EXPECT_EQ(refusal("a,,c\n"), ":1: column 2 has no name");
   EXPECT_EQ(refusal("a,b,a\n"), ":1: two columns have the name \"a\"");

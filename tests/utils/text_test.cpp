@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -48,6 +51,38 @@ TEST(Text, IntegersAreReadInTheirRangeAndRefusedByName) {
     EXPECT_EQ(read_integer<unsigned int>(text.c_str()), text + why);
   }
   EXPECT_EQ(read_integer<int>(nullptr), "str2int:: cannot convert a NULL string.");
+}
+
+TEST(Text, NumbersAreReadAsStrtodReadsThem) {
+  std::vector<std::string> texts = {"",
+                                    "-",
+                                    ".",
+                                    "-.",
+                                    "5.",
+                                    ".5",
+                                    "-.5",
+                                    "-0",
+                                    "1.2.3",
+                                    "9007199254740992",
+                                    "1-",
+                                    "9007199254740993",
+                                    "0.9007199254740993",
+                                    "999999999999999999",
+                                    "9999999999999999999"};
+  std::mt19937 random(9);
+  for (int i = 0; i < 20000; ++i) {
+    std::string text(1 + random() % 20, '0');
+    for (char& c : text) c = static_cast<char>('0' + random() % 10);
+    if (random() % 4 != 0) text.insert(random() % (text.size() + 1), 1, '.');
+    texts.push_back((random() % 3 == 0 ? "-" : "") + text);
+  }
+  for (const std::string& text : texts) {
+    char* end = nullptr;
+    const double expected = std::strtod(text.c_str(), &end);
+    double value = 77;
+    EXPECT_EQ(read_number(text.c_str(), value), !text.empty() && *end == '\0') << text;
+    EXPECT_TRUE(value == 77 || std::memcmp(&value, &expected, sizeof value) == 0) << text;
+  }
 }
 
 TEST(Text, NumbersArePrintedInFullWithoutTrailingZeros) {
