@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <limits>
 #include <memory>
 
 #include "arbor/model/code_readers.h"
+#include "arbor/model/weight_if.h"
 
 namespace arbor::impls {
 
@@ -17,15 +17,6 @@ struct branch_cases {
   std::unique_ptr<w_sequence> cases;
   float ratio;
 };
-
-// `weight` times `one_or_zero`, by masking its bits; compilers make no branch of that.
-inline float weight_if(unsigned int one_or_zero, float weight) {
-  unsigned int bits = 0;
-  std::memcpy(&bits, &weight, sizeof bits);
-  bits &= 0U - one_or_zero;
-  std::memcpy(&weight, &bits, sizeof bits);
-  return weight;
-}
 
 // Which codes are on a branch. The unknown cases (code 0) go down every branch; where they are on it like others, they
 // weigh on it as well.

@@ -11,6 +11,7 @@
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/even_weight.h"
+#include "arbor/model/weight_if.h"
 #include "arbor/utils/work_array.h"
 
 namespace arbor::impls {
@@ -126,16 +127,20 @@ void class_tally<Weight>::weigh_counts(unsigned int weight) {
     for (std::size_t i = 0; i < weights.size(); ++i) weights[i] *= weight;
   }
   for (std::size_t c = 0; c < stride; ++c) unknown += weights[c];
-  // Several rows side by side: each sum would have to wait for the one before.
+  // Several rows side by side, as long as there are many: each sum would have to wait for the one before.
   constexpr std::size_t enough_sums = 64;
-  const std::size_t width = stride * std::max<std::size_t>(1, enough_sums / stride);
-  strata::util::work_array<Weight, enough_sums> sums(width);
   std::size_t first = stride;
-  for (; first + width <= weights.size(); first += width) {
-    for (std::size_t i = 0; i < width; ++i) sums[i] += weights[first + i];
+  if (weights.size() > 4 * enough_sums) {
+    const std::size_t width = stride * std::max<std::size_t>(1, enough_sums / stride);
+    strata::util::work_array<Weight, enough_sums> sums(width);
+    for (; first + width <= weights.size(); first += width) {
+      for (std::size_t i = 0; i < width; ++i) sums[i] += weights[first + i];
+    }
+    for (std::size_t i = 0; i < width; ++i) class_totals[i % stride] += sums[i];
   }
-  for (std::size_t i = 0; first + i < weights.size(); ++i) sums[i] += weights[first + i];
-  for (std::size_t i = 0; i < width; ++i) class_totals[i % stride] += sums[i];
+  for (; first < weights.size(); first += stride) {
+    for (std::size_t c = 0; c < stride; ++c) class_totals[c] += weights[first + c];
+  }
 }
 
 template <class Weight>
@@ -148,17 +153,40 @@ void class_tally<Weight>::add(const class_tally<unsigned int>& counted) {
 template <class Weight>
 template <class CodeOf, class ClassOf>
 void class_tally<Weight>::add_in_order(CodeOf code_of, ClassOf class_of, const w_sequence& cases, std::size_t next) {
-  for (; next < cases.size(); ++next) {
-    const auto& [row, weight] = cases[next];
-    const auto code = code_of(row);
+  const std::size_t width = stride;
+  const unsigned int before = before_first;
+  Weight* const table = weights.data();
+  Weight* const totals = class_totals.data();
+  // The sums of two classes stay in registers, where an addition need not wait until the last one is stored.
+  const bool two_classes = classes() == 2;
+  Weight first_class = two_classes ? totals[1] : 0;
+  Weight second_class = two_classes ? totals[2] : 0;
+  Weight unknown_sum = unknown;
+  const auto take = [&](const w_sequence::value_type& c, auto add_to_class) {
+    const auto code = code_of(c.first);
     if (code == 0) {
-      unknown += weight;
-      continue;
+      unknown_sum += c.second;
+      return;
     }
-    const unsigned int class_code = class_of(row);
-    weights[(static_cast<unsigned int>(code) - before_first) * stride + class_code] += weight;
-    class_totals[class_code] += weight;
+    const unsigned int class_code = class_of(c.first);
+    table[(static_cast<unsigned int>(code) - before) * width + class_code] += c.second;
+    add_to_class(class_code, c.second);
+  };
+  if (two_classes) {
+    for (; next < cases.size(); ++next) {
+      take(cases[next], [&](unsigned int class_code, float weight) {
+        first_class += weight_if(static_cast<unsigned int>(class_code == 1), weight);
+        second_class += weight_if(static_cast<unsigned int>(class_code == 2), weight);
+      });
+    }
+    totals[1] = first_class;
+    totals[2] = second_class;
+  } else {
+    for (; next < cases.size(); ++next) {
+      take(cases[next], [&](unsigned int class_code, float weight) { totals[class_code] += weight; });
+    }
   }
+  unknown = unknown_sum;
 }
 
 }  // namespace arbor::impls
