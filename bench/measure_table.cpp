@@ -39,6 +39,7 @@ tree::grow_options chosen_growing() {
   tree::grow_options options;
   options.min_weight = min_weight;
   options.prune = false;
+  options.threads = 1;
   return options;
 }
 

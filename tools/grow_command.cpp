@@ -30,6 +30,7 @@ Examples:
 Exit status: 0, or 2 with one line on standard error that says what is wrong.)";
 
 constexpr std::size_t screen_lines = 40;
+constexpr unsigned int most_threads = 1024;  // beyond, a mistake is likelier than such a machine
 
 }  // namespace
 
@@ -47,6 +48,7 @@ grow_command::grow_command(CLI::App& app) : command(app, "grow", "Grow a decisio
       ->type_name("C");
   parser.add_option("--holdout", holdout, "Keep back this share of the rows, to try the tree on them (default: 0)")
       ->type_name("SHARE");
+  parser.add_option("--threads", threads, "How many work side by side (default: the machine's cores)")->type_name("N");
   parser.add_option("--seed", seed, "Which rows are kept back (default: 1)")->type_name("N");
 }
 
@@ -56,6 +58,12 @@ void grow_command::run() {
   tree::grow_options grow;
   grow.min_weight = weight_value("--min-weight", min_weight);
   if (!max_depth.empty()) grow.max_depth = whole_value("--max-depth", max_depth);
+  if (!threads.empty()) {
+    grow.threads = whole_value("--threads", threads);
+    if (grow.threads == 0 || grow.threads > most_threads) {
+      throw usage_error(fmt::format("--threads: \"{}\" is not from 1 to {}", threads, most_threads));
+    }
+  }
   grow.prune = !no_pruning;
   grow.confidence = share_value("--confidence", confidence);
   if (grow.confidence == 0 || grow.confidence > 0.5F) {

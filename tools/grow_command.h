@@ -20,6 +20,7 @@ class grow_command : public command {
   std::string max_depth;
   std::string confidence = "0.25";
   std::string holdout = "0";
+  std::string threads;
   std::string seed = "1";
   bool no_pruning = false;
 };

@@ -19,10 +19,17 @@ namespace {
 using impls::column;
 using impls::w_sequence;
 
+constexpr std::size_t worth_sharing = 1000;  // cases; fewer are rated faster than threads are woken
+
 // What all parts of a growing tree share.
 class growth {
  public:
-  explicit growth(const grow_options& chosen) : options(chosen), workers(std::max(1U, chosen.threads)) {}
+  growth(const grow_options& chosen, const w_sequence& cases)
+      : options(chosen),
+        workers(cases.size() < worth_sharing ? 1
+                : chosen.threads == 0        ? machine_threads()
+                                             : chosen.threads),
+        all_weight(static_cast<double>(total_weight(cases))) {}
 
   // Tells how much of the cases has come to leaves.
   void settled(float weight) {
@@ -33,9 +40,9 @@ class growth {
 
   const grow_options& options;
   crew workers;
-  double all_weight = 0;
 
  private:
+  const double all_weight;
   std::mutex mutex;
   double settled_weight = 0;
 };
@@ -144,7 +151,6 @@ class subtree {
   // are grown side by side.
   void grow_together(node_cases root) {
     crew& workers = whole.workers;
-    constexpr std::size_t worth_sharing = 1000;  // cases; fewer are rated faster than threads are woken
     const std::size_t small = std::max(worth_sharing, root.cases->size() / (16 * workers.size()));
     std::vector<waiting_branch> small_branches;
     settle(0, std::move(root), &workers);
@@ -285,8 +291,7 @@ decision_tree tree_of(const table& training, std::vector<tree_node> nodes) {
 }  // namespace
 
 decision_tree grow_tree(const table& training, const w_sequence& cases, const grow_options& options) {
-  growth grown(options);
-  grown.all_weight = static_cast<double>(total_weight(cases));
+  growth grown(options, cases);
   // The caller keeps the cases of the root.
   node_cases root{std::make_shared<const case_rows>(training), {std::shared_ptr<void>(), &cases}, {}, 0};
   for (const auto& attribute : training.columns) root.ranges.push_back(attribute->get_range());

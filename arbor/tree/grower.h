@@ -22,7 +22,7 @@ struct grow_options {
   unsigned int max_depth = std::numeric_limits<unsigned int>::max();  // of tests one below the other
   bool prune = true;                                                  // see pruning.h
   float confidence = 0.25F;                                           // of pruning
-  unsigned int threads = 1;  // that work side by side; the tree is the same for any number
+  unsigned int threads = 0;  // that work side by side, 0 for one on each core; the tree is the same for any number
   // Told now and then which share of the cases has come to a leaf; by any of the threads, one at a time.
   std::function<void(double settled)> progress;
 };

@@ -157,6 +157,10 @@ TYPED_TEST(TypedColumn, StoresComparesAndCopiesCodes) {
   copy->push_back("1");
   source->push_back("2");
   EXPECT_EQ(codes_of(*source), code_list({255, 1, 0, 2, 2}));
+  std::unique_ptr<column> extract(source->extract({{4, 1}, {2, 1}, {0, 1}, {0, 1}}));
+  EXPECT_EQ(codes_of(*extract), code_list({2, 0, 255, 255}));
+  EXPECT_EQ(extract->get_type() + extract->get_name() + extract->get_row_value(2), "continuousx255");
+  extract.reset();
   source.reset();
   EXPECT_EQ(codes_of(*copy), code_list({255, 1, 0, 2, 1}));
   EXPECT_EQ(storage_of(empty.get()) + storage_of(copy.get()), std::to_string(sizeof(TypeParam) * 11));
@@ -167,6 +171,7 @@ TYPED_TEST(TypedColumn, StoresComparesAndCopiesCodes) {
 TEST(BoolColumn, SharesItsBitsWithAFullCloneUntilOneOutgrowsThem) {
   auto source = make_column("discrete", "string", listed("b,a,b"));
   const auto copy = clone_of(*source, false), empty = clone_of(*source, true), heir = clone_of(*copy, false);
+  EXPECT_EQ(codes_of(*std::unique_ptr<column>(source->extract({{2, 1}, {1, 1}}))), code_list({2, 1}));
   source->push_back("b");
   EXPECT_EQ(copy->get_row_index(3), 2U) << "a bit written through one is read through the other";
   while (copy->size() < 40) copy->push_back("a");

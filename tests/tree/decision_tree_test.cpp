@@ -4,12 +4,15 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cmath>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "arbor/tree/binomial_limit.h"
 #include "arbor/tree/classification.h"
+#include "arbor/tree/crew.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/holdout.h"
 #include "arbor/tree/pruning.h"
@@ -59,6 +62,59 @@ TEST(Grower, ChoosesByGainRatioAmongTheGainsAboveAverageAndStopsAtPureNodes) {
   tree::grow_options options;
   options.max_depth = 0;
   EXPECT_EQ(text_of(tree::grow_tree(golf, golf.cases, options)), "yes (14/5)\n");
+}
+
+// Rows enough that small nodes are brought together, that threads share the work, and that sorts go by long digits.
+std::string large_table() {
+  dice roll{7};
+  std::string csv = "wide,gaps,text,narrow,few,class\n";
+  for (int row = 0; row < 40000; ++row) {
+    const unsigned int wide = roll(100000), narrow = roll(50), text = roll(12);
+    const bool noise = roll(10) == 0, first = (wide > 30000 + narrow * 500) == (text < 8);
+    csv += std::to_string(wide) + "," + (roll(30) == 0 ? "?" : std::to_string(roll(3000) + wide / 50)) + ",t" +
+           std::to_string(text) + "," + std::to_string(narrow) + "," +
+           (roll(40) == 0   ? "?"
+            : wide % 3 == 0 ? "y"
+                            : "n") +
+           (first != noise ? ",a\n" : ",b\n");
+  }
+  return csv;
+}
+
+TEST(Grower, GrowsTheSameLargeTreeOnAnyNumberOfThreads) {
+  const table large = loaded(large_table());
+  tree::grow_options options;
+  options.prune = false;
+  std::vector<std::string> texts;
+  for (unsigned int threads : {1U, 2U, 5U}) {
+    options.threads = threads;
+    double settled = 0;
+    options.progress = [&](double share) { EXPECT_GE(share, std::exchange(settled, share)); };
+    const decision_tree t = tree::grow_tree(large, large.cases, options);
+    EXPECT_EQ(tree::size_line(t), "907 nodes, 464 leaves, depth 11");
+    texts.push_back(text_of(t));
+    EXPECT_EQ(texts.front(), texts.back());
+  }
+  options.progress = [](double /*share*/) { throw std::runtime_error("enough"); };
+  EXPECT_THROW(tree::grow_tree(large, large.cases, options), std::runtime_error);
+}
+
+TEST(Crew, DoesEachPieceOnceAndThrowsOnWhatOneThrows) {
+  for (unsigned int threads : {1U, 4U}) {
+    tree::crew workers(threads);
+    for (std::size_t count : {0U, 1U, 1000U}) {
+      std::vector<std::atomic<int>> done(count);
+      workers.each(count, [&](std::size_t i) { ++done[i]; });
+      EXPECT_TRUE(std::all_of(done.begin(), done.end(), [](const auto& times) { return times == 1; }));
+    }
+    std::atomic<int> begun = 0;
+    const auto fail = [&](std::size_t i) {
+      ++begun;
+      if (i == 3) throw std::runtime_error("piece 3");
+    };
+    EXPECT_EQ(message_of([&] { workers.each(100000, fail); }), "piece 3");
+    EXPECT_LT(begun, 100000);
+  }
 }
 
 TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
