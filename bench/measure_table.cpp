@@ -1,8 +1,9 @@
 // Measures Arbor on a CSV file, and prints a line of JSON.
 //
-//   arbor_measure_table load people.csv  # reads the table
-//   arbor_measure_table rate people.csv  # rates its attributes
-//   arbor_measure_table grow people.csv  # grows a tree on it, without pruning
+//   arbor_measure_table load people.csv    # reads the table
+//   arbor_measure_table rate people.csv    # rates its attributes
+//   arbor_measure_table grow people.csv    # grows a tree on it, without pruning
+//   arbor_measure_table grow people.csv 8  # the same, with no more than 8 tests one below the other
 //
 // A phase's runs are told in seconds of processor time, those of the clock beside them. Its memory is that of its first
 // run, of the whole process, in bytes: "before" what was resident before it, "peak" the most while it ran.
@@ -35,9 +36,10 @@ using json = nlohmann::json;
 
 constexpr float min_weight = 2;
 
-tree::grow_options chosen_growing() {
+tree::grow_options chosen_growing(unsigned int max_depth) {
   tree::grow_options options;
   options.min_weight = min_weight;
+  options.max_depth = max_depth;
   options.prune = false;
   options.threads = 1;
   return options;
@@ -143,12 +145,14 @@ json rate(const std::string& path) {
   return measure("rate", [&] { tree::rate_attributes(held, held.cases, min_weight); });
 }
 
-json grow(const std::string& path) {
+json grow(const std::string& path, unsigned int max_depth) {
   const tree::table held = tree::load_table(path, {});
   tree::decision_tree grown;
-  json result = measure("grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing()); });
+  json result = measure("grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth)); });
   const tree::confusion_matrix said = tree::classify_cases(grown, held, held.cases);
-  result["leaves"] = tree::measure(grown).leaves;
+  const tree::tree_size size = tree::measure(grown);
+  result["nodes"] = size.nodes;
+  result["leaves"] = size.leaves;
   result["accuracy"] = 1 - said.errors() / said.total();
   return result;
 }
@@ -156,13 +160,17 @@ json grow(const std::string& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::map<std::string, json (*)(const std::string&)> phases{{"load", load}, {"rate", rate}, {"grow", grow}};
-  const auto phase = phases.find(argc == 3 ? argv[1] : "");
-  if (phase == phases.end()) {
-    std::cerr << "usage: arbor_measure_table load|rate|grow TABLE\n";
+  unsigned int max_depth = tree::grow_options().max_depth;
+  const std::map<std::string, std::function<json(const std::string&)>> phases{
+      {"load", load}, {"rate", rate}, {"grow", [&](const std::string& path) { return grow(path, max_depth); }}};
+  const auto phase = phases.find(argc == 3 || argc == 4 ? argv[1] : "");
+  if (phase == phases.end() || (argc == 4 && phase->first != "grow")) {
+    std::cerr << "usage: arbor_measure_table load|rate|grow TABLE\n"
+                 "       arbor_measure_table grow TABLE MAX_DEPTH\n";
     return 2;
   }
   try {
+    if (argc == 4) max_depth = static_cast<unsigned int>(std::stoul(argv[3]));
     std::cout << phase->second(argv[2]) << '\n';
   } catch (const std::exception& error) {
     std::cerr << error.what() << '\n';
