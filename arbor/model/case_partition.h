@@ -88,8 +88,9 @@ template <class Bounds, class CodeOf, class OnBranch>
   return result;
 }
 
-// The cases on a branch, and those of unknown value, whose weight is taken off `total`. `scale_unknown` tells whether unknown cases
-// are taken with their weight multiplied by the ratio. `bounds` receives those of all codes.
+// The cases on a branch, and those of unknown value. Where these are not on it like others, their weight is taken off
+// `total`. `scale_unknown` tells whether they are taken with their weight multiplied by the ratio. `bounds` receives
+// those of all codes.
 //
 // Neither pass branches on a case: which side the next one is on is hard to foresee.
 template <class CodeOf, class OnBranch, class Bounds>

@@ -8,6 +8,7 @@
 #define ARBOR_MODEL_CLASS_TALLY_H
 
 #include <algorithm>
+#include <type_traits>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/even_weight.h"
@@ -79,7 +80,7 @@ void with_class_tally(CodeOf code_of, const column& class_column, const w_sequen
       use(counts);
       return;
     }
-    class_tally<float> sums(range, class_column.get_distinct());
+    class_tally<float> sums(range, class_column.get_distinct());  // beside the counts: few nodes come to this
     sums.add(counts);
     with_codes(class_column, [&](auto class_of) { sums.add_in_order(code_of, class_of, cases, counted); });
     use(sums);
@@ -95,6 +96,8 @@ template <class CodeOf, class ClassOf>
 std::size_t class_tally<Weight>::count_even(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
                                             const even_weight& weight) {
   constexpr std::size_t block = 4096;
+  // A class column of a user's own is asked once for each case, and for none whose value is unknown.
+  if constexpr (std::is_same_v<ClassOf, virtual_indices>) return 0;
   const std::size_t width = stride;
   const unsigned int before = before_first;
   unsigned int* const table = weights.data();

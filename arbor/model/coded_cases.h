@@ -7,6 +7,7 @@
 
 #include "arbor/model/code_readers.h"
 #include "arbor/utils/counting_sort.h"
+#include "arbor/utils/nocopy.h"
 
 namespace arbor::impls {
 
@@ -19,7 +20,7 @@ struct coded_case {
 };
 
 template <class T>
-class coded_cases {
+class coded_cases : private strata::util::nocopy {
  public:
   // With `copy_cases` false `cases` are put into that order as well, even if this then throws.
   coded_cases(const column_typed<T>& rated, const column& class_column, w_sequence& cases,
@@ -50,7 +51,10 @@ class coded_cases {
     all.reserve(cases.size());
     const stored_codes<T> code_of{rated.codes().data()};
     with_codes(class_column, [&](auto class_of) {
-      for (const auto& [row, weight] : cases) all.push_back({code_of(row), class_of(row), weight});
+      for (const auto& [row, weight] : cases) {
+        const T code = code_of(row);
+        all.push_back({code, code == 0 ? 0 : class_of(row), weight});
+      }
     });
   }
 

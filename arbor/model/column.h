@@ -70,11 +70,6 @@ class column : public strata::util::nocopy {
   // what the domain throws for a text that is not of its data type.
   virtual void push_back(const char* value);
 
-  // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid o_set", with the column
-  // unchanged, unless the domain has them all: those of its known values, and 0 if it contains the unknown value. The
-  // base, which holds no rows, appends none.
-  virtual void append_codes(const unsigned int* codes, unsigned int count);
-
   // The code of a row's value, its low 32 bits if it has more.
   virtual unsigned int get_row_index(unsigned int row) const;
   // Whether the value of row `a` comes before that of row `b`.
@@ -116,9 +111,11 @@ class column : public strata::util::nocopy {
   //   result        where the rating goes; `gain` is splitting_desc::no_split when no admissible split exists
   //   copy_cases    false lets the call reorder `cases`
   //
-  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then incomplete. Several calls
-  // may run at once on different columns, given sequences of cases of their own and domains (the class column's too)
-  // that have been asked something before.
+  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then incomplete.
+  //
+  // Const calls, this one and others, may run at once, on one column as on several, once every domain that they read
+  // (the class column's too) has been asked something, and as long as nothing is inserted or appended. With
+  // `copy_cases` the cases are only read and may be shared; else each call needs its own.
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                options* opts, splitting_desc& result, bool copy_cases) const;
@@ -126,6 +123,11 @@ class column : public strata::util::nocopy {
   // Write and read the rows, as part of the column's record; see the operators below. The base has none.
   virtual strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const;
   virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
+
+  // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid o_set", with the column
+  // unchanged, unless the domain has them all: those of its known values, and 0 if it contains the unknown value. The
+  // base, which holds no rows, appends none.
+  virtual void append_codes(const unsigned int* codes, unsigned int count);
 
   // A column of the same class, kind and name with the rows of `cases` alone, in their order, for work on a part of the
   // table without reading all over it. The caller owns it; the domain stays this column's, which must outlive it.

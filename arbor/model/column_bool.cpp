@@ -32,6 +32,7 @@ void column_bool::push_back(const char* value) {
 
 void column_bool::append_codes(const unsigned int* codes, unsigned int count) {
   check_codes(codes, count);
+  values.reserve(values.size() + count);
   for (unsigned int i = 0; i < count; ++i) values.push_back(codes[i] == 2);
 }
 

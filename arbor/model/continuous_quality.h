@@ -60,7 +60,7 @@ void rate_ordered(const Cases& ordered, unsigned int class_count, float total_we
   }
   const node_weights node{class_weights.data() + 1, class_count, ordered.unknown_weight(), total_weight, min_weight};
   if (!node.splittable()) return;
-  with_cut_search<0, Weight>(node, [&](auto& search) {
+  with_cut_search<0, Weight>(node, ordered.size(), [&](auto& search) {
     sweep(ordered, search);
     if (!search.conclude(case_count, opts, result)) return;
     result.low_code = static_cast<unsigned int>(ordered.code(search.best_place()));

@@ -56,8 +56,10 @@ class cut_search {
         most_left(known_weight - least_left),
         left(node.class_count + 1ULL),
         right(node.class_count + 1ULL) {
-    for (unsigned int c = 1; c <= classes(); ++c) right[c] = static_cast<Weight>(node.classes[c - 1]);
-    all = std::accumulate(right.data(), right.data() + classes() + 1, Weight());
+    for (unsigned int c = 1; c <= classes(); ++c) {
+      right[c] = static_cast<Weight>(node.classes[c - 1]);
+      known_sum += right[c];
+    }
   }
 
   // Moves to the left of the cut what lies next to it.
@@ -106,6 +108,7 @@ class cut_search {
     const unsigned int count = classes();
     const Weight* const on_left = left.data() + 1;
     const Weight* const on_right = right.data() + 1;
+    // Two entropy sums side by side: each addition waits for the one before, but not for the other side's.
     float left_terms = 0;
     float right_terms = 0;
     for (unsigned int c = 0; c < count; ++c) {
@@ -113,9 +116,10 @@ class cut_search {
       right_terms = with_term(right_terms, term(on_right[c]));
     }
     const double left_entropy = term(sum_of(on_left, left_sum)) - static_cast<double>(left_terms);
-    const double right_entropy = term(sum_of(on_right, all - left_sum)) - static_cast<double>(right_terms);
+    const double right_entropy = term(sum_of(on_right, known_sum - left_sum)) - static_cast<double>(right_terms);
     const float value_entropy = static_cast<float>(left_entropy + right_entropy);
-    // The gain never grows with the entropy within the sides, however it is rounded, so that most cuts need no division.
+    // The gain never grows with the entropy within the sides, however it is rounded, since neither the known weight nor
+    // its share is negative. So most cuts need no division.
     if (!(value_entropy < best_entropy) || !eligible) return;
     const float gain = static_cast<float>(
         (static_cast<double>(info) - static_cast<double>(value_entropy) / static_cast<double>(known_weight)) *
@@ -143,8 +147,8 @@ class cut_search {
 
  private:
   // The sum of a side's weights. Whole numbers need not be added up anew.
-  Weight sum_of(const Weight* side, Weight known_sum) const {
-    if constexpr (std::is_integral_v<Weight>) return known_sum;
+  Weight sum_of(const Weight* side, Weight whole_sum) const {
+    if constexpr (std::is_integral_v<Weight>) return whole_sum;
     return std::accumulate(side, side + classes(), Weight());
   }
 
@@ -163,7 +167,7 @@ class cut_search {
   const float most_left;
   by_class left;  // by class code the weight on this side; entry 0 is unused
   by_class right;
-  Weight all = 0;
+  Weight known_sum = 0;
   Weight left_sum = 0;
   unsigned int candidates = 0;
   float best_gain = column::splitting_desc::no_split;
@@ -172,13 +176,14 @@ class cut_search {
   std::size_t best = 0;
 };
 
-// Calls `use` with a cut_search of so many classes, 0 for any number. Weight is unsigned int for weights that count in
-// whole numbers, else float.
+// Calls `use` with a cut_search of so many classes, 0 for any number, for at most `cuts` cuts. Weight is unsigned int
+// for weights that count in whole numbers, else float.
 template <unsigned int Classes, class Weight, class Use>
-void with_cut_search(const node_weights& node, Use&& use) {
+void with_cut_search(const node_weights& node, std::size_t cuts, Use&& use) {
   if constexpr (std::is_integral_v<Weight>) {
     const float sum = std::accumulate(node.classes, node.classes + node.class_count, 0.0F);
-    if (const double* table = whole_number_terms(static_cast<unsigned int>(sum))) {
+    const std::size_t term_count = 2 * (node.class_count + 1ULL) * cuts;
+    if (const double* table = whole_number_terms(static_cast<unsigned int>(sum), term_count)) {
       const whole_terms terms{table};
       cut_search<Weight, whole_terms, Classes> search(node, terms);
       use(search);

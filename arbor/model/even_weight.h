@@ -14,16 +14,16 @@ class even_weight {
  public:
   // Looks at the first few cases, which most often tell.
   explicit even_weight(const w_sequence& cases) {
-    constexpr std::size_t few = 16;
-    constexpr float most = 1U << 24U;
+    constexpr std::size_t sample = 16;
+    constexpr unsigned int most = 1U << 24U;  // up to here all whole numbers are exact as float
     if (cases.empty()) return;
     weight = cases.front().second;
     std::memcpy(&bits, &weight, sizeof bits);
-    if (!(weight >= 1 && weight <= most / static_cast<float>(cases.size()))) return;
+    if (!(weight >= 1 && weight <= static_cast<float>(most))) return;
     number = static_cast<unsigned int>(weight);
-    const auto few_end = cases.begin() + static_cast<std::ptrdiff_t>(std::min(few, cases.size()));
-    is_likely = static_cast<float>(number) == weight &&
-                std::all_of(cases.begin(), few_end, [this](const auto& c) { return c.second == weight; });
+    const auto sample_end = cases.begin() + static_cast<std::ptrdiff_t>(std::min(sample, cases.size()));
+    is_likely = static_cast<float>(number) == weight && number <= most / cases.size() &&
+                std::all_of(cases.begin(), sample_end, [this](const auto& c) { return c.second == weight; });
   }
 
   bool likely() const { return is_likely; }

@@ -8,7 +8,7 @@
 //
 // Code 0 is the unknown (null) value; the known values have the codes 1 to n in ascending order. A domain is filled by
 // `insert` and then asked; the first question puts the values in order, and an insertion after it may shift codes.
-// Questions therefore change a domain: it is used by one thread at a time.
+// That question changes the domain; those after it only read, and may be asked by several threads at once.
 //
 // Texts that go in are NUL-terminated, no null pointers. Floating-point numbers are read and printed in the process's
 // locale.

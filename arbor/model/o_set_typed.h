@@ -32,8 +32,9 @@ class o_set_typed : public o_set {
   o_set_typed(const std::string& data_type, bool admits_null, const std::string& null_text);
 
   void insert(const char* value) override;
-  // Adds known values that are no longer texts, as if the text of each was inserted; fastest when they ascend, each once,
-  // and the domain had none. A text that is the null text is a known value here.
+  // Adds known values that are no longer texts, as if the text of each was inserted. Fastest when they ascend, each
+  // once, and the domain had none. They have to be values that texts can tell: not the least integer, and no text with
+  // a zero byte. One that is the null text is a known value here, which no lookup finds.
   void insert_values(std::vector<T> values);
   unsigned int size_of_known() override;
   bool get_order(const char* value, unsigned int& code) override;

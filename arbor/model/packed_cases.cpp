@@ -37,7 +37,7 @@ unsigned int* sort_by_digits(unsigned int* numbers, unsigned int* room, std::siz
 // Class bits need no order.
 void packed_cases::sort() {
   unsigned int* sorted = numbers.data();
-  if (count <= few) {
+  if (count <= most_compared) {
     std::sort(sorted, sorted + count);
   } else {
     constexpr std::size_t many = 600;  // from here on it pays to save a digit by going through more values of each

@@ -4,6 +4,7 @@
 #define ARBOR_MODEL_PACKED_CASES_H
 
 #include <algorithm>
+#include <type_traits>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/even_weight.h"
@@ -33,7 +34,9 @@ class packed_cases {
         code_bits(bits_of(code_range.second - code_range.first)),
         class_bits(bits_of(class_column.get_distinct() - 1)),
         count(cases.size()),
-        numbers(room_for(cases.size()), strata::util::first_values::any) {
+        weight_of_each(cases),
+        numbers(weight_of_each.likely() ? room_for(cases.size()) : 0, strata::util::first_values::any) {
+    if (!weight_of_each.likely()) return;
     with_codes(class_column, [&](auto class_of) { is_even = take(code_of, class_of, cases); });
     if (is_even) sort();
   }
@@ -41,8 +44,8 @@ class packed_cases {
   // Whether all cases weigh the same whole number, above 0, and have an exact sum. Else nothing more can be told.
   bool even() const { return is_even; }
   // The weight of each.
-  unsigned int weight(std::size_t /*i*/ = 0) const { return each; }
-  float unknown_weight() const { return static_cast<float>(unknown * each); }
+  unsigned int weight(std::size_t /*i*/ = 0) const { return weight_of_each.value(); }
+  float unknown_weight() const { return static_cast<float>(unknown * weight()); }
 
   // The cases whose value is known, in the order of their codes.
   std::size_t size() const { return count - unknown; }
@@ -50,29 +53,31 @@ class packed_cases {
   unsigned int class_code(std::size_t i) const { return known[i] & ((1U << class_bits) - 1); }
 
  private:
-  static constexpr std::size_t few = 64;  // are sorted by comparing
+  static constexpr std::size_t most_compared = 64;  // beyond, comparing costs more than going by digits
 
   // Many are sorted to and fro between two halves.
-  static std::size_t room_for(std::size_t cases) { return cases <= few ? cases : 2 * cases; }
+  static std::size_t room_for(std::size_t cases) { return cases <= most_compared ? cases : 2 * cases; }
 
-  // Returns whether they are even.
+  // Returns whether they are even. (A case without a class belongs to no sum by class; counting has no place for it.)
   template <class CodeOf, class ClassOf>
   bool take(CodeOf code_of, ClassOf class_of, const w_sequence& cases) {
-    const even_weight weight(cases);
-    if (!weight.likely()) return false;
-    each = weight.value();
+    // A class column of a user's own is asked once for each case, and for none whose value is unknown.
+    if constexpr (std::is_same_v<ClassOf, virtual_indices>) return false;
     const unsigned int before = before_first;
     const unsigned int shift = class_bits;
     unsigned int difference = 0;
+    bool all_classes_known = true;
     unsigned int* number = numbers.data();
     for (const auto& c : cases) {
-      difference |= weight.difference(c.second);
+      difference |= weight_of_each.difference(c.second);
       const auto code = static_cast<unsigned int>(code_of(c.first));
+      const unsigned int class_code = class_of(c.first);
+      all_classes_known = all_classes_known & (class_code != 0);
       const unsigned int offset = code == 0 ? 0 : code - before;
-      *number++ = offset << shift | class_of(c.first);
+      *number++ = offset << shift | class_code;
       unknown += code == 0 ? 1 : 0;
     }
-    return difference == 0;
+    return difference == 0 && all_classes_known;
   }
 
   void sort();
@@ -82,10 +87,11 @@ class packed_cases {
   unsigned int class_bits;
   std::size_t count;
   std::size_t unknown = 0;
-  unsigned int each = 0;
+  even_weight weight_of_each;
   bool is_even = false;
-  strata::util::work_array<unsigned int, few> numbers;  // offsets of codes, 0 for the unknown one, before class codes
-  const unsigned int* known = nullptr;                  // the first of those, once they are sorted
+  strata::util::work_array<unsigned int, most_compared>
+      numbers;                          // offsets of codes, 0 for the unknown one, before class codes
+  const unsigned int* known = nullptr;  // the first of those, once they are sorted
 };
 
 }  // namespace arbor::impls

@@ -54,9 +54,9 @@ void rate_rainforest(const class_tally<Weight>& tally, unsigned int first_code, 
     result.high_code = next_row + first_code - 1;
   };
   if (tally.classes() == 2) {
-    with_cut_search<2, Weight>(node, rate);
+    with_cut_search<2, Weight>(node, tally.rows(), rate);
   } else {
-    with_cut_search<0, Weight>(node, rate);
+    with_cut_search<0, Weight>(node, tally.rows(), rate);
   }
 }
 

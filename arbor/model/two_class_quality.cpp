@@ -15,13 +15,13 @@ class code_ends {
  public:
   explicit code_ends(const packed_cases& cases)
       : each(cases.weight()),
-        all(cases.size() + 1ULL, strata::util::first_values::any),
-        second(cases.size() + 1ULL, strata::util::first_values::any) {
+        cases_up_to(cases.size(), strata::util::first_values::any),
+        second(cases.size(), strata::util::first_values::any) {
     unsigned int second_class = 0;
     for (std::size_t i = 0; i < cases.size(); ++i) {
       second_class += cases.class_code(i) == 2 ? 1 : 0;
       // Where the code goes on, the next case overwrites the note.
-      all[count] = static_cast<unsigned int>(i + 1);
+      cases_up_to[count] = static_cast<unsigned int>(i + 1);
       second[count] = second_class;
       const bool last = i + 1 == cases.size();
       count += last || cases.code(i) != cases.code(i + 1) ? 1 : 0;
@@ -29,16 +29,16 @@ class code_ends {
   }
 
   std::size_t size() const { return count; }
-  std::size_t last_case(std::size_t i) const { return all[i] - 1; }
+  std::size_t last_case(std::size_t i) const { return cases_up_to[i] - 1; }
   // The weight of the cases up to the i-th end, and of those of the second class.
-  unsigned int weight(std::size_t i) const { return all[i] * each; }
+  unsigned int weight(std::size_t i) const { return cases_up_to[i] * each; }
   unsigned int second_weight(std::size_t i) const { return second[i] * each; }
 
  private:
   unsigned int each;
   std::size_t count = 0;
-  strata::util::work_array<unsigned int, 65> all;
-  strata::util::work_array<unsigned int, 65> second;
+  strata::util::work_array<unsigned int, 64> cases_up_to;
+  strata::util::work_array<unsigned int, 64> second;  // and of these those of the second class
 };
 
 // Leaves out the cuts inside a run of one class, as the sweep case by case does.
@@ -73,7 +73,7 @@ void rate_two_classes(const packed_cases& cases, float total_weight, std::size_t
   const std::array<float, 2> classes{static_cast<float>(weight - second), static_cast<float>(second)};
   const node_weights node{classes.data(), 2, cases.unknown_weight(), total_weight, min_weight};
   if (!node.splittable()) return;
-  with_cut_search<2, unsigned int>(node, [&](auto& search) {
+  with_cut_search<2, unsigned int>(node, ends.size(), [&](auto& search) {
     sweep_ends(ends, search);
     if (!search.conclude(case_count, opts, result)) return;
     const std::size_t best_case = ends.last_case(search.best_place());

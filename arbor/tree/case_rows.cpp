@@ -1,5 +1,7 @@
 #include "arbor/tree/case_rows.h"
 
+#include <utility>
+
 namespace arbor::tree {
 
 case_rows::case_rows(const table& whole) : classes(&whole.class_column()), weights(whole.cases) {
@@ -9,8 +11,15 @@ case_rows::case_rows(const table& whole) : classes(&whole.class_column()), weigh
 case_rows::case_rows(const case_rows& from, const impls::w_sequence& cases)
     : extracted_weights(cases.size()), weights(extracted_weights) {
   for (const impls::column* column : from.all_columns) {
-    all_columns.push_back(extracts.emplace_back(column->extract(cases)).get());
-    if (column == from.classes) classes = extracts.back().get();
+    const bool is_class = column == from.classes;
+    if (!is_class && !column->is_discrete() && !column->is_continuous()) {
+      all_columns.push_back(column);  // nobody reads its rows
+      continue;
+    }
+    std::unique_ptr<impls::column> extract(column->extract(cases));
+    if (is_class) classes = extract.get();
+    all_columns.push_back(extract.get());
+    extracts.push_back(std::move(extract));
   }
   for (std::size_t i = 0; i < cases.size(); ++i) {
     extracted_weights[i] = {static_cast<unsigned int>(i), from.weight(cases[i].first)};

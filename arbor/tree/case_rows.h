@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "arbor/tree/table.h"
+#include "arbor/utils/nocopy.h"
 
 namespace arbor::tree {
 
-class case_rows {
+class case_rows : private strata::util::nocopy {
  public:
   // Those of a table, which must outlive it.
   explicit case_rows(const table& whole);
@@ -17,7 +18,7 @@ class case_rows {
   // An extract: the rows of `cases`, numbered in their order.
   case_rows(const case_rows& from, const impls::w_sequence& cases);
 
-  // The table's columns, in its order.
+  // The table's columns, in its order. Of an extract, those that are rated and the class have its rows.
   const std::vector<const impls::column*>& columns() const { return all_columns; }
   impls::column& class_column() const { return *classes; }
   // How many rows there are.

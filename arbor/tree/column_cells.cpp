@@ -1,14 +1,14 @@
 #include "arbor/tree/column_cells.h"
 
-#include <clocale>
-#include <cstring>
 #include <utility>
+
+#include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
 
 column_cells::column_cells(plain may_be_kept)
     : kept(may_be_kept == plain::none ? form::texts : form::integers), keepable(may_be_kept) {
-  if (keepable == plain::all && std::strcmp(std::localeconv()->decimal_point, ".") != 0) keepable = plain::integers;
+  if (keepable == plain::all && !strata::util::point_is_dot()) keepable = plain::integers;
 }
 
 void column_cells::add_unknown() {

@@ -1,6 +1,6 @@
 // The cells of a column while its table is read, when its data type is not yet known.
 //
-//   column_cells cells(column_cells::numbers::all);
+//   column_cells cells(column_cells::plain::all);
 //   for each row: cells.add(text);   // or add_unknown()
 //   for (unsigned int code = 1; code <= cells.texts().size(); ++code) ...
 //

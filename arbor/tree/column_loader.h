@@ -60,8 +60,8 @@ class column_loader {
   column_cells cells;
   std::string data_type;
   std::unique_ptr<impls::column> made;
-  std::size_t number_cells = 0;  // and the texts among them, if those are few: what would make numbers of the column
-  std::vector<odd_text> odd_texts;
+  std::size_t number_cells = 0;
+  std::vector<odd_text> odd_texts;  // the texts among them, if those are few: what would make numbers of the column
   bool may_be_numbers = true;
   std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
 };

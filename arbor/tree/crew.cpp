@@ -1,6 +1,7 @@
 #include "arbor/tree/crew.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace arbor::tree {
@@ -12,6 +13,8 @@ unsigned int machine_threads() {
 crew::crew(unsigned int threads) {
   try {
     for (unsigned int i = 1; i < threads; ++i) helpers.emplace_back([this] { help(); });
+  } catch (const std::system_error&) {
+    return;
   } catch (...) {
     dismiss();
     throw;

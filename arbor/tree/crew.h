@@ -22,7 +22,7 @@ unsigned int machine_threads();
 
 class crew : private strata::util::nocopy {
  public:
-  // A crew of one is the calling thread. Throws std::system_error when threads cannot be had.
+  // A crew of one is the calling thread. It is smaller than asked for when more threads cannot be had.
   explicit crew(unsigned int threads);
   ~crew();
 

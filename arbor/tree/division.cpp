@@ -87,6 +87,7 @@ void division::drop_slivers(w_sequence& cases) const {
     return weighted.second < least_part * node.rows->weight(weighted.first) || !(weighted.second > 0);
   };
   cases.erase(std::remove_if(cases.begin(), cases.end(), is_sliver), cases.end());
+  if (cases.size() < cases.capacity() / 2) cases.shrink_to_fit();
 }
 
 }  // namespace arbor::tree

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -39,7 +40,9 @@ std::uint64_t number_identity(const char* text) {
     }
   }
   if (*c == 'e' || *c == 'E') {
-    exponent += std::strtol(c + 1, nullptr, 10);
+    // Far beyond what a text can be long enough to make up for.
+    constexpr long most = 1000000000;
+    exponent += std::clamp(std::strtol(c + 1, nullptr, 10), -most, most);
   } else if (*c != '\0') {
     // Hexadecimal digits or infinity. A finite double is the same number in seventeen decimal digits.
     const double value = std::strtod(text, nullptr);

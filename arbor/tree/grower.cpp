@@ -152,19 +152,25 @@ class subtree {
   void grow_together(node_cases root) {
     crew& workers = whole.workers;
     const std::size_t small = std::max(worth_sharing, root.cases->size() / (16 * workers.size()));
+    // No more cases wait than there are: unknown ones wait in many branches at once.
+    const std::size_t most_waiting = root.cases->size();
     std::vector<waiting_branch> small_branches;
+    std::size_t waiting = 0;
     settle(0, std::move(root), &workers);
     while (!open.empty()) {
       waiting_branch next = take_next();
-      if (next.cases.cases->size() < small) {
-        small_branches.push_back(std::move(next));
-      } else {
+      if (next.cases.cases->size() >= small) {
         settle(next.node, std::move(next.cases), &workers);
+        continue;
+      }
+      waiting += next.cases.cases->size();
+      small_branches.push_back(std::move(next));
+      if (waiting >= most_waiting) {
+        grow_all(std::exchange(small_branches, {}));
+        waiting = 0;
       }
     }
-    std::vector<subtree> subtrees(small_branches.size(), subtree(whole));
-    workers.each(subtrees.size(), [&](std::size_t i) { subtrees[i].grow(std::move(small_branches[i].cases)); });
-    for (std::size_t i = 0; i < subtrees.size(); ++i) graft(small_branches[i].node, std::move(subtrees[i].nodes));
+    grow_all(std::move(small_branches));
   }
 
   std::vector<tree_node> take_nodes() { return std::move(nodes); }
@@ -181,6 +187,13 @@ class subtree {
     std::size_t node;
     node_cases cases;
   };
+
+  // Grows the subtrees of branches side by side.
+  void grow_all(std::vector<waiting_branch> branches) {
+    std::vector<subtree> subtrees(branches.size(), subtree(whole));
+    whole.workers.each(subtrees.size(), [&](std::size_t i) { subtrees[i].grow(std::move(branches[i].cases)); });
+    for (std::size_t i = 0; i < subtrees.size(); ++i) graft(branches[i].node, std::move(subtrees[i].nodes));
+  }
 
   waiting_branch take_next() {
     const open_branch next = std::move(open.back());
@@ -294,6 +307,7 @@ decision_tree grow_tree(const table& training, const w_sequence& cases, const gr
   growth grown(options, cases);
   // The caller keeps the cases of the root.
   node_cases root{std::make_shared<const case_rows>(training), {std::shared_ptr<void>(), &cases}, {}, 0};
+  // This also puts the domains in order, before several threads ask them.
   for (const auto& attribute : training.columns) root.ranges.push_back(attribute->get_range());
   subtree all(grown);
   if (grown.workers.size() == 1) {

@@ -30,7 +30,7 @@ struct grow_options {
 // Grows a tree on `cases`, rows of `training` with the weights that they have there, of which there is at least one. A
 // node becomes a leaf when its cases are of one class, weigh less than twice `min_weight`, lie `max_depth` deep, or
 // have no split. Cases whose value is unknown go down every branch, until less than a thousandth of them is left. The
-// same cases in the same order always give the same tree. Throws std::system_error when threads cannot be had.
+// same cases in the same order always give the same tree.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases, const grow_options& options);
 
 }  // namespace arbor::tree

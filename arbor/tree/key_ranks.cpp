@@ -18,8 +18,9 @@ key bit_count(std::uint64_t bits) {
   return static_cast<key>(((bits + (bits >> 4U)) & 0x0F0F0F0F0F0F0F0FU) * 0x0101010101010101U >> 56U);
 }
 
-// Where the keys are dense, a bit for each key from the least to the greatest tells whether it is there, and the rank of
-// a key is the number of bits up to its own. All that is read at random is small enough for the processor's caches.
+// Where the keys are dense, a bit for each key from the least to the greatest tells whether it is there, and the rank
+// of a key is the number of bits up to its own. The words take no more than four bytes a row, so that what is read at
+// random stays in the processor's caches for most tables.
 class presence_ranks {
  public:
   presence_ranks(key least, key greatest) : first(least), words((greatest - least) / 64 + 1, {0, 0}) {}

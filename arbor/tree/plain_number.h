@@ -33,11 +33,12 @@ inline bool read_plain_integer(cell_text text, int& value) {
   return true;
 }
 
-// A plain number of at most 17 digits, 31 of them behind the point (zeros before the others do not count): the digits
-// without the point, times 32, plus how many stand behind it; negative for a negative number.
+// A plain number of at most 17 digits, at most 31 of them behind the point (zeros before the others do not count): the
+// digits without the point, times 32, plus how many stand behind it; negative for a negative number.
 using plain_number = std::int64_t;
 
-// These are no such number. Less than 2^58 numbers of up to 18 digits can stand in their place, see column_cells.h.
+// What is no such number; and the end of the digits that one has. Those from there up to 2^58 are free for other use,
+// see column_cells.h.
 constexpr plain_number no_plain_number = std::numeric_limits<plain_number>::min();
 constexpr std::uint64_t plain_digits_end = 100000000000000000U;
 

@@ -36,8 +36,9 @@ struct load_options {
 // Reads the file, "-" for standard input, from its beginning to its end. A row of weight 0 is as if it were absent.
 //
 // The file is read once, and its text is not kept. Until the last row is read a cell takes four bytes, or eight in a
-// column of numbers that are not all integers, and a column of texts its distinct texts; then column after column is made
-// and what it was made of is freed.
+// column of numbers that are not all integers, and a column of texts its distinct texts. Then column after column is
+// made, a column of sparse numbers with some thirty bytes a row for the time, and what it was made of is freed.
+//
 // Numbers are read in the process's locale.
 //
 // Throws table_error when the file cannot be read, is no such table, or does not go together with the options.

@@ -12,8 +12,8 @@ namespace arbor::tree {
 
 class unknown_texts {
  public:
-  // The texts that stand for the unknown value; an empty one for the empty cell, quoted or not. None at all: "?" and
-  // the empty cell without quotes.
+  // The texts that stand for the unknown value; an empty one for the empty cell, two quotes for the quoted empty one.
+  // None at all: "?" and the empty cell without quotes.
   explicit unknown_texts(std::vector<std::string> chosen);
 
   bool is_unknown(const csv_row& row, std::size_t cell) const {

@@ -16,8 +16,12 @@ class bindevice {
   // Puts the next `count` bytes into `data`. Throws if there are fewer. May be called for no bytes.
   virtual void read(void* data, unsigned int count) = 0;
 
-  // The same for `count` values of `width` bytes each, one behind the other. Here each is a call of the above; a device
-  // to which a call matters takes and puts them all at once.
+  // How many bytes can still be read; the largest value if that is not known. Readers hold the lengths they read
+  // against it before they allocate, so that a device that knows is safe from lengths that lie.
+  virtual unsigned long long remaining() const { return std::numeric_limits<unsigned long long>::max(); }
+
+  // Write and read `count` values of `width` bytes each, one behind the other. Here each is a call of write or read;
+  // a device to which a call matters takes and puts them all at once.
   virtual void write_values(const void* data, unsigned int width, unsigned int count) {
     const auto* value = static_cast<const unsigned char*>(data);
     for (; count > 0; --count, value += width) write(value, width);
@@ -26,10 +30,6 @@ class bindevice {
     auto* value = static_cast<unsigned char*>(data);
     for (; count > 0; --count, value += width) read(value, width);
   }
-
-  // How many bytes can still be read; the largest value if that is not known. Readers hold the lengths they read
-  // against it before they allocate, so that a device that knows is safe from lengths that lie.
-  virtual unsigned long long remaining() const { return std::numeric_limits<unsigned long long>::max(); }
 };
 
 }  // namespace strata::inpout

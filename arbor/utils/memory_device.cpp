@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <typeinfo>
 #include <utility>
 
 namespace strata::inpout {
@@ -9,23 +10,33 @@ namespace strata::inpout {
 memory_device::memory_device(std::vector<unsigned char> bytes) : contents(std::move(bytes)) {}
 
 void memory_device::write(const void* data, unsigned int count) {
-  write_values(data, 1, count);
-}
-
-void memory_device::write_values(const void* data, unsigned int width, unsigned int count) {
-  const auto* first = static_cast<const unsigned char*>(data);
-  contents.insert(contents.end(), first, first + std::size_t{width} * count);
+  write_bytes(data, count);
 }
 
 void memory_device::read(void* data, unsigned int count) {
-  read_values(data, 1, count);
+  read_bytes(data, count);
+}
+
+// A device derived from this one may watch each call.
+void memory_device::write_values(const void* data, unsigned int width, unsigned int count) {
+  if (typeid(*this) != typeid(memory_device)) return bindevice::write_values(data, width, count);
+  write_bytes(data, 1ULL * width * count);
 }
 
 void memory_device::read_values(void* data, unsigned int width, unsigned int count) {
-  const unsigned long long bytes = 1ULL * width * count;
-  if (bytes > remaining()) throw std::runtime_error("memory_device: read past the end");
-  if (bytes != 0) std::memcpy(data, contents.data() + position, static_cast<std::size_t>(bytes));
-  position += static_cast<std::size_t>(bytes);
+  if (typeid(*this) != typeid(memory_device)) return bindevice::read_values(data, width, count);
+  read_bytes(data, 1ULL * width * count);
+}
+
+void memory_device::write_bytes(const void* data, unsigned long long count) {
+  const auto* first = static_cast<const unsigned char*>(data);
+  contents.insert(contents.end(), first, first + static_cast<std::ptrdiff_t>(count));
+}
+
+void memory_device::read_bytes(void* data, unsigned long long count) {
+  if (count > remaining()) throw std::runtime_error("memory_device: read past the end");
+  if (count != 0) std::memcpy(data, contents.data() + position, static_cast<std::size_t>(count));
+  position += static_cast<std::size_t>(count);
 }
 
 }  // namespace strata::inpout

@@ -30,6 +30,9 @@ class memory_device : public bindevice {
   const std::vector<unsigned char>& bytes() const { return contents; }
 
  private:
+  void write_bytes(const void* data, unsigned long long count);
+  void read_bytes(void* data, unsigned long long count);
+
   std::vector<unsigned char> contents;
   std::size_t position = 0;
 };

@@ -1,7 +1,8 @@
 #include "arbor/utils/number_text.h"
 
+#include <langinfo.h>
+
 #include <array>
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,6 +25,11 @@ std::string number_text(double value) {
   while (text.back() == '0') text.pop_back();
   if (text.back() == '.') text.pop_back();
   return text;
+}
+
+// By nl_langinfo, since localeconv may not be called by several threads at once.
+bool point_is_dot() {
+  return std::strcmp(nl_langinfo(RADIXCHAR), ".") == 0;
 }
 
 double decimal_fraction(std::uint64_t digits, unsigned int behind_point) {
@@ -52,7 +58,7 @@ bool read_plain(const char* text, double& value) {
   }
   const auto count = (c - begin) - (point == nullptr ? 0 : 1);
   if (*c != '\0' || count == 0 || count > 18 || digits > last_exact_integer) return false;
-  if (point != nullptr && std::strcmp(std::localeconv()->decimal_point, ".") != 0) return false;
+  if (point != nullptr && !point_is_dot()) return false;
   const double magnitude = decimal_fraction(digits, point == nullptr ? 0U : static_cast<unsigned int>(c - point - 1));
   value = negative ? -magnitude : magnitude;
   return true;

@@ -21,6 +21,9 @@ std::string number_text(unsigned int value);
 // own. The point is the one of the process's locale; trailing zeros are cut in any locale, a bare point only if ".".
 std::string number_text(double value);
 
+// Whether the process's locale writes "." between a number's whole and its fraction.
+bool point_is_dot();
+
 // The double nearest to `digits`, at most 2^53, divided by ten to the power of `behind_point`, at most 22: both are
 // doubles themselves, so that the quotient is rounded just once, to what strtod finds for the number in decimal digits.
 constexpr std::uint64_t last_exact_integer = 1ULL << 53U;

@@ -42,7 +42,8 @@ class obinstream {
   template <class T>
   obinstream& write_block(const T* elements, unsigned int count);
 
-  // Writes `count` elements like as many values, each a call of the device or all together, as that prefers.
+  // Writes `count` elements like as many values, each a call of the device or all together, as that prefers. T is int,
+  // unsigned int, float or double.
   template <class T>
   obinstream& write_values(const T* elements, unsigned int count);
 

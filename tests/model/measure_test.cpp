@@ -174,6 +174,27 @@ TEST(AnyMeasure, LetsTheErrorsOfTheClassColumnThrough) {
   }
 }
 
+TEST(CutMeasures, LeaveAClassThatIsNotKnownOutOfAllSums) {
+  for (unsigned int classes : {2U, 3U}) {
+    node n(std::vector<weighted_case>(200), classes, 2);
+    n.known_values = classes;
+    for (unsigned int i = 0; i < 200; ++i)
+      n.cases[i] = {1 + i % 100, i % 10 == 0 ? 0 : 1 + (i % 100 > 40 ? 1U : 0U), 1};
+    n.total_weight = 200;
+    n.range = {1, 101};
+    told_column classes_of(n);  // is read one by one, and so in no other way than before
+    const auto stored_classes = std::make_unique<code_column<unsigned char>>(n, column::CLASS);
+    for (std::size_t i = 0; i < n.cases.size(); ++i) {
+      stored_classes->values[2 * i + 1] = static_cast<unsigned char>(n.cases[i].class_code);
+    }
+    w_sequence cases = sequence_of(n);
+    const code_column<unsigned short> x(n, column::CONTINUOUS);
+    for (by measure : {by::sorting, by::table}) {
+      EXPECT_EQ(told(rate(measure, x, n, *stored_classes, cases)), told(rate(measure, x, n, classes_of, cases)));
+    }
+  }
+}
+
 TEST(EightByteColumn, TellsThirtyTwoBitsOfTheCodesThatItOrdersInFull) {
   node n({{5, 2, 1}, {2, 1, 1}, {7, 2, 1}, {3, 1, 1}});
   code_column<unsigned long long> x(n, column::CONTINUOUS);
