@@ -71,24 +71,27 @@ template <class CodeOf, class Use>
 void with_class_tally(CodeOf code_of, const column& class_column, const w_sequence& cases,
                       const strata::util::pair<unsigned int, unsigned int>& range, Use use) {
   const even_weight weight(cases);
+  const unsigned int distinct_classes = class_column.get_distinct();
   std::size_t counted = 0;
-  if (weight.likely()) {
-    class_tally<unsigned int> counts(range, class_column.get_distinct());
-    with_codes(class_column, [&](auto class_of) { counted = counts.count_even(code_of, class_of, cases, weight); });
-    counts.weigh_counts(weight.value());
-    if (counted == cases.size()) {
-      use(counts);
-      return;
-    }
-    class_tally<float> sums(range, class_column.get_distinct());  // beside the counts: few nodes come to this
-    sums.add(counts);
+  const auto use_sums = [&](class_tally<float>& sums) {
     with_codes(class_column, [&](auto class_of) { sums.add_in_order(code_of, class_of, cases, counted); });
     use(sums);
+  };
+  if (!weight.likely()) {
+    class_tally<float> sums(range, distinct_classes);
+    use_sums(sums);
     return;
   }
-  class_tally<float> sums(range, class_column.get_distinct());
-  with_codes(class_column, [&](auto class_of) { sums.add_in_order(code_of, class_of, cases, counted); });
-  use(sums);
+  class_tally<unsigned int> counts(range, distinct_classes);
+  with_codes(class_column, [&](auto class_of) { counted = counts.count_even(code_of, class_of, cases, weight); });
+  counts.weigh_counts(weight.value());
+  if (counted == cases.size()) {
+    use(counts);
+  } else {
+    class_tally<float> sums(range, distinct_classes);  // beside the counts; few nodes come to this
+    sums.add(counts);
+    use_sums(sums);
+  }
 }
 
 template <class Weight>

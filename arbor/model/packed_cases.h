@@ -89,9 +89,9 @@ class packed_cases {
   std::size_t unknown = 0;
   even_weight weight_of_each;
   bool is_even = false;
-  strata::util::work_array<unsigned int, most_compared>
-      numbers;                          // offsets of codes, 0 for the unknown one, before class codes
-  const unsigned int* known = nullptr;  // the first of those, once they are sorted
+  // The offset of each case's code, 0 for the unknown one, before its class code.
+  strata::util::work_array<unsigned int, most_compared> numbers;
+  const unsigned int* known = nullptr;  // the first known one of them, once they are sorted
 };
 
 }  // namespace arbor::impls
