@@ -182,7 +182,7 @@ template <unsigned int Classes, class Weight, class Use>
 void with_cut_search(const node_weights& node, std::size_t cuts, Use&& use) {
   if constexpr (std::is_integral_v<Weight>) {
     const float sum = std::accumulate(node.classes, node.classes + node.class_count, 0.0F);
-    const std::size_t term_count = 2 * (node.class_count + 1ULL) * cuts;
+    const unsigned long long term_count = 2 * (node.class_count + 1ULL) * cuts;
     if (const double* table = whole_number_terms(static_cast<unsigned int>(sum), term_count)) {
       const whole_terms terms{table};
       cut_search<Weight, whole_terms, Classes> search(node, terms);

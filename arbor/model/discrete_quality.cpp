@@ -42,7 +42,7 @@ discrete_entropies entropies(const class_tally<Weight>& tally, float min_weight)
   if constexpr (std::is_integral_v<Weight>) {
     const unsigned int weight =
         std::accumulate(tally.totals(), tally.totals() + tally.classes(), tally.unknown_weight());
-    const std::size_t term_count = (tally.classes() + 2ULL) * tally.rows();
+    const unsigned long long term_count = (tally.classes() + 2ULL) * tally.rows();
     if (const double* table = whole_number_terms(weight, term_count)) {
       return entropies<Weight>(tally, min_weight, whole_terms{table});
     }

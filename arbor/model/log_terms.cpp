@@ -37,8 +37,8 @@ double log_term(float x) {
   return static_cast<double>(x) * static_cast<double>(binary_log(static_cast<double>(x)));
 }
 
-const double* whole_number_terms(unsigned int greatest, std::size_t terms) {
-  constexpr std::size_t most_entries_per_term = 4;
+const double* whole_number_terms(unsigned int greatest, unsigned long long terms) {
+  constexpr unsigned long long most_entries_per_term = 4;
   for (std::size_t i = 0; i < ends.size(); ++i) {
     if (greatest >= ends[i]) continue;
     const double* table = tables[i].load(std::memory_order_acquire);

@@ -1,12 +1,10 @@
 // x log2 x, of which every entropy is a sum. Internal to the model.
 //
-//   real_terms()(2.5F);                                 // 3.30...
+//   real_terms()(2.5F);                                         // 3.30...
 //   const double* table = whole_number_terms(1000000, 300000);  // may be null
-//   whole_terms{table}(8);                              // 24
+//   whole_terms{table}(8);                                      // 24
 #ifndef ARBOR_MODEL_LOG_TERMS_H
 #define ARBOR_MODEL_LOG_TERMS_H
-
-#include <cstddef>
 
 namespace arbor::impls {
 
@@ -21,7 +19,7 @@ double log_term(float x);
 // The values of log_term for the whole numbers from 0 to at least `greatest`, or null. Tables are made when first asked
 // for, if about `terms` terms are enough to be worth it and there is memory, and then stay unchanged until the process
 // ends; several threads may ask at once.
-const double* whole_number_terms(unsigned int greatest, std::size_t terms);
+const double* whole_number_terms(unsigned int greatest, unsigned long long terms);
 
 // The terms of weights that are any number, and of those that are whole and not beyond the end of a table.
 struct real_terms {
