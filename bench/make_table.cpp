@@ -2,12 +2,12 @@
 //
 //   arbor_make_table --function 7 --rows 1000000 --noise 0.05 > people.csv
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iterator>
 #include <string>
-
-#include <fmt/format.h>
 
 #include "bench/agrawal.h"
 
@@ -31,8 +31,8 @@ int main(int argc, char** argv) {
   agrawal people(settings);
   for (std::size_t row = 0; row < rows; ++row) {
     const person p = people.next();
-    fmt::format_to(out, "{},{},{},{},car{},zip{},{},{},{},{}\n", p.salary, p.commission, p.age, p.education_level, p.car,
-                   p.zip_code, p.house_value, p.years_owned, p.loan, p.group == 0 ? 'A' : 'B');
+    fmt::format_to(out, "{},{},{},{},car{},zip{},{},{},{},{}\n", p.salary, p.commission, p.age, p.education_level,
+                   p.car, p.zip_code, p.house_value, p.years_owned, p.loan, p.group == 0 ? 'A' : 'B');
     if (text.size() < 1U << 20U && row + 1 < rows) continue;
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) return 2;
     text.clear();
