@@ -12,7 +12,8 @@ namespace arbor::impls {
 namespace {
 
 // The tables' ends: from 8 KB, for a small node, to 32 MB, for four million cases.
-constexpr std::array<unsigned int, 6> ends{1U << 10U, 1U << 14U, 1U << 18U, 1U << 20U, 1U << 21U, 1U << 22U};
+constexpr std::array<unsigned int, 8> ends{1U << 10U, 1U << 12U, 1U << 14U, 1U << 16U,
+                                           1U << 18U, 1U << 20U, 1U << 21U, 1U << 22U};
 std::array<std::atomic<const double*>, ends.size()> tables{};
 
 // No lock is taken: of two threads that make a table at once, one drops its own.
@@ -38,7 +39,7 @@ double log_term(float x) {
 }
 
 const double* whole_number_terms(unsigned int greatest, unsigned long long terms) {
-  constexpr unsigned long long most_entries_per_term = 4;
+  constexpr unsigned long long most_entries_per_term = 32;  // tens of nodes share a table
   for (std::size_t i = 0; i < ends.size(); ++i) {
     if (greatest >= ends[i]) continue;
     const double* table = tables[i].load(std::memory_order_acquire);
