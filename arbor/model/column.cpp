@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <stdexcept>
@@ -64,7 +65,14 @@ void column::append_codes(const unsigned int* codes, unsigned int count) {
   check_codes(codes, count);
 }
 
+void column::check_room(unsigned int count) const {
+  if (count > std::numeric_limits<unsigned int>::max() - size()) {
+    throw std::runtime_error("a column has at most 4294967295 rows");
+  }
+}
+
 void column::check_codes(const unsigned int* codes, unsigned int count) const {
+  check_room(count);
   const unsigned int known = domain->size_of_known();
   unsigned int least = 1;
   unsigned int greatest = 0;

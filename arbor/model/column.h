@@ -66,8 +66,8 @@ class column : public strata::util::nocopy {
   virtual void reserve(unsigned int rows);
   virtual unsigned int size() const;
 
-  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not hold the text, and
-  // what the domain throws for a text that is not of its data type.
+  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not hold the text or there
+  // are 4294967295 rows, and what the domain throws for a text that is not of its data type.
   virtual void push_back(const char* value);
 
   // The code of a row's value, its low 32 bits if it has more.
@@ -125,8 +125,8 @@ class column : public strata::util::nocopy {
   virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
   // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid o_set", with the column
-  // unchanged, unless the domain has them all: those of its known values, and 0 if it contains the unknown value. The
-  // base, which holds no rows, appends none.
+  // unchanged, unless the domain has them all: those of its known values, and 0 if it contains the unknown value; and
+  // when there would be more than 4294967295 rows. The base, which holds no rows, appends none.
   virtual void append_codes(const unsigned int* codes, unsigned int count);
 
   // A column of the same class, kind and name with the rows of `cases` alone, in their order, for work on a part of the
@@ -159,6 +159,8 @@ class column : public strata::util::nocopy {
  protected:
   // What append_codes throws.
   void check_codes(const unsigned int* codes, unsigned int count) const;
+  // Throws unless `count` more rows can still be counted.
+  void check_room(unsigned int count) const;
 
   _type type;
   std::string name;

@@ -32,6 +32,7 @@ template <class T>
 void column_typed<T>::push_back(const char* value) {
   unsigned int code = 0;
   if (!domain->get_order(value, code)) throw std::runtime_error("column require a valid o_set");
+  check_room(1);
   values.push_back(static_cast<T>(code));
 }
 

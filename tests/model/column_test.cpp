@@ -168,6 +168,27 @@ TYPED_TEST(TypedColumn, StoresComparesAndCopiesCodes) {
             "continuousx30");
 }
 
+// A column that says that it has as many rows as can be counted.
+struct full_column : column_typed<unsigned char> {
+  full_column() : column_typed(make_domain("string", {"a"}).release(), "x", DISCRETE) {}
+  unsigned int size() const override { return 4294967295U - room; }
+
+  using column_typed::values;
+  unsigned int room = 0;
+};
+
+TEST(Column, HasNoMoreRowsThanCanBeCounted) {
+  full_column c;
+  const unsigned int codes[] = {1, 1};
+  EXPECT_EQ(message_of([&] { c.push_back("a"); }), "a column has at most 4294967295 rows");
+  c.room = 1;
+  EXPECT_EQ(message_of([&] { c.append_codes(codes, 2); }), "a column has at most 4294967295 rows");
+  EXPECT_TRUE(c.values.empty());
+  c.push_back("a");
+  c.append_codes(codes, 1);
+  EXPECT_EQ(c.values.size(), 2U);
+}
+
 TEST(BoolColumn, SharesItsBitsWithAFullCloneUntilOneOutgrowsThem) {
   auto source = make_column("discrete", "string", listed("b,a,b"));
   const auto copy = clone_of(*source, false), empty = clone_of(*source, true), heir = clone_of(*copy, false);
