@@ -54,6 +54,7 @@ class csv_parse_state {
   csv_parse_state() {
     if (csv_init(&state, CSV_STRICT | CSV_STRICT_FINI | CSV_EMPTY_IS_NULL | CSV_REPALL_NL) != 0) throw std::bad_alloc();
     csv_set_space_func(&state, keep_blanks);
+    csv_set_blk_size(&state, cell_step);
   }
   ~csv_parse_state() { csv_free(&state); }
   csv_parse_state(const csv_parse_state&) = delete;
@@ -83,6 +84,9 @@ class csv_parse_state {
     if (csv_error(&state) != CSV_EPARSE) throw std::bad_alloc();
     to.builder.fail(complaint);
   }
+
+  // By how many bytes the buffer of a cell grows. The parser's own step of 128 bytes moves a long cell very often.
+  static constexpr std::size_t cell_step = 1U << 18U;
 
   csv_parser state{};
 };
