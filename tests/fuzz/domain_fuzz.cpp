@@ -163,7 +163,7 @@ void run(const std::string& type, input& in) {
     const unsigned int step = in.below(16);
     if (step < 8) both.insert(text_off(in));
     if (step == 8) {  // enough of them for the builder to put them in order on the way
-      for (unsigned int i = in.below(700), stride = 1 + in.below(9999); i > 0; --i) both.insert(std::to_string(i * stride % 9973));
+      for (unsigned int i = in.below(300), stride = 1 + in.below(9999); i > 0; --i) both.insert(std::to_string(i * stride % 9973));
     }
     if (step == 9 || step == 10) both.look_up(text_off(in));
     if (step == 11) both.compare(in.below(both.codes()), text_off(in));
