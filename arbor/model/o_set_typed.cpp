@@ -185,12 +185,14 @@ std::string o_set_typed<T>::get_value(unsigned int code) {
 
 template <class T>
 o_set* o_set_typed<T>::clone() {
-  const std::vector<T>& source = frozen_values();
+  freeze();
   auto copy = std::make_unique<o_set_typed<T>>(type_name, admits_null_, get_null());
   copy->contains_null_ = contains_null_;
-  std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
-  *values = source;
-  copy->known_values = values.release();
+  if (known_values != nullptr) {
+    std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
+    *values = *known_values;
+    copy->known_values = values.release();
+  }
   copy->frozen = true;
   return copy.release();
 }

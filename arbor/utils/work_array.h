@@ -40,10 +40,10 @@ class work_array : private nocopy {
   const T& operator[](std::size_t i) const { return first[i]; }
 
  private:
+  std::array<T, Short> local;  // before `first`, which may point into it
+  std::unique_ptr<T[]> heap;
   std::size_t count;
   T* first;
-  std::unique_ptr<T[]> heap;
-  std::array<T, Short> local;
 };
 
 }  // namespace strata::util

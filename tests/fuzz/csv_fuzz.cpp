@@ -1,0 +1,112 @@
+// A CSV file as a table: it is refused in words, or every cell of it has a code, quotes around cells make no difference,
+// and a tree grown on it says the same of a row and of its texts.
+#include "arbor/tree/classification.h"
+#include "arbor/tree/csv_reader.h"
+#include "arbor/tree/grower.h"
+#include "arbor/tree/table_error.h"
+#include "arbor/tree/table_loader.h"
+#include "tests/fuzz/fuzz.h"
+
+using namespace arbor::fuzz;
+using namespace arbor::tree;
+
+// Of columns named a, b and c, as those of most inputs are.
+static load_options options_off(input& in) {
+  static const char* const types[] = {"integer", "uinteger", "float", "double", "string"};
+  static const char* const kinds[] = {"discrete", "continuous", "ignore"};
+  static const char* const unknowns[] = {"?", "", "\"\"", "NA", "0", "\x7F\xFF"};
+  load_options options;
+  for (const char* name : {"a", "b", "c"}) {
+    const unsigned int choice = in.byte();
+    if (choice % 8 < 5) options.types[name] = types[choice % 8];
+    if (choice / 8 % 8 < 3) options.kinds[name] = kinds[choice / 8 % 8];
+    if (choice / 64 == 3) options.weights_name = name;
+  }
+  const unsigned int chosen = in.byte();
+  for (unsigned int i = 0; i < 6; ++i) {
+    if ((chosen >> i & 1U) != 0) options.unknown_texts.emplace_back(unknowns[i]);
+  }
+  if (chosen >> 6U == 1) options.class_name = "a";
+  return options;
+}
+
+// The same file with quotes around all cells but the empty ones, which quotes would make known.
+static std::string quoted(const memory_file& file) {
+  std::string result;
+  input_file source(file.path());
+  read_csv(source, [&](const csv_row& row) {
+    for (std::size_t cell = 0; cell < row.size(); ++cell) {
+      if (!row.is_empty(cell)) result += '"';
+      for (const char* c = row.text(cell); *c != '\0'; ++c) result += std::string(*c == '"' ? 2 : 1, *c);
+      if (!row.is_empty(cell)) result += '"';
+      result += cell + 1 == row.size() ? '\n' : ',';
+    }
+  });
+  return result;
+}
+
+static void check_codes(const table& rows) {
+  for (const auto& column : rows.columns) {
+    for (const auto& weighted : rows.cases) {
+      const unsigned int code = column->get_row_index(weighted.first);
+      check(code < column->get_distinct() && (code > 0 || column->get_o_set()->contains_null()), "a code exists");
+      // The least doubles are printed as 0.
+      if (code == 0 || column->get_o_set()->get_datatype() == "double") continue;
+      const std::string text = value_text(*column, code);
+      unsigned int found = 0;
+      check(code_of_text(*column, text.c_str(), found) && found == code, text + " has the code of its row");
+    }
+  }
+}
+
+static void check_tree(const table& rows) {
+  grow_options options;
+  options.min_weight = 1;
+  options.prune = rows.cases.size() % 2 == 0;
+  options.threads = 1;
+  const decision_tree tree = grow_tree(rows, rows.cases, options);
+  const row_classifier of_row(tree, rows);
+  text_classifier of_texts(tree);
+  for (const auto& weighted : rows.cases) {
+    std::vector<std::string> texts(rows.columns.size());
+    std::vector<const char*> values;
+    for (const auto& attribute : tree.attributes) {
+      std::size_t i = 0;
+      while (rows.columns[i]->get_name() != attribute->get_name()) ++i;
+      const unsigned int code = rows.columns[i]->get_row_index(weighted.first);
+      texts[i] = value_text(*rows.columns[i], code);
+      values.push_back(code == 0 ? nullptr : texts[i].c_str());
+    }
+    check(of_row(weighted.first) == of_texts(values), "a tree says the same of a row and of its texts");
+  }
+  for (const auto& attribute : tree.attributes) thaw(attribute->get_o_set());
+  thaw(tree.class_column->get_o_set());
+}
+
+// All of a table as text, or what it was refused with.
+static std::string told(const memory_file& file, const load_options& options) {
+  std::string all;
+  const std::string refused = refusal<table_error>([&] {
+    const table rows = load_table(file.path(), options);
+    check_codes(rows);
+    if (rows.class_column().get_distinct() > 1) check_tree(rows);
+    for (const auto& column : rows.columns) {
+      for (const unsigned char byte : record_of(column.get())) all += static_cast<char>(byte);
+      thaw(column->get_o_set());
+    }
+    for (const auto& [row, weight] : rows.cases) all += std::to_string(row) + ":" + std::to_string(weight) + "\n";
+    for (const std::string& remark : rows.remarks) all += remark + "\n";
+  });
+  check(refused.find('\n') == std::string::npos, "a message is one line");
+  const std::size_t name = refused.find(file.path());
+  return all + (name == std::string::npos ? refused : refused.substr(name + file.path().size()));
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  input in{data, size};
+  const load_options options = options_off(in);
+  const memory_file file(in.rest());
+  const std::string plain = told(file, options);
+  refusal<table_error>([&] { check_same(told(memory_file(quoted(file)), options), plain, "a table in quotes"); });
+  return 0;
+}
