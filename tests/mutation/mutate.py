@@ -89,13 +89,10 @@ class Worker:
 
     def tests(self, name, path):
         """The commands of all tests, those nearest to the path first."""
-        folder = self.builds[name] / "tests"
-        programs = [p for p in sorted(folder.iterdir()) if p.is_file() and os.access(p, os.X_OK)]
         layer = path.split("/")[1] if path else ""
-        replays = [p for p in programs if p.name.endswith("_fuzz")]
-        tests = sorted((p for p in programs if p.name.endswith("_test")), key=lambda p: not p.name.startswith(layer))
-        corpus = self.source / "tests/fuzz/corpus"
-        return [[p] for p in tests] + [[p, *sorted((corpus / p.name).iterdir())] for p in replays]
+        tests = sorted(self.builds[name].glob("tests/*_test"), key=lambda p: (not p.name.startswith(layer), p.name))
+        replays = sorted(self.builds[name].glob("tests/fuzz/*_fuzz"))
+        return [[p] for p in tests] + [[p, self.source / "tests/fuzz/corpus" / p.name] for p in replays]
 
     def passes(self, name, command, seconds):
         limit = MEMORY if name == "quick" else resource.RLIM_INFINITY
