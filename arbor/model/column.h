@@ -117,8 +117,8 @@ class column : public strata::util::nocopy {
   // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then incomplete.
   //
   // Const calls, this one and others, may run at once, on one column as on several, once every domain that they read
-  // (the class column's too) has been asked something, and as long as nothing is inserted or appended. With
-  // `copy_cases` the cases are only read and may be shared; else each call needs its own.
+  // (the class column's too) has been asked something, and as long as nothing is inserted or appended. Each needs a
+  // `result` of its own and, without `copy_cases`, cases of its own; with it they are only read and may be shared.
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                options* opts, splitting_desc& result, bool copy_cases) const;
