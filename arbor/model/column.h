@@ -10,6 +10,9 @@
 // of a split with `set_partition_desc`, and asks the column for the cases of each branch with `partition`.
 //
 // Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are never range-checked.
+//
+// Where there is no storage, std::bad_alloc is thrown, or std::runtime_error "out of memory" where bits are stored. The
+// column is then as it was, nothing is leaked, and what was called may be called again.
 #ifndef ARBOR_MODEL_COLUMN_H
 #define ARBOR_MODEL_COLUMN_H
 
@@ -39,7 +42,7 @@ class column : public strata::util::nocopy {
   struct splitting_desc;
   struct partition_desc;
 
-  // Adopts `domain`, which may be null only if nothing that needs it is called.
+  // Adopts `domain`, which may be null only if nothing that needs it is called; it stays the caller's if this throws.
   column(o_set* domain, const std::string& name, _type type);
   virtual ~column();
 
@@ -48,7 +51,7 @@ class column : public strata::util::nocopy {
   //
   // `domain` is already filled; `type` is "discrete", "continuous", "class", "weights" or "ignore". On success the
   // caller owns the column, the column owns the domain, and `error` is untouched. When kind and domain do not go
-  // together the result is null, `error` says why, and the domain stays the caller's.
+  // together the result is null, `error` says why, and the domain stays the caller's; so it does when this throws.
   static column* NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type, std::string& error);
 
   // The kind of a text, exactly spelled; returns false, with `kind` untouched, for any other text.
@@ -114,8 +117,8 @@ class column : public strata::util::nocopy {
   // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then incomplete.
   //
   // Const calls, this one and others, may run at once, on one column as on several, once every domain that they read
-  // (the class column's too) has been asked something, and as long as nothing is inserted or appended. With
-  // `copy_cases` the cases are only read and may be shared; else each call needs its own.
+  // (the class column's too) has been asked something, and as long as nothing is inserted or appended. Each needs a
+  // `result` of its own and, without `copy_cases`, cases of its own; with it they are only read and may be shared.
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                                options* opts, splitting_desc& result, bool copy_cases) const;

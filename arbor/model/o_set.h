@@ -10,8 +10,10 @@
 // `insert` and then asked; the first question puts the values in order, and an insertion after it may shift codes.
 // That question changes the domain; those after it only read, and may be asked by several threads at once.
 //
+// Whatever is thrown, std::bad_alloc for one, the values stay as they were, and what was called may be called again.
+//
 // Texts that go in are NUL-terminated, no null pointers. Floating-point numbers are read and printed in the process's
-// locale.
+// locale, which no thread may change meanwhile.
 #ifndef ARBOR_MODEL_O_SET_H
 #define ARBOR_MODEL_O_SET_H
 

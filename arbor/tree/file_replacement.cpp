@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/table_error.h"
@@ -64,6 +65,7 @@ class signals_held {
 // The file that a path leads to, over links if it exists.
 std::string resolved(const std::string& path) {
   const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+  if (real == nullptr && errno == ENOMEM) throw std::bad_alloc();  // or a link would be replaced by the file
   return real == nullptr ? path : real.get();
 }
 
@@ -108,13 +110,14 @@ file_replacement::~file_replacement() {
 }
 
 void file_replacement::commit() {
+  const std::string folder_path = folder_of(target);  // nothing may throw once the file has its name
   sync(temporary, O_WRONLY);
   const signals_held held;
   if (std::rename(temporary.c_str(), target.c_str()) != 0) fail(target, "cannot be replaced");
   committed = true;
   to_remove = nullptr;
   // The file is there whatever comes of this: some folders cannot be opened, and some file systems sync none.
-  const int folder = open(folder_of(target).c_str(), O_RDONLY | O_DIRECTORY);
+  const int folder = open(folder_path.c_str(), O_RDONLY | O_DIRECTORY);
   if (folder < 0) return;
   fsync(folder);
   close(folder);

@@ -10,9 +10,10 @@
 
 namespace arbor::tree {
 
-// Whatever happens before `commit` has returned, the file that was there stays as it was; the temporary file beside it
-// goes with this object, and when a signal ends the process (SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ). One exists at
-// a time. A link to a file that is there is followed, and the access rights of a file that is there are kept.
+// Whatever happens before `commit` has returned, std::bad_alloc for one, the file that was there stays as it was; the
+// temporary file beside it goes with this object, and when a signal ends the process (SIGINT, SIGTERM, SIGHUP, SIGQUIT,
+// SIGXFSZ). One exists at a time. A link to a file that is there is followed, and the access rights of a file that is
+// there are kept.
 class file_replacement {
  public:
   // Creates the temporary file, empty, in the folder of the file. Throws table_error, also for what is there and is no

@@ -1,4 +1,6 @@
 // JSON with members in the order of their insertion and numbers that read back to the same float.
+//
+// A document takes memory even while it is destroyed, and ends the process by std::terminate where there is none.
 #ifndef ARBOR_TREE_FLOAT_JSON_H
 #define ARBOR_TREE_FLOAT_JSON_H
 

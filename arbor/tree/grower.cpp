@@ -293,7 +293,8 @@ decision_tree tree_of(const table& training, std::vector<tree_node> nodes) {
   for (unsigned int i = 0; i < attribute_of.size(); ++i) {
     if (attribute_of[i] == tree_node::no_attribute) continue;
     attribute_of[i] = static_cast<unsigned int>(tree.attributes.size());
-    tree.attributes.emplace_back(training.columns[i]->clone(true));
+    std::unique_ptr<column> attribute(training.columns[i]->clone(true));
+    tree.attributes.push_back(std::move(attribute));
   }
   for (tree_node& node : tree.nodes) {
     if (!node.is_leaf()) node.attribute = attribute_of[node.attribute];

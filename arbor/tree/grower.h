@@ -31,6 +31,8 @@ struct grow_options {
 // node becomes a leaf when its cases are of one class, weigh less than twice `min_weight`, lie `max_depth` deep, or
 // have no split. Cases whose value is unknown go down every branch, until less than a thousandth of them is left. The
 // same cases in the same order always give the same tree.
+//
+// What a thread throws, std::bad_alloc for one, is thrown on here once all threads have ended.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases, const grow_options& options);
 
 }  // namespace arbor::tree

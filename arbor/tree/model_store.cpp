@@ -17,6 +17,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -28,6 +29,7 @@
 #include "arbor/utils/file_device.h"
 #include "arbor/utils/ibinstream.h"
 #include "arbor/utils/memory_device.h"
+#include "arbor/utils/no_storage.h"
 #include "arbor/utils/obinstream.h"
 
 namespace arbor::tree {
@@ -213,6 +215,8 @@ decision_tree load_model(const std::string& path) {
   if (checksum(bytes) != expected) fail("damaged: its checksum is wrong");
   try {
     return tree_of(std::move(bytes));
+  } catch (const strata::util::no_storage&) {
+    throw std::bad_alloc();  // no fault of the file
   } catch (const std::runtime_error& failure) {
     throw table_error(file.name() + ": damaged: " + printable(failure.what()));
   }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "arbor/tree/cell_blocks.h"
@@ -9,6 +10,7 @@
 #include "arbor/tree/csv_table.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/table_error.h"
+#include "arbor/utils/no_storage.h"
 
 namespace arbor::tree {
 
@@ -35,6 +37,8 @@ class loading {
     for (column_loader& loader : loaders) {
       try {
         loader.make_column();
+      } catch (const strata::util::no_storage&) {
+        throw std::bad_alloc();  // no fault of the table
       } catch (const std::runtime_error& refusal) {
         file.fail("column " + in_quotes(loader.name()) + ": " + refusal.what());
       }

@@ -41,7 +41,8 @@ struct load_options {
 //
 // Numbers are read in the process's locale.
 //
-// Throws table_error when the file cannot be read, is no such table, or does not go together with the options.
+// Throws table_error when the file cannot be read, is no such table, or does not go together with the options, and
+// std::bad_alloc when memory is short.
 table load_table(const std::string& path, const load_options& options);
 
 }  // namespace arbor::tree

@@ -5,6 +5,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "arbor/utils/no_storage.h"
+
 namespace strata::adt {
 
 namespace {
@@ -26,7 +28,7 @@ void bitmap::reserve(unsigned int bits) {
   try {
     grown.reset(new unsigned int[new_words]());
   } catch (const std::bad_alloc&) {
-    throw std::runtime_error("out of memory");
+    throw util::no_storage("out of memory");
   }
   if (words != nullptr) std::copy_n(words.get(), words_for(length), grown.get());
   words = std::move(grown);

@@ -25,7 +25,7 @@ class bitmap {
   virtual ~bitmap() = default;
 
   // Makes room for `bits` bits in all, in whole words; the bits gained read as false. The largest capacity is
-  // 4294967295. Throws std::runtime_error "out of memory", with nothing changed, when there is no storage.
+  // 4294967295. Throws no_storage, a std::runtime_error, "out of memory" when there is none; nothing is changed then.
   virtual void reserve(unsigned int bits);
 
   // Lengthens to `bits` bits, reserving for them; bits that the storage already held keep their value. A smaller

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "arbor/utils/block_transfer.h"
+#include "arbor/utils/no_storage.h"
 
 namespace strata::inpout {
 
@@ -56,9 +57,9 @@ ibinstream& ibinstream::operator>>(char*& text) {
   *this >> length;
   expect(length, 1);
   // No text is written that is longer than this, and one more byte than it holds can be counted in 32 bits.
-  if (length > 0x7FFFFFFEU) throw std::runtime_error("Failed to create object");
+  if (length > 0x7FFFFFFEU) throw util::no_storage("Failed to create object");
   std::unique_ptr<char[]> array(new (std::nothrow) char[length + 1]);
-  if (array == nullptr) throw std::runtime_error("Failed to create object");
+  if (array == nullptr) throw util::no_storage("Failed to create object");
   device->read(array.get(), length);
   array[length] = '\0';
   text = array.release();
@@ -93,7 +94,7 @@ ibinstream& ibinstream::read_special(Vector*& vector) {
   *this >> present;
   if (!present) return *this;
   std::unique_ptr<Vector> loaded(new (std::nothrow) Vector());
-  if (loaded == nullptr) throw std::runtime_error("ibinstream::operator >>: failed to create object.");
+  if (loaded == nullptr) throw util::no_storage("ibinstream::operator >>: failed to create object.");
   unsigned int count = 0;
   *this >> count;
   // The shortest text is an absent one, a single byte.

@@ -34,7 +34,7 @@ class ibinstream {
   ibinstream& operator>>(double& value);
 
   // Reads a text: null if it was, else a new NUL-terminated array that the caller releases with delete[]. Throws
-  // std::runtime_error "Failed to create object" when there is no storage for it.
+  // no_storage, a std::runtime_error, "Failed to create object" when there is none for it.
   ibinstream& operator>>(char*& text);
 
   // Reads a text up to its first zero byte, an absent one as the empty text. When it throws, `text` is unchanged.

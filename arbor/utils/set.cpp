@@ -88,6 +88,7 @@ set<T>::~set() = default;
 
 template <class T>
 void set<T>::insert(const T& value) {
+  if (pending.size() >= flush_threshold) compact();  // before the value is taken, since this may throw
   if (slots == nullptr) {
     pending.push_back(value);
   } else {
@@ -100,7 +101,6 @@ void set<T>::insert(const T& value) {
     cached = std::move(copy);
     used = true;
   }
-  if (pending.size() >= flush_threshold) compact();
 }
 
 template <class T>

@@ -16,17 +16,17 @@ namespace strata::adt {
 
 // T is datatype<int>, datatype<unsigned int>, datatype<float>, datatype<double> or datatype<std::string>.
 //
-// Values collect in a vector, which is sorted and freed of duplicates at 256 values and then whenever it has grown to
-// four times the size it had after the last such compaction. From the first compaction on, a direct-mapped cache of
-// 1339 slots absorbs repeats without touching the vector; before it, the cache would outweigh the values of a small
-// table.
+// Values collect in a vector, which is sorted and freed of duplicates when a value comes and there are 256, and then
+// whenever it has grown to four times the size it had after the last such compaction. From the first compaction on, a
+// direct-mapped cache of 1339 slots absorbs repeats without touching the vector; before it, the cache would outweigh
+// the values of a small table.
 template <class T>
 class set : private util::nocopy {
  public:
   set();
   virtual ~set();
 
-  // Takes a copy of `value`. On std::bad_alloc the values taken before are all still there.
+  // Takes a copy of `value`. On std::bad_alloc nothing is changed.
   virtual void insert(const T& value);
 
   // Takes many values, as if each was inserted, but at no cost beyond that of the vector when there were none before;
