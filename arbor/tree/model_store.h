@@ -12,8 +12,7 @@
 namespace arbor::tree {
 
 // Replaces the file, whole or not at all. Throws table_error or std::bad_alloc; what was there before is there still,
-// then. The same tree
-// always gives the same bytes.
+// then. The same tree always gives the same bytes.
 void save_model(const std::string& path, const decision_tree& tree);
 
 // Throws table_error for what cannot be read, is no model, or is damaged. A tree that is returned is sound: every

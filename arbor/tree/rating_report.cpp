@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "arbor/tree/csv_cell.h"
-#include "arbor/tree/float_json.h"
+#include "arbor/tree/json_writer.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/shortest_text.h"
 #include "arbor/tree/text_table.h"
@@ -112,42 +112,41 @@ std::string ratings_as_csv(const impls::w_sequence& cases, const std::vector<att
 
 std::string ratings_as_json(const table& rated, const impls::w_sequence& cases,
                             const std::vector<attribute_rating>& ratings) {
-  float_json classes = float_json::array();
-  for (const auto& [value, weight] : named_class_weights(rated, cases))
-    classes.push_back({{"value", value}, {"weight", weight}});
-  float_json report;
-  report["table"] = {{"name", rated.name},
-                     {"rows", cases.size()},
-                     {"attributes", attribute_count(rated)},
-                     {"unknown_cells", unknown_attribute_cells(rated, cases)},
-                     {"weight", total_weight(cases)},
-                     {"class", rated.class_column().get_name()},
-                     {"classes", classes}};
-  report["ratings"] = float_json::array();
-  for (const attribute_rating& rating : ratings) {
-    float_json entry = {{"attribute", rating.name},
-                        {"kind", rating.kind},
-                        {"type", rating.data_type},
-                        {"values", rating.values},
-                        {"unknown", static_cast<float>(unknown_share(cases, rating))},
-                        {"gain", nullptr},
-                        {"split_info", nullptr},
-                        {"gain_ratio", nullptr},
-                        {"branches", nullptr},
-                        {"threshold", nullptr},
-                        {"no_split", nullptr}};
-    if (rating.split) {
-      entry["gain"] = rating.split->gain;
-      entry["split_info"] = rating.split->split_info;
-      entry["gain_ratio"] = rating.split->gain_ratio;
-      entry["branches"] = rating.split->branches;
-      if (rating.split->threshold) entry["threshold"] = *rating.split->threshold;
-    } else {
-      entry["no_split"] = rating.no_split_reason;
-    }
-    report["ratings"].push_back(entry);
+  json_writer json;
+  json.open('{').key("table").open('{');
+  json.member("name", rated.name);
+  json.member("rows", cases.size());
+  json.member("attributes", attribute_count(rated));
+  json.member("unknown_cells", unknown_attribute_cells(rated, cases));
+  json.member("weight", total_weight(cases));
+  json.member("class", rated.class_column().get_name());
+  json.key("classes").open('[');
+  for (const auto& [value, weight] : named_class_weights(rated, cases)) {
+    json.open('{').member("value", value).member("weight", weight).close();
   }
-  return json_text(report);
+  json.close().close().key("ratings").open('[');
+  for (const attribute_rating& rating : ratings) {
+    json.open('{');
+    json.member("attribute", rating.name);
+    json.member("kind", rating.kind);
+    json.member("type", rating.data_type);
+    json.member("values", rating.values);
+    json.member("unknown", static_cast<float>(unknown_share(cases, rating)));
+    const auto member_or_null = [&json](const char* name, bool is_there, const auto& value) {
+      json.key(name);
+      is_there ? json.value(value) : json.value(nullptr);
+    };
+    const bool splits = rating.split.has_value();
+    const auto& split = splits ? *rating.split : split_rating();
+    member_or_null("gain", splits, split.gain);
+    member_or_null("split_info", splits, split.split_info);
+    member_or_null("gain_ratio", splits, split.gain_ratio);
+    member_or_null("branches", splits, split.branches);
+    member_or_null("threshold", split.threshold.has_value(), split.threshold.value_or(""));
+    member_or_null("no_split", !splits, rating.no_split_reason);
+    json.close();
+  }
+  return json.close().close().text();
 }
 
 }  // namespace arbor::tree

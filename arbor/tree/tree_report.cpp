@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "arbor/tree/float_json.h"
+#include "arbor/tree/json_writer.h"
 #include "arbor/tree/message_text.h"
 #include "arbor/tree/shortest_text.h"
 #include "arbor/tree/table.h"
@@ -159,31 +159,31 @@ std::string tree_as_dot(const decision_tree& tree, std::size_t depth) {
 
 std::string tree_as_json(const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
-  float_json classes = float_json::array();
+  json_writer json;
+  json.open('{').member("class", tree.class_column->get_name()).key("classes").open('[');
   const std::size_t class_count = tree.nodes.front().class_weights.size();
-  for (std::size_t c = 0; c < class_count; ++c) classes.push_back(class_text(tree, c));
-  float_json report{{"class", tree.class_column->get_name()}, {"classes", classes}, {"nodes", float_json::array()}};
+  for (std::size_t c = 0; c < class_count; ++c) json.value(class_text(tree, c));
+  json.close().key("nodes").open('[');
   for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
     const tree_node& node = tree.nodes[i];
-    float_json entry{
-        {"node", i}, {"weights", node.class_weights}, {"class", class_text(tree, heaviest_class(node.class_weights))}};
+    json.open('{').member("node", i).key("weights").open('[');
+    for (const float weight : node.class_weights) json.value(weight);
+    json.close().member("class", class_text(tree, heaviest_class(node.class_weights)));
     if (i > 0) {
       const column& tested = *tree.attributes[tree.nodes[parents[i]].attribute];
-      entry["parent"] = parents[i];
-      entry["branch"] = branch_value(tested, node);
-      entry["share"] = node.share;
+      json.member("parent", parents[i]).member("branch", branch_value(tested, node)).member("share", node.share);
     }
     if (!node.is_leaf()) {
       const column& tested = *tree.attributes[node.attribute];
-      entry["attribute"] = tested.get_name();
-      if (tested.is_continuous()) entry["threshold"] = threshold_of(tested, node);
-      entry["children"] = float_json::array();
-      for (std::size_t c = node.first_child; c < node.first_child + node.child_count; ++c)
-        entry["children"].push_back(c);
+      json.member("attribute", tested.get_name());
+      if (tested.is_continuous()) json.member("threshold", threshold_of(tested, node));
+      json.key("children").open('[');
+      for (std::size_t c = node.first_child; c < node.first_child + node.child_count; ++c) json.value(c);
+      json.close();
     }
-    report["nodes"].push_back(std::move(entry));
+    json.close();
   }
-  return json_text(report);
+  return json.close().close().text();
 }
 
 std::string size_line(const decision_tree& tree) {

@@ -110,6 +110,9 @@ TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
   fail_each("rows", [&] { return tree::matrix_as_text(t, tree::classify_cases(t, rows, rows.cases)); });
   fail_each("text", [&] { return tree::tree_as_text(t, 2) + tree::first_lines(told(t), 3) + tree::size_line(t); });
   fail_each("dot", [&] { return tree::tree_as_dot(t, 3); });
+  fail_each("tree as JSON", [&] { return tree::tree_as_json(t); });
+  const auto ratings = tree::rate_attributes(rows, rows.cases, 1);
+  fail_each("ratings as JSON", [&] { return tree::ratings_as_json(rows, rows.cases, ratings); });
   fail_each("file", [&] {
     std::ofstream out("/dev/null");
     const auto result = tree::classify_table(cases.path(), t, {}, out);
