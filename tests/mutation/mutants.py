@@ -34,9 +34,9 @@ TRUTH = re.compile(r"\b(?:true|false)\b")
 CONDITION = re.compile(r"\b(?:if|while) (?:constexpr )?\(")
 OPERAND = r"[\w:]+(?:(?:\.|->)\w+|\[\w+\]|\(\w*\))*"
 SWAP = re.compile(rf"(?<![\w.>\])] [-+*/%] )(?<![\w.>:])({OPERAND}) (-|/|%|<|<=|>|>=|<<|>>) ({OPERAND})(?![\w.(\[])")
-ARGUMENTS = re.compile(rf"(?<=\()({OPERAND}), ({OPERAND})(?=\))")
+ARGUMENTS = re.compile(rf"(?<!std::min)(?<!std::max)(?<=\()({OPERAND}), ({OPERAND})(?=\))")
 NO_CODE = re.compile(r'//[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'|^#[^\n]*(?:\\\n[^\n]*)*', re.M)
-DECLARATION = re.compile(r"\s*(?:template <|static_assert|using |namespace |typedef |friend |return\b.+;|\}|public:|private:)")
+DECLARATION = re.compile(r"\s*(?:template\b|static_assert|using |namespace |typedef |friend |return\b.+;|\}|public:|private:)")
 
 
 def without_text(source):
@@ -96,7 +96,7 @@ def mutants_of(path, source):
         first = source.rfind("\n", 0, start) + 1
         last = source.find("\n", end)
         line = source.count("\n", 0, start) + 1
-        if re.match(r"\s*(?:template <|static_assert)", source[first:last]):
+        if re.match(r"\s*(?:template\b|static_assert)", source[first:last]):
             continue
         after = source[first:start] + text + source[end:last]
         flat = [" ".join(lines.split()) for lines in (source[first:last], after)]

@@ -109,8 +109,8 @@ class Worker:
             return False
 
     def verdict(self, mutant):
-        source = (ROOT / mutant.path).read_text()
         changed = self.source / mutant.path
+        source = changed.read_text()
         changed.write_text(mutant.applied_to(source))
         try:
             for name in BUILDS:
