@@ -71,7 +71,7 @@ void add(sample& table, const std::string& name, const std::function<column*()>&
     compare(full_name, {aim::ratio, 1.5}, [=, &table] {
       const auto node = std::make_shared<split>();
       node->source = source();
-      node->cases = table.node(order, weighing::unit);
+      node->cases = sample::node(order, weighing::unit);
       node->branch = branch;
       node->desc.threshold = threshold;
       const auto bare = [=] {

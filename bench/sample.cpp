@@ -20,7 +20,7 @@ std::unique_ptr<column> make_column(const std::string& kind, const std::string& 
   std::string error;
   std::unique_ptr<column> made(column::NEW_COLUMN(values.get(), "x", kind, error));
   if (made == nullptr) throw std::logic_error(error);
-  values.release();
+  static_cast<void>(values.release());
   return made;
 }
 
@@ -65,7 +65,7 @@ column* sample::filled(const std::string& key, const std::string& kind, unsigned
   return kept.get();
 }
 
-w_sequence sample::node(row_order order, weighing weights) const {
+w_sequence sample::node(row_order order, weighing weights) {
   std::mt19937_64 random(2);
   w_sequence result;
   result.reserve(cases);

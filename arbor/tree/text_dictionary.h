@@ -68,8 +68,8 @@ inline std::uint64_t text_dictionary::key_of(cell_text text) {
     return text.length == 0 ? 0 : first_characters_at_end(eight_characters(text.begin), text.length);
   }
   std::uint64_t hash = text.length;
-  const auto mix = [&hash](std::uint64_t characters) {
-    hash = (hash ^ characters) * factor;
+  const auto mix = [&hash](std::uint64_t eight) {
+    hash = (hash ^ eight) * factor;
     hash ^= hash >> 32U;
   };
   std::size_t i = 0;

@@ -5,7 +5,8 @@
 namespace arbor::tests {
 
 // What a column answers, every number to its last bit, when the node's cases are a part of a sequence.
-static std::string parted(const column& c, w_sequence cases, unsigned branch, float total, column::partition_desc by) {
+static std::string parted(const column& c, w_sequence cases, unsigned branch, float total,
+                          const column::partition_desc& by) {
   float ratio = untouched;
   strata::util::pair<unsigned int, unsigned int> range{untouched, untouched};
   std::unique_ptr<w_sequence> result(new w_sequence);
