@@ -12,7 +12,7 @@ std::unique_ptr<column> make_column(const char* name, const char* kind, const ch
   for (const char* value : values) domain->insert(value);
   std::string error;  // says why when a column cannot be made
   std::unique_ptr<column> made(column::NEW_COLUMN(domain.get(), name, kind, error));
-  static_cast<void>(domain.release());  // it is the column's now
+  domain.release();  // it is the column's now
   for (const char* value : values) made->push_back(value);
   return made;
 }

@@ -105,7 +105,7 @@ void column_loader::make_column() {
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind, error));
   if (made == nullptr) throw std::runtime_error(error + advice(kind));
-  static_cast<void>(domain.release());  // the column has adopted it
+  domain.release();  // the column has adopted it
   if (!coded) {
     impls::o_set& values = *made->get_o_set();
     if (data_type == "float") lost_numbers = lost_as_float(cells, values);
