@@ -47,7 +47,8 @@ TEST(Partition, SendsCasesDownTheirBranchAndUnknownOnesByItsShare) {
 
 TEST(Partition, LeavesShareAndCodesAloneWhenItIsRefused) {
   const std::string text = "[column::partition] method not defined for column type '", rest = "'share 77 of 77-77";
-  for (auto k : {"weights", "ignore"}) EXPECT_EQ(parted(*make_column(k, "float", {}), {}, 1, 4, {}), text + k + rest);
+  for (const auto* k : {"weights", "ignore"})
+    EXPECT_EQ(parted(*make_column(k, "float", {}), {}, 1, 4, {}), text + k + rest);
   EXPECT_EQ(parted(column(nullptr, "x", column::CLASS), {}, 1, 4, {}), text + "class" + rest);
   EXPECT_EQ(parted(column_bool(nullptr, "x", column::CONTINUOUS), {}, 1, 4, {}), text + "continuous" + rest);
   EXPECT_EQ(parted(*make_column("continuous", "integer", {}), {}, 1, 4, {"a", 2}), "a: _not an intshare 77 of 77-77");
