@@ -32,10 +32,12 @@ void alternate(benchmark::State& state, const comparison& pair, const aim& wante
     state.SetIterationTime(seconds);
   }
   const double calls_ns = 1e9 / static_cast<double>(state.iterations());
-  const double items = static_cast<double>(pair.items);
+  const auto items = static_cast<double>(pair.items);
   state.counters["unit_ns"] = unit * calls_ns / items;
-  if (pair.bare) state.counters["bare_ns"] = bare * calls_ns / items;
-  if (pair.bare) state.counters["ratio"] = unit / bare;
+  if (pair.bare) {
+    state.counters["bare_ns"] = bare * calls_ns / items;
+    state.counters["ratio"] = unit / bare;
+  }
   if (pair.swept != 0) state.counters["sweep_ns"] = (unit - bare) * calls_ns / static_cast<double>(pair.swept);
   if (wanted.of == aim::ratio) state.counters["aim_ratio"] = wanted.most;
   if (wanted.of == aim::time) state.counters["aim_unit_ns"] = wanted.most;
@@ -46,10 +48,10 @@ void alternate(benchmark::State& state, const comparison& pair, const aim& wante
 
 void compare(const std::string& name, const aim& wanted, const std::function<comparison()>& make) {
   const auto run = [=](benchmark::State& state) {
-    // One comparison at a time: a benchmark is run many times in a row, and the arrays of all would fill the memory.
-    static std::string prepared;
-    static comparison pair;
     try {
+      // One comparison at a time: a benchmark is run many times in a row, and the arrays of all would fill the memory.
+      static std::string prepared;
+      static comparison pair;
       if (prepared != name) {
         prepared.clear();
         pair = {};

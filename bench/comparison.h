@@ -20,7 +20,7 @@
 namespace arbor::bench {
 
 struct comparison {
-  std::size_t items;  // that one call of either works through: times are told per item
+  std::size_t items = 0;  // that one call of either works through: times are told per item
   std::function<void()> unit;
   std::function<void()> bare;          // empty when there is none to compare with: the time itself is the result then
   std::function<void()> prepare = {};  // called before each call of the unit, off the clock

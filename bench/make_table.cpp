@@ -6,6 +6,8 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <exception>
+#include <iostream>
 #include <iterator>
 #include <string>
 
@@ -14,7 +16,7 @@
 using arbor::bench::agrawal;
 using arbor::bench::person;
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   agrawal::settings settings{2, 0, 1};
   std::size_t rows = 1000000;
   CLI::App app("Writes a table of people who ask for a loan, and the group that a function assigns to them, as CSV");
@@ -38,4 +40,7 @@ int main(int argc, char** argv) {
     text.clear();
   }
   return std::fflush(stdout) == 0 ? 0 : 2;
+} catch (const std::exception& error) {
+  std::cerr << error.what() << '\n';
+  return 2;
 }

@@ -77,7 +77,7 @@ json measure(const char* phase, const std::function<void()>& work) {
   for (int run = 0; run == 0 || (run < 3 && within(60)) || (run < 25 && within(1)); ++run) {
     const double processor_start = processor_seconds();
     const double clock_start = clock_seconds();
-    for (double done = 0; done < repeats; ++done) work();
+    for (auto left = static_cast<std::size_t>(repeats); left > 0; --left) work();
     const double processor_time = (processor_seconds() - processor_start) / repeats;
     const double clock_time = (clock_seconds() - clock_start) / repeats;
     if (run == 0) {
@@ -109,7 +109,7 @@ std::size_t domain_bytes(const impls::column& column) {
   for (unsigned int code = 1; code < column.get_distinct(); ++code) {
     const std::string text = column.get_value(code);
     const bool apart = text.capacity() > std::string().capacity();  // too long to be held in the string itself
-    bytes += sizeof text + (apart ? text.size() + 1 : 0);
+    bytes += sizeof(std::string) + (apart ? text.size() + 1 : 0);
   }
   return bytes;
 }

@@ -126,7 +126,7 @@ std::vector<circumstances> combinations(const std::vector<unsigned int>& known, 
 
 std::shared_ptr<node_rating> make_node(sample& table, const string& kind, const circumstances& c,
                                        std::size_t cases = sample::cases) {
-  w_sequence node = table.node(c.order, c.weights);
+  w_sequence node = sample::node(c.order, c.weights);
   node.resize(cases);
   return std::make_shared<node_rating>(
       node_rating{table.attribute(kind, c.known), table.classes(c.classes), std::move(node)});
@@ -147,7 +147,7 @@ void add_discrete(sample& table) {
 }
 
 std::shared_ptr<node_rating> make_rainforest_node(sample& table, const circumstances& c, std::size_t cases) {
-  const auto node = make_node(table, "continuous", c, cases);
+  auto node = make_node(table, "continuous", c, cases);
   bare_tally(*node);
   expect(cases / c.known > 2, "class weights are tallied rather than cases sorted");
   expect_gain(*node, tallied_values(node->table, node->stride).gain_at_threshold());

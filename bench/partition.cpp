@@ -63,15 +63,15 @@ void expect_same(const w_sequence& unit, const taken_cases& bare, std::size_t al
 
 // The bare loop takes the cases for whose code and `bound`, the code of branch or threshold, `takes` holds.
 template <class Takes>
-void add(sample& table, const std::string& name, const std::function<column*()>& source, unsigned int branch,
+void add(const std::string& name, const std::function<column*()>& source, unsigned int branch,
          const std::string& threshold, unsigned int bound, Takes takes) {
   for (const row_order order : {row_order::rows, row_order::scattered}) {
     const std::string full_name =
         "partition : bare copy/" + name + (order == row_order::rows ? "/row order" : "/scattered");
-    compare(full_name, {aim::ratio, 1.5}, [=, &table] {
+    compare(full_name, {aim::ratio, 1.5}, [=] {
       const auto node = std::make_shared<split>();
       node->source = source();
-      node->cases = table.node(order, weighing::unit);
+      node->cases = sample::node(order, weighing::unit);
       node->branch = branch;
       node->desc.threshold = threshold;
       const auto bare = [=] {
@@ -91,12 +91,12 @@ void add_partition(sample& table) {
   const auto bits = [&table] { return table.attribute("discrete", 2); };
   const auto three = [&table] { return table.skewed(); };
   const auto many = [&table] { return table.attribute("continuous", 100000); };
-  add(table, "discrete, bits", bits, 1, "", 1, std::equal_to<>());
-  add(table, "discrete, 1 byte, 3 values", three, 2, "", 2, std::equal_to<>());
+  add("discrete, bits", bits, 1, "", 1, std::equal_to<>());
+  add("discrete, 1 byte, 3 values", three, 2, "", 2, std::equal_to<>());
   // The least value is 0 and has code 1.
   const std::string name = "continuous, 4 bytes, 100,000 values, ";
-  add(table, name + "low side", many, 1, "49999", 50000, std::less_equal<>());
-  add(table, name + "high side", many, 2, "49999", 50000, std::greater<>());
+  add(name + "low side", many, 1, "49999", 50000, std::less_equal<>());
+  add(name + "high side", many, 2, "49999", 50000, std::greater<>());
 }
 
 }  // namespace arbor::bench

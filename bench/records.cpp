@@ -44,14 +44,18 @@ using byte_array = std::unique_ptr<char[]>;
 
 void bare_write(const std::string& path, const char* bytes, std::size_t count) {
   const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  expect(file >= 0 && write(file, bytes, count) == static_cast<ssize_t>(count) && close(file) == 0, "it is written");
+  expect(file >= 0, "it is opened");
+  const bool written = write(file, bytes, count) == static_cast<ssize_t>(count);
+  expect(close(file) == 0 && written, "it is written");
 }
 
 // Into new storage, which a reload needs as well.
 byte_array bare_read(const std::string& path, std::size_t count) {
   byte_array bytes(new char[count]);
   const int file = open(path.c_str(), O_RDONLY);
-  expect(file >= 0 && read(file, bytes.get(), count) == static_cast<ssize_t>(count) && close(file) == 0, "it is read");
+  expect(file >= 0, "it is opened");
+  const bool whole = read(file, bytes.get(), count) == static_cast<ssize_t>(count);
+  expect(close(file) == 0 && whole, "it is read");
   keep(bytes.get());
   return bytes;
 }
@@ -102,7 +106,7 @@ void add(const std::string& name, const aim& wanted, unsigned int known, const f
   };
   // Makes the column, saves it, and checks that what is reloaded is the same.
   const auto make = [=] {
-    const auto made = std::make_shared<saved>();
+    auto made = std::make_shared<saved>();
     const std::vector<std::string> texts = integer_texts(known);
     made->source = make_column("discrete", "integer", texts);
     for (unsigned int row = 0; row < rows; ++row) made->source->push_back(texts[row * 7919ULL % known].c_str());

@@ -65,7 +65,7 @@ column* sample::filled(const std::string& key, const std::string& kind, unsigned
   return kept.get();
 }
 
-w_sequence sample::node(row_order order, weighing weights) const {
+w_sequence sample::node(row_order order, weighing weights) {
   std::mt19937_64 random(2);
   w_sequence result;
   result.reserve(cases);

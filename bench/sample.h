@@ -52,7 +52,7 @@ class sample {
   column* attribute(const std::string& kind, unsigned int known);
   column* classes(unsigned int count) { return attribute("class", count); }
 
-  w_sequence node(row_order order, weighing weights) const;
+  static w_sequence node(row_order order, weighing weights);
 
   // A column of three values, the second of which half of the rows have.
   column* skewed();

@@ -99,7 +99,7 @@ std::shared_ptr<const cells> make_cells(const std::string& data_type, std::size_
     std::array<char, 32> text{};
     const char* const form = data_type == "string" ? "value %02.0f" : data_type == "integer" ? "%.0f" : "%.3f";
     const double value = static_cast<double>(i) * (data_type == "float" ? 0.001 : 1);
-    std::snprintf(text.data(), text.size(), form, value);
+    static_cast<void>(std::snprintf(text.data(), text.size(), form, value));
     made->distinct.emplace_back(text.data());
   }
   made->draw();

@@ -38,7 +38,7 @@ void draw(const std::string& graph, const std::string& path) {
         "elsewhere");
   }
   tree::file_replacement file(path);
-  std::signal(SIGPIPE, SIG_IGN);  // should dot end early, it is told below
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));  // should dot end early, it is told below
   const std::string command = "dot -Tsvg >" + tree::shell_word(file.temporary_path());
   FILE* drawing = popen(command.c_str(), "w");
   const bool sent = drawing != nullptr && std::fwrite(graph.data(), 1, graph.size(), drawing) == graph.size();

@@ -46,7 +46,7 @@ ibinstream& read_column(ibinstream& in, column*& target, std::string& error) {
   in >> name >> kind;
   std::unique_ptr<column> loaded(column::NEW_COLUMN(domain, name, kind, error));
   if (loaded == nullptr) return in;
-  owner.release();
+  owner.release();  // the column has adopted it
   loaded->bin_in(in);
   target = loaded.release();
   return in;

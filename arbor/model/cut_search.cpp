@@ -6,7 +6,7 @@ namespace arbor::impls {
 
 float least_side_weight(float known_weight, unsigned int classes, float min_weight) {
   constexpr float most = 25.0F;
-  const float tenth_per_class = static_cast<float>(0.1 * static_cast<double>(known_weight) / classes);
+  const auto tenth_per_class = static_cast<float>(0.1 * static_cast<double>(known_weight) / classes);
   if (min_weight >= tenth_per_class) return min_weight;
   return std::min(tenth_per_class, most);
 }

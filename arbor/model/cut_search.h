@@ -117,11 +117,11 @@ class cut_search {
     }
     const double left_entropy = term(sum_of(on_left, left_sum)) - static_cast<double>(left_terms);
     const double right_entropy = term(sum_of(on_right, known_sum - left_sum)) - static_cast<double>(right_terms);
-    const float value_entropy = static_cast<float>(left_entropy + right_entropy);
+    const auto value_entropy = static_cast<float>(left_entropy + right_entropy);
     // The gain never grows with the entropy within the sides, however it is rounded, since neither the known weight nor
     // its share is negative. So most cuts need no division.
     if (!(value_entropy < best_entropy) || !eligible) return;
-    const float gain = static_cast<float>(
+    const auto gain = static_cast<float>(
         (static_cast<double>(info) - static_cast<double>(value_entropy) / static_cast<double>(known_weight)) *
         known_fraction);
     if (!(gain > best_gain)) return;
@@ -136,9 +136,9 @@ class cut_search {
   bool conclude(std::size_t case_count, const options* opts, column::splitting_desc& result) const {
     const float penalty = cut_point_penalty(candidates, node.total, case_count, opts);
     if (!(penalty < best_gain)) return false;
-    const float left_branch = static_cast<float>(best_left);
+    const auto left_branch = static_cast<float>(best_left);
     const std::array<float, 3> branches{node.unknown, left_branch, known_weight - left_branch};
-    const float split_entropy = static_cast<float>(weighted_entropy<float>(real_terms(), branches.data(), 3));
+    const auto split_entropy = static_cast<float>(weighted_entropy<float>(real_terms(), branches.data(), 3));
     result.gain = best_gain - penalty;
     result.split_info = split_entropy / node.total;
     return true;

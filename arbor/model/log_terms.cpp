@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <memory>
 #include <new>
 
 #include "arbor/model/weight_type.h"
@@ -14,16 +15,17 @@ namespace {
 // The tables' ends: from 8 KB, for a small node, to 32 MB, for four million cases.
 constexpr std::array<unsigned int, 8> ends{1U << 10U, 1U << 12U, 1U << 14U, 1U << 16U,
                                            1U << 18U, 1U << 20U, 1U << 21U, 1U << 22U};
+// Each is made once for the whole process.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 std::array<std::atomic<const double*>, ends.size()> tables{};
 
 // No lock is taken: of two threads that make a table at once, one drops its own.
 const double* made(std::size_t i) {
-  double* fresh = new (std::nothrow) double[ends[i]];
+  std::unique_ptr<double[]> fresh(new (std::nothrow) double[ends[i]]);
   if (fresh == nullptr) return nullptr;
   for (unsigned int x = 0; x < ends[i]; ++x) fresh[x] = log_term(static_cast<float>(x));
   const double* first = nullptr;
-  if (tables[i].compare_exchange_strong(first, fresh, std::memory_order_acq_rel)) return fresh;
-  delete[] fresh;
+  if (tables[i].compare_exchange_strong(first, fresh.get(), std::memory_order_acq_rel)) return fresh.release();
   return first;
 }
 

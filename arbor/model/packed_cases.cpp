@@ -16,7 +16,9 @@ unsigned int* sort_by_digits(unsigned int* numbers, unsigned int* room, std::siz
   constexpr unsigned int digit_values = 1U << DigitBits;
   constexpr unsigned int most_digits = (32 + DigitBits - 1) / DigitBits;
   const unsigned int digits = (high_bit - low_bit + DigitBits - 1) / DigitBits;
-  std::array<std::array<unsigned int, digit_values>, most_digits> next;  // by digit and its value, the next place
+  // By digit and its value, the next place. Only the digits that there are take the time to be set.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+  std::array<std::array<unsigned int, digit_values>, most_digits> next;
   for (unsigned int d = 0; d < digits; ++d) next[d].fill(0);
   const auto value = [=](unsigned int number, unsigned int d) {
     return number >> (low_bit + d * DigitBits) & (digit_values - 1);

@@ -1,7 +1,5 @@
 #include "arbor/tree/case_rows.h"
 
-#include <utility>
-
 namespace arbor::tree {
 
 case_rows::case_rows(const table& whole) : classes(&whole.class_column()), weights(whole.cases) {
@@ -16,10 +14,10 @@ case_rows::case_rows(const case_rows& from, const impls::w_sequence& cases)
       all_columns.push_back(column);  // nobody reads its rows
       continue;
     }
-    std::unique_ptr<impls::column> extract(column->extract(cases));
-    if (is_class) classes = extract.get();
-    all_columns.push_back(extract.get());
-    extracts.push_back(std::move(extract));
+    extracts.push_back(std::unique_ptr<impls::column>(column->extract(cases)));
+    impls::column* const extract = extracts.back().get();
+    if (is_class) classes = extract;
+    all_columns.push_back(extract);
   }
   for (std::size_t i = 0; i < cases.size(); ++i) {
     extracted_weights[i] = {static_cast<unsigned int>(i), from.weight(cases[i].first)};

@@ -63,8 +63,8 @@ std::size_t shared_beginning(const text_dictionary& texts) {
   for (unsigned int code = 2; code <= texts.size(); ++code) {
     const std::string_view text = texts.view(code);
     shared = shared.substr(0, text.size());
-    const auto differing = std::mismatch(shared.begin(), shared.end(), text.begin()).first;
-    shared.remove_suffix(static_cast<std::size_t>(shared.end() - differing));
+    const auto alike = std::mismatch(shared.begin(), shared.end(), text.begin()).first - shared.begin();
+    shared = shared.substr(0, static_cast<std::size_t>(alike));
   }
   return shared.size();
 }

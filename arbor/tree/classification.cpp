@@ -148,10 +148,9 @@ text_classifier::text_classifier(const decision_tree& grown) : tree(grown), valu
 
 text_classifier::value text_classifier::read(const column& attribute, const char* text) {
   if (text == nullptr) return {};
-  o_set& domain = *attribute.get_o_set();
   value result;
   if (attribute.is_continuous()) {
-    domain.leq(text, text);  // throws if the text is not of the data type
+    attribute.get_o_set()->leq(text, text);  // throws if the text is not of the data type
     result.known = true;
     result.number = number_of(attribute, text);
     if (std::isnan(result.number)) throw std::runtime_error("not a number");

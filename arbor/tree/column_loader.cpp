@@ -105,8 +105,9 @@ void column_loader::make_column() {
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind, error));
   if (made == nullptr) throw std::runtime_error(error + advice(kind));
-  impls::o_set& values = *domain.release();
+  domain.release();  // the column has adopted it
   if (!coded) {
+    impls::o_set& values = *made->get_o_set();
     if (data_type == "float") lost_numbers = lost_as_float(cells, values);
     look_up_codes(cells, values);
   }

@@ -21,13 +21,14 @@ namespace arbor::tree {
 namespace {
 
 // What a signal handler removes before the process ends as it would have; null for nothing.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 const char* volatile to_remove = nullptr;
 
 constexpr std::array<int, 5> ending_signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ};
 
 void remove_and_end(int signal) {
   if (to_remove != nullptr) unlink(to_remove);
-  raise(signal);  // with the default action, which SA_RESETHAND has restored
+  static_cast<void>(raise(signal));  // with the default action, which SA_RESETHAND has restored
 }
 
 [[noreturn]] void fail(const std::string& path, const char* what) {

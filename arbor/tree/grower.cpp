@@ -151,7 +151,7 @@ class subtree {
   // are grown side by side.
   void grow_together(node_cases root) {
     crew& workers = whole.workers;
-    const std::size_t small = std::max(worth_sharing, root.cases->size() / (16 * workers.size()));
+    const std::size_t small = std::max(worth_sharing, root.cases->size() / (std::size_t{16} * workers.size()));
     // No more cases wait than there are: unknown ones wait in many branches at once.
     const std::size_t most_waiting = root.cases->size();
     std::vector<waiting_branch> small_branches;

@@ -7,7 +7,7 @@ namespace arbor::tree {
 
 divided_cases hold_out(const impls::w_sequence& cases, double share, std::uint64_t seed) {
   std::mt19937_64 random(seed);
-  std::size_t wanted = static_cast<std::size_t>(std::llround(share * static_cast<double>(cases.size())));
+  auto wanted = static_cast<std::size_t>(std::llround(share * static_cast<double>(cases.size())));
   divided_cases result;
   // Each case is taken with the probability that makes every choice of the wanted number equally likely. (The standard
   // library's distributions are not the same everywhere; the generator is.)

@@ -94,9 +94,7 @@ std::unique_ptr<column> read_column(ibinstream& in) {
   return result;
 }
 
-// The one place where a tree from a file is checked, so that all others may trust it.
-void check_node(const decision_tree& tree, std::size_t index, std::vector<bool>& has_parent) {
-  const tree_node& node = tree.nodes[index];
+void check_weights(const tree_node& node) {
   double weight = 0;
   for (const float w : node.class_weights) {
     if (!(w >= 0) || !std::isfinite(w)) refuse("a class has no proper weight");
@@ -105,6 +103,12 @@ void check_node(const decision_tree& tree, std::size_t index, std::vector<bool>&
   if (!(weight > 0)) refuse("a node has no weight");
   // No branch has all; what float sums round is far less than that.
   if (!(node.share >= 0 && node.share <= 2)) refuse("a branch has no proper share");
+}
+
+// The one place where a tree from a file is checked, so that all others may trust it.
+void check_node(const decision_tree& tree, std::size_t index, std::vector<bool>& has_parent) {
+  const tree_node& node = tree.nodes[index];
+  check_weights(node);
   if (node.is_leaf()) {
     if (node.child_count != 0) refuse("a leaf has branches");
     return;

@@ -29,7 +29,7 @@ std::size_t unknown_attribute_cells(const table& described, const impls::w_seque
 
 struct class_weight {
   std::string value;
-  float weight;
+  float weight = 0;
 };
 
 // In the order of their codes.

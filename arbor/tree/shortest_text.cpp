@@ -29,7 +29,7 @@ float float_of(impls::o_set& domain, unsigned int code) {
   int low = -infinity - 1;  // -infinity is above it or at it
   int high = infinity;
   while (low < high) {
-    const int middle = static_cast<int>((0LL + low + high) >> 1);
+    const int middle = static_cast<int>(low + (0LL + high - low) / 2);
     if (domain.leq(code, shortest_text(numbered_float(middle))) == 1) {
       low = middle + 1;
     } else {
@@ -48,16 +48,16 @@ std::string shortest_text(float value) {
 
 std::string shortest_value(const column& column, unsigned int code) {
   impls::o_set& domain = *column.get_o_set();
-  const std::string printed = column.get_value(code);
+  std::string printed = column.get_value(code);
   double value = 0;
   if (domain.get_datatype() != "float" || code == 0 || code > domain.size_of_known()) return printed;
   if (!strata::util::read_number(printed.c_str(), value) || std::isnan(value)) return printed;
-  const std::string shortest = shortest_text(static_cast<float>(value));
+  std::string shortest = shortest_text(static_cast<float>(value));
   return column.get_index(shortest.c_str()) == code ? shortest : shortest_text(float_of(domain, code));
 }
 
 std::string cut_threshold(const column& column, const column::splitting_desc& split) {
-  const std::string threshold = column.find_threshold(split.low_code, split.high_code);
+  std::string threshold = column.find_threshold(split.low_code, split.high_code);
   const unsigned int code = column.get_index(threshold.c_str());
   const bool separates = split.low_code <= code && code < split.high_code;
   return separates ? threshold : shortest_value(column, split.low_code);

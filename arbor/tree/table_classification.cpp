@@ -97,8 +97,8 @@ class classifying {
 
   // The entry of a class, behind the last for one that the model does not know.
   std::size_t class_of(const char* text) const {
-    unsigned int code = 0;
     try {
+      unsigned int code = 0;
       if (code_of_text(*tree.class_column, text, code)) return code - 1;
     } catch (const std::runtime_error&) {
       // Not even of the data type.

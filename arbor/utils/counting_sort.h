@@ -38,7 +38,7 @@ void counting_sort(Iterator begin, Iterator end, unsigned int low_key, unsigned 
   const std::vector<unsigned int> last = counts;
 
   // The element in hand always lies at `current`, so that a key that throws loses none.
-  const unsigned int count = static_cast<unsigned int>(end - begin);
+  const auto count = static_cast<unsigned int>(end - begin);
   unsigned int current = 0;
   while (current < count) {
     const unsigned int block = block_of(begin[current]);

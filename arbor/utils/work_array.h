@@ -24,13 +24,14 @@ class work_array : private nocopy {
  public:
   // Throws std::bad_alloc.
   explicit work_array(unsigned long long length, first_values values = first_values::zeros)
-      : count(allocatable<T>(length)), first(local.data()) {
+      : count(allocatable<T>(length)) {
     if (count > Short) {
       heap.reset(values == first_values::zeros ? new T[count]() : new T[count]);
       first = heap.get();
-    } else if (values == first_values::zeros) {
-      std::fill_n(first, count, T());
+      return;
     }
+    first = local.data();
+    if (values == first_values::zeros) std::fill_n(first, count, T());
   }
 
   T* data() { return first; }
@@ -40,10 +41,10 @@ class work_array : private nocopy {
   const T& operator[](std::size_t i) const { return first[i]; }
 
  private:
-  std::array<T, Short> local;  // before `first`, which may point into it
-  std::unique_ptr<T[]> heap;
   std::size_t count;
-  T* first;
+  T* first = nullptr;
+  std::unique_ptr<T[]> heap;
+  std::array<T, Short> local;
 };
 
 }  // namespace strata::util

@@ -5,7 +5,8 @@
 namespace arbor::tests {
 
 // What a column answers, every number to its last bit, when the node's cases are a part of a sequence.
-static std::string parted(const column& c, w_sequence cases, unsigned branch, float total, column::partition_desc by) {
+static std::string parted(const column& c, w_sequence cases, unsigned branch, float total,
+                          const column::partition_desc& by) {
   float ratio = untouched;
   strata::util::pair<unsigned int, unsigned int> range{untouched, untouched};
   std::unique_ptr<w_sequence> result(new w_sequence);
@@ -46,7 +47,8 @@ TEST(Partition, SendsCasesDownTheirBranchAndUnknownOnesByItsShare) {
 
 TEST(Partition, LeavesShareAndCodesAloneWhenItIsRefused) {
   const std::string text = "[column::partition] method not defined for column type '", rest = "'share 77 of 77-77";
-  for (auto k : {"weights", "ignore"}) EXPECT_EQ(parted(*make_column(k, "float", {}), {}, 1, 4, {}), text + k + rest);
+  for (const auto* k : {"weights", "ignore"})
+    EXPECT_EQ(parted(*make_column(k, "float", {}), {}, 1, 4, {}), text + k + rest);
   EXPECT_EQ(parted(column(nullptr, "x", column::CLASS), {}, 1, 4, {}), text + "class" + rest);
   EXPECT_EQ(parted(column_bool(nullptr, "x", column::CONTINUOUS), {}, 1, 4, {}), text + "continuous" + rest);
   EXPECT_EQ(parted(*make_column("continuous", "integer", {}), {}, 1, 4, {"a", 2}), "a: _not an intshare 77 of 77-77");

@@ -34,7 +34,7 @@ TRUTH = re.compile(r"\b(?:true|false)\b")
 CONDITION = re.compile(r"\b(?:if|while) (?:constexpr )?\(")
 OPERAND = r"[\w:]+(?:(?:\.|->)\w+|\[\w+\]|\(\w*\))*"
 SWAP = re.compile(rf"(?<![\w.>\])] [-+*/%] )(?<![\w.>:])({OPERAND}) (-|/|%|<|<=|>|>=|<<|>>) ({OPERAND})(?![\w.(\[])")
-ARGUMENTS = re.compile(rf"(?<!std::min)(?<!std::max)(?<=\()({OPERAND}), ({OPERAND})(?=\))")
+ARGUMENTS = re.compile(rf"(?<!std::min\()(?<!std::max\()(?<=\()({OPERAND}), ({OPERAND})(?=\))")
 NO_CODE = re.compile(r'//[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'|^#[^\n]*(?:\\\n[^\n]*)*', re.M)
 DECLARATION = re.compile(r"\s*(?:template\b|static_assert|using |namespace |typedef |friend |return\b.+;|\}|public:|private:)")
 

@@ -37,7 +37,7 @@ inline std::unique_ptr<column> make_column(const std::string& kind, const std::s
   std::string error;
   std::unique_ptr<column> result(column::NEW_COLUMN(domain.get(), "x", kind, error));
   if (result == nullptr) throw std::runtime_error(error);
-  domain.release();
+  domain.release();  // the column has adopted it
   for (const std::string& row : rows) result->push_back(row.c_str());
   return result;
 }

@@ -13,9 +13,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <set>
+#include <sstream>
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
@@ -103,10 +103,10 @@ inline node two_valued(node n) {
 using rating = column::splitting_desc;
 
 inline std::string told(const rating& r) {
-  char text[128];
-  std::snprintf(text, sizeof text, "%u branches, cut %u|%u, gain %a, split info %a", r.branches, r.low_code,
-                r.high_code, static_cast<double>(r.gain), static_cast<double>(r.split_info));
-  return text;
+  std::ostringstream text;
+  text << r.branches << " branches, cut " << r.low_code << '|' << r.high_code << ", gain " << std::hexfloat << r.gain
+       << ", split info " << r.split_info;
+  return text.str();
 }
 
 // -- The second version. Codes run from `from` to `to`, both included. --
@@ -166,7 +166,7 @@ inline rating expected_by_value(const node& n) {
     if (branches.back() >= n.min_weight) ++real_branches;
   }
   if (known == 0 || real_branches < 2) return r;
-  const float before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code))) / known;
+  const auto before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code))) / known;
   const float difference = before - within / known, known_share = known / all;
   r.gain = difference * known_share;
   r.split_info = static_cast<float>(weighted_entropy(branches)) / n.total_weight;
@@ -180,8 +180,8 @@ inline rating expected_cut(const node& n, bool by_table) {
   rating r = no_split(2);
   const float unknown = weight_of(n, 0, 0), known = n.total_weight - unknown;
   if (2 * n.min_weight > known) return r;
-  const float before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code)) / known);
-  const float class_share = static_cast<float>(0.1 * known / n.classes);
+  const auto before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code)) / known);
+  const auto class_share = static_cast<float>(0.1 * known / n.classes);
   const float min_side = n.min_weight >= class_share ? n.min_weight : std::min(class_share, 25.0F);
   const float max_left = known - min_side;
   std::set<unsigned int> codes;
@@ -198,9 +198,9 @@ inline rating expected_cut(const node& n, bool by_table) {
     if (!by_table && of_one_class(n, evaluated + 1, *next) && weight_of(n, 1, *next) <= max_left) continue;
     evaluated = cut;
     const double left_entropy = weighted_entropy(class_weights(n, 1, cut));
-    const float within = static_cast<float>(left_entropy + weighted_entropy(class_weights(n, cut + 1, top_code)));
+    const auto within = static_cast<float>(left_entropy + weighted_entropy(class_weights(n, cut + 1, top_code)));
     const double k = known;
-    const float gain = static_cast<float>((before - within / k) * (k / (unknown + k)));
+    const auto gain = static_cast<float>((before - within / k) * (k / (unknown + k)));
     if (!(gain > best.gain)) continue;
     best.gain = gain;
     best.low_code = cut;
@@ -208,7 +208,7 @@ inline rating expected_cut(const node& n, bool by_table) {
     best.split_info = static_cast<float>(weighted_entropy({unknown, left, known - left})) / n.total_weight;
   }
   const double spread = n.penalty_by_case_count ? static_cast<double>(n.cases.size()) : n.total_weight;
-  const float penalty = static_cast<float>((candidates == 0 ? 0 : log2_of(candidates)) / spread);
+  const auto penalty = static_cast<float>((candidates == 0 ? 0 : log2_of(candidates)) / spread);
   if (!(penalty < best.gain)) return r;
   best.gain -= penalty;
   return best;
