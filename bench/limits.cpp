@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -76,7 +77,8 @@ void load(const std::string& name, const tree::load_options& options = {}) {
 }
 
 void one_long_cell() {
-  const std::string text(100'000'000, 'x');
+  std::string text;
+  text.resize(100'000'000, 'x');
   write_file([&](std::ofstream& out) { out << "a,b\n1,y\n" << text << ",n\n"; });
   load("loaded as a text");
   tree::load_options options;
@@ -216,24 +218,24 @@ constexpr limit limits[] = {
 // Returns whether the limit was met without a crash.
 bool met_alone(const limit& l) {
   fmt::print("{}\n", l.name);
-  std::fflush(stdout);
+  if (std::fflush(stdout) != 0) throw std::runtime_error("nothing can be printed");
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("no process can be had");
   if (child == 0) {
     l.meet();
-    std::fflush(stdout);
-    _exit(0);
+    _exit(std::fflush(stdout) == 0 ? 0 : 1);
   }
   int status = 0;
   rusage used{};
   wait4(child, &status, 0, &used);
-  fmt::print("  {:<52}{:>10.1f} MB\n", "most memory", static_cast<double>(used.ru_maxrss) * 1024 / 1e6);
+  const auto kilobytes = used.ru_maxrss;  // NOLINT(cppcoreguidelines-pro-type-union-access): the C library's own
+  fmt::print("  {:<52}{:>10.1f} MB\n", "most memory", static_cast<double>(kilobytes) * 1024 / 1e6);
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   const std::string chosen = argc > 1 ? argv[1] : "";
   bool all_met = !scratch().empty();  // its name is that of this process
   for (const limit& l : limits) {
@@ -241,4 +243,7 @@ int main(int argc, char** argv) {
   }
   std::filesystem::remove(scratch());
   return all_met ? 0 : 1;
+} catch (const std::exception& error) {
+  std::cerr << error.what() << '\n';
+  return 1;
 }

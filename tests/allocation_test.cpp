@@ -66,15 +66,15 @@ TEST(AllocationFailure, LeavesADomainAsItWas) {
           return domain;
         };
         const auto check = [&](auto act) {
-          fail_each(type + std::to_string(values), make, act, [](owned_domain& x) { return saved(x); });
+          fail_each(type + std::to_string(values), make, act, [](const owned_domain& x) { return saved(x); });
         };
         check([&](owned_domain& x) { return x->insert(value_of(type, 999).c_str()), ""; });
         check([&](owned_domain& x) { return x->insert("?"), ""; });
-        check([](owned_domain& x) { return std::to_string(x->size_of_known()); });
-        check([](owned_domain& x) { return x->get_value(2) + x->get_datatype(); });
+        check([](const owned_domain& x) { return std::to_string(x->size_of_known()); });
+        check([](const owned_domain& x) { return x->get_value(2) + x->get_datatype(); });
         if (values > 3) continue;
-        check([](owned_domain& x) { return saved(owned_domain(x->clone())); });
-        check([](owned_domain& x) { return saved(x); });
+        check([](const owned_domain& x) { return saved(owned_domain(x->clone())); });
+        check([](const owned_domain& x) { return saved(x); });
         check([bytes = saved(make())](owned_domain&) {
           o_set* loaded = nullptr;
           reload(bytes, loaded);
@@ -90,7 +90,7 @@ TEST(AllocationFailure, LeavesADomainAsItWas) {
         static_cast<impls::o_set_typed<strata::data_types::datatype<int>>&>(*x).insert_values(std::move(more));
         return "";
       },
-      [](owned_domain& x) { return saved(x); });
+      [](const owned_domain& x) { return saved(x); });
 }
 
 template <class Column>
@@ -106,17 +106,18 @@ template <class Column>
 void fail_in(const std::string& data_type, column::_type kind) {
   const auto make = [&] { return with_rows<Column>(data_type, kind); };
   const auto check = [&](auto act) {
-    fail_each(std::string(typeid(Column).name()) + data_type, make, act, [](owned_column& x) { return saved(x); });
+    fail_each(std::string(typeid(Column).name()) + data_type, make, act,
+              [](const owned_column& x) { return saved(x); });
   };
   const std::string one = value_of(data_type, 1), bytes = saved(make());
   const w_sequence cases{{0, 1}, {1, 0.5F}, {2, 4}, {3, 8}};
   check([&](owned_column& x) { return x->push_back(one.c_str()), ""; });
-  check([](owned_column& x) { return x->reserve(1000), ""; });
-  check([](owned_column& x) { return x->append_codes(std::vector<unsigned int>(100, 1).data(), 100), ""; });
-  check([](owned_column& x) { return saved(owned_column(x->clone(false))); });
-  check([](owned_column& x) { return saved(owned_column(x->clone(true))); });
+  check([](const owned_column& x) { return x->reserve(1000), ""; });
+  check([](const owned_column& x) { return x->append_codes(std::vector<unsigned int>(100, 1).data(), 100), ""; });
+  check([](const owned_column& x) { return saved(owned_column(x->clone(false))); });
+  check([](const owned_column& x) { return saved(owned_column(x->clone(true))); });
   check([&](owned_column& x) { return saved(owned_column(x->extract(cases))); });
-  check([](owned_column& x) { return saved(x) + x->get_row_value(1) + x->get_name() + x->get_type(); });
+  check([](const owned_column& x) { return saved(x) + x->get_row_value(1) + x->get_name() + x->get_type(); });
   check([&](owned_column& x) {
     memory_device device;
     obinstream out(device);
@@ -163,7 +164,7 @@ struct domain_or_column {
 TEST(AllocationFailure, LeavesTheDomainOfANewColumnToTheCaller) {
   for (const std::string& kind : listed("discrete,continuous,class,ignore,unheard of")) {
     for (const int values : {2, 300}) {
-      const auto tell = [](domain_or_column& x) { return x.made == nullptr ? saved(x.domain) : saved(x.made); };
+      const auto tell = [](const domain_or_column& x) { return x.made == nullptr ? saved(x.domain) : saved(x.made); };
       fail_each(
           kind,
           [&] {
@@ -203,7 +204,7 @@ TEST(AllocationFailure, LeavesADescribedSplitAsItWas) {
         ibinstream in(device);
         return in >> split, "";
       },
-      [](column::partition_desc& split) { return split.threshold + std::to_string(split.branches); });
+      [](const column::partition_desc& split) { return split.threshold + std::to_string(split.branches); });
 }
 
 TEST(AllocationFailure, ClosesAFile) {
@@ -223,7 +224,7 @@ TEST(AllocationFailure, ClosesAFile) {
         in >> loaded;
         return saved(owned_column(loaded));
       },
-      [](owned_column& x) { return saved(x); });
+      [](const owned_column& x) { return saved(x); });
 }
 
 // Cases of one weight, of several, or of one until late; with codes that are dense or sparse.

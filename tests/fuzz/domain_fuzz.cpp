@@ -10,9 +10,22 @@ using namespace arbor::fuzz;
 
 template <class T>
 static T value_of(const std::string& text) {
-  if constexpr (std::is_same_v<T, std::string>) return text;
-  if constexpr (std::is_integral_v<T>) return static_cast<T>(std::strtoll(text.c_str(), nullptr, 10));
-  if constexpr (std::is_floating_point_v<T>) return static_cast<T>(std::strtod(text.c_str(), nullptr));
+  if constexpr (std::is_same_v<T, std::string>) {
+    return text;
+  } else if constexpr (std::is_integral_v<T>) {
+    return static_cast<T>(std::strtoll(text.c_str(), nullptr, 10));
+  } else {
+    return static_cast<T>(std::strtod(text.c_str(), nullptr));
+  }
+}
+
+template <class T>
+static bool is_nan(const T& value) {
+  if constexpr (std::is_floating_point_v<T>) {
+    return std::isnan(value);
+  } else {
+    return false;
+  }
 }
 
 // Rounded down between integers, to a float between floats.
@@ -49,7 +62,7 @@ static void run(const std::string& type, input& in) {
     all_ascii = all_ascii && is_ascii(text);
     if (text == "?") {
       has_unknown = true;
-    } else if (value == value) {
+    } else if (!is_nan(value)) {
       values.insert(value);
     } else {
       ++nans;  // each is a value of its own
@@ -65,7 +78,7 @@ static void run(const std::string& type, input& in) {
       for (unsigned int i = 0; i < 300; ++i) insert(std::to_string(i * 7919 % 9973));
     }
     if (bool found = false; step == 5 && refusal([&] { found = domain->get_order(text.c_str(), code); }).empty()) {
-      const auto place = value == value ? values.find(value) : values.end();
+      const auto place = is_nan(value) ? values.end() : values.find(value);
       const auto expected = text == "?" ? 0 : static_cast<unsigned int>(std::distance(values.begin(), place)) + 1;
       const bool there = text == "?" ? has_unknown : place != values.end();
       check(found ? there && code == expected : code == 77, text + " has its code");

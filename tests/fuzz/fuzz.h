@@ -102,7 +102,7 @@ template <class Record>
 owner<Record> record_in(const byte_list& bytes) {
   strata::inpout::memory_device device(bytes);
   strata::inpout::ibinstream in(device);
-  Record* target = reinterpret_cast<Record*>(&device);
+  auto* target = reinterpret_cast<Record*>(&device);
   if (!refusal([&] { in >> target; }).empty()) check(target == nullptr, "a refused record leaves its target null");
   return owner<Record>(target);
 }

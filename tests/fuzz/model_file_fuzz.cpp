@@ -27,6 +27,7 @@ static void classify(const decision_tree& tree, unsigned int code) {
   std::vector<std::string> texts;
   for (const auto& attribute : tree.attributes) texts.push_back(value_text(*attribute, code));
   std::vector<const char*> values;
+  values.reserve(texts.size());
   for (const std::string& text : texts) values.push_back(code == 0 ? nullptr : text.c_str());
   const std::vector<double> distribution = text_classifier{tree}(values);
   check(distribution.size() + 1 == tree.class_column->get_distinct(), "every class has a probability");

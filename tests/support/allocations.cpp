@@ -26,7 +26,7 @@ std::uintptr_t inverted(const block* b) {
   return ~reinterpret_cast<std::uintptr_t>(b);
 }
 block* block_of(std::uintptr_t bits) {
-  return reinterpret_cast<block*>(~bits);
+  return reinterpret_cast<block*>(~bits);  // NOLINT(performance-no-int-to-ptr): the list is hidden from leak checkers
 }
 char* bytes(const block* b) {
   return reinterpret_cast<char*>(const_cast<block*>(b + 1));
@@ -47,6 +47,7 @@ bool fails(bool throwing) {
   return has_failed = true;
 }
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): what operator new itself is made of
 void* take(std::size_t size, std::size_t alignment, bool throwing) {
   const std::lock_guard<std::mutex> lock(mutex);
   const std::size_t room = std::max(alignment, sizeof(block));
@@ -71,6 +72,7 @@ void give_back(void* first, std::size_t alignment) noexcept {
   if (given->older != inverted(none)) block_of(given->older)->newer = given->newer;
   std::free(static_cast<char*>(first) - std::max(alignment, sizeof(block)));
 }
+// NOLINTEND(cppcoreguidelines-no-malloc)
 
 using blocks_by_place = std::map<const char*, const block*>;
 
@@ -154,16 +156,16 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 void* operator new[](std::size_t size, std::align_val_t alignment) {
   return take(size, number_of(alignment), true);
 }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   return take(size, usual, false);
 }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   return take(size, usual, false);
 }
-void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept {
   return take(size, number_of(alignment), false);
 }
-void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept {
   return take(size, number_of(alignment), false);
 }
 void operator delete(void* first) noexcept {

@@ -13,9 +13,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <set>
-#include <sstream>
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
@@ -102,11 +102,13 @@ inline node two_valued(node n) {
 
 using rating = column::splitting_desc;
 
+// Not by a stream, which would hide a lack of memory.
 inline std::string told(const rating& r) {
-  std::ostringstream text;
-  text << r.branches << " branches, cut " << r.low_code << '|' << r.high_code << ", gain " << std::hexfloat << r.gain
-       << ", split info " << r.split_info;
-  return text.str();
+  char text[128];
+  static_cast<void>(std::snprintf(text, sizeof text, "%u branches, cut %u|%u, gain %a, split info %a", r.branches,
+                                  r.low_code, r.high_code, static_cast<double>(r.gain),
+                                  static_cast<double>(r.split_info)));
+  return text;
 }
 
 // -- The second version. Codes run from `from` to `to`, both included. --
