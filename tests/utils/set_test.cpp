@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 #include <set>
 #include <string>
@@ -42,6 +43,16 @@ TYPED_TEST(ValueSet, GivesEveryValueOnceInOrderAndIsEmptyAfterwards) {
     EXPECT_EQ(*values, std::vector<datatype<TypeParam>>(model.begin(), model.end()));
     EXPECT_TRUE(std::unique_ptr<std::vector<datatype<TypeParam>>>(builder.get())->empty());
   }
+}
+
+// After so many values repeats are absorbed as they come.
+TEST(ValueSetOfNumbers, TellsTheZeroWithoutASignWheneverThereIsOne) {
+  strata::adt::set<datatype<double>> builder;
+  for (int i = 0; i < 300; ++i) builder.insert(1.0 + i);
+  for (const double zero : {-0.0, 0.0, -0.0}) builder.insert(zero);
+  const std::unique_ptr<std::vector<datatype<double>>> values(builder.get());
+  EXPECT_EQ(values->size(), 301U);
+  EXPECT_FALSE(std::signbit(values->front().value));
 }
 
 }  // namespace
