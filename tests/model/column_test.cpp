@@ -209,7 +209,7 @@ TEST(Splits, AreDescribedByTheThresholdOfAContinuousColumnOrTheNullText) {
   column::splitting_desc split;
   column::partition_desc target;
   const auto described = [&] { return target.threshold + " " + std::to_string(target.branches); };
-  EXPECT_EQ(described(), " 0");
+  EXPECT_EQ(described() + std::to_string(split.gain + split.split_info), " 00.000000");
   split.branches = 3;
   split.split_column = colours.get();
   split.set_partition_desc(target);

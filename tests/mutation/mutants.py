@@ -36,7 +36,7 @@ OPERAND = r"[\w:]+(?:(?:\.|->)\w+|\[\w+\]|\(\w*\))*"
 SWAP = re.compile(rf"(?<![\w.>\])] [-+*/%] )(?<![\w.>:])({OPERAND}) (-|/|%|<|<=|>|>=|<<|>>) ({OPERAND})(?![\w.(\[])")
 ARGUMENTS = re.compile(rf"(?<!std::min\()(?<!std::max\()(?<=\()({OPERAND}), ({OPERAND})(?=\))")
 NO_CODE = re.compile(r'//[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'|^#[^\n]*(?:\\\n[^\n]*)*', re.M)
-DECLARATION = re.compile(r"\s*(?:template\b|static_assert|using |namespace |typedef |friend |return\b.+;|\}|public:|private:)")
+DECLARATION = re.compile(r"\s*(?:extern\b|template\b|static_assert|using |namespace |typedef |friend |return\b.+;|\}|public:|private:)")
 
 
 def without_text(source):
@@ -99,5 +99,6 @@ def mutants_of(path, source):
         if re.match(r"\s*(?:template\b|static_assert)", source[first:last]):
             continue
         after = source[first:start] + text + source[end:last]
-        flat = [" ".join(lines.split()) for lines in (source[first:last], after)]
-        yield Mutant(path, start, end, text, line, *flat)
+        before, after = (" ".join(lines.split()) for lines in (source[first:last], after))
+        if before != after:
+            yield Mutant(path, start, end, text, line, before, after)

@@ -29,13 +29,17 @@ BUILD_SECONDS = 300
 MEMORY = 6 << 30  # bytes of a quick test; a sanitizer reserves more than there is
 
 
-def equivalent_changes():
-    """The changes that make no difference, as (path, line before, line after); "any change" stands for every one."""
+EQUIVALENT = ROOT / "tests/mutation/equivalent.txt"
+SURVIVORS = ROOT / "build/mutate/survivors.txt"
+
+
+def changes_in(file):
+    """The changes that a file lists, as (path, line before, line after); "any change" stands for every one."""
     named = set()
     path = before = None
-    for line in (ROOT / "tests/mutation/equivalent.txt").read_text().splitlines():
+    for line in file.read_text().splitlines():
         if line.startswith("arbor/"):
-            path = line
+            path = line.partition(":")[0]
         elif line.startswith("- "):
             before = line[2:]
         elif line.startswith("+"):
@@ -131,6 +135,9 @@ def chosen(arguments):
         path = str(file.relative_to(ROOT))
         mutants += mutants_of(path, file.read_text())
     random.Random(arguments.seed).shuffle(mutants)
+    if arguments.again:
+        listed = changes_in(SURVIVORS)
+        mutants = [m for m in mutants if is_named(m, listed)]
     places = arguments.places
     if places:
         mutants = [m for m in mutants if m.path in places or f"{m.path}:{m.line}" in places]
@@ -138,12 +145,12 @@ def chosen(arguments):
 
 
 def run(arguments):
-    mutants, named = chosen(arguments), equivalent_changes()
+    mutants, named = chosen(arguments), changes_in(EQUIVALENT)
     end = time.monotonic() + 60 * arguments.minutes
     idle = queue.SimpleQueue()
     workers = [Worker(ROOT / "build/mutate" / str(number)) for number in range(os.cpu_count())]
     tallies = collections.defaultdict(collections.Counter)
-    survivors = []
+    survivors = []  # as they are printed
 
     def judged(mutant):
         if time.monotonic() > end:
@@ -157,14 +164,15 @@ def run(arguments):
             verdict = "equivalent"
         tallies[mutant.path][verdict] += 1
         if verdict == "survived":
-            survivors.append(mutant)
-            print(f"{mutant.path}:{mutant.line}\n- {mutant.before}\n+ {mutant.after}", flush=True)
+            survivors.append(f"{mutant.path}:{mutant.line}\n- {mutant.before}\n+ {mutant.after}\n")
+            print(survivors[-1], end="", flush=True)
 
     with concurrent.futures.ThreadPoolExecutor(len(workers)) as pool:
         list(pool.map(Worker.prepare, workers))
         for worker in workers:
             idle.put(worker)
         list(pool.map(judged, mutants))
+    SURVIVORS.write_text("".join(survivors))
     return report(tallies, len(mutants))
 
 
@@ -184,6 +192,7 @@ def main():
     parser.add_argument("places", nargs="*", help="only these files, or lines as FILE:LINE; by default all of the library")
     parser.add_argument("--minutes", type=float, default=20, help="how long to begin new changes (%(default)s)")
     parser.add_argument("--seed", type=int, default=1, help="of the order in which they are tried (%(default)s)")
+    parser.add_argument("--again", action="store_true", help="only what survived in the last run")
     parser.add_argument("--count", type=int, help="how many to try at most")
     sys.exit(1 if run(parser.parse_args()) else 0)
 

@@ -39,7 +39,9 @@ TEST(FileDevice, KnowsWhatIsLeftAndNamesTheFileThatFails) {
   char text[] = "????";
   source.read(text, 3);
   EXPECT_EQ(text + std::to_string(source.remaining()), "fiv?2");
-  EXPECT_THAT(message_of([&] { source.read(text, 3); }), testing::HasSubstr(file.path()));
+  EXPECT_EQ(message_of([&] { source.read(text, 3); }), file.path() + ": ends too early");
+  file_device folder("/", file_device::mode::read);
+  EXPECT_EQ(message_of([&] { folder.read(text, 3); }), "/: cannot be read: Is a directory");
   EXPECT_THAT(message_of([&] { full.close(); }), testing::HasSubstr("/dev/full"));
   EXPECT_THAT(message_of([] { file_device("/no/file", file_device::mode::read); }), testing::HasSubstr("/no/file"));
 }
