@@ -144,6 +144,19 @@ TEST(CutMeasures, KeepTheLowerOfTwoEqualCutsUnlessTheirNumberCostsTheGain) {
   }
 }
 
+// Cuts 1|2 and 2|3 mirror one another but for a weight so slight that it changes the entropy and not the gain.
+TEST(CutMeasures, KeepTheLowerOfTwoCutsWhoseGainsRoundToTheSame) {
+  const float slightly_more = 32 + 3.0F / (1U << 18U);
+  const node n({{1, 1, 32}, {2, 1, 1}, {2, 2, 1}, {3, 2, slightly_more}});
+  for (by measure : {by::sorting, by::table}) EXPECT_EQ(told_codes(rate(measure, n)), "1|2");
+}
+
+TEST(CutMeasures, FindNoneWhereNoValueIsKnown) {
+  node n({{0, 1, 1}, {0, 2, 1}});
+  n.range = {1, 9};
+  for (by measure : {by::sorting, by::table}) EXPECT_EQ(told(rate(measure, n)), told(no_split(2)));
+}
+
 TEST(CutMeasures, DifferOnCasesWithoutWeight) {
   const std::vector<weighted_case> cases{{1, 1, 2}, {2, 1, 0}, {3, 2, 2}};
   const rating sorted = rate(by::sorting, node(cases)), tabled = rate(by::table, node(cases));
