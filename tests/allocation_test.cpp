@@ -55,10 +55,11 @@ owned_domain filled(const std::string& data_type, int values, bool unknown = tru
   return domain;
 }
 
-// Of 255 values, one more makes the builder compact them; domains that have been asked have to be thawed.
+// Of 255 values, one more makes the builder compact them, and of 1050 its room is used up; domains that have been asked
+// have to be thawed.
 TEST(AllocationFailure, LeavesADomainAsItWas) {
   for (const std::string& type : listed("integer,float,string,null")) {
-    for (const int values : {3, 255, 256}) {
+    for (const int values : {3, 255, 256, 1050}) {
       for (const bool asked : {false, true}) {
         const auto make = [&] {
           owned_domain domain = filled(type, values);

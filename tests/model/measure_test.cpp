@@ -144,6 +144,13 @@ TEST(CutMeasures, KeepTheLowerOfTwoEqualCutsUnlessTheirNumberCostsTheGain) {
   }
 }
 
+// Of such weights no side is too light, since what it lacks is lost in rounding.
+TEST(CutMeasures, DoNotCountACutBehindTheLastCodeHoweverHeavyTheCases) {
+  node n({{1, 1, 1U << 29U}, {2, 2, 1U << 29U}});
+  n.penalty_by_case_count = true;
+  for (by measure : {by::sorting, by::table}) EXPECT_EQ(rate(measure, n).gain, 1);
+}
+
 // Cuts 1|2 and 2|3 mirror one another but for a weight so slight that it changes the entropy and not the gain.
 TEST(CutMeasures, KeepTheLowerOfTwoCutsWhoseGainsRoundToTheSame) {
   const float slightly_more = 32 + 3.0F / (1U << 18U);
