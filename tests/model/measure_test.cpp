@@ -146,7 +146,7 @@ TEST(CutMeasures, KeepTheLowerOfTwoEqualCutsUnlessTheirNumberCostsTheGain) {
 
 // Of such weights no side is too light, since what it lacks is lost in rounding.
 TEST(CutMeasures, DoNotCountACutBehindTheLastCodeHoweverHeavyTheCases) {
-  node n({{1, 1, 1U << 29U}, {2, 2, 1U << 29U}});
+  node n({{1, 1, 0x1p29F}, {2, 2, 0x1p29F}});
   n.penalty_by_case_count = true;
   for (by measure : {by::sorting, by::table}) EXPECT_EQ(rate(measure, n).gain, 1);
 }
