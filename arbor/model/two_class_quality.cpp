@@ -68,8 +68,9 @@ void sweep_ends(const code_ends& ends, Search& search) {
 void rate_two_classes(const packed_cases& cases, float total_weight, std::size_t case_count, float min_weight,
                       const options* opts, column::splitting_desc& result) {
   const code_ends ends(cases);
-  const unsigned int weight = ends.size() == 0 ? 0 : ends.weight(ends.size() - 1);
-  const unsigned int second = ends.size() == 0 ? 0 : ends.second_weight(ends.size() - 1);
+  if (ends.size() < 2) return;  // a cut needs codes on both sides
+  const unsigned int weight = ends.weight(ends.size() - 1);
+  const unsigned int second = ends.second_weight(ends.size() - 1);
   const std::array<float, 2> classes{static_cast<float>(weight - second), static_cast<float>(second)};
   const node_weights node{classes.data(), 2, cases.unknown_weight(), total_weight, min_weight};
   if (!node.splittable()) return;
