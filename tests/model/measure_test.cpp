@@ -215,6 +215,18 @@ TEST(CutMeasures, LeaveAClassThatIsNotKnownOutOfAllSums) {
   }
 }
 
+// What has been counted is kept when a weight turns up that cannot be.
+TEST(AnyMeasure, RatesCasesOfWhichALateOneWeighsOtherwise) {
+  for (unsigned int classes : {2U, 3U}) {
+    std::vector<weighted_case> list(5000);
+    for (unsigned int i = 0; i < 5000; ++i) list[i] = {1 + i % 3, 1 + (i % 7 < 4 ? i % classes : i % 3 % classes), 1};
+    list.back().weight = 1.5F;
+    const node n(list, classes);
+    EXPECT_EQ(told(rate(by::value, n)), told(expected_by_value(n))) << classes;
+    EXPECT_EQ(told(rate(by::table, n)), told(expected_cut(n, true))) << classes;
+  }
+}
+
 TEST(EightByteColumn, TellsThirtyTwoBitsOfTheCodesThatItOrdersInFull) {
   node n({{5, 2, 1}, {2, 1, 1}, {7, 2, 1}, {3, 1, 1}});
   code_column<unsigned long long> x(n, column::CONTINUOUS);

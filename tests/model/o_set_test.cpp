@@ -109,7 +109,8 @@ TEST(Domain, ComparesTwoTextsOrACodeWithAText) {
   };
   for (const row& r : {row{"integer", "4", "5", 0}, row{"integer", "9", "5", 1}, row{"integer", "10", "9", 1},
                        row{"integer", "9", "9", 0}, row{"float", "nan", "1", 0}, row{"string", "a", "\xe9", 1},
-                       row{"string", "\xe9", "a", 0}, row{"string", "10", "9", 0}, row{"string", "b", "a", 1}}) {
+                       row{"string", "\xe9", "a", 0}, row{"string", "10", "9", 0}, row{"string", "b", "a", 1},
+                       row{"string", "b", "b", 0}}) {
     const auto domain = make_domain(r.data_type, {r.text});
     EXPECT_EQ(domain->leq(r.text, r.other), r.greater) << r.text << " " << r.other;
     EXPECT_EQ(domain->leq(1, r.other), r.greater) << r.text << " " << r.other;
