@@ -57,7 +57,7 @@ ibinstream& ibinstream::operator>>(char*& text) {
   *this >> length;
   expect(length, 1);
   // No text is written that is longer than this, and one more byte than it holds can be counted in 32 bits.
-  if (length > 0x7FFFFFFEU) throw util::no_storage("Failed to create object");
+  if (length > 0x7FFFFFFEU) throw std::runtime_error("Failed to create object");
   std::unique_ptr<char[]> array(new (std::nothrow) char[length + 1]);
   if (array == nullptr) throw util::no_storage("Failed to create object");
   device->read(array.get(), length);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <new>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -88,7 +89,6 @@ set<T>::~set() = default;
 
 template <class T>
 void set<T>::insert(const T& value) {
-  if (pending.size() >= flush_threshold) compact();  // before the value is taken, since this may throw
   if (slots == nullptr) {
     pending.push_back(value);
   } else {
@@ -101,6 +101,7 @@ void set<T>::insert(const T& value) {
     cached = std::move(copy);
     used = true;
   }
+  if (pending.size() >= flush_threshold) compact();
 }
 
 template <class T>
@@ -117,8 +118,12 @@ void set<T>::compact() {
   sort_distinct(pending);
   const std::size_t distinct = pending.size();
   flush_threshold = distinct > 0x3FFFFFFE ? largest_threshold : static_cast<unsigned int>(4 * distinct);
-  pending.reserve(std::min<std::size_t>(flush_threshold, pending.max_size()));
-  if (slots == nullptr) slots = std::make_unique<slot_cache>();
+  try {
+    pending.reserve(std::min<std::size_t>(flush_threshold, pending.max_size()));
+    if (slots == nullptr) slots = std::make_unique<slot_cache>();
+  } catch (const std::bad_alloc&) {
+    // The value that led here has been taken, and both only save time.
+  }
 }
 
 template <class T>

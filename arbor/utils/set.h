@@ -16,10 +16,10 @@ namespace strata::adt {
 
 // T is datatype<int>, datatype<unsigned int>, datatype<float>, datatype<double> or datatype<std::string>.
 //
-// Values collect in a vector, which is sorted and freed of duplicates when a value comes and there are 256, and then
-// whenever it has grown to four times the size it had after the last such compaction. From the first compaction on, a
-// direct-mapped cache of 1339 slots absorbs repeats without touching the vector; before it, the cache would outweigh
-// the values of a small table.
+// Values collect in a vector, which is sorted and freed of duplicates at 256 values and then whenever it has grown to
+// four times the size it had after the last such compaction. From the first compaction on, a direct-mapped cache of
+// 1339 slots absorbs repeats without touching the vector; before it, the cache would outweigh the values of a small
+// table.
 template <class T>
 class set : private util::nocopy {
  public:

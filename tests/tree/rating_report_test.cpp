@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "arbor/tree/json_writer.h"
 #include "arbor/tree/shortest_text.h"
 #include "arbor/tree/table_loader.h"
 #include "tests/support/columns.h"
@@ -61,6 +62,14 @@ TEST(ShortestText, GivesTheCodeAgainWherePrintingDoesNot) {
     split.high_code = high;
     EXPECT_EQ(numbers->get_index(tree::cut_threshold(*numbers, split).c_str()), low);
   }
+}
+
+TEST(JsonWriter, SeparatesIndentsAndQuotesWhatIsNested) {
+  tree::json_writer json;
+  json.open('{').member("a", 0.1F).key("b").open('[').value("\"\n\xFF").value(nullptr).open('{').close().close();
+  json.key("c").open('[').close().close();
+  EXPECT_EQ(json.text(),
+            "{\n  \"a\": 0.1,\n  \"b\": [\n    \"\\\"\\n\xEF\xBF\xBD\",\n    null,\n    {}\n  ],\n  \"c\": []\n}\n");
 }
 
 }  // namespace
