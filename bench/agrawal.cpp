@@ -47,12 +47,15 @@ bool in_first_group(const person& p, int function) {
     case 3:
       return has_education(p);
     case 4:
-      return within(p.salary, has_education(p) ? by_age<bounds>(p, {25000, 75000}, {50000, 100000}, {50000, 100000})
-                                               : by_age<bounds>(p, {50000, 100000}, {75000, 125000}, {25000, 75000}));
+      return within(p.salary,
+                    has_education(p)
+                        ? by_age<bounds>(p, {25000, 75000}, {50000, 100000}, {50000, 100000})
+                        : by_age<bounds>(p, {50000, 100000}, {75000, 125000}, {25000, 75000}));
     case 5:
-      return within(p.loan, has_income(p, p.salary)
-                                ? by_age<bounds>(p, {100000, 300000}, {200000, 400000}, {300000, 500000})
-                                : by_age<bounds>(p, {200000, 400000}, {300000, 500000}, {100000, 300000}));
+      return within(p.loan,
+                    has_income(p, p.salary)
+                        ? by_age<bounds>(p, {100000, 300000}, {200000, 400000}, {300000, 500000})
+                        : by_age<bounds>(p, {200000, 400000}, {300000, 500000}, {100000, 300000}));
     case 6:
       return has_income(p, p.salary + p.commission);
     case 7:
@@ -72,7 +75,8 @@ bool in_first_group(const person& p, int function) {
 
 }  // namespace
 
-// The distributions of the standard library differ from one implementation to the next; this one does not.
+// The distributions of the standard library differ from one implementation to the next; this one
+// does not.
 int agrawal::uniform(int low, int high) {
   return low + static_cast<int>(random() % static_cast<std::uint64_t>(high - low + 1));
 }

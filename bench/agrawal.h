@@ -1,6 +1,7 @@
-// The synthetic table of R. Agrawal, T. Imielinski and A. Swami, "Database mining: a performance perspective", IEEE
-// Transactions on Knowledge and Data Engineering 5 (1993), 914-925: nine attributes of a person who asks for a loan,
-// and ten functions that assign one of two groups. SLIQ, SPRINT and RainForest were measured on it.
+// The synthetic table of R. Agrawal, T. Imielinski and A. Swami, "Database mining: a performance
+// perspective", IEEE Transactions on Knowledge and Data Engineering 5 (1993), 914-925: nine
+// attributes of a person who asks for a loan, and ten functions that assign one of two groups.
+// SLIQ, SPRINT and RainForest were measured on it.
 //
 //   agrawal people({7, 0.05, 1});
 //   const person next = people.next();  // next.group is that of function 7, wrong for one in twenty

@@ -8,7 +8,8 @@ namespace arbor::bench {
 
 namespace {
 
-// The time this process has spent on the processor, in seconds: waiting for others to leave the core is not counted.
+// The time this process has spent on the processor, in seconds: waiting for others to leave the
+// core is not counted.
 double processor_time() {
   timespec now{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
@@ -38,7 +39,8 @@ void alternate(benchmark::State& state, const comparison& pair, const aim& wante
     state.counters["bare_ns"] = bare * calls_ns / items;
     state.counters["ratio"] = unit / bare;
   }
-  if (pair.swept != 0) state.counters["sweep_ns"] = (unit - bare) * calls_ns / static_cast<double>(pair.swept);
+  if (pair.swept != 0)
+    state.counters["sweep_ns"] = (unit - bare) * calls_ns / static_cast<double>(pair.swept);
   if (wanted.of == aim::ratio) state.counters["aim_ratio"] = wanted.most;
   if (wanted.of == aim::time) state.counters["aim_unit_ns"] = wanted.most;
   if (wanted.of == aim::sweep) state.counters["aim_sweep_ns"] = wanted.most;
@@ -49,7 +51,8 @@ void alternate(benchmark::State& state, const comparison& pair, const aim& wante
 void compare(const std::string& name, const aim& wanted, const std::function<comparison()>& make) {
   const auto run = [=](benchmark::State& state) {
     try {
-      // One comparison at a time: a benchmark is run many times in a row, and the arrays of all would fill the memory.
+      // One comparison at a time: a benchmark is run many times in a row, and the arrays of all
+      // would fill the memory.
       static std::string prepared;
       static comparison pair;
       if (prepared != name) {

@@ -1,4 +1,5 @@
-// A unit of work beside its bare loop: the plainest loop by hand over the same arrays that computes the same.
+// A unit of work beside its bare loop: the plainest loop by hand over the same arrays that computes
+// the same.
 //
 //   compare("sum : bare sum/1,000 numbers", {aim::ratio, 1.3}, [] {
 //     const auto numbers = std::make_shared<std::vector<int>>(1000, 1);
@@ -22,9 +23,11 @@ namespace arbor::bench {
 struct comparison {
   std::size_t items = 0;  // that one call of either works through: times are told per item
   std::function<void()> unit;
-  std::function<void()> bare;          // empty when there is none to compare with: the time itself is the result then
+  std::function<void()>
+      bare;  // empty when there is none to compare with: the time itself is the result then
   std::function<void()> prepare = {};  // called before each call of the unit, off the clock
-  std::size_t swept = 0;               // unless 0, the difference of the two per so many items is a result as well
+  std::size_t swept =
+      0;  // unless 0, the difference of the two per so many items is a result as well
 };
 
 // What the result should be at most.
@@ -34,8 +37,8 @@ struct aim {
   double most = 0;  // ratio, or nanoseconds
 };
 
-// Adds a benchmark. `name` is its group, a stroke, and what is particular to it; `make` prepares it when its turn comes
-// and throws when unit and bare loop do not compute the same.
+// Adds a benchmark. `name` is its group, a stroke, and what is particular to it; `make` prepares it
+// when its turn comes and throws when unit and bare loop do not compute the same.
 void compare(const std::string& name, const aim& wanted, const std::function<comparison()>& make);
 
 // Throws that `what` is not so, unless it is.

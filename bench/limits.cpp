@@ -3,7 +3,8 @@
 //   arbor_limits           # all of them
 //   arbor_limits column    # those whose name has this text in it
 //
-// Every limit is met in a process of its own, so that the memory told, the most that was resident, is its alone.
+// Every limit is met in a process of its own, so that the memory told, the most that was resident,
+// is its alone.
 
 #include <fmt/format.h>
 #include <sys/resource.h>
@@ -25,9 +26,9 @@
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
+#include "arbor/store/model_store.h"
+#include "arbor/table/table_loader.h"
 #include "arbor/tree/grower.h"
-#include "arbor/tree/model_store.h"
-#include "arbor/tree/table_loader.h"
 #include "arbor/utils/file_device.h"
 #include "arbor/utils/ibinstream.h"
 #include "arbor/utils/obinstream.h"
@@ -63,7 +64,8 @@ void step(const std::string& name, const std::function<void()>& work) {
       refusal = error.what();
     }
   });
-  if (refusal.size() > 160) refusal = fmt::format("{} ... ({} bytes)", refusal.substr(0, 160), refusal.size());
+  if (refusal.size() > 160)
+    refusal = fmt::format("{} ... ({} bytes)", refusal.substr(0, 160), refusal.size());
   fmt::print("  {:<52}{:>10.3f} s  {}\n", name, taken, refusal);
 }
 
@@ -97,7 +99,8 @@ void many_columns() {
     for (unsigned int c = 0; c < columns; ++c) out << 'c' << c << ',';
     out << "class\n";
     for (unsigned int r = 0; r < rows; ++r) {
-      for (unsigned int c = 0; c < columns; ++c) out << (r * 2654435761U + c * 40503U) / 7 % (2 + c % 15) << ',';
+      for (unsigned int c = 0; c < columns; ++c)
+        out << (r * 2654435761U + c * 40503U) / 7 % (2 + c % 15) << ',';
       out << (r % 2 == 0 ? "yes\n" : "no\n");
     }
   });
@@ -141,7 +144,8 @@ void many_strings() {
 
 std::unique_ptr<o_set> numbers_to(unsigned int count) {
   std::unique_ptr<o_set> domain(o_set::NEW_O_SET("integer", true, "?"));
-  for (unsigned int value = 1; value <= count; ++value) domain->insert(std::to_string(value).c_str());
+  for (unsigned int value = 1; value <= count; ++value)
+    domain->insert(std::to_string(value).c_str());
   return domain;
 }
 
@@ -178,7 +182,8 @@ void append_until_full(column& x) {
   unsigned int left = most_rows;
   x.reserve(left);
   while (left > 0) {
-    const unsigned int count = std::min<unsigned int>(left, static_cast<unsigned int>(block.size()));
+    const unsigned int count =
+        std::min<unsigned int>(left, static_cast<unsigned int>(block.size()));
     x.append_codes(block.data(), count);
     left -= count;
   }
@@ -228,7 +233,8 @@ bool met_alone(const limit& l) {
   int status = 0;
   rusage used{};
   wait4(child, &status, 0, &used);
-  const auto kilobytes = used.ru_maxrss;  // NOLINT(cppcoreguidelines-pro-type-union-access): the C library's own
+  const auto kilobytes =
+      used.ru_maxrss;  // NOLINT(cppcoreguidelines-pro-type-union-access): the C library's own
   fmt::print("  {:<52}{:>10.1f} MB\n", "most memory", static_cast<double>(kilobytes) * 1024 / 1e6);
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }

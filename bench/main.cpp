@@ -1,5 +1,5 @@
-// Times every unit of work beside its bare loop. script/bench runs this and reports the ratios; by itself it takes the
-// options of Google Benchmark.
+// Times every unit of work beside its bare loop. script/bench runs this and reports the ratios; by
+// itself it takes the options of Google Benchmark.
 
 #include <benchmark/benchmark.h>
 

@@ -5,8 +5,9 @@
 //   arbor_measure_table grow people.csv    # grows a tree on it, without pruning
 //   arbor_measure_table grow people.csv 8  # the same, with no more than 8 tests one below the other
 //
-// A phase's runs are told in seconds of processor time, those of the clock beside them. Its memory is that of its first
-// run, of the whole process, in bytes: "before" what was resident before it, "peak" the most while it ran.
+// A phase's runs are told in seconds of processor time, those of the clock beside them. Its memory
+// is that of its first run, of the whole process, in bytes: "before" what was resident before it,
+// "peak" the most while it ran.
 
 #include <algorithm>
 #include <chrono>
@@ -24,10 +25,10 @@
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
+#include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
-#include "arbor/tree/table_loader.h"
 
 namespace {
 
@@ -49,7 +50,8 @@ tree::grow_options chosen_growing(unsigned int max_depth) {
 std::size_t process_bytes(const std::string& entry) {
   std::ifstream status("/proc/self/status");
   std::string name;
-  while (status >> name && name != entry + ":") status.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  while (status >> name && name != entry + ":")
+    status.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   std::size_t kilobytes = 0;
   status >> kilobytes;
   return kilobytes * 1024;
@@ -65,8 +67,9 @@ double clock_seconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-// Runs the work of a phase three times; more often when that takes less than a second in all, less often when it takes
-// more than a minute. Work that is too short for the clocks is repeated within a run.
+// Runs the work of a phase three times; more often when that takes less than a second in all, less
+// often when it takes more than a minute. Work that is too short for the clocks is repeated within
+// a run.
 json measure(const char* phase, const std::function<void()>& work) {
   constexpr double shortest_run = 0.05;
   std::ofstream("/proc/self/clear_refs") << 5;  // the peak begins anew
@@ -104,11 +107,13 @@ unsigned int bits_per_cell(const impls::column& column) {
 // What the known values of a column take.
 std::size_t domain_bytes(const impls::column& column) {
   const std::string type = column.get_o_set()->get_datatype();
-  if (type != "string") return (column.get_distinct() - 1) * (type == "double" ? sizeof(double) : sizeof(int));
+  if (type != "string")
+    return (column.get_distinct() - 1) * (type == "double" ? sizeof(double) : sizeof(int));
   std::size_t bytes = 0;
   for (unsigned int code = 1; code < column.get_distinct(); ++code) {
     const std::string text = column.get_value(code);
-    const bool apart = text.capacity() > std::string().capacity();  // too long to be held in the string itself
+    const bool apart =
+        text.capacity() > std::string().capacity();  // too long to be held in the string itself
     bytes += sizeof(std::string) + (apart ? text.size() + 1 : 0);
   }
   return bytes;
@@ -148,7 +153,8 @@ json rate(const std::string& path) {
 json grow(const std::string& path, unsigned int max_depth) {
   const tree::table held = tree::load_table(path, {});
   tree::decision_tree grown;
-  json result = measure("grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth)); });
+  json result = measure(
+      "grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth)); });
   const tree::confusion_matrix said = tree::classify_cases(grown, held, held.cases);
   const tree::tree_size size = tree::measure(grown);
   result["nodes"] = size.nodes;
@@ -162,7 +168,9 @@ json grow(const std::string& path, unsigned int max_depth) {
 int main(int argc, char** argv) {
   unsigned int max_depth = tree::grow_options().max_depth;
   const std::map<std::string, std::function<json(const std::string&)>> phases{
-      {"load", load}, {"rate", rate}, {"grow", [&](const std::string& path) { return grow(path, max_depth); }}};
+      {"load", load}, {"rate", rate}, {"grow", [&](const std::string& path) {
+                                         return grow(path, max_depth);
+                                       }}};
   const auto phase = phases.find(argc == 3 || argc == 4 ? argv[1] : "");
   if (phase == phases.end() || (argc == 4 && phase->first != "grow")) {
     std::cerr << "usage: arbor_measure_table load|rate|grow TABLE\n"

@@ -25,7 +25,8 @@ struct node_rating {
   std::size_t stride = target->get_distinct();
   float total = weight_of(cases);
   column::splitting_desc result = {};
-  std::vector<float> table = std::vector<float>(rated->get_distinct() * stride);  // by code, then by class
+  std::vector<float> table =
+      std::vector<float>(rated->get_distinct() * stride);  // by code, then by class
   std::vector<unsigned int> ends = std::vector<unsigned int>(rated->get_distinct() + 1);
   w_sequence sorted = w_sequence(cases.size());
   std::size_t runs = 0;  // of equal codes among the sorted cases
@@ -43,8 +44,9 @@ struct node_rating {
 };
 
 template <class Codes>
-[[gnu::noinline]] void bare_tally(const w_sequence& cases, Codes codes, const unsigned char* classes,
-                                  std::size_t stride, std::vector<float>& table) {
+[[gnu::noinline]] void bare_tally(const w_sequence& cases, Codes codes,
+                                  const unsigned char* classes, std::size_t stride,
+                                  std::vector<float>& table) {
   std::fill(table.begin(), table.end(), 0.0F);
   float* const weights = table.data();
   for (const auto& [row, weight] : cases) weights[codes[row] * stride + classes[row]] += weight;
@@ -52,15 +54,17 @@ template <class Codes>
 }
 
 void bare_tally(node_rating& node) {
-  with_codes(*node.rated,
-             [&](auto codes) { bare_tally(node.cases, codes, class_codes(*node.target), node.stride, node.table); });
+  with_codes(*node.rated, [&](auto codes) {
+    bare_tally(node.cases, codes, class_codes(*node.target), node.stride, node.table);
+  });
 }
 
-// A counting sort of the cases into another array, and a pass over them that keeps the class weights up to each.
+// A counting sort of the cases into another array, and a pass over them that keeps the class
+// weights up to each.
 template <class Codes>
 [[gnu::noinline]] void bare_sort(const w_sequence& cases, Codes codes, const unsigned char* classes,
-                                 std::vector<unsigned int>& ends, w_sequence& sorted, std::vector<float>& left,
-                                 std::size_t& runs) {
+                                 std::vector<unsigned int>& ends, w_sequence& sorted,
+                                 std::vector<float>& left, std::size_t& runs) {
   std::fill(ends.begin(), ends.end(), 0U);
   for (const auto& c : cases) ++ends[codes[c.first] + 1];
   for (std::size_t code = 1; code < ends.size(); ++code) ends[code] += ends[code - 1];
@@ -80,14 +84,17 @@ template <class Codes>
 
 void bare_sort(node_rating& node, std::vector<float>& left) {
   with_codes(*node.rated, [&](auto codes) {
-    bare_sort(node.cases, codes, class_codes(*node.target), node.ends, node.sorted, left, node.runs);
+    bare_sort(node.cases, codes, class_codes(*node.target), node.ends, node.sorted, left,
+              node.runs);
   });
 }
 
-// Of the measure, with room for what float arithmetic and the penalty for trying many cuts take away.
+// Of the measure, with room for what float arithmetic and the penalty for trying many cuts take
+// away.
 void expect_gain(node_rating& node, double gain) {
   node.rate();
-  expect(std::abs(static_cast<double>(node.result.gain) - gain) < 0.01 && gain > 0.05, "the gain is that of the tally");
+  expect(std::abs(static_cast<double>(node.result.gain) - gain) < 0.01 && gain > 0.05,
+         "the gain is that of the tally");
 }
 
 string values(unsigned int known) {
@@ -106,18 +113,21 @@ struct circumstances {
 
   string text() const {
     const char* const orders[] = {"row order", "scattered", "shuffled"};
-    return values(known) + "/" + std::to_string(classes) + " classes/" + orders[static_cast<int>(order)] + "/" +
+    return values(known) + "/" + std::to_string(classes) + " classes/" +
+           orders[static_cast<int>(order)] + "/" +
            (weights == weighing::unit ? "unit weights" : "uneven weights");
   }
 };
 
 // Every combination, the last fastest.
-std::vector<circumstances> combinations(const std::vector<unsigned int>& known, const std::vector<row_order>& orders) {
+std::vector<circumstances> combinations(const std::vector<unsigned int>& known,
+                                        const std::vector<row_order>& orders) {
   std::vector<circumstances> all;
   for (const unsigned int k : known) {
     for (const unsigned int classes : {2U, 10U}) {
       for (const row_order order : orders) {
-        for (const weighing weights : {weighing::unit, weighing::uneven}) all.push_back({k, classes, order, weights});
+        for (const weighing weights : {weighing::unit, weighing::uneven})
+          all.push_back({k, classes, order, weights});
       }
     }
   }
@@ -133,8 +143,8 @@ std::shared_ptr<node_rating> make_node(sample& table, const string& kind, const 
 }
 
 void add_discrete(sample& table) {
-  for (const circumstances& c :
-       combinations({2, 20, 1000, 100000}, {row_order::rows, row_order::scattered, row_order::shuffled})) {
+  for (const circumstances& c : combinations(
+           {2, 20, 1000, 100000}, {row_order::rows, row_order::scattered, row_order::shuffled})) {
     // How much a measure hides of the misses of shuffled rows is the processor's affair.
     const aim wanted = c.order == row_order::shuffled ? aim{} : aim{aim::ratio, 1.3};
     compare("discrete measure : bare tally/" + c.text(), wanted, [=, &table] {
@@ -146,7 +156,8 @@ void add_discrete(sample& table) {
   }
 }
 
-std::shared_ptr<node_rating> make_rainforest_node(sample& table, const circumstances& c, std::size_t cases) {
+std::shared_ptr<node_rating> make_rainforest_node(sample& table, const circumstances& c,
+                                                  std::size_t cases) {
   auto node = make_node(table, "continuous", c, cases);
   bare_tally(*node);
   expect(cases / c.known > 2, "class weights are tallied rather than cases sorted");
@@ -155,7 +166,8 @@ std::shared_ptr<node_rating> make_rainforest_node(sample& table, const circumsta
 }
 
 void add_rainforest(sample& table) {
-  for (const circumstances& c : combinations({100, 10000, 130000}, {row_order::rows, row_order::scattered})) {
+  for (const circumstances& c :
+       combinations({100, 10000, 130000}, {row_order::rows, row_order::scattered})) {
     // With many values the sweep outweighs the tally; it is told below.
     const aim wanted = c.known > 10000 ? aim{} : aim{aim::ratio, 1.3};
     compare("continuous measure by class weights : bare tally/" + c.text(), wanted, [=, &table] {
@@ -163,37 +175,45 @@ void add_rainforest(sample& table) {
       return comparison{node->cases.size(), [=] { node->rate(); }, [=] { bare_tally(*node); }};
     });
   }
-  // The sweep is what the measure takes beyond the bare tally, per code that occurs. It has the greatest share in the
-  // smallest nodes that are measured this way, those of three cases a value.
+  // The sweep is what the measure takes beyond the bare tally, per code that occurs. It has the
+  // greatest share in the smallest nodes that are measured this way, those of three cases a value.
   for (const circumstances& c : combinations({10000, 130000, 333333}, {row_order::rows})) {
-    const aim wanted = c.weights == weighing::uneven ? aim{} : aim{aim::sweep, c.classes == 2 ? 6.0 : 20.0};
-    compare("continuous measure by class weights - bare tally, 3 cases a value/" + c.text(), wanted, [=, &table] {
-      const auto node = make_rainforest_node(table, c, 3 * c.known + 1);
-      const std::size_t codes = tallied_values(node->table, node->stride).count();
-      return comparison{node->cases.size(), [=] { node->rate(); }, [=] { bare_tally(*node); }, {}, codes};
-    });
+    const aim wanted =
+        c.weights == weighing::uneven ? aim{} : aim{aim::sweep, c.classes == 2 ? 6.0 : 20.0};
+    compare("continuous measure by class weights - bare tally, 3 cases a value/" + c.text(), wanted,
+            [=, &table] {
+              const auto node = make_rainforest_node(table, c, 3 * c.known + 1);
+              const std::size_t codes = tallied_values(node->table, node->stride).count();
+              return comparison{
+                  node->cases.size(), [=] { node->rate(); }, [=] { bare_tally(*node); }, {}, codes};
+            });
   }
 }
 
 void add_sorting(sample& table) {
-  for (const circumstances& c : combinations({sample::cases / 2}, {row_order::rows, row_order::scattered})) {
-    const aim wanted = c.weights == weighing::uneven ? aim{} : aim{aim::ratio, c.classes == 2 ? 2.0 : 3.0};
-    compare("continuous measure by sorting : bare counting sort and a pass/" + c.text(), wanted, [=, &table] {
-      const auto node = make_node(table, "continuous", c);
-      bare_tally(*node);
-      const tallied_values expected(node->table, node->stride);
-      expect_gain(*node, expected.gain_at_threshold());
-      const auto left = std::make_shared<std::vector<float>>(node->stride);
-      bare_sort(*node, *left);
-      expect(node->runs == expected.count(), "the bare sort brings equal codes together");
-      return comparison{node->cases.size(), [=] { node->rate(); }, [=] { bare_sort(*node, *left); }};
-    });
+  for (const circumstances& c :
+       combinations({sample::cases / 2}, {row_order::rows, row_order::scattered})) {
+    const aim wanted =
+        c.weights == weighing::uneven ? aim{} : aim{aim::ratio, c.classes == 2 ? 2.0 : 3.0};
+    compare("continuous measure by sorting : bare counting sort and a pass/" + c.text(), wanted,
+            [=, &table] {
+              const auto node = make_node(table, "continuous", c);
+              bare_tally(*node);
+              const tallied_values expected(node->table, node->stride);
+              expect_gain(*node, expected.gain_at_threshold());
+              const auto left = std::make_shared<std::vector<float>>(node->stride);
+              bare_sort(*node, *left);
+              expect(node->runs == expected.count(), "the bare sort brings equal codes together");
+              return comparison{node->cases.size(), [=] { node->rate(); },
+                                [=] { bare_sort(*node, *left); }};
+            });
   }
 }
 
-// A node of ten cases, where what a call costs once outweighs what it costs per case: the codes take turns, and those
-// of the upper half of the range are of the second class.
-void add_small(const string& name, const aim& wanted, const string& kind, unsigned int known, unsigned int different) {
+// A node of ten cases, where what a call costs once outweighs what it costs per case: the codes
+// take turns, and those of the upper half of the range are of the second class.
+void add_small(const string& name, const aim& wanted, const string& kind, unsigned int known,
+               unsigned int different) {
   compare("rating a node of 10 cases/" + name, wanted, [=] {
     constexpr unsigned int calls = 1000;
     const std::shared_ptr<column> rated = make_column(kind, "integer", integer_texts(known));

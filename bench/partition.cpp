@@ -1,5 +1,5 @@
-// Taking the cases of a branch beside copying them by hand: half of the cases, in no order that a processor could
-// guess.
+// Taking the cases of a branch beside copying them by hand: half of the cases, in no order that a
+// processor could guess.
 
 #include <functional>
 #include <memory>
@@ -17,8 +17,8 @@ struct taken_cases {
   float weight;
 };
 
-// Weighs and counts, then copies, without a branch: a case that is not taken is overwritten by the next. There is
-// nothing here for unknown values, nor for the bounds of the codes that are taken.
+// Weighs and counts, then copies, without a branch: a case that is not taken is overwritten by the
+// next. There is nothing here for unknown values, nor for the bounds of the codes that are taken.
 template <class Codes, class Takes>
 [[gnu::noinline]] taken_cases bare_copy(const w_sequence& cases, Codes codes, Takes takes) {
   unsigned int count = 0;
@@ -26,7 +26,8 @@ template <class Codes, class Takes>
   for (const auto& c : cases) {
     const unsigned int taken = takes(codes[c.first]) ? 1 : 0;
     count += taken;
-    weight += static_cast<float>(taken) * c.second;  // not a conditional, of which compilers make a branch
+    weight += static_cast<float>(taken) *
+              c.second;  // not a conditional, of which compilers make a branch
   }
   taken_cases result{std::unique_ptr<weighted_case[]>(new weighted_case[count + 1]), count, weight};
   weighted_case* end = result.cases.get();
@@ -47,8 +48,8 @@ struct split {
   std::unique_ptr<w_sequence> partition() const {
     float ratio = 0;
     code_range range{0, 0};
-    std::unique_ptr<w_sequence> taken(
-        source->partition(cases.begin(), cases.end(), branch, static_cast<float>(cases.size()), ratio, range, desc));
+    std::unique_ptr<w_sequence> taken(source->partition(
+        cases.begin(), cases.end(), branch, static_cast<float>(cases.size()), ratio, range, desc));
     keep(taken->data());
     return taken;
   }
@@ -61,7 +62,8 @@ void expect_same(const w_sequence& unit, const taken_cases& bare, std::size_t al
   expect(same, "the same cases are taken");
 }
 
-// The bare loop takes the cases for whose code and `bound`, the code of branch or threshold, `takes` holds.
+// The bare loop takes the cases for whose code and `bound`, the code of branch or threshold,
+// `takes` holds.
 template <class Takes>
 void add(const std::string& name, const std::function<column*()>& source, unsigned int branch,
          const std::string& threshold, unsigned int bound, Takes takes) {
@@ -76,7 +78,8 @@ void add(const std::string& name, const std::function<column*()>& source, unsign
       node->desc.threshold = threshold;
       const auto bare = [=] {
         return with_codes(*node->source, [&](auto codes) {
-          return bare_copy(node->cases, codes, [=](unsigned int code) { return takes(code, bound); });
+          return bare_copy(node->cases, codes,
+                           [=](unsigned int code) { return takes(code, bound); });
         });
       };
       expect_same(*node->partition(), bare(), node->cases.size());

@@ -21,7 +21,8 @@ using strata::inpout::obinstream;
 
 constexpr unsigned int rows = 1000000;
 
-// Two files, removed in the end, in memory where there is a place for that: a disk would drown the difference.
+// Two files, removed in the end, in memory where there is a place for that: a disk would drown the
+// difference.
 struct file_pair {
   std::string unit = path("unit");
   std::string bare = path("bare");
@@ -73,11 +74,12 @@ const format whole_record{[](obinstream& out, const column& source) { out << &so
                             return std::unique_ptr<column>(loaded);
                           }};
 
-// The rows without domain, name and kind; a column that is only filled and asked for its codes needs no domain.
+// The rows without domain, name and kind; a column that is only filled and asked for its codes
+// needs no domain.
 const format rows_of_four_bytes{[](obinstream& out, const column& source) { source.bin_out(out); },
                                 [](ibinstream& in) {
-                                  auto loaded =
-                                      std::make_unique<column_typed<unsigned int>>(nullptr, "x", column::DISCRETE);
+                                  auto loaded = std::make_unique<column_typed<unsigned int>>(
+                                      nullptr, "x", column::DISCRETE);
                                   loaded->bin_in(in);
                                   return loaded;
                                 }};
@@ -109,7 +111,8 @@ void add(const std::string& name, const aim& wanted, unsigned int known, const f
     auto made = std::make_shared<saved>();
     const std::vector<std::string> texts = integer_texts(known);
     made->source = make_column("discrete", "integer", texts);
-    for (unsigned int row = 0; row < rows; ++row) made->source->push_back(texts[row * 7919ULL % known].c_str());
+    for (unsigned int row = 0; row < rows; ++row)
+      made->source->push_back(texts[row * 7919ULL % known].c_str());
     save(form, *made->source, made->files.unit);
     made->size = std::filesystem::file_size(made->files.unit);
     made->bytes = bare_read(made->files.unit, made->size);
@@ -129,7 +132,8 @@ void add(const std::string& name, const aim& wanted, unsigned int known, const f
   });
   compare("reloading a column : read/" + name, wanted, [=] {
     const auto made = make();
-    return comparison{rows, [=] { load(form, made->files.unit); }, [=] { bare_read(made->files.bare, made->size); }};
+    return comparison{rows, [=] { load(form, made->files.unit); },
+                      [=] { bare_read(made->files.bare, made->size); }};
   });
 }
 

@@ -50,7 +50,9 @@ column* sample::attribute(const std::string& kind, unsigned int known) {
 }
 
 column* sample::skewed() {
-  return filled("skewed", "discrete", 3, [](double at) { return at < 0.25 ? 0U : at < 0.75 ? 1U : 2U; });
+  return filled("skewed", "discrete", 3, [](double at) {
+    return at < 0.25 ? 0U : at < 0.75 ? 1U : 2U;
+  });
 }
 
 column* sample::filled(const std::string& key, const std::string& kind, unsigned int known,
@@ -60,7 +62,8 @@ column* sample::filled(const std::string& key, const std::string& kind, unsigned
   const std::vector<std::string> texts = integer_texts(known);
   std::unique_ptr<column> made = make_column(kind, "integer", texts);
   made->reserve(rows);
-  for (const double at : made->is_class() ? class_position : position) made->push_back(texts[value_at(at)].c_str());
+  for (const double at : made->is_class() ? class_position : position)
+    made->push_back(texts[value_at(at)].c_str());
   kept = std::move(made);
   return kept.get();
 }
@@ -71,8 +74,8 @@ w_sequence sample::node(row_order order, weighing weights) {
   result.reserve(cases);
   for (unsigned int row = 0; result.size() < cases; ++row) {
     // Each row with the share of the cases that are still wanted among the rows that are left.
-    const bool taken =
-        order == row_order::rows || random() % (rows - row) < static_cast<std::uint64_t>(cases - result.size());
+    const bool taken = order == row_order::rows ||
+                       random() % (rows - row) < static_cast<std::uint64_t>(cases - result.size());
     if (taken) result.push_back({row, 1.0F});
   }
   if (order == row_order::shuffled) std::shuffle(result.begin(), result.end(), random);

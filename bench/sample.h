@@ -1,5 +1,6 @@
-// The table that units are timed on: columns of as many values as asked for, spread evenly over the rows and in no
-// order, and classes that depend on them half of the time, so that there is a split to find.
+// The table that units are timed on: columns of as many values as asked for, spread evenly over the
+// rows and in no order, and classes that depend on them half of the time, so that there is a split
+// to find.
 #ifndef ARBOR_BENCH_SAMPLE_H
 #define ARBOR_BENCH_SAMPLE_H
 
@@ -48,7 +49,8 @@ class sample {
 
   sample();
 
-  // Made when first asked for. A discrete column of 2 values is one of bits; the least value has code 1.
+  // Made when first asked for. A discrete column of 2 values is one of bits; the least value has
+  // code 1.
   column* attribute(const std::string& kind, unsigned int known);
   column* classes(unsigned int count) { return attribute("class", count); }
 
@@ -75,10 +77,14 @@ struct bit_array {
 // Calls `use` with the array in which the column keeps its codes, for bare loops to read.
 template <class Use>
 auto with_codes(const column& source, Use use) {
-  if (const auto* bits = dynamic_cast<const column_bool*>(&source)) return use(bit_array{bits->bits().data()});
-  if (const auto* one = dynamic_cast<const column_typed<unsigned char>*>(&source)) return use(one->codes().data());
-  if (const auto* two = dynamic_cast<const column_typed<unsigned short>*>(&source)) return use(two->codes().data());
-  if (const auto* four = dynamic_cast<const column_typed<unsigned int>*>(&source)) return use(four->codes().data());
+  if (const auto* bits = dynamic_cast<const column_bool*>(&source))
+    return use(bit_array{bits->bits().data()});
+  if (const auto* one = dynamic_cast<const column_typed<unsigned char>*>(&source))
+    return use(one->codes().data());
+  if (const auto* two = dynamic_cast<const column_typed<unsigned short>*>(&source))
+    return use(two->codes().data());
+  if (const auto* four = dynamic_cast<const column_typed<unsigned int>*>(&source))
+    return use(four->codes().data());
   throw std::logic_error("a column of bits, or of codes of one, two or four bytes");
 }
 

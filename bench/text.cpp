@@ -1,5 +1,5 @@
-// From text to codes: reading numbers, filling a domain, looking values up, appending rows. There is no aim here; the
-// loops by hand tell how much of the time is the task's own.
+// From text to codes: reading numbers, filling a domain, looking values up, appending rows. There
+// is no aim here; the loops by hand tell how much of the time is the task's own.
 
 #include <algorithm>
 #include <array>
@@ -22,7 +22,8 @@ namespace {
 
 constexpr std::size_t cell_count = 1000000;
 
-// Reading and comparing by hand: digits without a sign, what strtod makes of a text, and the text itself.
+// Reading and comparing by hand: digits without a sign, what strtod makes of a text, and the text
+// itself.
 void read(const char* text, int& value) {
   value = 0;
   for (; *text >= '0' && *text <= '9'; ++text) value = 10 * value + (*text - '0');
@@ -97,7 +98,9 @@ std::shared_ptr<const cells> make_cells(const std::string& data_type, std::size_
   const auto made = std::make_shared<cells>(cells{data_type, {}});
   for (std::size_t i = 0; i < count; ++i) {
     std::array<char, 32> text{};
-    const char* const form = data_type == "string" ? "value %02.0f" : data_type == "integer" ? "%.0f" : "%.3f";
+    const char* const form = data_type == "string"    ? "value %02.0f"
+                             : data_type == "integer" ? "%.0f"
+                                                      : "%.3f";
     const double value = static_cast<double>(i) * (data_type == "float" ? 0.001 : 1);
     static_cast<void>(std::snprintf(text.data(), text.size(), form, value));
     made->distinct.emplace_back(text.data());
@@ -113,8 +116,10 @@ void add(const std::string& data_type, unsigned int count) {
 
   compare("filling a domain : sorting read values" + name, {}, [=] {
     const auto source = make();
-    expect(bare_domain<T>(source->texts).size() == source->distinct.size(), "each value is kept once");
-    return comparison{cell_count, [=] { keep(source->domain().get()); }, [=] { bare_domain<T>(source->texts); }};
+    expect(bare_domain<T>(source->texts).size() == source->distinct.size(),
+           "each value is kept once");
+    return comparison{cell_count, [=] { keep(source->domain().get()); },
+                      [=] { bare_domain<T>(source->texts); }};
   });
 
   compare("looking texts up : reading and halving" + name, {}, [=] {
@@ -123,7 +128,8 @@ void add(const std::string& data_type, unsigned int count) {
     const auto sorted = std::make_shared<std::vector<T>>(bare_domain<T>(source->texts));
     for (const std::string& text : source->distinct) {
       unsigned int code = 0;
-      expect(domain->get_order(text.c_str(), code) && code == bare_code(*sorted, text.c_str()), "the codes are equal");
+      expect(domain->get_order(text.c_str(), code) && code == bare_code(*sorted, text.c_str()),
+             "the codes are equal");
     }
     const auto look_up = [=] {
       for (const char* text : source->texts) {
@@ -151,7 +157,8 @@ void add(const std::string& data_type, unsigned int count) {
       with_codes(*pattern, [&](auto codes) {
         std::vector<std::remove_cv_t<std::remove_reference_t<decltype(codes[0])>>> appended;
         for (const char* text : source->texts) {
-          appended.push_back(static_cast<typename decltype(appended)::value_type>(bare_code(*sorted, text)));
+          appended.push_back(
+              static_cast<typename decltype(appended)::value_type>(bare_code(*sorted, text)));
         }
         keep(appended.data());
       });
@@ -173,7 +180,9 @@ void add_freeze() {
       domain->reset(o_set::NEW_O_SET("integer", true, "?"));
       for (const std::string& text : *source) (*domain)->insert(text.c_str());
     };
-    const auto freeze = [=] { expect((*domain)->size_of_known() == count, "all values are there"); };
+    const auto freeze = [=] {
+      expect((*domain)->size_of_known() == count, "all values are there");
+    };
     const auto sort = [=] {
       std::vector<int> sorted = *numbers;
       std::sort(sorted.begin(), sorted.end());

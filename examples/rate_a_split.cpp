@@ -18,8 +18,10 @@ std::unique_ptr<column> make_column(const char* name, const char* kind, const ch
 }
 
 int main() {
-  const auto humidity = make_column("humidity", "continuous", "integer", {"85", "90", "70", "65", "60", "62"});
-  const auto play = make_column("play", "class", "string", {"no", "no", "yes", "yes", "yes", "yes"});
+  const auto humidity =
+      make_column("humidity", "continuous", "integer", {"85", "90", "70", "65", "60", "62"});
+  const auto play =
+      make_column("play", "class", "string", {"no", "no", "yes", "yes", "yes", "yes"});
   w_sequence cases;  // rows and their weights
   for (unsigned int row = 0; row < play->size(); ++row) cases.push_back({row, 1.0F});
 

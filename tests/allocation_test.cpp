@@ -1,5 +1,7 @@
-// When storage runs out, in whatever place: nothing is lost, nothing is leaked, and what was asked can be asked again.
+// When storage runs out, in whatever place: nothing is lost, nothing is leaked, and what was asked
+// can be asked again.
 
+#include "arbor/model/extract_rows.h"
 #include "arbor/model/o_set_typed.h"
 #include "arbor/utils/file_device.h"
 #include "arbor/utils/memory_device.h"
@@ -46,7 +48,8 @@ void reload(const std::string& bytes, Target*& target) {
 
 // A value of any data type; the texts are too long to be kept without storage of their own.
 std::string value_of(const std::string& data_type, int number) {
-  return (data_type == "string" ? "what is rather a long text, of the number " : "") + std::to_string(number);
+  return (data_type == "string" ? "what is rather a long text, of the number " : "") +
+         std::to_string(number);
 }
 
 owned_domain filled(const std::string& data_type, int values, bool unknown = true) {
@@ -55,8 +58,8 @@ owned_domain filled(const std::string& data_type, int values, bool unknown = tru
   return domain;
 }
 
-// Of 255 values, one more makes the builder compact them, and of 1050 its room is used up; domains that have been asked
-// have to be thawed.
+// Of 255 values, one more makes the builder compact them, and of 1050 its room is used up; domains
+// that have been asked have to be thawed.
 TEST(AllocationFailure, LeavesADomainAsItWas) {
   for (const std::string& type : listed("integer,float,string,null")) {
     for (const int values : {3, 255, 256, 1050}) {
@@ -67,7 +70,8 @@ TEST(AllocationFailure, LeavesADomainAsItWas) {
           return domain;
         };
         const auto check = [&](auto act) {
-          fail_each(type + std::to_string(values), make, act, [](const owned_domain& x) { return saved(x); });
+          fail_each(type + std::to_string(values), make, act,
+                    [](const owned_domain& x) { return saved(x); });
         };
         check([&](owned_domain& x) { return x->insert(value_of(type, 999).c_str()), ""; });
         check([&](owned_domain& x) { return x->insert("?"), ""; });
@@ -88,7 +92,8 @@ TEST(AllocationFailure, LeavesADomainAsItWas) {
       "values", [] { return filled("integer", 3); },
       [](owned_domain& x) {
         std::vector<strata::data_types::datatype<int>> more(400, 7);
-        static_cast<impls::o_set_typed<strata::data_types::datatype<int>>&>(*x).insert_values(std::move(more));
+        static_cast<impls::o_set_typed<strata::data_types::datatype<int>>&>(*x).insert_values(
+            std::move(more));
         return "";
       },
       [](const owned_domain& x) { return saved(x); });
@@ -114,11 +119,15 @@ void fail_in(const std::string& data_type, column::_type kind) {
   const w_sequence cases{{0, 1}, {1, 0.5F}, {2, 4}, {3, 8}};
   check([&](owned_column& x) { return x->push_back(one.c_str()), ""; });
   check([](const owned_column& x) { return x->reserve(1000), ""; });
-  check([](const owned_column& x) { return x->append_codes(std::vector<unsigned int>(100, 1).data(), 100), ""; });
+  check([](const owned_column& x) {
+    return x->append_codes(std::vector<unsigned int>(100, 1).data(), 100), "";
+  });
   check([](const owned_column& x) { return saved(owned_column(x->clone(false))); });
   check([](const owned_column& x) { return saved(owned_column(x->clone(true))); });
-  check([&](owned_column& x) { return saved(owned_column(x->extract(cases))); });
-  check([](const owned_column& x) { return saved(x) + x->get_row_value(1) + x->get_name() + x->get_type(); });
+  check([&](owned_column& x) { return saved(arbor::impls::extract_rows(*x, cases)); });
+  check([](const owned_column& x) {
+    return saved(x) + x->get_row_value(1) + x->get_name() + x->get_type();
+  });
   check([&](owned_column& x) {
     memory_device device;
     obinstream out(device);
@@ -134,12 +143,14 @@ void fail_in(const std::string& data_type, column::_type kind) {
       strata::util::pair<unsigned int, unsigned int> range{untouched, untouched};
       std::unique_ptr<w_sequence> parts;
       try {
-        parts.reset(x->partition(cases.begin(), cases.end(), branch, 13.5F, share, range, {one, 2}));
+        parts.reset(
+            x->partition(cases.begin(), cases.end(), branch, 13.5F, share, range, {one, 2}));
       } catch (...) {
         EXPECT_TRUE(share == untouched && range.first == untouched && range.second == untouched);
         throw;
       }
-      return std::to_string(parts->size()) + " " + std::to_string(share) + " " + std::to_string(range.second);
+      return std::to_string(parts->size()) + " " + std::to_string(share) + " " +
+             std::to_string(range.second);
     });
   }
 }
@@ -165,7 +176,9 @@ struct domain_or_column {
 TEST(AllocationFailure, LeavesTheDomainOfANewColumnToTheCaller) {
   for (const std::string& kind : listed("discrete,continuous,class,ignore,unheard of")) {
     for (const int values : {2, 300}) {
-      const auto tell = [](const domain_or_column& x) { return x.made == nullptr ? saved(x.domain) : saved(x.made); };
+      const auto tell = [](const domain_or_column& x) {
+        return x.made == nullptr ? saved(x.domain) : saved(x.made);
+      };
       fail_each(
           kind,
           [&] {
@@ -173,7 +186,8 @@ TEST(AllocationFailure, LeavesTheDomainOfANewColumnToTheCaller) {
           },
           [&](domain_or_column& x) {
             std::string error;
-            x.made.reset(column::NEW_COLUMN(x.domain.get(), "a name of more than a few letters", kind, error));
+            x.made.reset(column::NEW_COLUMN(x.domain.get(), "a name of more than a few letters",
+                                            kind, error));
             if (x.made != nullptr) x.domain.release();
             return error;
           },
@@ -184,7 +198,8 @@ TEST(AllocationFailure, LeavesTheDomainOfANewColumnToTheCaller) {
 
 TEST(AllocationFailure, GivesNoPartOfARecord) {
   for (const std::string& type : listed("integer,float,double,string,null")) {
-    owned_column x = make_column(type == "null" ? "ignore" : "discrete", type, {value_of(type, 1), value_of(type, 2)});
+    owned_column x = make_column(type == "null" ? "ignore" : "discrete", type,
+                                 {value_of(type, 1), value_of(type, 2)});
     fail_each(type, [bytes = saved(x)] {
       column* loaded = nullptr;
       reload(bytes, loaded);
@@ -205,7 +220,9 @@ TEST(AllocationFailure, LeavesADescribedSplitAsItWas) {
         ibinstream in(device);
         return in >> split, "";
       },
-      [](const column::partition_desc& split) { return split.threshold + std::to_string(split.branches); });
+      [](const column::partition_desc& split) {
+        return split.threshold + std::to_string(split.branches);
+      });
 }
 
 TEST(AllocationFailure, ClosesAFile) {
@@ -235,7 +252,8 @@ node node_of(std::size_t cases, unsigned int width, unsigned int classes, int we
   for (std::size_t i = 0; i < cases; ++i) {
     const unsigned int code = roll(9) == 0 ? 0 : 1 + roll(width);
     const bool even = weights == 0 || (weights == 1 && i + 2 < cases);
-    list[i] = {code, 1 + code * classes / (width + 1) % classes, even ? 1 : static_cast<float>(1 + roll(9)) / 7};
+    list[i] = {code, 1 + code * classes / (width + 1) % classes,
+               even ? 1 : static_cast<float>(1 + roll(9)) / 7};
   }
   return node(list, classes);
 }
@@ -247,18 +265,21 @@ void fail_in_measures(const node& n) {
   for (const by measure : {by::value, by::sorting, by::table}) {
     for (const bool copy : {true, false}) {
       if (!copy && measure != by::sorting) continue;
-      // The logarithms are taken one by one when there is no storage for a table of them; then they stay in tables.
+      // The logarithms are taken one by one when there is no storage for a table of them; then they
+      // stay in tables.
       w_sequence ordered = sequence_of(n);
       allocations::fail(allocations::failing::not_throwing);
       const std::string without_tables = told(rate(measure, x, n, *classes, ordered, copy));
       allocations::stop_failing();
-      EXPECT_EQ(told(rate(measure, x, n, *classes, ordered = sequence_of(n), copy)), without_tables);
+      EXPECT_EQ(told(rate(measure, x, n, *classes, ordered = sequence_of(n), copy)),
+                without_tables);
       fail_each(
           "measure " + std::to_string(static_cast<int>(measure)), [&] { return sequence_of(n); },
           [&](w_sequence& cases) { return told(rate(measure, x, n, *classes, cases, copy)); },
           [&](w_sequence& cases) {
             if (!copy) cases = sequence_of(n);  // a new order is a new sum
-            return std::string(reinterpret_cast<const char*>(cases.data()), cases.size() * sizeof cases[0]);
+            return std::string(reinterpret_cast<const char*>(cases.data()),
+                               cases.size() * sizeof cases[0]);
           });
     }
   }
@@ -273,7 +294,8 @@ TEST(AllocationFailure, LeavesAMeasureRepeatable) {
       const node bits = two_valued(node_of(200, 2, classes, weights));
       const auto x = bits_of(bits, column::DISCRETE), y = class_column(bits, 0);
       fail_each(
-          "bits", [&] { return sequence_of(bits); }, [&](w_sequence& cases) { return told(rate(*x, bits, *y, cases)); },
+          "bits", [&] { return sequence_of(bits); },
+          [&](w_sequence& cases) { return told(rate(*x, bits, *y, cases)); },
           [](w_sequence&) { return ""; });
     }
   }

@@ -5,18 +5,19 @@
 #include <fstream>
 #include <iostream>
 
-#include "arbor/tree/file_replacement.h"
-#include "arbor/tree/model_store.h"
+#include "arbor/csv/table_error.h"
+#include "arbor/report/tree_report.h"
+#include "arbor/store/file_replacement.h"
+#include "arbor/store/model_store.h"
 #include "arbor/tree/table_classification.h"
-#include "arbor/tree/table_error.h"
-#include "arbor/tree/tree_report.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help = R"(Prints the table with the predicted class and its probability behind each row, as CSV.
+constexpr const char* help =
+    R"(Prints the table with the predicted class and its probability behind each row, as CSV.
 Columns are found by their names. A value that is unknown, or that no training case of a
 test had, goes down every branch; say with --unknown what was said of the table that the
 tree was grown on. Where the table has the class too, errors and confusion
@@ -28,9 +29,11 @@ Examples:
 
 Exit status: 0, or 2 with one line on standard error that says what is wrong.)";
 
-void report(const tree::decision_tree& model, const tree::classification_result& result, std::ostream& out) {
+void report(const tree::decision_tree& model, const tree::classification_result& result,
+            std::ostream& out) {
   if (!result.matrix || result.matrix->total() == 0) return;
-  out << tree::error_line("classified", *result.matrix) << "\n\n" << tree::matrix_as_text(model, *result.matrix);
+  out << tree::error_line("classified", *result.matrix) << "\n\n"
+      << tree::matrix_as_text(model, *result.matrix);
 }
 
 }  // namespace
@@ -39,7 +42,8 @@ classify_command::classify_command(CLI::App& app)
     : command(app, "classify", "Tell what a saved tree says of the rows of a table", help) {
   parser.add_option("MODEL", model_path, "A file that arbor grow has saved")->type_name("");
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
-  parser.add_option("--output", output_path, "Where the rows go (default: standard output)")->type_name("FILE");
+  parser.add_option("--output", output_path, "Where the rows go (default: standard output)")
+      ->type_name("FILE");
   parser.add_flag("--probability", all_probabilities, "Tell the probability of every class");
   table.add_cell_options_to(parser);
 }
@@ -57,7 +61,8 @@ void classify_command::run() {
     if (progress.due()) progress.show(std::to_string(rows) + " rows classified");
   };
   if (output_path.empty()) {
-    const tree::classification_result result = tree::classify_table(table_path, model, options, std::cout);
+    const tree::classification_result result =
+        tree::classify_table(table_path, model, options, std::cout);
     progress.clear();
     report(model, result, std::cerr);
     return;

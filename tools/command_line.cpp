@@ -4,7 +4,7 @@
 #include <iostream>
 #include <vector>
 
-#include "arbor/tree/message_text.h"
+#include "arbor/csv/message_text.h"
 
 namespace arbor::tools {
 
@@ -31,15 +31,19 @@ std::vector<std::string> command_names(const CLI::App& app) {
 void refuse_extras(const CLI::App& app) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
   std::vector<std::string> extras = app.remaining(true);
-  extras.erase(std::remove(extras.begin(), extras.end(), "--"), extras.end());  // what follows it has been taken
-  const auto is_option = [](const std::string& extra) { return extra.size() > 1 && extra[0] == '-'; };
+  extras.erase(std::remove(extras.begin(), extras.end(), "--"),
+               extras.end());  // what follows it has been taken
+  const auto is_option = [](const std::string& extra) {
+    return extra.size() > 1 && extra[0] == '-';
+  };
   const auto option = std::find_if(extras.begin(), extras.end(), is_option);
   if (option != extras.end()) {
     const std::string name = option->substr(0, option->find('='));
     throw usage_error("there is no option " + in_quotes(name) +
                       did_you_mean(name, option_names(chosen.empty() ? app : *chosen.front())));
   }
-  if (chosen.empty() && extras.empty()) throw usage_error("no command; \"arbor --help\" tells which there are");
+  if (chosen.empty() && extras.empty())
+    throw usage_error("no command; \"arbor --help\" tells which there are");
   if (chosen.empty()) {
     throw usage_error("there is no command " + in_quotes(extras.front()) +
                       did_you_mean(extras.front(), command_names(app)));

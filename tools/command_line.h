@@ -13,9 +13,9 @@ class usage_error : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Reads the arguments into the options of `app` and its commands. Returns false when help or the version was asked for
-// and has been printed. Throws usage_error for an unknown command or option, naming the nearest one, for too many
-// arguments and for an option without its value.
+// Reads the arguments into the options of `app` and its commands. Returns false when help or the
+// version was asked for and has been printed. Throws usage_error for an unknown command or option,
+// naming the nearest one, for too many arguments and for an option without its value.
 bool parse_command_line(CLI::App& app, int argc, const char* const* argv);
 
 // What "arbor NAME ..." does.
@@ -29,8 +29,8 @@ class command {
 
   bool chosen() const { return parser.parsed(); }
 
-  // Prints the results on standard output, all else on standard error. Throws usage_error for an option's value that is
-  // none, and whatever else is wrong as an exception whose text is one line.
+  // Prints the results on standard output, all else on standard error. Throws usage_error for an
+  // option's value that is none, and whatever else is wrong as an exception whose text is one line.
   virtual void run() = 0;
 
  protected:

@@ -41,7 +41,8 @@ int run(int argc, const char* const* argv) {
   }
   std::cout.flush();
   if (!std::cout) {
-    std::cerr << "arbor: the results could not be written to standard output: " << std::strerror(errno) << '\n';
+    std::cerr << "arbor: the results could not be written to standard output: "
+              << std::strerror(errno) << '\n';
     return failure;
   }
   return 0;

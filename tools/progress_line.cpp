@@ -6,7 +6,8 @@
 
 namespace arbor::tools {
 
-progress_line::progress_line() : on_terminal(isatty(STDERR_FILENO) == 1), last(std::chrono::steady_clock::now()) {}
+progress_line::progress_line()
+    : on_terminal(isatty(STDERR_FILENO) == 1), last(std::chrono::steady_clock::now()) {}
 
 bool progress_line::due() {
   constexpr unsigned int asked_per_look = 64;  // at the clock

@@ -2,14 +2,15 @@
 
 #include <iostream>
 
-#include "arbor/tree/message_text.h"
-#include "arbor/tree/rating_report.h"
+#include "arbor/csv/message_text.h"
+#include "arbor/report/rating_report.h"
 
 namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help = R"(The table is a CSV file whose first row names the columns. A column holds integers,
+constexpr const char* help =
+    R"(The table is a CSV file whose first row names the columns. A column holds integers,
 else floats, else strings, whichever its values all fit. Attributes of numbers are
 continuous: a split has two branches, at the best threshold. Attributes of strings are
 discrete: a split has one branch for each value.
@@ -37,7 +38,8 @@ rate_command::rate_command(CLI::App& app)
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   table.add_to(parser);
   parser
-      .add_option("--min-weight", min_weight, "The least weight of two values, or of a threshold's sides (default: 2)")
+      .add_option("--min-weight", min_weight,
+                  "The least weight of two values, or of a threshold's sides (default: 2)")
       ->type_name("W");
   parser.add_option("--format", format, "text, csv or json (default: text)")->type_name("FORMAT");
   parser.add_option("--sort", sort, "By ratio, gain or name (default: ratio)")->type_name("ORDER");
@@ -49,7 +51,8 @@ void rate_command::run() {
   const tree::load_options options = table.chosen();
   const float least_weight = weight_value("--min-weight", min_weight);
   const tree::table rated = read_table(table_path, options);
-  std::vector<tree::attribute_rating> ratings = tree::rate_attributes(rated, rated.cases, least_weight);
+  std::vector<tree::attribute_rating> ratings =
+      tree::rate_attributes(rated, rated.cases, least_weight);
   tree::sort_ratings(ratings, order_named(sort));
   print_ratings(rated, rated.cases, ratings, format);
 }

@@ -5,7 +5,7 @@
 #include <limits>
 #include <map>
 
-#include "arbor/tree/message_text.h"
+#include "arbor/csv/message_text.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 #include "tools/command_line.h"
@@ -18,7 +18,8 @@ using tree::in_quotes;
 namespace {
 
 // Splits the values NAME=VALUE of a repeatable option; a name may hold a "=", a value may not.
-std::map<std::string, std::string> name_values(const std::string& option, const std::vector<std::string>& given) {
+std::map<std::string, std::string> name_values(const std::string& option,
+                                               const std::vector<std::string>& given) {
   std::map<std::string, std::string> result;
   for (const std::string& text : given) {
     const std::size_t equals = text.rfind('=');
@@ -34,9 +35,11 @@ std::map<std::string, std::string> name_values(const std::string& option, const 
   return result;
 }
 
-float number_value(const std::string& option, const std::string& given, float most, const std::string& allowed) {
+float number_value(const std::string& option, const std::string& given, float most,
+                   const std::string& allowed) {
   double value = 0;
-  const bool number = strata::util::read_number(given.c_str(), value) && std::isfinite(static_cast<float>(value));
+  const bool number =
+      strata::util::read_number(given.c_str(), value) && std::isfinite(static_cast<float>(value));
   if (!number || value < 0 || value > static_cast<double>(most)) {
     throw usage_error(option + ": " + in_quotes(given) + " is not " + allowed);
   }
@@ -46,9 +49,11 @@ float number_value(const std::string& option, const std::string& given, float mo
 }  // namespace
 
 void table_options::add_to(CLI::App& to) {
-  to.add_option("--class", class_name, "The column to predict (default: the last one)")->type_name("NAME");
+  to.add_option("--class", class_name, "The column to predict (default: the last one)")
+      ->type_name("NAME");
   add_cell_options_to(to);
-  to.add_option("--type", types, "A column's data type: integer, uinteger, float, double or string; repeatable")
+  to.add_option("--type", types,
+                "A column's data type: integer, uinteger, float, double or string; repeatable")
       ->type_name("NAME=TYPE")
       ->take_all()
       ->allow_extra_args(false);
@@ -60,10 +65,12 @@ void table_options::add_to(CLI::App& to) {
 
 void table_options::add_cell_options_to(CLI::App& to) {
   command = &to;
-  to.add_option("--weights", weights_name, "The column of weights; 0 leaves a row out (default: all rows weigh 1)")
+  to.add_option("--weights", weights_name,
+                "The column of weights; 0 leaves a row out (default: all rows weigh 1)")
       ->type_name("NAME");
   to.add_option("--unknown", unknown_texts,
-                "What means unknown, '' the empty cell, '\"\"' one in quotes; repeatable (default: ? and '')")
+                "What means unknown, '' the empty cell, '\"\"' one in quotes; repeatable (default: "
+                "? and '')")
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false);
@@ -93,12 +100,14 @@ tree::table read_table(const std::string& path, tree::load_options options) {
   };
   tree::table table = tree::load_table(path, options);
   progress.clear();
-  for (const std::string& remark : table.remarks) std::cerr << "arbor: " << table.name << ": " << remark << '\n';
+  for (const std::string& remark : table.remarks)
+    std::cerr << "arbor: " << table.name << ": " << remark << '\n';
   return table;
 }
 
 float weight_value(const std::string& option, const std::string& given) {
-  return number_value(option, given, std::numeric_limits<float>::max(), "a finite number from 0 up");
+  return number_value(option, given, std::numeric_limits<float>::max(),
+                      "a finite number from 0 up");
 }
 
 float share_value(const std::string& option, const std::string& given) {
@@ -110,7 +119,8 @@ unsigned int whole_value(const std::string& option, const std::string& given) {
   try {
     strata::util::string_util::str2int(given.c_str(), value);
   } catch (const std::runtime_error&) {
-    throw usage_error(option + ": " + in_quotes(given) + " is not a whole number from 0 to 4294967295");
+    throw usage_error(option + ": " + in_quotes(given) +
+                      " is not a whole number from 0 to 4294967295");
   }
   return value;
 }

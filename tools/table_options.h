@@ -6,15 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "arbor/tree/table_loader.h"
+#include "arbor/table/table_loader.h"
 
 namespace arbor::tools {
 
 class table_options {
  public:
-  // Adds the options to a command. The object must stay where it is until the command line has been read.
+  // Adds the options to a command. The object must stay where it is until the command line has been
+  // read.
   void add_to(CLI::App& command);
-  // Adds only those that tell what is unknown and what weighs how much, for tables whose types and class a model tells.
+  // Adds only those that tell what is unknown and what weighs how much, for tables whose types and
+  // class a model tells.
   void add_cell_options_to(CLI::App& command);
 
   // What was chosen. Throws usage_error for an option's value that is none.
@@ -29,7 +31,8 @@ class table_options {
   std::vector<std::string> kinds;
 };
 
-// Loads a table, showing progress and what there is to remark on standard error. Throws usage_error without a path.
+// Loads a table, showing progress and what there is to remark on standard error. Throws usage_error
+// without a path.
 tree::table read_table(const std::string& path, tree::load_options options);
 
 // Reads an option's finite number from 0 up, and from 0 to 1. Throws usage_error.

@@ -1,5 +1,5 @@
-// How the loops over the cases read codes: where a column keeps them is found out once per call, so that nothing is
-// left to decide per case.
+// How the loops over the cases read codes: where a column keeps them is found out once per call, so
+// that nothing is left to decide per case.
 //
 //   with_codes(class_column, [&](auto class_of) {
 //     for (const auto& [row, weight] : *cases) weights[class_of(row)] += weight;
@@ -32,7 +32,8 @@ struct stored_bits {
 template <class T>
 struct stored_indices {
   const T* codes;
-  explicit stored_indices(const column& source) : codes(static_cast<const column_typed<T>&>(source).codes().data()) {}
+  explicit stored_indices(const column& source)
+      : codes(static_cast<const column_typed<T>&>(source).codes().data()) {}
   unsigned int operator()(unsigned int row) const { return static_cast<unsigned int>(codes[row]); }
 };
 
@@ -43,8 +44,8 @@ struct virtual_indices {
 
 // Calls `use` with a reader of the column: what it tells of a row is what get_row_index tells.
 //
-// A class derived from one of the library's own may override get_row_index, so that only the very own ones are read
-// past it.
+// A class derived from one of the library's own may override get_row_index, so that only the very
+// own ones are read past it.
 template <class Use>
 void with_codes(const column& source, Use&& use) {
   const std::type_info& storage = typeid(source);
@@ -61,6 +62,16 @@ void with_codes(const column& source, Use&& use) {
   } else {
     use(virtual_indices{&source});
   }
+}
+
+// Whether a column is of one of the library's own classes, so that nothing of it is overridden.
+inline bool is_library_column(const column& source) {
+  const std::type_info& storage = typeid(source);
+  return storage == typeid(column) || storage == typeid(column_bool) ||
+         storage == typeid(column_typed<unsigned char>) ||
+         storage == typeid(column_typed<unsigned short>) ||
+         storage == typeid(column_typed<unsigned int>) ||
+         storage == typeid(column_typed<unsigned long long>);
 }
 
 }  // namespace arbor::impls

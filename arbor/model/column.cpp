@@ -12,16 +12,17 @@ namespace arbor::impls {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, column::_type>, 5> kinds{{{"discrete", column::DISCRETE},
-                                                                      {"continuous", column::CONTINUOUS},
-                                                                      {"class", column::CLASS},
-                                                                      {"weights", column::WEIGHTS},
-                                                                      {"ignore", column::IGNORE}}};
+constexpr std::array<std::pair<const char*, column::_type>, 5> kinds{
+    {{"discrete", column::DISCRETE},
+     {"continuous", column::CONTINUOUS},
+     {"class", column::CLASS},
+     {"weights", column::WEIGHTS},
+     {"ignore", column::IGNORE}}};
 
 }  // namespace
 
 column::column(o_set* adopted_domain, const std::string& column_name, _type kind)
-    : type(kind), name(column_name), domain(adopted_domain, deleter{true}) {}
+    : type(kind), name(column_name), domain(adopted_domain) {}
 
 column::~column() = default;
 
@@ -97,16 +98,20 @@ void column::toXML(std::ostream& out) const {
   out << R"(<WARNING value="XML output not implemented" />)" << std::endl;
 }
 
-w_sequence* column::partition(w_sequence::const_iterator /*begin*/, w_sequence::const_iterator /*end*/,
-                              unsigned int /*branch*/, float /*total*/, float& /*ratio*/,
+w_sequence* column::partition(w_sequence::const_iterator /*begin*/,
+                              w_sequence::const_iterator /*end*/, unsigned int /*branch*/,
+                              float /*total*/, float& /*ratio*/,
                               strata::util::pair<unsigned int, unsigned int>& /*range*/,
                               const partition_desc& /*desc*/) const {
-  throw std::runtime_error("[column::partition] method not defined for column type '" + get_type() + "'");
+  throw std::runtime_error("[column::partition] method not defined for column type '" + get_type() +
+                           "'");
 }
 
-void column::quality_measure(column* /*class_column*/, float /*total_weight*/, w_sequence* /*cases*/,
-                             strata::util::pair<unsigned int, unsigned int>& /*code_range*/, float /*min_weight*/,
-                             options* /*opts*/, splitting_desc& result, bool /*copy_cases*/) const {
+void column::quality_measure(column* /*class_column*/, float /*total_weight*/,
+                             w_sequence* /*cases*/,
+                             strata::util::pair<unsigned int, unsigned int>& /*code_range*/,
+                             float /*min_weight*/, options* /*opts*/, splitting_desc& result,
+                             bool /*copy_cases*/) const {
   result.set_no_split();
 }
 
@@ -114,12 +119,6 @@ strata::util::pair<unsigned int, unsigned int> column::get_range() const {
   const unsigned int known = domain->size_of_known();
   if (known == 0) return {0, 0};
   return {1, known + 1};
-}
-
-column* column::extract(const w_sequence& /*cases*/) const {
-  auto copy = std::make_unique<column>(nullptr, name, type);
-  copy->domain = {domain.get(), deleter{false}};
-  return copy.release();
 }
 
 unsigned int column::get_index(const char* value) const {

@@ -6,13 +6,16 @@
 //   for (const char* text : {"sunny", "?", "rainy"}) outlook->push_back(text);
 //   unsigned int code = outlook->get_row_index(0);
 //
-// A tree builder rates each column on a node's cases with `quality_measure`, turns the best result into the description
-// of a split with `set_partition_desc`, and asks the column for the cases of each branch with `partition`.
+// A tree builder rates each column on a node's cases with `quality_measure`, turns the best result
+// into the description of a split with `set_partition_desc`, and asks the column for the cases of
+// each branch with `partition`.
 //
-// Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are never range-checked.
+// Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are
+// never range-checked.
 //
-// Where there is no storage, std::bad_alloc is thrown, or std::runtime_error "out of memory" where bits are stored. The
-// column is then as it was, nothing is leaked, and what was called may be called again.
+// Where there is no storage, std::bad_alloc is thrown, or std::runtime_error "out of memory" where
+// bits are stored. The column is then as it was, nothing is leaked, and what was called may be
+// called again.
 #ifndef ARBOR_MODEL_COLUMN_H
 #define ARBOR_MODEL_COLUMN_H
 
@@ -27,7 +30,8 @@
 
 namespace arbor::impls {
 
-// The base of all columns, and itself the column of an ignored attribute of the data type "null": it holds no rows.
+// The base of all columns, and itself the column of an ignored attribute of the data type "null":
+// it holds no rows.
 class column : public strata::util::nocopy {
  public:
   // What an attribute is used for. The numbers are fixed; the saved form carries the texts.
@@ -42,35 +46,40 @@ class column : public strata::util::nocopy {
   struct splitting_desc;
   struct partition_desc;
 
-  // Adopts `domain`, which may be null only if nothing that needs it is called; it stays the caller's if this throws.
+  // Adopts `domain`, which may be null only if nothing that needs it is called; it stays the
+  // caller's if this throws.
   column(o_set* domain, const std::string& name, _type type);
   virtual ~column();
 
-  // Makes an empty column of the narrowest class that can hold the domain's codes: one bit a row for a discrete column
-  // of at most two known values and no unknown one, a plain column for the data type "null", else 1, 2, 4 or 8 bytes.
+  // Makes an empty column of the narrowest class that can hold the domain's codes: one bit a row
+  // for a discrete column of at most two known values and no unknown one, a plain column for the
+  // data type "null", else 1, 2, 4 or 8 bytes.
   //
-  // `domain` is already filled; `type` is "discrete", "continuous", "class", "weights" or "ignore". On success the
-  // caller owns the column, the column owns the domain, and `error` is untouched. When kind and domain do not go
-  // together the result is null, `error` says why, and the domain stays the caller's; so it does when this throws.
-  static column* NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type, std::string& error);
+  // `domain` is already filled; `type` is "discrete", "continuous", "class", "weights" or "ignore".
+  // On success the caller owns the column, the column owns the domain, and `error` is untouched.
+  // When kind and domain do not go together the result is null, `error` says why, and the domain
+  // stays the caller's; so it does when this throws.
+  static column* NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type,
+                            std::string& error);
 
   // The kind of a text, exactly spelled; returns false, with `kind` untouched, for any other text.
   static bool get_type(const std::string& text, _type& kind);
 
-  // Whether a column of the kind named by `text` may hold unknown values: all but "weights". A class column may not
-  // either, but that is NEW_COLUMN's own rule.
+  // Whether a column of the kind named by `text` may hold unknown values: all but "weights". A
+  // class column may not either, but that is NEW_COLUMN's own rule.
   static bool admits_null(const std::string& text);
 
-  // A column of the same class, kind and name with a domain of its own; the caller owns it. With `empty` it has no
-  // rows, else the same ones.
+  // A column of the same class, kind and name with a domain of its own; the caller owns it. With
+  // `empty` it has no rows, else the same ones.
   virtual column* clone(bool empty);
 
   // Makes room for `rows` rows in all.
   virtual void reserve(unsigned int rows);
   virtual unsigned int size() const;
 
-  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not hold the text or there
-  // are 4294967295 rows, and what the domain throws for a text that is not of its data type.
+  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not
+  // hold the text or there are 4294967295 rows, and what the domain throws for a text that is not
+  // of its data type.
   virtual void push_back(const char* value);
 
   // The code of a row's value, its low 32 bits if it has more.
@@ -80,8 +89,9 @@ class column : public strata::util::nocopy {
 
   virtual void toXML(std::ostream& out) const;
 
-  // The cases of a node that go down one branch of a split on this column, in their order, in a new sequence that the
-  // caller owns. A case whose value is unknown goes down every branch, its weight multiplied by the branch's share.
+  // The cases of a node that go down one branch of a split on this column, in their order, in a new
+  // sequence that the caller owns. A case whose value is unknown goes down every branch, its weight
+  // multiplied by the branch's share.
   //
   //   begin, end  the node's cases; read only
   //   branch      of a discrete split the code of its value; of a continuous one 1 for the codes up to that of the
@@ -94,11 +104,13 @@ class column : public strata::util::nocopy {
   //   desc        the split, of which a continuous one needs the threshold; one that the domain does not hold lies
   //               below all values
   //
-  // Discrete and class columns split by value, continuous ones at the threshold; others, two-valued continuous ones and
-  // this base throw std::runtime_error. When anything is thrown `ratio` and `range` are unchanged. A total that is the
-  // weight of the unknown values gives a ratio that is infinite or not a number, and cases of such weights.
-  virtual w_sequence* partition(w_sequence::const_iterator begin, w_sequence::const_iterator end, unsigned int branch,
-                                float total, float& ratio, strata::util::pair<unsigned int, unsigned int>& range,
+  // Discrete and class columns split by value, continuous ones at the threshold; others, two-valued
+  // continuous ones and this base throw std::runtime_error. When anything is thrown `ratio` and
+  // `range` are unchanged. A total that is the weight of the unknown values gives a ratio that is
+  // infinite or not a number, and cases of such weights.
+  virtual w_sequence* partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
+                                unsigned int branch, float total, float& ratio,
+                                strata::util::pair<unsigned int, unsigned int>& range,
                                 const partition_desc& desc) const;
 
   // Rates this column as the split of a node.
@@ -114,27 +126,28 @@ class column : public strata::util::nocopy {
   //   result        where the rating goes; `gain` is splitting_desc::no_split when no admissible split exists
   //   copy_cases    false lets the call reorder `cases`
   //
-  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then incomplete.
+  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then
+  // incomplete.
   //
-  // Const calls, this one and others, may run at once, on one column as on several, once every domain that they read
-  // (the class column's too) has been asked something, and as long as nothing is inserted or appended. Each needs a
-  // `result` of its own and, without `copy_cases`, cases of its own; with it they are only read and may be shared.
+  // Const calls, this one and others, may run at once, on one column as on several, once every
+  // domain that they read (the class column's too) has been asked something, and as long as nothing
+  // is inserted or appended. Each needs a `result` of its own and, without `copy_cases`, cases of
+  // its own; with it they are only read and may be shared.
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
-                               strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
-                               options* opts, splitting_desc& result, bool copy_cases) const;
+                               strata::util::pair<unsigned int, unsigned int>& code_range,
+                               float min_weight, options* opts, splitting_desc& result,
+                               bool copy_cases) const;
 
-  // Write and read the rows, as part of the column's record; see the operators below. The base has none.
+  // Write and read the rows, as part of the column's record; see the operators below. The base has
+  // none.
   virtual strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const;
   virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
-  // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid o_set", with the column
-  // unchanged, unless the domain has them all: those of its known values, and 0 if it contains the unknown value; and
-  // when there would be more than 4294967295 rows. The base, which holds no rows, appends none.
+  // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid
+  // o_set", with the column unchanged, unless the domain has them all: those of its known values,
+  // and 0 if it contains the unknown value; and when there would be more than 4294967295 rows. The
+  // base, which holds no rows, appends none.
   virtual void append_codes(const unsigned int* codes, unsigned int count);
-
-  // A column of the same class, kind and name with the rows of `cases` alone, in their order, for work on a part of the
-  // table without reading all over it. The caller owns it; the domain stays this column's, which must outlive it.
-  virtual column* extract(const w_sequence& cases) const;
 
   // The text of the kind, "unspecified" for a number that is none.
   std::string get_type() const;
@@ -152,11 +165,11 @@ class column : public strata::util::nocopy {
   strata::util::pair<unsigned int, unsigned int> get_range() const;
   std::string get_value(unsigned int code) const { return domain->get_value(code); }
   std::string get_row_value(unsigned int row) const { return get_value(get_row_index(row)); }
-  // The code of a text, 0 for the unknown value and for a text that the domain does not hold. Throws what the domain
-  // throws for a text that is not of its data type.
+  // The code of a text, 0 for the unknown value and for a text that the domain does not hold.
+  // Throws what the domain throws for a text that is not of its data type.
   unsigned int get_index(const char* value) const;
-  // The threshold text between two codes, as the domain's find_mid gives and refuses it; the null text unless the
-  // column is continuous.
+  // The threshold text between two codes, as the domain's find_mid gives and refuses it; the null
+  // text unless the column is continuous.
   std::string find_threshold(unsigned int low, unsigned int high) const;
 
  protected:
@@ -167,13 +180,7 @@ class column : public strata::util::nocopy {
 
   _type type;
   std::string name;
-  struct deleter {
-    bool owned;  // that of an extract belongs to another column
-    void operator()(o_set* adopted) const {
-      if (owned) delete adopted;
-    }
-  };
-  std::unique_ptr<o_set, deleter> domain;
+  std::unique_ptr<o_set> domain;
 };
 
 // How good a split on a column would be.
@@ -181,21 +188,23 @@ struct column::splitting_desc {
   // The gain of a column that has no admissible split (bits 0xBA83126F).
   static constexpr float no_split = -0.001F;
 
-  unsigned int branches = 0;  // 2 for a continuous split, else the number of known values; 0 if none was rated
+  unsigned int branches =
+      0;  // 2 for a continuous split, else the number of known values; 0 if none was rated
   unsigned int low_code = 0;  // continuous splits: the occurring codes on either side of the cut
   unsigned int high_code = 0;
   column* split_column = nullptr;  // the rated column; not owned
-  float gain = 0;                  // bits per unit of weight, scaled by the known share, for a continuous split less
-                                   // the penalty for the cuts that were tried; or no_split
-  float split_info = 0;            // bits per unit of weight; 0 without a split
+  float gain =
+      0;  // bits per unit of weight, scaled by the known share, for a continuous split less
+          // the penalty for the cuts that were tried; or no_split
+  float split_info = 0;  // bits per unit of weight; 0 without a split
 
   void set_no_split() {
     gain = no_split;
     split_info = 0;
   }
 
-  // Describes this split for the partitioning of cases: the threshold text of a continuous one, else the null text of
-  // the domain. What the domain throws passes, with `target` unchanged.
+  // Describes this split for the partitioning of cases: the threshold text of a continuous one,
+  // else the null text of the domain. What the domain throws passes, with `target` unchanged.
   void set_partition_desc(partition_desc& target) const;
 };
 
@@ -210,17 +219,21 @@ struct column::partition_desc {
 // Writes the record of a column with its domain, or of its absence if `source` is null.
 strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, const column* source);
 
-// Reads a record into a new column, made by NEW_COLUMN, which the caller owns; null if it was, and null with
-// NEW_COLUMN's message in `error` when that refuses it: the rows are then unread. Otherwise `error` is untouched.
-// Throws what the stream and NEW_O_SET throw; `target` is null then.
-strata::inpout::ibinstream& read_column(strata::inpout::ibinstream& in, column*& target, std::string& error);
+// Reads a record into a new column, made by NEW_COLUMN, which the caller owns; null if it was, and
+// null with NEW_COLUMN's message in `error` when that refuses it: the rows are then unread.
+// Otherwise `error` is untouched. Throws what the stream and NEW_O_SET throw; `target` is null
+// then.
+strata::inpout::ibinstream& read_column(strata::inpout::ibinstream& in, column*& target,
+                                        std::string& error);
 
 // The same, the message dropped.
 strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, column*& target);
 
 // Writes and reads the record of a split. When reading throws, `split` is unchanged.
-strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, const column::partition_desc& split);
-strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, column::partition_desc& split);
+strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out,
+                                       const column::partition_desc& split);
+strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in,
+                                       column::partition_desc& split);
 
 }  // namespace arbor::impls
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <stdexcept>
 
-#include "arbor/model/case_partition.h"
-#include "arbor/model/discrete_quality.h"
+#include "arbor/model/measure/case_partition.h"
+#include "arbor/model/measure/discrete_quality.h"
 
 namespace arbor::impls {
 
@@ -25,7 +25,8 @@ void column_bool::reserve(unsigned int rows) {
 void column_bool::push_back(const char* value) {
   unsigned int code = 0;
   if (!domain->get_order(value, code)) {
-    throw std::runtime_error("[column::push_back] index not found for value '" + std::string(value) + "'");
+    throw std::runtime_error("[column::push_back] index not found for value '" +
+                             std::string(value) + "'");
   }
   values.push_back(code == 2);
 }
@@ -40,9 +41,11 @@ w_sequence* column_bool::partition(w_sequence::const_iterator begin, w_sequence:
                                    unsigned int branch, float total, float& ratio,
                                    strata::util::pair<unsigned int, unsigned int>& range,
                                    const partition_desc& desc) const {
-  if (type != DISCRETE && type != CLASS) return column::partition(begin, end, branch, total, ratio, range, desc);
+  if (type != DISCRETE && type != CLASS)
+    return column::partition(begin, end, branch, total, ratio, range, desc);
   // Whatever is not the second value is the first.
-  branch_cases result = cases_of_value(begin, end, branch == 2 ? 2 : 1, total, stored_bits{values.data()});
+  branch_cases result =
+      cases_of_value(begin, end, branch == 2 ? 2 : 1, total, stored_bits{values.data()});
   ratio = result.ratio;
   range = {branch, branch + 1};
   return result.cases.release();
@@ -62,17 +65,10 @@ strata::inpout::ibinstream& column_bool::bin_in(strata::inpout::ibinstream& in) 
   return in;
 }
 
-column* column_bool::extract(const w_sequence& cases) const {
-  auto copy = std::make_unique<column_bool>(nullptr, name, type);
-  copy->domain = {domain.get(), deleter{false}};
-  copy->values.reserve(static_cast<unsigned int>(cases.size()));
-  for (const auto& taken : cases) copy->values.push_back(values[taken.first]);
-  return copy.release();
-}
-
 void column_bool::quality_measure(column* class_column, float total_weight, w_sequence* cases,
-                                  strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
-                                  options* /*opts*/, splitting_desc& result, bool /*copy_cases*/) const {
+                                  strata::util::pair<unsigned int, unsigned int>& code_range,
+                                  float min_weight, options* /*opts*/, splitting_desc& result,
+                                  bool /*copy_cases*/) const {
   result.branches = 0;
   result.split_column = const_cast<column_bool*>(this);  // told, not used
   result.set_no_split();
@@ -80,12 +76,14 @@ void column_bool::quality_measure(column* class_column, float total_weight, w_se
   QualityMeasureDiscrete(class_column, total_weight, cases, code_range, min_weight, result);
 }
 
-void column_bool::QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,
-                                         strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
-                                         splitting_desc& result) const {
+void column_bool::QualityMeasureDiscrete(column* class_column, float total_weight,
+                                         w_sequence* cases,
+                                         strata::util::pair<unsigned int, unsigned int>& code_range,
+                                         float min_weight, splitting_desc& result) const {
   result.branches = domain->size_of_known();
-  with_class_tally(stored_bits{values.data()}, *class_column, *cases, code_range,
-                   [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
+  with_class_tally(
+      stored_bits{values.data()}, *class_column, *cases, code_range,
+      [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
 }
 
 }  // namespace arbor::impls

@@ -2,9 +2,9 @@
 //
 //   presence u8 (0: no column, and nothing follows) | domain record | name, text | kind, text | rows
 //
-// The rows are, of a column of codes, count u32 | codes; of a column of bits, count u32 | whole words u32, row i being
-// bit i & 31 of word i >> 5; of a plain column nothing at all. The width of a code is not stored: it follows from
-// domain and kind, by which the column is made anew.
+// The rows are, of a column of codes, count u32 | codes; of a column of bits, count u32 | whole
+// words u32, row i being bit i & 31 of word i >> 5; of a plain column nothing at all. The width of
+// a code is not stored: it follows from domain and kind, by which the column is made anew.
 //
 // The record of a split is threshold, text | branches u32.
 

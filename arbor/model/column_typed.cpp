@@ -3,10 +3,10 @@
 #include <memory>
 #include <stdexcept>
 
-#include "arbor/model/case_partition.h"
-#include "arbor/model/continuous_quality.h"
-#include "arbor/model/discrete_quality.h"
-#include "arbor/model/rainforest_quality.h"
+#include "arbor/model/measure/case_partition.h"
+#include "arbor/model/measure/continuous_quality.h"
+#include "arbor/model/measure/discrete_quality.h"
+#include "arbor/model/measure/rainforest_quality.h"
 #include "arbor/utils/allocatable.h"
 
 namespace arbor::impls {
@@ -45,8 +45,9 @@ void column_typed<T>::append_codes(const unsigned int* codes, unsigned int count
 }
 
 template <class T>
-w_sequence* column_typed<T>::partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
-                                       unsigned int branch, float total, float& ratio,
+w_sequence* column_typed<T>::partition(w_sequence::const_iterator begin,
+                                       w_sequence::const_iterator end, unsigned int branch,
+                                       float total, float& ratio,
                                        strata::util::pair<unsigned int, unsigned int>& range,
                                        const partition_desc& desc) const {
   if (type != DISCRETE && type != CLASS && type != CONTINUOUS) {
@@ -88,18 +89,10 @@ strata::inpout::ibinstream& column_typed<T>::bin_in(strata::inpout::ibinstream& 
 }
 
 template <class T>
-column* column_typed<T>::extract(const w_sequence& cases) const {
-  auto copy = std::make_unique<column_typed<T>>(nullptr, name, type);
-  copy->domain = {domain.get(), deleter{false}};
-  copy->values.resize(cases.size());
-  for (std::size_t i = 0; i < cases.size(); ++i) copy->values[i] = values[cases[i].first];
-  return copy.release();
-}
-
-template <class T>
 void column_typed<T>::quality_measure(column* class_column, float total_weight, w_sequence* cases,
-                                      strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
-                                      options* opts, splitting_desc& result, bool copy_cases) const {
+                                      strata::util::pair<unsigned int, unsigned int>& code_range,
+                                      float min_weight, options* opts, splitting_desc& result,
+                                      bool copy_cases) const {
   result.branches = 0;
   result.split_column = const_cast<column_typed*>(this);  // told, not used
   result.set_no_split();
@@ -108,39 +101,46 @@ void column_typed<T>::quality_measure(column* class_column, float total_weight, 
   if (type == DISCRETE) {
     QualityMeasureDiscrete(class_column, total_weight, cases, code_range, min_weight, result);
   } else if (type == CONTINUOUS && cases->size() / width > 2) {
-    QualityMeasureContinuousRainForest(class_column, total_weight, cases, code_range, min_weight, opts, result);
+    QualityMeasureContinuousRainForest(class_column, total_weight, cases, code_range, min_weight,
+                                       opts, result);
   } else if (type == CONTINUOUS) {
-    QualityMeasureContinuous(class_column, total_weight, cases, code_range, min_weight, opts, result, copy_cases);
+    QualityMeasureContinuous(class_column, total_weight, cases, code_range, min_weight, opts,
+                             result, copy_cases);
   }
 }
 
 template <class T>
-void column_typed<T>::QualityMeasureDiscrete(column* class_column, float total_weight, w_sequence* cases,
-                                             strata::util::pair<unsigned int, unsigned int>& code_range,
-                                             float min_weight, splitting_desc& result) const {
+void column_typed<T>::QualityMeasureDiscrete(
+    column* class_column, float total_weight, w_sequence* cases,
+    strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
+    splitting_desc& result) const {
   result.branches = domain->size_of_known();
+  with_class_tally(
+      stored_codes<T>{values.data()}, *class_column, *cases, code_range,
+      [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
+}
+
+template <class T>
+void column_typed<T>::QualityMeasureContinuous(
+    column* class_column, float total_weight, w_sequence* cases,
+    strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight, options* opts,
+    splitting_desc& result, bool copy_cases) const {
+  result.branches = 2;
+  rate_continuous(*this, *class_column, total_weight, *cases, code_range, min_weight, opts,
+                  copy_cases, result);
+}
+
+template <class T>
+void column_typed<T>::QualityMeasureContinuousRainForest(
+    column* class_column, float total_weight, w_sequence* cases,
+    strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight, options* opts,
+    splitting_desc& result) const {
+  result.branches = 2;
   with_class_tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range,
-                   [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
-}
-
-template <class T>
-void column_typed<T>::QualityMeasureContinuous(column* class_column, float total_weight, w_sequence* cases,
-                                               strata::util::pair<unsigned int, unsigned int>& code_range,
-                                               float min_weight, options* opts, splitting_desc& result,
-                                               bool copy_cases) const {
-  result.branches = 2;
-  rate_continuous(*this, *class_column, total_weight, *cases, code_range, min_weight, opts, copy_cases, result);
-}
-
-template <class T>
-void column_typed<T>::QualityMeasureContinuousRainForest(column* class_column, float total_weight, w_sequence* cases,
-                                                         strata::util::pair<unsigned int, unsigned int>& code_range,
-                                                         float min_weight, options* opts,
-                                                         splitting_desc& result) const {
-  result.branches = 2;
-  with_class_tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range, [&](const auto& tally) {
-    rate_rainforest(tally, code_range.first, total_weight, cases->size(), min_weight, opts, result);
-  });
+                   [&](const auto& tally) {
+                     rate_rainforest(tally, code_range.first, total_weight, cases->size(),
+                                     min_weight, opts, result);
+                   });
 }
 
 template class column_typed<unsigned char>;

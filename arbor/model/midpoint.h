@@ -15,8 +15,8 @@ inline unsigned int midpoint(unsigned int lo, unsigned int hi) {
   return ((hi - lo) >> 1U) + lo;
 }
 
-// Infinite when the difference is too large for a double; NaN when either is NaN, when lo is -infinity, and when both
-// are the same infinity.
+// Infinite when the difference is too large for a double; NaN when either is NaN, when lo is
+// -infinity, and when both are the same infinity.
 inline double midpoint(double lo, double hi) {
   return (hi - lo) * 0.5 + lo;
 }

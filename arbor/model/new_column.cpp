@@ -11,7 +11,8 @@ namespace arbor::impls {
 namespace {
 
 // Why a column of this kind cannot stand on this domain; empty when it can.
-std::string refusal(const o_set& domain, const std::string& name, const std::string& type, column::_type kind) {
+std::string refusal(const o_set& domain, const std::string& name, const std::string& type,
+                    column::_type kind) {
   const bool numeric = domain.is_dt_numeric();
   const bool unknowns = domain.contains_null();
   if (kind == column::CONTINUOUS && !numeric) {
@@ -20,19 +21,23 @@ std::string refusal(const o_set& domain, const std::string& name, const std::str
   if (kind == column::WEIGHTS && !numeric) {
     return "Weights column '" + name + "' requires a non-negative numeric data type";
   }
-  if (kind == column::WEIGHTS && unknowns) return "Weights column '" + name + "' does not admit unknown values";
-  if (kind == column::CLASS && unknowns) return "Class column '" + name + "' does not admit unknown values";
+  if (kind == column::WEIGHTS && unknowns)
+    return "Weights column '" + name + "' does not admit unknown values";
+  if (kind == column::CLASS && unknowns)
+    return "Class column '" + name + "' does not admit unknown values";
   if (domain.is_dt_null() && kind != column::IGNORE) {
     return "Null set of column values can only be used for ignore column type";
   }
   // A second guard: the kinds that admit no unknown values have been dealt with by name.
-  if (!column::admits_null(type) && unknowns) return "Column type " + type + " does not admit unknown values";
+  if (!column::admits_null(type) && unknowns)
+    return "Column type " + type + " does not admit unknown values";
   return "";
 }
 
 }  // namespace
 
-column* column::NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type, std::string& error) {
+column* column::NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type,
+                           std::string& error) {
   if (domain == nullptr) {
     error = "No set of values provided";
     return nullptr;
@@ -50,7 +55,8 @@ column* column::NEW_COLUMN(o_set* domain, const std::string& name, const std::st
 
   if (domain->is_dt_null()) return new column(domain, name, kind);
   const unsigned int known = domain->size_of_known();
-  if (known <= 2 && kind == DISCRETE && !domain->contains_null()) return new column_bool(domain, name, kind);
+  if (known <= 2 && kind == DISCRETE && !domain->contains_null())
+    return new column_bool(domain, name, kind);
   if (known <= 0xFE) return new column_typed<unsigned char>(domain, name, kind);
   if (known <= 0xFFFE) return new column_typed<unsigned short>(domain, name, kind);
   if (known <= 0xFFFFFFFE) return new column_typed<unsigned int>(domain, name, kind);

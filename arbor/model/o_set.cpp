@@ -16,13 +16,19 @@ o_set::o_set(const std::string& data_type, bool admits_null, const std::string& 
 
 o_set::~o_set() = default;
 
-o_set* o_set::NEW_O_SET(const std::string& data_type, bool admits_null, const std::string& null_text) {
-  if (data_type == "integer") return new o_set_typed<datatype<int>>(data_type, admits_null, null_text);
-  if (data_type == "float") return new o_set_typed<datatype<float>>(data_type, admits_null, null_text);
-  if (data_type == "double") return new o_set_typed<datatype<double>>(data_type, admits_null, null_text);
-  if (data_type == "string") return new o_set_typed<datatype<std::string>>(data_type, admits_null, null_text);
+o_set* o_set::NEW_O_SET(const std::string& data_type, bool admits_null,
+                        const std::string& null_text) {
+  if (data_type == "integer")
+    return new o_set_typed<datatype<int>>(data_type, admits_null, null_text);
+  if (data_type == "float")
+    return new o_set_typed<datatype<float>>(data_type, admits_null, null_text);
+  if (data_type == "double")
+    return new o_set_typed<datatype<double>>(data_type, admits_null, null_text);
+  if (data_type == "string")
+    return new o_set_typed<datatype<std::string>>(data_type, admits_null, null_text);
   if (data_type == "null") return new o_set(data_type, admits_null, null_text);
-  if (data_type == "uinteger") return new o_set_typed<datatype<unsigned int>>(data_type, admits_null, null_text);
+  if (data_type == "uinteger")
+    return new o_set_typed<datatype<unsigned int>>(data_type, admits_null, null_text);
   throw std::runtime_error("invalid o_set type = " + data_type);
 }
 
@@ -31,7 +37,8 @@ bool o_set::is_null(const char* value) const {
 }
 
 void o_set::insert_null() {
-  if (!admits_null_) throw std::runtime_error("[o_set::insert()] called with unadmitted null value");
+  if (!admits_null_)
+    throw std::runtime_error("[o_set::insert()] called with unadmitted null value");
   contains_null_ = true;
 }
 
@@ -69,6 +76,12 @@ int o_set::leq(unsigned int /*code*/, const std::string& /*b*/) {
 
 std::string o_set::find_mid(unsigned int /*low*/, unsigned int /*high*/) {
   throw std::runtime_error("[o_set::find_threshold()] called for non-existing elements");
+}
+
+unsigned int o_set::find_mid_code(unsigned int low, unsigned int high) {
+  unsigned int code = 0;
+  get_order(find_mid(low, high).c_str(), code);
+  return code;
 }
 
 bool o_set::is_dt_numeric() const {

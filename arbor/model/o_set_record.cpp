@@ -3,8 +3,8 @@
 //   presence u8 (0: no domain, and nothing follows) | data type, text | admits null u8 | contains null u8 |
 //   null text, text | values
 //
-// The values are a vector record, presence u8 | count u32 | value after value in the order of their codes; those of a
-// "null" domain are not there at all.
+// The values are a vector record, presence u8 | count u32 | value after value in the order of their
+// codes; those of a "null" domain are not there at all.
 
 #include "arbor/model/o_set.h"
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <stdexcept>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 #include "arbor/model/midpoint.h"
@@ -22,7 +23,8 @@ using strata::util::string_util;
 
 namespace {
 
-// What differs between the data types, as overloads: text to value, value to text, values to stream, order, and lookup.
+// What differs between the data types, as overloads: text to value, value to text, values to
+// stream, order, and lookup.
 
 template <class Integer>
 void parse(const char* text, Integer& value) {
@@ -30,13 +32,16 @@ void parse(const char* text, Integer& value) {
 }
 
 void parse(const char* text, double& value) {
-  if (!strata::util::read_number(text, value)) throw std::runtime_error(std::string(text) + ": not a double");
+  if (!strata::util::read_number(text, value))
+    throw std::runtime_error(std::string(text) + ": not a double");
 }
 
 void parse(const char* text, float& value) {
-  static_assert(std::numeric_limits<float>::is_iec559, "what is too large for a float narrows to infinity");
+  static_assert(std::numeric_limits<float>::is_iec559,
+                "what is too large for a float narrows to infinity");
   double wide = 0;
-  if (!strata::util::read_number(text, wide)) throw std::runtime_error(std::string(text) + ": not a float");
+  if (!strata::util::read_number(text, wide))
+    throw std::runtime_error(std::string(text) + ": not a float");
   value = static_cast<float>(wide);
 }
 
@@ -63,7 +68,8 @@ std::string text_of(const std::string& value) {
 template <class Number>
 void write_values(obinstream& out, const std::vector<datatype<Number>>& values) {
   static_assert(sizeof(datatype<Number>) == sizeof(Number), "values lie one behind the other");
-  if (!values.empty()) out.write_values(&values.front().value, static_cast<unsigned int>(values.size()));
+  if (!values.empty())
+    out.write_values(&values.front().value, static_cast<unsigned int>(values.size()));
 }
 
 void write_values(obinstream& out, const std::vector<datatype<std::string>>& values) {
@@ -102,21 +108,23 @@ std::size_t position_of(const char* key, const std::vector<datatype<std::string>
   return static_cast<std::size_t>(found - values.begin());
 }
 
-// The one allocation that outlives its owner. It has a function to itself so that leak checkers can be told of it by
-// name and of nothing else.
+// The one allocation that outlives its owner. It has a function to itself so that leak checkers can
+// be told of it by name and of nothing else.
 template <class T>
 [[gnu::noinline]] std::unique_ptr<std::vector<T>> make_unreleased_values() {
   return std::make_unique<std::vector<T>>();
 }
 
 std::string no_elements(unsigned int low, unsigned int high) {
-  return "[o_set::find_threshold()] called for non-existing elements " + number_text(low) + "-" + number_text(high);
+  return "[o_set::find_threshold()] called for non-existing elements " + number_text(low) + "-" +
+         number_text(high);
 }
 
 }  // namespace
 
 template <class T>
-o_set_typed<T>::o_set_typed(const std::string& data_type, bool admits_null, const std::string& null_text)
+o_set_typed<T>::o_set_typed(const std::string& data_type, bool admits_null,
+                            const std::string& null_text)
     : o_set(data_type, admits_null, null_text) {}
 
 template <class T>
@@ -139,7 +147,8 @@ void o_set_typed<T>::freeze() {
 template <class T>
 void o_set_typed<T>::thaw() {
   if (!frozen) return;
-  if (known_values != nullptr) builder.insert_all(std::move(*known_values));  // the builder is empty: nothing throws
+  if (known_values != nullptr)
+    builder.insert_all(std::move(*known_values));  // the builder is empty: nothing throws
   delete known_values;
   known_values = nullptr;
   frozen = false;
@@ -214,13 +223,14 @@ int o_set_typed<T>::leq(unsigned int code, const std::string& b) {
 }
 
 template <class T>
-std::string o_set_typed<T>::find_mid(unsigned int low, unsigned int high) {
+unsigned int o_set_typed<T>::mid_code(unsigned int low, unsigned int high) {
   const std::vector<T>& values = frozen_values();
   // Codes in the first complaint, positions in the second: each names what was checked.
   if (low == 0 || high == 0) throw std::runtime_error(no_elements(low, high));
   const unsigned int i = low - 1;
   const unsigned int j = high - 1;
-  if (i >= values.size() || j >= values.size() || i > j) throw std::runtime_error(no_elements(i, j));
+  if (i >= values.size() || j >= values.size() || i > j)
+    throw std::runtime_error(no_elements(i, j));
 
   if constexpr (std::is_same_v<T, datatype<std::string>>) {
     throw std::runtime_error("mid_value() is undefined on type datatype_string");
@@ -231,8 +241,21 @@ std::string o_set_typed<T>::find_mid(unsigned int low, unsigned int high) {
     const auto above = std::upper_bound(first, values.begin() + j + 1, middle,
                                         [](auto m, const T& value) { return !(value.value <= m); });
     // No value is at most a middle that is not a number; the low value serves then.
-    return text_of((above == first ? first : above - 1)->value);
+    return above == first ? low : static_cast<unsigned int>(above - values.begin());
   }
+}
+
+template <class T>
+std::string o_set_typed<T>::find_mid(unsigned int low, unsigned int high) {
+  const unsigned int code = mid_code(low, high);
+  return text_of((*known_values)[code - 1].value);
+}
+
+template <class T>
+unsigned int o_set_typed<T>::find_mid_code(unsigned int low, unsigned int high) {
+  // A derived class may have a find_mid of its own.
+  if (typeid(*this) != typeid(o_set_typed)) return o_set::find_mid_code(low, high);
+  return mid_code(low, high);
 }
 
 template <class T>

@@ -7,8 +7,8 @@ namespace arbor::tree {
 
 namespace {
 
-// The continued fraction of the incomplete beta function (NIST Digital Library of Mathematical Functions, 8.17.22), by
-// the method of W. J. Lentz, Applied Optics 15 (1976), 668-671.
+// The continued fraction of the incomplete beta function (NIST Digital Library of Mathematical
+// Functions, 8.17.22), by the method of W. J. Lentz, Applied Optics 15 (1976), 668-671.
 double beta_fraction(double a, double b, double x) {
   constexpr double tiny = 1e-300;  // in the place of 0, by which nothing can be divided
   constexpr double precision = 1e-14;
@@ -34,8 +34,8 @@ double beta_fraction(double a, double b, double x) {
 
 // The regularised incomplete beta function I_x(a, b).
 double incomplete_beta(double a, double b, double x) {
-  const double factor =
-      std::exp(std::lgamma(a + b) - std::lgamma(a) - std::lgamma(b) + a * std::log(x) + b * std::log1p(-x));
+  const double factor = std::exp(std::lgamma(a + b) - std::lgamma(a) - std::lgamma(b) +
+                                 a * std::log(x) + b * std::log1p(-x));
   // On the other side of its mean the fraction of the complement converges faster.
   if (x > (a + 1) / (a + b + 2)) return 1 - factor * beta_fraction(b, a, 1 - x) / b;
   return factor * beta_fraction(a, b, x) / a;

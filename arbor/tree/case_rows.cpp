@@ -1,5 +1,7 @@
 #include "arbor/tree/case_rows.h"
 
+#include "arbor/model/extract_rows.h"
+
 namespace arbor::tree {
 
 case_rows::case_rows(const table& whole) : classes(&whole.class_column()), weights(whole.cases) {
@@ -14,7 +16,7 @@ case_rows::case_rows(const case_rows& from, const impls::w_sequence& cases)
       all_columns.push_back(column);  // nobody reads its rows
       continue;
     }
-    extracts.push_back(std::unique_ptr<impls::column>(column->extract(cases)));
+    extracts.push_back(impls::extract_rows(*column, cases));
     impls::column* const extract = extracts.back().get();
     if (is_class) classes = extract;
     all_columns.push_back(extract);

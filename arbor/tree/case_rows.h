@@ -1,11 +1,12 @@
-// The rows that a part of a tree grows on: those of the table, or an extract of a few of them, which lie side by side.
+// The rows that a part of a tree grows on: those of the table, or an extract of a few of them,
+// which lie side by side.
 #ifndef ARBOR_TREE_CASE_ROWS_H
 #define ARBOR_TREE_CASE_ROWS_H
 
 #include <memory>
 #include <vector>
 
-#include "arbor/tree/table.h"
+#include "arbor/table/table.h"
 #include "arbor/utils/nocopy.h"
 
 namespace arbor::tree {
@@ -18,7 +19,8 @@ class case_rows : private strata::util::nocopy {
   // An extract: the rows of `cases`, numbered in their order.
   case_rows(const case_rows& from, const impls::w_sequence& cases);
 
-  // The table's columns, in its order. Of an extract, those that are rated and the class have its rows.
+  // The table's columns, in its order. Of an extract, those that are rated and the class have its
+  // rows.
   const std::vector<const impls::column*>& columns() const { return all_columns; }
   impls::column& class_column() const { return *classes; }
   // How many rows there are.

@@ -5,7 +5,7 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "arbor/tree/shortest_text.h"
+#include "arbor/table/shortest_text.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
@@ -21,12 +21,13 @@ constexpr unsigned int every_branch = 0;  // no branch has this number
 const tree_node* child_on(const decision_tree& tree, const tree_node& test, unsigned int branch) {
   const auto first = tree.nodes.begin() + test.first_child;
   const auto last = first + test.child_count;
-  const auto child =
-      std::lower_bound(first, last, branch, [](const tree_node& n, unsigned int b) { return n.branch < b; });
+  const auto child = std::lower_bound(
+      first, last, branch, [](const tree_node& n, unsigned int b) { return n.branch < b; });
   return branch == every_branch || child == last || child->branch != branch ? nullptr : &*child;
 }
 
-// Adds up the distributions of all leaves that a case comes to; `branch_of` tells the branch of a node's index.
+// Adds up the distributions of all leaves that a case comes to; `branch_of` tells the branch of a
+// node's index.
 template <class BranchOf>
 std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_of) {
   std::vector<double> result(tree.nodes.front().class_weights.size(), 0.0);
@@ -50,7 +51,8 @@ std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_o
   }
   double sum = std::accumulate(result.begin(), result.end(), 0.0);
   if (!(sum > 0) || !std::isfinite(sum)) {
-    // So many shares have been multiplied that nothing, or no number, has come down. All that is known is the root.
+    // So many shares have been multiplied that nothing, or no number, has come down. All that is
+    // known is the root.
     const std::vector<float>& root = tree.nodes.front().class_weights;
     result.assign(root.begin(), root.end());
     sum = std::accumulate(result.begin(), result.end(), 0.0);
@@ -66,8 +68,8 @@ const column& column_named(const table& rows, const std::string& name) {
   throw std::runtime_error("the table has no column of the name " + name);
 }
 
-// A number as the domain of a continuous attribute holds it. What it takes for an integer without being a number, a
-// sign alone, is 0.
+// A number as the domain of a continuous attribute holds it. What it takes for an integer without
+// being a number, a sign alone, is 0.
 double number_of(const column& attribute, const char* text) {
   double number = 0;
   strata::util::read_number(text, number);
@@ -93,7 +95,8 @@ unsigned int last_code_up_to(const column& source, const std::string& threshold)
 }  // namespace
 
 std::size_t likeliest_class(const std::vector<double>& distribution) {
-  return static_cast<std::size_t>(std::max_element(distribution.begin(), distribution.end()) - distribution.begin());
+  return static_cast<std::size_t>(std::max_element(distribution.begin(), distribution.end()) -
+                                  distribution.begin());
 }
 
 row_classifier::row_classifier(const decision_tree& grown, const table& rows)
@@ -139,10 +142,12 @@ double row_classifier::weight_at(unsigned int row, std::size_t node) const {
   return weight;
 }
 
-text_classifier::text_classifier(const decision_tree& grown) : tree(grown), values(grown.attributes.size()) {
+text_classifier::text_classifier(const decision_tree& grown)
+    : tree(grown), values(grown.attributes.size()) {
   for (const tree_node& node : tree.nodes) {
     const bool cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
-    thresholds.push_back(cut ? number_of(*tree.attributes[node.attribute], node.split.threshold.c_str()) : 0);
+    thresholds.push_back(
+        cut ? number_of(*tree.attributes[node.attribute], node.split.threshold.c_str()) : 0);
   }
 }
 
@@ -177,11 +182,13 @@ std::vector<double> text_classifier::operator()(const std::vector<const char*>& 
   });
 }
 
-confusion_matrix classify_cases(const decision_tree& tree, const table& rows, const impls::w_sequence& cases) {
+confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
+                                const impls::w_sequence& cases) {
   const row_classifier say(tree, rows);
   confusion_matrix result;
   for (const auto& [row, weight] : cases) {
-    result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(say(row)), static_cast<double>(weight));
+    result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(say(row)),
+               static_cast<double>(weight));
   }
   return result;
 }

@@ -4,26 +4,27 @@
 //   std::vector<const char*> texts{"sunny", nullptr};  // by attribute of the tree; null is unknown
 //   std::vector<double> distribution = say(texts);
 //
-// A case goes down the branch of its value. When the value is unknown, or no training case of the node had it, the case
-// goes down every branch, its weight multiplied by the branch's share; the distributions of all leaves it comes to are
-// added up.
+// A case goes down the branch of its value. When the value is unknown, or no training case of the
+// node had it, the case goes down every branch, its weight multiplied by the branch's share; the
+// distributions of all leaves it comes to are added up.
 #ifndef ARBOR_TREE_CLASSIFICATION_H
 #define ARBOR_TREE_CLASSIFICATION_H
 
 #include <stdexcept>
 #include <vector>
 
+#include "arbor/table/table.h"
 #include "arbor/tree/confusion_matrix.h"
 #include "arbor/tree/decision_tree.h"
-#include "arbor/tree/table.h"
 
 namespace arbor::tree {
 
 // The class of the greatest probability, as an entry of a distribution; of equal ones the first.
 std::size_t likeliest_class(const std::vector<double>& distribution);
 
-// Classifies the rows of a table, the one that the tree was grown on or another whose columns have the same data types.
-// Neither may change while the classifier is used. Throws std::runtime_error when the table lacks a column of the tree.
+// Classifies the rows of a table, the one that the tree was grown on or another whose columns have
+// the same data types. Neither may change while the classifier is used. Throws std::runtime_error
+// when the table lacks a column of the tree.
 class row_classifier {
  public:
   row_classifier(const decision_tree& tree, const table& rows);
@@ -38,17 +39,20 @@ class row_classifier {
   unsigned int branch_of(std::size_t node, unsigned int row) const;
 
   const decision_tree& tree;
-  std::vector<const impls::column*> columns;     // of the table, by attribute of the tree
-  std::vector<std::vector<unsigned int>> codes;  // of the tree, by discrete attribute and code of the table
-  std::vector<unsigned int> thresholds;  // by node: the greatest code of the table that goes down the low branch
-  std::vector<std::size_t> parents;      // by node
+  std::vector<const impls::column*> columns;  // of the table, by attribute of the tree
+  std::vector<std::vector<unsigned int>>
+      codes;  // of the tree, by discrete attribute and code of the table
+  std::vector<unsigned int>
+      thresholds;  // by node: the greatest code of the table that goes down the low branch
+  std::vector<std::size_t> parents;  // by node
 };
 
 // A text that is not of the data type of its attribute.
 class unfit_text : public std::runtime_error {
  public:
   explicit unfit_text(std::size_t of_attribute)
-      : std::runtime_error("a text is not of the data type of its attribute"), attribute(of_attribute) {}
+      : std::runtime_error("a text is not of the data type of its attribute"),
+        attribute(of_attribute) {}
 
   std::size_t attribute;
 };
@@ -58,8 +62,8 @@ class text_classifier {
  public:
   explicit text_classifier(const decision_tree& tree);
 
-  // `texts` are those of the tree's attributes, as they stand in a table, null for the unknown value. Throws
-  // unfit_text.
+  // `texts` are those of the tree's attributes, as they stand in a table, null for the unknown
+  // value. Throws unfit_text.
   std::vector<double> operator()(const std::vector<const char*>& texts);
 
  private:
@@ -78,7 +82,8 @@ class text_classifier {
 };
 
 // Classifies cases of the table that the tree was grown on.
-confusion_matrix classify_cases(const decision_tree& tree, const table& rows, const impls::w_sequence& cases);
+confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
+                                const impls::w_sequence& cases);
 
 }  // namespace arbor::tree
 

@@ -22,15 +22,17 @@ unsigned int machine_threads();
 
 class crew : private strata::util::nocopy {
  public:
-  // A crew of one is the calling thread. It is smaller than asked for when more threads cannot be had.
+  // A crew of one is the calling thread. It is smaller than asked for when more threads cannot be
+  // had.
   explicit crew(unsigned int threads);
   ~crew();
 
   unsigned int size() const { return static_cast<unsigned int>(helpers.size()) + 1; }
 
-  // Calls `work` with each number from 0 to count - 1 once, in any order, and returns when all calls have. The calling
-  // thread takes part. Of what calls throw, one is thrown on; the numbers that nobody has begun by then are left out.
-  // One thread at a time may call it, and none of those calls.
+  // Calls `work` with each number from 0 to count - 1 once, in any order, and returns when all
+  // calls have. The calling thread takes part. Of what calls throw, one is thrown on; the numbers
+  // that nobody has begun by then are left out. One thread at a time may call it, and none of those
+  // calls.
   void each(std::size_t count, const std::function<void(std::size_t)>& work);
 
  private:

@@ -13,14 +13,18 @@ namespace arbor::tree {
 struct tree_node {
   static constexpr unsigned int no_attribute = std::numeric_limits<unsigned int>::max();
 
-  unsigned int attribute = no_attribute;  // which of the tree's attributes it tests; none for a leaf
-  impls::column::partition_desc split;    // of a test: its threshold, and the number of its branches
-  unsigned int first_child = 0;           // of a test: its children stand together, in the order of their branches
-  unsigned int child_count = 0;           // branches without training cases have no child
+  unsigned int attribute =
+      no_attribute;                     // which of the tree's attributes it tests; none for a leaf
+  impls::column::partition_desc split;  // of a test: its threshold, and the number of its branches
+  unsigned int first_child =
+      0;  // of a test: its children stand together, in the order of their branches
+  unsigned int child_count = 0;  // branches without training cases have no child
 
-  unsigned int branch = 0;           // of its parent: the value's code; below or at a threshold 1, above it 2
-  float share = 0;                   // of its parent's unknown cases, by which their weight is multiplied
-  std::vector<float> class_weights;  // of its training cases, entry c that of the class with code c + 1
+  unsigned int branch =
+      0;            // of its parent: the value's code; below or at a threshold 1, above it 2
+  float share = 0;  // of its parent's unknown cases, by which their weight is multiplied
+  std::vector<float>
+      class_weights;  // of its training cases, entry c that of the class with code c + 1
 
   bool is_leaf() const { return attribute == no_attribute; }
 };
@@ -29,7 +33,7 @@ struct tree_node {
 struct decision_tree {
   std::unique_ptr<impls::column> class_column;
   std::vector<std::unique_ptr<impls::column>> attributes;  // those that some node tests
-  std::vector<tree_node> nodes;                            // the root first, every child behind its parent
+  std::vector<tree_node> nodes;  // the root first, every child behind its parent
 };
 
 // The class of the greatest weight, as an entry of `class_weights`; of equal ones the first.

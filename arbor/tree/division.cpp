@@ -12,7 +12,10 @@ using impls::w_sequence;
 
 division::division(node_cases of_node, float node_weight, std::size_t tested_column,
                    column::partition_desc chosen_split)
-    : node(std::move(of_node)), weight(node_weight), column_index(tested_column), split(std::move(chosen_split)) {
+    : node(std::move(of_node)),
+      weight(node_weight),
+      column_index(tested_column),
+      split(std::move(chosen_split)) {
   if (attribute().is_continuous()) {
     divide_in_two();
   } else {
@@ -51,7 +54,8 @@ void division::divide_by_value() {
   unknown_count = next[0];
   for (std::size_t value = 1; value < next.size(); ++value) {
     if (next[value] == next[value - 1]) continue;
-    all_branches.push_back({static_cast<unsigned int>(value) + before_first, next[value - 1], next[value]});
+    all_branches.push_back(
+        {static_cast<unsigned int>(value) + before_first, next[value - 1], next[value]});
   }
   node.cases = std::move(by_value);
 }
@@ -72,19 +76,20 @@ node_cases division::cases_of(const branch& taken, float& share) const {
     }
   }
   node_cases result{node.rows, nullptr, node.ranges, node.depth + 1};
-  std::unique_ptr<w_sequence> cases(
-      attribute().partition(begin, end, taken.number, weight, share, result.ranges[column_index], split));
+  std::unique_ptr<w_sequence> cases(attribute().partition(begin, end, taken.number, weight, share,
+                                                          result.ranges[column_index], split));
   if (attribute().get_o_set()->contains_null()) drop_slivers(*cases);
   result.cases = std::move(cases);
   return result;
 }
 
-// Leaves out what has become a small part of a case: it would take the time and the room of a whole one, times as many
-// as there are branches on the way, and its weight might end as 0.
+// Leaves out what has become a small part of a case: it would take the time and the room of a whole
+// one, times as many as there are branches on the way, and its weight might end as 0.
 void division::drop_slivers(w_sequence& cases) const {
   constexpr float least_part = 1.0F / 1024;
   const auto is_sliver = [&](const auto& weighted) {
-    return weighted.second < least_part * node.rows->weight(weighted.first) || !(weighted.second > 0);
+    return weighted.second < least_part * node.rows->weight(weighted.first) ||
+           !(weighted.second > 0);
   };
   cases.erase(std::remove_if(cases.begin(), cases.end(), is_sliver), cases.end());
   if (cases.size() < cases.capacity() / 2) cases.shrink_to_fit();

@@ -16,19 +16,21 @@ using code_range = strata::util::pair<unsigned int, unsigned int>;
 struct node_cases {
   std::shared_ptr<const case_rows> rows;  // that their row numbers mean
   std::shared_ptr<const impls::w_sequence> cases;
-  std::vector<code_range> ranges;  // by column of the table: bounds of the known codes among the cases
-  unsigned int depth = 0;          // of tests above the node
+  std::vector<code_range>
+      ranges;              // by column of the table: bounds of the known codes among the cases
+  unsigned int depth = 0;  // of tests above the node
 };
 
-// Branches take their cases when their turn comes, and not before: the unknown ones go down every branch, and there may
-// be as many branches as cases.
+// Branches take their cases when their turn comes, and not before: the unknown ones go down every
+// branch, and there may be as many branches as cases.
 class division {
  public:
   // What of the cases is on a branch.
   struct branch {
     unsigned int number;     // see tree_node::branch
     std::size_t first_case;  // of a discrete test: the known ones, from this one
-    std::size_t end_case;    // to before this one; of a continuous one both only tell how many there are
+    std::size_t
+        end_case;  // to before this one; of a continuous one both only tell how many there are
 
     std::size_t size() const { return end_case - first_case; }
   };
@@ -37,7 +39,8 @@ class division {
   division(node_cases of_node, float node_weight, std::size_t tested_column,
            impls::column::partition_desc chosen_split);
 
-  // In the order of their numbers. Of a discrete test, those of values that no case has are left out.
+  // In the order of their numbers. Of a discrete test, those of values that no case has are left
+  // out.
   const std::vector<branch>& branches() const { return all_branches; }
 
   // The cases of a branch; `share` receives that of the unknown ones.

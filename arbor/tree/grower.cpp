@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "arbor/model/code_readers.h"
+#include "arbor/table/shortest_text.h"
 #include "arbor/tree/crew.h"
 #include "arbor/tree/division.h"
 #include "arbor/tree/pruning.h"
-#include "arbor/tree/shortest_text.h"
 
 namespace arbor::tree {
 
@@ -53,8 +53,8 @@ struct candidate {
   column::splitting_desc rating;
 };
 
-// The weight of a node's cases, and of each class among them, entry c that of the class with code c + 1; both added up
-// in double, so that many light cases count for what they are.
+// The weight of a node's cases, and of each class among them, entry c that of the class with code c
+// + 1; both added up in double, so that many light cases count for what they are.
 struct node_weight {
   float all;
   std::vector<float> classes;
@@ -72,7 +72,8 @@ node_weight weigh_cases(const column& class_column, const w_sequence& cases) {
   return {static_cast<float>(all), {classes.begin() + 1, classes.end()}};
 }
 
-// The best test of a node, if there is any. What it finds out about the ranges of its codes is noted there.
+// The best test of a node, if there is any. What it finds out about the ranges of its codes is
+// noted there.
 class test_choice {
  public:
   // `workers`, null for none, rate several columns at once.
@@ -115,11 +116,11 @@ class test_choice {
     // Looking at every case pays when the measure would look at more codes than there are cases.
     const bool loose = range.second - range.first > rated.cases->size();
     if (loose) range = occurring_range(attribute, *rated.cases);
-    // A measure that is to copy the cases leaves them alone: each attribute is rated on them in the same order, so that
-    // its rating does not depend on the others.
+    // A measure that is to copy the cases leaves them alone: each attribute is rated on them in the
+    // same order, so that its rating does not depend on the others.
     auto& unchanged = const_cast<w_sequence&>(*rated.cases);
-    attribute.quality_measure(&rated.rows->class_column(), weight, &unchanged, range, min_weight, nullptr, test.rating,
-                              true);
+    attribute.quality_measure(&rated.rows->class_column(), weight, &unchanged, range, min_weight,
+                              nullptr, test.rating, true);
   }
 
   static double gain_ratio(const candidate& test) {
@@ -147,11 +148,12 @@ class subtree {
     }
   }
 
-  // The same by all of the crew: the columns of large nodes are rated side by side, and then the subtrees of small ones
-  // are grown side by side.
+  // The same by all of the crew: the columns of large nodes are rated side by side, and then the
+  // subtrees of small ones are grown side by side.
   void grow_together(node_cases root) {
     crew& workers = whole.workers;
-    const std::size_t small = std::max(worth_sharing, root.cases->size() / (std::size_t{16} * workers.size()));
+    const std::size_t small =
+        std::max(worth_sharing, root.cases->size() / (std::size_t{16} * workers.size()));
     // No more cases wait than there are: unknown ones wait in many branches at once.
     const std::size_t most_waiting = root.cases->size();
     std::vector<waiting_branch> small_branches;
@@ -191,8 +193,10 @@ class subtree {
   // Grows the subtrees of branches side by side.
   void grow_all(std::vector<waiting_branch> branches) {
     std::vector<subtree> subtrees(branches.size(), subtree(whole));
-    whole.workers.each(subtrees.size(), [&](std::size_t i) { subtrees[i].grow(std::move(branches[i].cases)); });
-    for (std::size_t i = 0; i < subtrees.size(); ++i) graft(branches[i].node, std::move(subtrees[i].nodes));
+    whole.workers.each(subtrees.size(),
+                       [&](std::size_t i) { subtrees[i].grow(std::move(branches[i].cases)); });
+    for (std::size_t i = 0; i < subtrees.size(); ++i)
+      graft(branches[i].node, std::move(subtrees[i].nodes));
   }
 
   waiting_branch take_next() {
@@ -219,12 +223,14 @@ class subtree {
 
   bool may_split(std::size_t node, const node_cases& cases, float weight) const {
     const std::vector<float>& classes = nodes[node].class_weights;
-    const auto present = std::count_if(classes.begin(), classes.end(), [](float w) { return w > 0; });
+    const auto present =
+        std::count_if(classes.begin(), classes.end(), [](float w) { return w > 0; });
     return present > 1 && weight >= 2 * options.min_weight && cases.depth < options.max_depth;
   }
 
-  // Extracts the cases of a node that lie scattered over many rows: the columns are read several times for each node
-  // below, and each read of a few bytes far from the next one takes the time of a whole cache line.
+  // Extracts the cases of a node that lie scattered over many rows: the columns are read several
+  // times for each node below, and each read of a few bytes far from the next one takes the time of
+  // a whole cache line.
   static void bring_together(node_cases& node) {
     constexpr std::size_t many_rows = 1U << 15U;  // of which a few columns fill a core's own cache
     constexpr std::size_t scattered = 4;          // rows to a case
@@ -233,7 +239,8 @@ class subtree {
     if (node.rows->size() < many_rows || cases.size() < worth_it) return;
     if (node.rows->size() / cases.size() < scattered) return;
     auto numbered = std::make_shared<w_sequence>(cases);
-    for (std::size_t i = 0; i < cases.size(); ++i) (*numbered)[i].first = static_cast<unsigned int>(i);
+    for (std::size_t i = 0; i < cases.size(); ++i)
+      (*numbered)[i].first = static_cast<unsigned int>(i);
     node.rows = std::make_shared<const case_rows>(*node.rows, cases);
     node.cases = std::move(numbered);
   }
@@ -245,7 +252,8 @@ class subtree {
     test.rating.set_partition_desc(split);
     // The threshold that it tells may lie outside of the cut; see cut_threshold.
     if (attribute.is_continuous()) split.threshold = cut_threshold(attribute, test.rating);
-    const auto parent = std::make_shared<const division>(std::move(cases), weight, test.column_index, split);
+    const auto parent =
+        std::make_shared<const division>(std::move(cases), weight, test.column_index, split);
 
     std::vector<open_branch> branches;
     tree_node& tested = nodes[node];
@@ -257,11 +265,13 @@ class subtree {
       branches.push_back({nodes.size(), parent, branch});
       nodes.emplace_back().branch = branch.number;
     }
-    // The largest comes last, when it is the only one that still needs the cases of its parent: of all that wait, only
-    // smaller ones, of at most half the cases each, have parents that wait too, so that twice the cases are kept at
-    // most.
+    // The largest comes last, when it is the only one that still needs the cases of its parent: of
+    // all that wait, only smaller ones, of at most half the cases each, have parents that wait too,
+    // so that twice the cases are kept at most.
     std::stable_sort(branches.begin(), branches.end(),
-                     [](const open_branch& a, const open_branch& b) { return a.number.size() > b.number.size(); });
+                     [](const open_branch& a, const open_branch& b) {
+                       return a.number.size() > b.number.size();
+                     });
     std::move(branches.begin(), branches.end(), std::back_inserter(open));
   }
 
@@ -272,7 +282,8 @@ class subtree {
     grown.front().branch = nodes[node].branch;
     grown.front().share = nodes[node].share;
     nodes[node] = std::move(grown.front());
-    nodes.insert(nodes.end(), std::make_move_iterator(grown.begin() + 1), std::make_move_iterator(grown.end()));
+    nodes.insert(nodes.end(), std::make_move_iterator(grown.begin() + 1),
+                 std::make_move_iterator(grown.end()));
   }
 
   growth& whole;
@@ -304,10 +315,12 @@ decision_tree tree_of(const table& training, std::vector<tree_node> nodes) {
 
 }  // namespace
 
-decision_tree grow_tree(const table& training, const w_sequence& cases, const grow_options& options) {
+decision_tree grow_tree(const table& training, const w_sequence& cases,
+                        const grow_options& options) {
   growth grown(options, cases);
   // The caller keeps the cases of the root.
-  node_cases root{std::make_shared<const case_rows>(training), {std::shared_ptr<void>(), &cases}, {}, 0};
+  node_cases root{
+      std::make_shared<const case_rows>(training), {std::shared_ptr<void>(), &cases}, {}, 0};
   // This also puts the domains in order, before several threads ask them.
   for (const auto& attribute : training.columns) root.ranges.push_back(attribute->get_range());
   subtree all(grown);

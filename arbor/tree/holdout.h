@@ -13,8 +13,9 @@ struct divided_cases {
   impls::w_sequence held_back;
 };
 
-// Keeps back `share` (0 to 1) of the cases, to the nearest whole number, chosen at random; the others, and those kept
-// back, stay in their order. A seed always gives the same choice among as many cases, on every machine.
+// Keeps back `share` (0 to 1) of the cases, to the nearest whole number, chosen at random; the
+// others, and those kept back, stay in their order. A seed always gives the same choice among as
+// many cases, on every machine.
 divided_cases hold_out(const impls::w_sequence& cases, double share, std::uint64_t seed);
 
 }  // namespace arbor::tree

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "arbor/tree/shortest_text.h"
+#include "arbor/table/shortest_text.h"
 
 namespace arbor::tree {
 
@@ -33,9 +33,11 @@ const char* why_no_split(const column& attribute, unsigned int values) {
 
 }  // namespace
 
-std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight) {
+std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases,
+                                              float min_weight) {
   std::vector<attribute_rating> ratings;
-  auto& unchanged = const_cast<impls::w_sequence&>(cases);  // a measure that is to copy the cases leaves them alone
+  auto& unchanged = const_cast<impls::w_sequence&>(
+      cases);  // a measure that is to copy the cases leaves them alone
   const float weight = total_weight(cases);
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
@@ -47,7 +49,8 @@ std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w
     rating.unknown_cells = unknown_cells(*attribute, cases);
     auto code_range = occurring_range(*attribute, cases);
     column::splitting_desc best;
-    attribute->quality_measure(&rated.class_column(), weight, &unchanged, code_range, min_weight, nullptr, best, true);
+    attribute->quality_measure(&rated.class_column(), weight, &unchanged, code_range, min_weight,
+                               nullptr, best, true);
     if (best.gain != column::splitting_desc::no_split) {
       rating.split = described(best, *attribute);
     } else {
@@ -63,9 +66,10 @@ void sort_ratings(std::vector<attribute_rating>& ratings, rating_order order) {
     if (!rating.split) return column::splitting_desc::no_split;
     return order == rating_order::gain ? rating.split->gain : rating.split->gain_ratio;
   };
-  std::stable_sort(ratings.begin(), ratings.end(), [&](const attribute_rating& a, const attribute_rating& b) {
-    return order == rating_order::name ? a.name < b.name : key(a) > key(b);
-  });
+  std::stable_sort(ratings.begin(), ratings.end(),
+                   [&](const attribute_rating& a, const attribute_rating& b) {
+                     return order == rating_order::name ? a.name < b.name : key(a) > key(b);
+                   });
 }
 
 }  // namespace arbor::tree

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "arbor/tree/table.h"
+#include "arbor/table/table.h"
 
 namespace arbor::tree {
 
@@ -31,14 +31,15 @@ struct attribute_rating {
   std::string no_split_reason;  // why there is none
 };
 
-// Rates the attributes, in the order of the table, on some of its rows with their weights. A branch must carry
-// `min_weight`, 0 or more, to count as one.
-std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight);
+// Rates the attributes, in the order of the table, on some of its rows with their weights. A branch
+// must carry `min_weight`, 0 or more, to count as one.
+std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases,
+                                              float min_weight);
 
 enum class rating_order { ratio, gain, name };
 
-// Orders ratings for a reader: the greatest ratio or gain first, what cannot be split last, or by name; what is equal
-// stays in order.
+// Orders ratings for a reader: the greatest ratio or gain first, what cannot be split last, or by
+// name; what is equal stays in order.
 void sort_ratings(std::vector<attribute_rating>& ratings, rating_order order);
 
 }  // namespace arbor::tree

@@ -4,11 +4,11 @@
 #include <cerrno>
 #include <cstring>
 
-#include "arbor/tree/csv_cell.h"
-#include "arbor/tree/csv_table.h"
-#include "arbor/tree/shortest_text.h"
-#include "arbor/tree/table.h"
-#include "arbor/tree/table_error.h"
+#include "arbor/csv/csv_cell.h"
+#include "arbor/csv/csv_table.h"
+#include "arbor/csv/table_error.h"
+#include "arbor/table/shortest_text.h"
+#include "arbor/table/table.h"
 
 namespace arbor::tree {
 
@@ -16,9 +16,13 @@ namespace {
 
 class classifying {
  public:
-  classifying(const std::string& path, const decision_tree& of_tree, const classification_options& chosen,
-              std::ostream& to)
-      : file(path, unknown_texts(chosen.unknown_texts)), tree(of_tree), options(chosen), out(to), say(of_tree) {}
+  classifying(const std::string& path, const decision_tree& of_tree,
+              const classification_options& chosen, std::ostream& to)
+      : file(path, unknown_texts(chosen.unknown_texts)),
+        tree(of_tree),
+        options(chosen),
+        out(to),
+        say(of_tree) {}
 
   classification_result run() {
     file.read([&] { find_columns(); }, [&](const csv_row& row) { classify(row); });
@@ -36,7 +40,8 @@ class classifying {
       class_cell = static_cast<std::size_t>(class_name - names.begin());
       result.matrix.emplace();
     }
-    if (!options.weights_name.empty()) weights_cell = file.cell_named(options.weights_name, "--weights");
+    if (!options.weights_name.empty())
+      weights_cell = file.cell_named(options.weights_name, "--weights");
     for (const std::string& name : names) out << csv_cell(name) << ',';
     out << unused_name("predicted");
     if (!options.all_probabilities) out << ',' << unused_name("probability");
@@ -46,7 +51,8 @@ class classifying {
     out << '\n';
   }
 
-  // A name for a column more: the table may have one of that name, say because it was classified before.
+  // A name for a column more: the table may have one of that name, say because it was classified
+  // before.
   std::string unused_name(std::string name) const {
     const std::vector<std::string>& names = file.names();
     while (std::find(names.begin(), names.end(), name) != names.end()) name += "_2";
@@ -69,7 +75,8 @@ class classifying {
       out << (text.empty() && !row.is_empty(cell) ? "\"\"" : csv_cell(text)) << ',';
     }
     out << csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(said) + 1));
-    if (!options.all_probabilities) out << ',' << shortest_text(static_cast<float>(distribution[said]));
+    if (!options.all_probabilities)
+      out << ',' << shortest_text(static_cast<float>(distribution[said]));
     for (std::size_t c = 0; options.all_probabilities && c < distribution.size(); ++c) {
       out << ',' << shortest_text(static_cast<float>(distribution[c]));
     }
@@ -77,7 +84,8 @@ class classifying {
     if (!out) throw table_error(std::string("the rows cannot be written: ") + std::strerror(errno));
   }
 
-  // A row that weighs nothing may hold anything, as when the tree was grown: what does not fit is unknown then.
+  // A row that weighs nothing may hold anything, as when the tree was grown: what does not fit is
+  // unknown then.
   std::vector<double> distribution_of(const csv_row& row, double weight) {
     while (true) {
       try {
@@ -86,7 +94,8 @@ class classifying {
         const auto& attribute = *tree.attributes[unfit.attribute];
         if (weight > 0) {
           file.fail(row, cells[unfit.attribute],
-                    "not of the type " + attribute.get_o_set()->get_datatype() + " that the model has for the column");
+                    "not of the type " + attribute.get_o_set()->get_datatype() +
+                        " that the model has for the column");
         }
         texts[unfit.attribute] = nullptr;
       }

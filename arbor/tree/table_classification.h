@@ -13,7 +13,8 @@
 namespace arbor::tree {
 
 struct classification_options {
-  std::string weights_name;  // the column of weights, for the matrix, in which 0 leaves a row out; empty: all weigh 1
+  std::string
+      weights_name;  // the column of weights, for the matrix, in which 0 leaves a row out; empty: all weigh 1
   std::vector<std::string> unknown_texts;  // see unknown_texts.h
   bool all_probabilities = false;          // a column for each class
   std::function<void(std::size_t rows)> progress;
@@ -21,15 +22,15 @@ struct classification_options {
 
 struct classification_result {
   std::size_t rows = 0;
-  // Of the rows whose class the table tells. The entry behind the last of the tree's classes is for all others.
-  // None when the table has no column of the class's name.
+  // Of the rows whose class the table tells. The entry behind the last of the tree's classes is for
+  // all others. None when the table has no column of the class's name.
   std::optional<confusion_matrix> matrix;
 };
 
-// Writes the table's cells as they are and, behind them, the columns "predicted" and "probability" or, with all
-// probabilities, "predicted" and one "P(class)" for each class. Columns are found by their names. Throws table_error
-// for a column that is missing and a text that is not of the data type of the tree's attribute; rows before it are
-// written.
+// Writes the table's cells as they are and, behind them, the columns "predicted" and "probability"
+// or, with all probabilities, "predicted" and one "P(class)" for each class. Columns are found by
+// their names. Throws table_error for a column that is missing and a text that is not of the data
+// type of the tree's attribute; rows before it are written.
 classification_result classify_table(const std::string& path, const decision_tree& tree,
                                      const classification_options& options, std::ostream& out);
 

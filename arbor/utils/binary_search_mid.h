@@ -6,11 +6,12 @@
 
 namespace strata::adt {
 
-// Searches [first, last) for `key`; on success sets `found` to the entry and returns true, else returns false.
-// The entries are datatype<std::string>, the key is NUL-terminated.
+// Searches [first, last) for `key`; on success sets `found` to the entry and returns true, else
+// returns false. The entries are datatype<std::string>, the key is NUL-terminated.
 //
-// Entries and key are compared as NUL-terminated texts of signed characters, while texts are sorted as unsigned bytes:
-// a text that holds bytes of 0x80 and above can be missed although it is there. Texts of plain ASCII never are.
+// Entries and key are compared as NUL-terminated texts of signed characters, while texts are sorted
+// as unsigned bytes: a text that holds bytes of 0x80 and above can be missed although it is there.
+// Texts of plain ASCII never are.
 template <class Iterator, class Found>
 bool binary_search_mid(Iterator first, Iterator last, const char* key, Found& found) {
   while (first < last) {

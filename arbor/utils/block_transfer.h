@@ -1,10 +1,12 @@
-// How arrays go through a device: in one transfer, unless that would reach 2^31 - 1 bytes. Internal to the streams.
+// How arrays go through a device: in one transfer, unless that would reach 2^31 - 1 bytes. Internal
+// to the streams.
 #ifndef ARBOR_UTILS_BLOCK_TRANSFER_H
 #define ARBOR_UTILS_BLOCK_TRANSFER_H
 
 namespace strata::inpout {
 
-// Calls `transfer` with elements and a number of bytes, once for all `count` elements or once for each.
+// Calls `transfer` with elements and a number of bytes, once for all `count` elements or once for
+// each.
 template <class T, class Transfer>
 void transfer_block(T* elements, unsigned int count, Transfer transfer) {
   constexpr unsigned int width = sizeof(T);

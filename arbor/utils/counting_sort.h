@@ -14,14 +14,16 @@
 
 namespace strata::adt {
 
-// Sorts [begin, end), a contiguous run of Element, by key(element), ascending; equal keys end in no order to rely on.
+// Sorts [begin, end), a contiguous run of Element, by key(element), ascending; equal keys end in no
+// order to rely on.
 //
-// A key of 0 counts as `unknown_key`; after that every key lies in [low_key, key_end), which is not checked. With fewer
-// than two possible keys the run stays as it is. Takes two arrays of key_end - low_key counters. When the key or an
-// allocation throws, the exception passes and the run still holds all its elements, in some order.
+// A key of 0 counts as `unknown_key`; after that every key lies in [low_key, key_end), which is not
+// checked. With fewer than two possible keys the run stays as it is. Takes two arrays of key_end -
+// low_key counters. When the key or an allocation throws, the exception passes and the run still
+// holds all its elements, in some order.
 template <class Element, class Key, class Iterator>
-void counting_sort(Iterator begin, Iterator end, unsigned int low_key, unsigned int key_end, Key key,
-                   unsigned int unknown_key) {
+void counting_sort(Iterator begin, Iterator end, unsigned int low_key, unsigned int key_end,
+                   Key key, unsigned int unknown_key) {
   if (begin == end || low_key + 1 >= key_end) return;
 
   const auto block_of = [&](const Element& element) {
@@ -29,8 +31,9 @@ void counting_sort(Iterator begin, Iterator end, unsigned int low_key, unsigned 
     return (k == 0 ? unknown_key : k) - low_key;
   };
 
-  // counts[b] becomes the position of the last free slot of block b; blocks are filled from their last slot downward.
-  // (Positions are unsigned: an empty first block has the position before 0, which nothing is ever stored at.)
+  // counts[b] becomes the position of the last free slot of block b; blocks are filled from their
+  // last slot downward. (Positions are unsigned: an empty first block has the position before 0,
+  // which nothing is ever stored at.)
   std::vector<unsigned int> counts(util::allocatable<unsigned int>(key_end - low_key), 0);
   for (Iterator element = begin; element != end; ++element) ++counts[block_of(*element)];
   --counts[0];
@@ -46,7 +49,8 @@ void counting_sort(Iterator begin, Iterator end, unsigned int low_key, unsigned 
       std::swap(begin[current], begin[counts[block]]);
       --counts[block];
     } else {
-      current = last[block] + 1;  // it lies in the last free slot of its block, which is complete with it
+      current =
+          last[block] + 1;  // it lies in the last free slot of its block, which is complete with it
     }
   }
 }

@@ -56,7 +56,8 @@ ibinstream& ibinstream::operator>>(char*& text) {
   unsigned int length = 0;
   *this >> length;
   expect(length, 1);
-  // No text is written that is longer than this, and one more byte than it holds can be counted in 32 bits.
+  // No text is written that is longer than this, and one more byte than it holds can be counted in
+  // 32 bits.
   if (length > 0x7FFFFFFEU) throw std::runtime_error("Failed to create object");
   std::unique_ptr<char[]> array(new (std::nothrow) char[length + 1]);
   if (array == nullptr) throw util::no_storage("Failed to create object");
@@ -76,13 +77,15 @@ ibinstream& ibinstream::operator>>(std::string& text) {
 
 void ibinstream::expect(unsigned long long count, unsigned int least_bytes) const {
   if (count > device->remaining() / least_bytes) {
-    throw std::runtime_error("ibinstream: a length of " + std::to_string(count) + " is more than what is left to read");
+    throw std::runtime_error("ibinstream: a length of " + std::to_string(count) +
+                             " is more than what is left to read");
   }
 }
 
 template <class T>
 ibinstream& ibinstream::read_block(T* elements, unsigned int count) {
-  transfer_block(elements, count, [this](T* data, unsigned int bytes) { device->read(data, bytes); });
+  transfer_block(elements, count,
+                 [this](T* data, unsigned int bytes) { device->read(data, bytes); });
   return *this;
 }
 
@@ -94,7 +97,8 @@ ibinstream& ibinstream::read_special(Vector*& vector) {
   *this >> present;
   if (!present) return *this;
   std::unique_ptr<Vector> loaded(new (std::nothrow) Vector());
-  if (loaded == nullptr) throw util::no_storage("ibinstream::operator >>: failed to create object.");
+  if (loaded == nullptr)
+    throw util::no_storage("ibinstream::operator >>: failed to create object.");
   unsigned int count = 0;
   *this >> count;
   // The shortest text is an absent one, a single byte.
@@ -103,7 +107,8 @@ ibinstream& ibinstream::read_special(Vector*& vector) {
   if constexpr (std::is_same_v<value_type, std::string>) {
     for (auto& element : *loaded) *this >> element.value;
   } else {
-    static_assert(sizeof(typename Vector::value_type) == sizeof(value_type), "values lie one behind the other");
+    static_assert(sizeof(typename Vector::value_type) == sizeof(value_type),
+                  "values lie one behind the other");
     device->read_values(loaded->data(), sizeof(value_type), count);
   }
   vector = loaded.release();

@@ -18,7 +18,8 @@ std::string number_text(unsigned int value) {
 }
 
 std::string number_text(double value) {
-  // Sign, 309 integer digits of the largest double, a point of a few bytes, 30 decimals and the NUL.
+  // Sign, 309 integer digits of the largest double, a point of a few bytes, 30 decimals and the
+  // NUL.
   std::array<char, 352> buffer{};
   const int length = std::snprintf(buffer.data(), buffer.size(), "%.30f", value);
   std::string text(buffer.data(), static_cast<std::size_t>(length));
@@ -41,7 +42,8 @@ double decimal_fraction(std::uint64_t digits, unsigned int behind_point) {
 
 namespace {
 
-// Whether the text is nothing but a "-", at most 18 digits and a point, and has a value that decimal_fraction finds.
+// Whether the text is nothing but a "-", at most 18 digits and a point, and has a value that
+// decimal_fraction finds.
 bool read_plain(const char* text, double& value) {
   const bool negative = *text == '-';
   const char* const begin = text + (negative ? 1 : 0);
@@ -59,7 +61,8 @@ bool read_plain(const char* text, double& value) {
   const auto count = (c - begin) - (point == nullptr ? 0 : 1);
   if (*c != '\0' || count == 0 || count > 18 || digits > last_exact_integer) return false;
   if (point != nullptr && !point_is_dot()) return false;
-  const double magnitude = decimal_fraction(digits, point == nullptr ? 0U : static_cast<unsigned int>(c - point - 1));
+  const double magnitude =
+      decimal_fraction(digits, point == nullptr ? 0U : static_cast<unsigned int>(c - point - 1));
   value = negative ? -magnitude : magnitude;
   return true;
 }

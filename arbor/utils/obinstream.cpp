@@ -7,7 +7,8 @@
 
 namespace strata::inpout {
 
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are written as they lie in memory");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "values are written as they lie in memory");
 
 template <class T>
 obinstream& obinstream::write(const T& value) {
@@ -53,7 +54,8 @@ obinstream& obinstream::operator<<(const char* text) {
 
 template <class T>
 obinstream& obinstream::write_block(const T* elements, unsigned int count) {
-  transfer_block(elements, count, [this](const T* data, unsigned int bytes) { device->write(data, bytes); });
+  transfer_block(elements, count,
+                 [this](const T* data, unsigned int bytes) { device->write(data, bytes); });
   return *this;
 }
 

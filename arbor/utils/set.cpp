@@ -21,7 +21,8 @@ constexpr unsigned int slot_count = 1339;
 constexpr unsigned int first_threshold = 256;
 constexpr unsigned int largest_threshold = 0xFFFFFFFF;
 
-// The slot of a value decides only how well repeats are absorbed, never what comes out of the builder.
+// The slot of a value decides only how well repeats are absorbed, never what comes out of the
+// builder.
 unsigned int slot_key(int value) {
   return static_cast<unsigned int>(value);
 }
@@ -42,15 +43,17 @@ unsigned int slot_key(const std::string& value) {
 unsigned int slot_key(double value) {
   constexpr double scale = 100000.0;  // spreads the first five decimals over the slots
   constexpr double key_end = 9223372036854775808.0;
-  if (value == 0.0) return std::signbit(value) ? 1 : 0;  // or the zero that came first would absorb the other
+  if (value == 0.0)
+    return std::signbit(value) ? 1 : 0;  // or the zero that came first would absorb the other
   const double key = (value < 1.0 ? 1.0 / value : value) * scale;
   // Infinities, values that are not numbers and keys beyond 64 bits have no integer to truncate to.
   if (!(key > -key_end && key < key_end)) return 0;
   return static_cast<unsigned int>(static_cast<long long>(key));
 }
 
-// The order of values: `<`, with the ties and the incomparable values of floating point put in order as well, so that
-// what comes out does not depend on the order of insertion and the values around a not-a-number stay searchable.
+// The order of values: `<`, with the ties and the incomparable values of floating point put in
+// order as well, so that what comes out does not depend on the order of insertion and the values
+// around a not-a-number stay searchable.
 template <class T>
 bool comes_before(const datatype<T>& a, const datatype<T>& b) {
   if constexpr (std::is_floating_point_v<T>) {
@@ -69,7 +72,8 @@ bool is_sorted_distinct(const std::vector<T>& values) {
 template <class T>
 void sort_distinct(std::vector<T>& values) {
   if (is_sorted_distinct(values)) return;
-  std::sort(values.begin(), values.end(), [](const T& a, const T& b) { return comes_before(a, b); });
+  std::sort(values.begin(), values.end(),
+            [](const T& a, const T& b) { return comes_before(a, b); });
   values.erase(std::unique(values.begin(), values.end()), values.end());
 }
 
@@ -109,7 +113,8 @@ void set<T>::insert_all(std::vector<T> values) {
   if (pending.empty()) {
     pending = std::move(values);
   } else {
-    pending.insert(pending.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    pending.insert(pending.end(), std::make_move_iterator(values.begin()),
+                   std::make_move_iterator(values.end()));
   }
 }
 
@@ -117,7 +122,8 @@ template <class T>
 void set<T>::compact() {
   sort_distinct(pending);
   const std::size_t distinct = pending.size();
-  flush_threshold = distinct > 0x3FFFFFFE ? largest_threshold : static_cast<unsigned int>(4 * distinct);
+  flush_threshold =
+      distinct > 0x3FFFFFFE ? largest_threshold : static_cast<unsigned int>(4 * distinct);
   try {
     pending.reserve(std::min<std::size_t>(flush_threshold, pending.max_size()));
     if (slots == nullptr) slots = std::make_unique<slot_cache>();

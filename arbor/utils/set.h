@@ -14,12 +14,13 @@
 
 namespace strata::adt {
 
-// T is datatype<int>, datatype<unsigned int>, datatype<float>, datatype<double> or datatype<std::string>.
+// T is datatype<int>, datatype<unsigned int>, datatype<float>, datatype<double> or
+// datatype<std::string>.
 //
-// Values collect in a vector, which is sorted and freed of duplicates at 256 values and then whenever it has grown to
-// four times the size it had after the last such compaction. From the first compaction on, a direct-mapped cache of
-// 1339 slots absorbs repeats without touching the vector; before it, the cache would outweigh the values of a small
-// table.
+// Values collect in a vector, which is sorted and freed of duplicates at 256 values and then
+// whenever it has grown to four times the size it had after the last such compaction. From the
+// first compaction on, a direct-mapped cache of 1339 slots absorbs repeats without touching the
+// vector; before it, the cache would outweigh the values of a small table.
 template <class T>
 class set : private util::nocopy {
  public:
@@ -29,13 +30,14 @@ class set : private util::nocopy {
   // Takes a copy of `value`. On std::bad_alloc nothing is changed.
   virtual void insert(const T& value);
 
-  // Takes many values, as if each was inserted, but at no cost beyond that of the vector when there were none before;
-  // those in ascending order without repeats need no sorting either. On std::bad_alloc nothing is changed.
+  // Takes many values, as if each was inserted, but at no cost beyond that of the vector when there
+  // were none before; those in ascending order without repeats need no sorting either. On
+  // std::bad_alloc nothing is changed.
   void insert_all(std::vector<T> values);
 
-  // The distinct values in ascending order; the caller owns the vector, and the builder is empty again. NaNs equal
-  // nothing: they come last, as many as were inserted. Of 0 and -0, which are equal, 0 is kept.
-  // On std::bad_alloc nothing is changed.
+  // The distinct values in ascending order; the caller owns the vector, and the builder is empty
+  // again. NaNs equal nothing: they come last, as many as were inserted. Of 0 and -0, which are
+  // equal, 0 is kept. On std::bad_alloc nothing is changed.
   virtual std::vector<T>* get();
 
   // Forgets all values.

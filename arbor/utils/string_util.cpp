@@ -19,14 +19,16 @@ void string_util::str2int(const char* text, T& result) {
 
   bool negative = false;
   if (*next == '-') {
-    if constexpr (std::is_unsigned_v<T>) throw std::runtime_error("str2int:: a negative number provided.");
+    if constexpr (std::is_unsigned_v<T>)
+      throw std::runtime_error("str2int:: a negative number provided.");
     negative = true;
   }
   if (*next == '+' || *next == '-') ++next;
 
   T magnitude = 0;
   // As many digits as any number of this type may have need no check.
-  for (int i = 0; i < std::numeric_limits<T>::digits10 && *next >= '0' && *next <= '9'; ++i, ++next) {
+  for (int i = 0; i < std::numeric_limits<T>::digits10 && *next >= '0' && *next <= '9';
+       ++i, ++next) {
     magnitude = static_cast<T>(magnitude * 10 + static_cast<T>(*next - '0'));
   }
   for (; *next >= '0' && *next <= '9'; ++next) {
@@ -37,7 +39,8 @@ void string_util::str2int(const char* text, T& result) {
     magnitude += digit;
   }
   if (*next != '\0') throw std::runtime_error(std::string(text) + ": _not an int");
-  // Zero less the magnitude rather than a unary minus, which would draw a warning in the unsigned case.
+  // Zero less the magnitude rather than a unary minus, which would draw a warning in the unsigned
+  // case.
   result = negative ? static_cast<T>(0 - magnitude) : magnitude;
 }
 

@@ -1,5 +1,5 @@
-// An array for the time of a call, of a length that is known when it is made. A short one takes no allocation: in a
-// small node of a tree, allocations would cost more than the work.
+// An array for the time of a call, of a length that is known when it is made. A short one takes no
+// allocation: in a small node of a tree, allocations would cost more than the work.
 //
 //   work_array<float, 64> weights(classes);  // zeros
 //   weights[class_code] += weight;

@@ -1,4 +1,5 @@
 // The record of a column: whatever is accepted can be used and saved again.
+#include "arbor/model/extract_rows.h"
 #include "tests/fuzz/fuzz.h"
 
 using namespace arbor::fuzz;
@@ -21,8 +22,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     cases.push_back({row, 1});
     codes.push_back(accepted->get_row_index(row));
   }
-  const std::unique_ptr<column> extract(accepted->extract(cases));
-  check(record_of(extract.get()) == bytes, "an extract of all rows has the same record");
+  refusal([&] {
+    const auto extract = arbor::impls::extract_rows(*accepted, cases);
+    check(record_of(extract.get()) == bytes, "an extract of all rows has the same record");
+  });
   // Refuses codes that the domain has not.
   if (refusal([&] { part->append_codes(codes.data(), accepted->size()); }).empty()) {
     check(record_of(part.get()) == bytes, "codes make the same rows");
@@ -31,7 +34,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     float ratio = 0;
     strata::util::pair<unsigned int, unsigned int> range{0, 0};
     const column::partition_desc split{accepted->get_value(branch), 2};
-    refusal([&] { delete accepted->partition(cases.begin(), cases.end(), branch, 9, ratio, range, split); });
+    refusal([&] {
+      delete accepted->partition(cases.begin(), cases.end(), branch, 9, ratio, range, split);
+    });
   }
   return 0;
 }

@@ -1,10 +1,10 @@
-// A CSV file as a table: it is refused in words, or every cell of it has a code, quotes around cells make no difference,
-// and a tree grown on it says the same of a row and of its texts.
+// A CSV file as a table: it is refused in words, or every cell of it has a code, quotes around
+// cells make no difference, and a tree grown on it says the same of a row and of its texts.
+#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/table_error.h"
+#include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
-#include "arbor/tree/csv_reader.h"
 #include "arbor/tree/grower.h"
-#include "arbor/tree/table_error.h"
-#include "arbor/tree/table_loader.h"
 #include "tests/fuzz/fuzz.h"
 
 using namespace arbor::fuzz;
@@ -37,7 +37,8 @@ static std::string quoted(const memory_file& file) {
   read_csv(source, [&](const csv_row& row) {
     for (std::size_t cell = 0; cell < row.size(); ++cell) {
       if (!row.is_empty(cell)) result += '"';
-      for (const char* c = row.text(cell); *c != '\0'; ++c) result += std::string(*c == '"' ? 2 : 1, *c);
+      for (const char* c = row.text(cell); *c != '\0'; ++c)
+        result += std::string(*c == '"' ? 2 : 1, *c);
       if (!row.is_empty(cell)) result += '"';
       result += cell + 1 == row.size() ? '\n' : ',';
     }
@@ -49,12 +50,14 @@ static void check_codes(const table& rows) {
   for (const auto& column : rows.columns) {
     for (const auto& weighted : rows.cases) {
       const unsigned int code = column->get_row_index(weighted.first);
-      check(code < column->get_distinct() && (code > 0 || column->get_o_set()->contains_null()), "a code exists");
+      check(code < column->get_distinct() && (code > 0 || column->get_o_set()->contains_null()),
+            "a code exists");
       // The least doubles are printed as 0.
       if (code == 0 || column->get_o_set()->get_datatype() == "double") continue;
       const std::string text = value_text(*column, code);
       unsigned int found = 0;
-      check(code_of_text(*column, text.c_str(), found) && found == code, text + " has the code of its row");
+      check(code_of_text(*column, text.c_str(), found) && found == code,
+            text + " has the code of its row");
     }
   }
 }
@@ -77,7 +80,8 @@ static void check_tree(const table& rows) {
       texts[i] = value_text(*rows.columns[i], code);
       values.push_back(code == 0 ? nullptr : texts[i].c_str());
     }
-    check(of_row(weighted.first) == of_texts(values), "a tree says the same of a row and of its texts");
+    check(of_row(weighted.first) == of_texts(values),
+          "a tree says the same of a row and of its texts");
   }
   for (const auto& attribute : tree.attributes) thaw(attribute->get_o_set());
   thaw(tree.class_column->get_o_set());
@@ -94,7 +98,8 @@ static std::string told(const memory_file& file, const load_options& options) {
       for (const unsigned char byte : record_of(column.get())) all += static_cast<char>(byte);
       thaw(column->get_o_set());
     }
-    for (const auto& [row, weight] : rows.cases) all += std::to_string(row) + ":" + std::to_string(weight) + "\n";
+    for (const auto& [row, weight] : rows.cases)
+      all += std::to_string(row) + ":" + std::to_string(weight) + "\n";
     for (const std::string& remark : rows.remarks) all += remark + "\n";
   });
   check(refused.find('\n') == std::string::npos, "a message is one line");
@@ -107,6 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   const load_options options = options_off(in);
   const memory_file file(in.rest());
   const std::string plain = told(file, options);
-  refusal<table_error>([&] { check_same(told(memory_file(quoted(file)), options), plain, "a table in quotes"); });
+  refusal<table_error>(
+      [&] { check_same(told(memory_file(quoted(file)), options), plain, "a table in quotes"); });
   return 0;
 }

@@ -1,4 +1,5 @@
-// A domain beside a plain set of values: any sequence of insertions, questions, copies and reloads gives the same codes.
+// A domain beside a plain set of values: any sequence of insertions, questions, copies and reloads
+// gives the same codes.
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -32,12 +33,14 @@ static bool is_nan(const T& value) {
 template <class T>
 static T middle(T low_value, T high_value) {
   const auto low = static_cast<double>(low_value), high = static_cast<double>(high_value);
-  return static_cast<T>(std::is_integral_v<T> ? std::floor((low + high) / 2) : (high - low) * 0.5 + low);
+  return static_cast<T>(std::is_integral_v<T> ? std::floor((low + high) / 2)
+                                              : (high - low) * 0.5 + low);
 }
 
 static std::string text_off(input& in) {
-  static const char* const odd[] = {"?",    "0",  "-0",         "+",           "1e-40",      "inf",   "-inf", "nan",
-                                    "1e39", "-1", "2147483647", "-2147483647", "4294967295", "0x1p3", "",     " 7"};
+  static const char* const odd[] = {
+      "?",    "0",  "-0",         "+",           "1e-40",      "inf",   "-inf", "nan",
+      "1e39", "-1", "2147483647", "-2147483647", "4294967295", "0x1p3", "",     " 7"};
   const unsigned int way = in.below(4);
   if (way == 0) return in.text();
   return way == 1 ? odd[in.below(16)] : std::to_string(static_cast<int>(in.byte()) - 99);
@@ -77,9 +80,11 @@ static void run(const std::string& type, input& in) {
     if (step == 4 && text == "7") {  // so many that the builder puts them in order on the way
       for (unsigned int i = 0; i < 300; ++i) insert(std::to_string(i * 7919 % 9973));
     }
-    if (bool found = false; step == 5 && refusal([&] { found = domain->get_order(text.c_str(), code); }).empty()) {
+    if (bool found = false;
+        step == 5 && refusal([&] { found = domain->get_order(text.c_str(), code); }).empty()) {
       const auto place = is_nan(value) ? values.end() : values.find(value);
-      const auto expected = text == "?" ? 0 : static_cast<unsigned int>(std::distance(values.begin(), place)) + 1;
+      const auto expected =
+          text == "?" ? 0 : static_cast<unsigned int>(std::distance(values.begin(), place)) + 1;
       const bool there = text == "?" ? has_unknown : place != values.end();
       check(found ? there && code == expected : code == 77, text + " has its code");
       check(found || !there || !all_ascii || !is_ascii(text), text + " is found");
@@ -102,13 +107,16 @@ static void run(const std::string& type, input& in) {
     }
     if (step == 9) domain.reset(owner<arbor::impls::o_set>(std::move(domain))->clone());
   }
-  check(domain->size_of_known() == known() + nans && domain->contains_null() == has_unknown, "all are there");
+  check(domain->size_of_known() == known() + nans && domain->contains_null() == has_unknown,
+        "all are there");
   for (unsigned int code = 1; code <= known(); ++code) {
-    bool same = value_of<T>(domain->get_value(code)) == at(code);  // all of them but the least fractions
+    bool same =
+        value_of<T>(domain->get_value(code)) == at(code);  // all of them but the least fractions
     if constexpr (std::is_floating_point_v<T>) same = same || std::fabs(at(code)) < T(1e-10);
     check(same, "values ascend");
   }
-  for (unsigned int i = 1; i <= nans; ++i) check(domain->get_value(known() + i).back() == 'n', "NaNs are last");
+  for (unsigned int i = 1; i <= nans; ++i)
+    check(domain->get_value(known() + i).back() == 'n', "NaNs are last");
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {

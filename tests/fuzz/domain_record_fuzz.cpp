@@ -13,7 +13,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   for (unsigned int code = 0; code <= known; ++code) {
     const std::string text = domain->get_value(code);
     unsigned int found = 0;
-    refusal([&] { check(!domain->get_order(text.c_str(), found) || found <= known, "a code found exists"); });
+    refusal([&] {
+      check(!domain->get_order(text.c_str(), found) || found <= known, "a code found exists");
+    });
     refusal([&] { domain->find_mid(code, known - code); });
     refusal([&] { domain->leq(code, text); });
   }

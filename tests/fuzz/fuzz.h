@@ -34,7 +34,8 @@ inline void check(bool holds, const std::string& rule) {
   std::fprintf(stderr, "fault: not so that %s\n", rule.c_str());
   std::abort();
 }
-inline void check_same(const std::string& actual, const std::string& expected, const std::string& what) {
+inline void check_same(const std::string& actual, const std::string& expected,
+                       const std::string& what) {
   check(actual == expected, what + " is " + expected + ", but it is " + actual);
 }
 
@@ -54,7 +55,9 @@ struct input {
   bool empty() const { return size == 0; }
   unsigned int byte() { return empty() ? 0 : (--size, *data++); }
   // From 0 to `bound` - 1, of at most two bytes.
-  unsigned int below(unsigned int bound) { return (bound <= 256 ? byte() : byte() + 256 * byte()) % bound; }
+  unsigned int below(unsigned int bound) {
+    return (bound <= 256 ? byte() : byte() + 256 * byte()) % bound;
+  }
   // The next bytes up to a zero byte, or to the end.
   std::string text() {
     std::string result;
@@ -78,7 +81,8 @@ struct memory_file {
   const int descriptor = memfd_create("fuzz", 0);
 };
 
-// A frozen domain keeps its values for ever, and a fuzzer has not room for that: an insertion makes it let go of them.
+// A frozen domain keeps its values for ever, and a fuzzer has not room for that: an insertion makes
+// it let go of them.
 inline void thaw(impls::o_set* domain) {
   refusal([&] { domain->insert(domain->get_null()); });
 }
@@ -97,13 +101,15 @@ byte_list record_of(const Record& source) {
   return device.bytes();
 }
 
-// The record at the front of `bytes`; null, as its target has to be, if it is refused or tells of nothing.
+// The record at the front of `bytes`; null, as its target has to be, if it is refused or tells of
+// nothing.
 template <class Record>
 owner<Record> record_in(const byte_list& bytes) {
   strata::inpout::memory_device device(bytes);
   strata::inpout::ibinstream in(device);
   auto* target = reinterpret_cast<Record*>(&device);
-  if (!refusal([&] { in >> target; }).empty()) check(target == nullptr, "a refused record leaves its target null");
+  if (!refusal([&] { in >> target; }).empty())
+    check(target == nullptr, "a refused record leaves its target null");
   return owner<Record>(target);
 }
 
@@ -111,7 +117,8 @@ template <class Record>
 void check_record(Record* source) {
   const byte_list bytes = record_of(source);
   const auto again = record_in<Record>(bytes);
-  check(again != nullptr && record_of(again.get()) == bytes, "a record is read back to the same bytes");
+  check(again != nullptr && record_of(again.get()) == bytes,
+        "a record is read back to the same bytes");
 }
 
 }  // namespace arbor::fuzz

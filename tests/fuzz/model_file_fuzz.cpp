@@ -1,14 +1,15 @@
-// A model file: whatever is accepted says something of every case, can be shown in every form, and is saved again to the
-// same bytes. The first byte of the input tells whether the rest is a file or what a sound envelope holds.
+// A model file: whatever is accepted says something of every case, can be shown in every form, and
+// is saved again to the same bytes. The first byte of the input tells whether the rest is a file or
+// what a sound envelope holds.
 #include <zlib.h>
 
 #include <fstream>
 #include <iterator>
 
+#include "arbor/csv/table_error.h"
+#include "arbor/report/tree_report.h"
+#include "arbor/store/model_store.h"
 #include "arbor/tree/classification.h"
-#include "arbor/tree/model_store.h"
-#include "arbor/tree/table_error.h"
-#include "arbor/tree/tree_report.h"
 #include "tests/fuzz/fuzz.h"
 
 using namespace arbor::fuzz;
@@ -18,7 +19,8 @@ static std::string in_envelope(const std::string& payload) {
   strata::inpout::memory_device device;
   strata::inpout::obinstream out(device);
   out << 1U << static_cast<unsigned long long>(payload.size());
-  out << static_cast<unsigned int>(crc32_z(0, reinterpret_cast<const Bytef*>(payload.data()), payload.size()));
+  out << static_cast<unsigned int>(
+      crc32_z(0, reinterpret_cast<const Bytef*>(payload.data()), payload.size()));
   return "ArborDT\n" + std::string(device.bytes().begin(), device.bytes().end()) + payload;
 }
 
@@ -30,15 +32,18 @@ static void classify(const decision_tree& tree, unsigned int code) {
   values.reserve(texts.size());
   for (const std::string& text : texts) values.push_back(code == 0 ? nullptr : text.c_str());
   const std::vector<double> distribution = text_classifier{tree}(values);
-  check(distribution.size() + 1 == tree.class_column->get_distinct(), "every class has a probability");
-  for (const double share : distribution) check(share >= 0 && share <= 1.001, "a probability is one");
+  check(distribution.size() + 1 == tree.class_column->get_distinct(),
+        "every class has a probability");
+  for (const double share : distribution)
+    check(share >= 0 && share <= 1.001, "a probability is one");
 }
 
 // Uses the model and saves it.
 static std::string used(const std::string& bytes) {
   const decision_tree tree = load_model(memory_file(bytes).path());
   for (unsigned int code = 0; code < 4; ++code) refusal<unfit_text>([&] { classify(tree, code); });
-  const std::string text = tree_as_text(tree, depth_of_lines(tree, 5)) + tree_as_dot(tree, whole_depth);
+  const std::string text =
+      tree_as_text(tree, depth_of_lines(tree, 5)) + tree_as_dot(tree, whole_depth);
   check(!first_lines(text + tree_as_json(tree), 5).empty(), "a tree is shown");
   static const std::string path = "/dev/shm/arbor_fuzz_" + std::to_string(getpid());
   save_model(path, tree);

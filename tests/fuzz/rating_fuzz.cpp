@@ -6,11 +6,15 @@ using namespace arbor::tests;
 using arbor::fuzz::check_same;
 
 static node node_off(arbor::fuzz::input& in) {
-  const unsigned int classes = 2 + in.below(6), top = 1 + in.below(60), least_eighths = in.below(100);
-  const unsigned int loose_before = in.below(4), loose_behind = in.below(40), known_values = 2 + in.below(40);
+  const unsigned int classes = 2 + in.below(6), top = 1 + in.below(60),
+                     least_eighths = in.below(100);
+  const unsigned int loose_before = in.below(4), loose_behind = in.below(40),
+                     known_values = 2 + in.below(40);
   const bool by_case_count = in.below(2) == 1;
   std::vector<weighted_case> cases;
-  do cases.push_back({in.below(top + 1), 1 + in.below(classes), static_cast<float>(in.below(64)) / 8});
+  do
+    cases.push_back(
+        {in.below(top + 1), 1 + in.below(classes), static_cast<float>(in.below(64)) / 8});
   while (!in.empty());
   node result(cases, classes, static_cast<float>(least_eighths) / 8);
   if (result.range.first != 0) {
@@ -26,13 +30,15 @@ template <class T>
 static void compare(const node& n, column& classes, bool copy_cases) {
   w_sequence cases = sequence_of(n);
   for (column::_type kind : {column::DISCRETE, column::CONTINUOUS, column::IGNORE}) {
-    check_same(told(rate(code_column<T>(n, kind), n, classes, cases)), told(expected(n, kind)), "what is chosen");
+    check_same(told(rate(code_column<T>(n, kind), n, classes, cases)), told(expected(n, kind)),
+               "what is chosen");
   }
   if (n.range.second - n.range.first < 2) return;
   const code_column<T> x(n, column::CONTINUOUS);
   check_same(told(rate(by::value, x, n, classes, cases)), told(expected_by_value(n)), "by value");
   check_same(told(rate(by::table, x, n, classes, cases)), told(expected_cut(n, true)), "by table");
-  check_same(told(rate(by::sorting, x, n, classes, cases, copy_cases)), told(expected_cut(n, false)), "by sorting");
+  check_same(told(rate(by::sorting, x, n, classes, cases, copy_cases)),
+             told(expected_cut(n, false)), "by sorting");
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {

@@ -1,5 +1,6 @@
-// Runs a fuzz target once on every file of the folders given, so that the inputs that found faults, and those that
-// reach far, are ordinary tests. A fault aborts; the last file named is the one that it is in.
+// Runs a fuzz target once on every file of the folders given, so that the inputs that found faults,
+// and those that reach far, are ordinary tests. A fault aborts; the last file named is the one that
+// it is in.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -11,7 +12,8 @@
 int main(int count, char** folders) {
   std::vector<std::filesystem::path> files;
   for (int i = 1; i < count; ++i) {
-    for (const auto& entry : std::filesystem::directory_iterator(folders[i])) files.push_back(entry.path());
+    for (const auto& entry : std::filesystem::directory_iterator(folders[i]))
+      files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());
   for (const auto& path : files) {

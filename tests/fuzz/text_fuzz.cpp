@@ -1,15 +1,15 @@
-// Texts of numbers and cells: what is read, printed and read again is the same, and every fast way agrees with the
-// general one.
+// Texts of numbers and cells: what is read, printed and read again is the same, and every fast way
+// agrees with the general one.
 #include <cmath>
 #include <cstring>
 
-#include "arbor/tree/csv_cell.h"
-#include "arbor/tree/csv_reader.h"
-#include "arbor/tree/domain_text.h"
-#include "arbor/tree/float_merges.h"
-#include "arbor/tree/message_text.h"
-#include "arbor/tree/shortest_text.h"
-#include "arbor/tree/table.h"
+#include "arbor/csv/csv_cell.h"
+#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/message_text.h"
+#include "arbor/table/domain_text.h"
+#include "arbor/table/float_merges.h"
+#include "arbor/table/shortest_text.h"
+#include "arbor/table/table.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 #include "tests/fuzz/fuzz.h"
@@ -29,10 +29,12 @@ static void check_integer(const std::string& text, const char* signs, double mos
   const char* const number = text.c_str() + std::strspn(text.c_str(), " ");
   const bool has_sign = *number != '\0' && std::strchr(signs, *number) != nullptr;
   const char* const digits = number + (has_sign ? 1 : 0);
-  const bool proper = digits[std::strspn(digits, "0123456789")] == '\0' && (has_sign || *digits != '\0');
+  const bool proper =
+      digits[std::strspn(digits, "0123456789")] == '\0' && (has_sign || *digits != '\0');
   const double value = proper ? std::strtod(number, nullptr) : 0;
   Integer read = 77;
-  const bool refused = !refusal([&] { strata::util::string_util::str2int(text.c_str(), read); }).empty();
+  const bool refused =
+      !refusal([&] { strata::util::string_util::str2int(text.c_str(), read); }).empty();
   check(refused == !(proper && std::fabs(value) <= most), "an integer is digits in range");
   check(static_cast<double>(read) == (refused ? 77 : value), "an integer has its value");
 }
@@ -44,10 +46,12 @@ static void check_number(const std::string& text) {
   const bool is_number = strata::util::read_number(text.c_str(), value);
   check(is_number == (!text.empty() && *end == '\0'), "a number is what strtod takes for one");
   check(same_bits(value, is_number ? expected : 77), "a number has the value that strtod finds");
-  const std::string printed = number_text(value), shortest = shortest_text(static_cast<float>(value));
+  const std::string printed = number_text(value),
+                    shortest = shortest_text(static_cast<float>(value));
   check_same(number_text(std::strtod(printed.c_str(), nullptr)), printed, "a number printed again");
   const auto again = static_cast<float>(std::strtod(shortest.c_str(), nullptr));
-  check(std::isnan(value) || same_bits(again, static_cast<float>(value)), "the shortest text is exact");
+  check(std::isnan(value) || same_bits(again, static_cast<float>(value)),
+        "the shortest text is exact");
 }
 
 static void check_plain(const std::string& text) {
@@ -55,14 +59,18 @@ static void check_plain(const std::string& text) {
   const cell_text cell{padded.c_str(), text.size()};
   const plain_number number = read_plain_number(cell);
   int fast = 0, integer = 0;
-  const bool is_short = read_plain_integer(cell, fast), few = text.size() - (text[0] == '-' ? 1 : 0) <= 8;
-  check(is_short == (few && number != no_plain_number && is_plain_integer(number, integer)), "a short integer is one");
+  const bool is_short = read_plain_integer(cell, fast),
+             few = text.size() - (text[0] == '-' ? 1 : 0) <= 8;
+  check(is_short == (few && number != no_plain_number && is_plain_integer(number, integer)),
+        "a short integer is one");
   check(!is_short || fast == integer, "a short integer has its value");
   if (number == no_plain_number) return;
   const double value = std::strtod(text.c_str(), nullptr);
   check_same(text_of(number), text, "the text of a plain number");
-  check(same_bits(value_of(number), value) && value_of(shortened(number)) == value, "a plain number has its value");
-  check(number_identity(number) == number_identity(text.c_str()), "a number is the same in both forms");
+  check(same_bits(value_of(number), value) && value_of(shortened(number)) == value,
+        "a plain number has its value");
+  check(number_identity(number) == number_identity(text.c_str()),
+        "a number is the same in both forms");
   const bool may_merge = may_merge_as_float(text_of(shortened(number)).c_str(), value);
   check(may_merge_as_float(number) || !may_merge, "merges are foreseen");
 }
@@ -73,12 +81,14 @@ static void check_domain(const std::string& type, const std::string& text) {
   const std::string cell = type == "string" ? to_domain_text(text) : text;
   const std::string refused = refusal([&] { domain->insert(cell.c_str()); });
   unsigned int code = 0;
-  check_same(refusal([&] { domain->get_order(cell.c_str(), code); }), refused, "what a lookup is refused with");
+  check_same(refusal([&] { domain->get_order(cell.c_str(), code); }), refused,
+             "what a lookup is refused with");
   if (!refused.empty() || cell == "?") return;
   const bool nan = type != "string" && domain->get_value(1).back() == 'n';
   check(code == (nan ? 0 : 1), "a value is found, unless it is not a number");
   std::string error;
-  const owner<arbor::impls::column> column(arbor::impls::column::NEW_COLUMN(domain.release(), "x", "discrete", error));
+  const owner<arbor::impls::column> column(
+      arbor::impls::column::NEW_COLUMN(domain.release(), "x", "discrete", error));
   if (nan || type == "double") return;  // whose least ones are printed as 0
   const std::string shown = value_text(*column, 1);
   check(code_of_text(*column, shown.c_str(), code) && code == 1, shown + " is found again");
@@ -102,7 +112,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   check_integer<unsigned int>(text, "+", 0xFFFFFFFF);
   check_number(text);
   check_plain(text);
-  for (const char* type : {"integer", "uinteger", "float", "double", "string"}) check_domain(type, text);
+  for (const char* type : {"integer", "uinteger", "float", "double", "string"})
+    check_domain(type, text);
   check_cell(text);
   return 0;
 }

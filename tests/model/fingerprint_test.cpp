@@ -18,20 +18,25 @@ void fold_ratings(unsigned long long& hash, dice& roll) {
     const auto classes = class_column(n, roll(60));
     w_sequence cases = sequence_of(n);
     const code_column<T> x(n, column::CONTINUOUS);
-    for (by measure : {by::value, by::sorting, by::table}) fold(hash, rate(measure, x, n, *classes, cases));
+    for (by measure : {by::value, by::sorting, by::table})
+      fold(hash, rate(measure, x, n, *classes, cases));
     fold(hash, rate(*bits_of(bits, column::DISCRETE), bits, *classes, cases));
   }
 }
 
-// A node of thousands of cases that all weigh the same, weigh whole numbers, or begin to be uneven somewhere.
+// A node of thousands of cases that all weigh the same, weigh whole numbers, or begin to be uneven
+// somewhere.
 node large_node(dice& roll, unsigned int weight_kind) {
-  const unsigned int width = 2 + roll(roll(2) == 0 ? 40 : 20000), classes = 2 + roll(2) * roll(9), noise = roll(3);
+  const unsigned int width = 2 + roll(roll(2) == 0 ? 40 : 20000), classes = 2 + roll(2) * roll(9),
+                     noise = roll(3);
   std::vector<weighted_case> cases(1000 + roll(10000));
-  const std::size_t even = weight_kind == 2 ? cases.size() : roll(static_cast<unsigned int>(cases.size()));
+  const std::size_t even =
+      weight_kind == 2 ? cases.size() : roll(static_cast<unsigned int>(cases.size()));
   for (std::size_t i = 0; i < cases.size(); ++i) {
-    const unsigned int code = roll(50) == 0 ? 0 : 1 + roll(width), whole = weight_kind == 0 ? 1 : 1 + roll(3);
-    const float weight =
-        i < even || weight_kind == 0 ? static_cast<float>(whole) : static_cast<float>(1 + roll(900)) / 997;
+    const unsigned int code = roll(50) == 0 ? 0 : 1 + roll(width),
+                       whole = weight_kind == 0 ? 1 : 1 + roll(3);
+    const float weight = i < even || weight_kind == 0 ? static_cast<float>(whole)
+                                                      : static_cast<float>(1 + roll(900)) / 997;
     cases[i] = {code, 1 + (roll(4) < noise ? roll(classes) : code * 5 / width % classes), weight};
   }
   return node(cases, classes, 2);
@@ -45,7 +50,8 @@ TEST(Ratings, OfLargeNodesHaveTheSameBitsOnEveryBuild) {
     const auto classes = class_column(n, roll(60));
     w_sequence cases = sequence_of(n);
     const code_column<unsigned int> x(n, column::CONTINUOUS);
-    for (by measure : {by::value, by::sorting, by::table}) fold(hash, rate(measure, x, n, *classes, cases));
+    for (by measure : {by::value, by::sorting, by::table})
+      fold(hash, rate(measure, x, n, *classes, cases));
     fold(hash, rate(by::sorting, x, n, *classes, cases, false));
   }
   EXPECT_EQ(hash, 11355411677506768584ULL);

@@ -1,4 +1,5 @@
-// The rating of splits: compared with a plainer version on random nodes, and with results known by hand.
+// The rating of splits: compared with a plainer version on random nodes, and with results known by
+// hand.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +27,8 @@ TYPED_TEST(AnyWidth, RatesRandomNodesAsThePlainFormulasDo) {
     const node n = random_node(roll, top<TypeParam>, weighing::even);
     const auto classes = class_column(n, roll(60));
     w_sequence cases = sequence_of(n);
-    for (column::_type kind : {column::DISCRETE, column::CLASS, column::CONTINUOUS, column::WEIGHTS, column::IGNORE}) {
+    for (column::_type kind :
+         {column::DISCRETE, column::CLASS, column::CONTINUOUS, column::WEIGHTS, column::IGNORE}) {
       const code_column<TypeParam> x(n, kind);
       const rating actual = rate(x, n, *classes, cases, roll(2) == 0);
       EXPECT_EQ(told(actual), told(expected(n, kind)));
@@ -40,21 +42,29 @@ TYPED_TEST(AnyWidth, CutsAlikeByTableAndByEitherWayOfSorting) {
   for (int i = 0; i < 400; ++i) {
     SCOPED_TRACE(i);
     node n = random_node(roll, top<TypeParam>, weighing::even);
-    const bool all_weigh = std::all_of(n.cases.begin(), n.cases.end(), [](const auto& c) { return c.weight > 0; });
+    const bool all_weigh =
+        std::all_of(n.cases.begin(), n.cases.end(), [](const auto& c) { return c.weight > 0; });
     const auto classes = class_column(n, roll(60));
     const code_column<TypeParam> x(n, column::CONTINUOUS);
     const w_sequence before = sequence_of(n);
     w_sequence cases = before;
     const std::string plain = told(expected_cut(n, false));
-    EXPECT_EQ(told(rate(by::table, x, n, *classes, cases)), all_weigh ? plain : told(expected_cut(n, true)));
+    EXPECT_EQ(told(rate(by::table, x, n, *classes, cases)),
+              all_weigh ? plain : told(expected_cut(n, true)));
     EXPECT_EQ(told(rate(by::sorting, x, n, *classes, cases)), plain);
-    const auto same = [](const auto& a, const auto& b) { return a.first == b.first && a.second == b.second; };
+    const auto same = [](const auto& a, const auto& b) {
+      return a.first == b.first && a.second == b.second;
+    };
     EXPECT_TRUE(std::equal(cases.begin(), cases.end(), before.begin(), before.end(), same));
 
-    if (i % 2 == 0) n.range.second += 20 * static_cast<unsigned int>(cases.size());  // too wide for a counting sort
+    if (i % 2 == 0)
+      n.range.second +=
+          20 * static_cast<unsigned int>(cases.size());  // too wide for a counting sort
     EXPECT_EQ(told(rate(by::sorting, x, n, *classes, cases, false)), plain);
-    EXPECT_TRUE(std::is_sorted(cases.begin(), cases.end(), typename column_typed<TypeParam>::less_than_struct{&x}));
-    EXPECT_TRUE(std::is_permutation(cases.begin(), cases.end(), before.begin(), before.end(), same));
+    EXPECT_TRUE(std::is_sorted(cases.begin(), cases.end(),
+                               typename column_typed<TypeParam>::less_than_struct{&x}));
+    EXPECT_TRUE(
+        std::is_permutation(cases.begin(), cases.end(), before.begin(), before.end(), same));
   }
 }
 
@@ -68,9 +78,11 @@ TYPED_TEST(AnyWidth, RoundsUnevenWeightsAsThePlainFormulasDo) {
     const code_column<TypeParam> x(n, column::CONTINUOUS);
     EXPECT_EQ(told(rate(by::value, x, n, *classes, cases)), told(expected_by_value(n)));
     for (by measure : {by::sorting, by::table}) {  // whose sums depend on the order of the cases
-      const rating actual = rate(measure, x, n, *classes, cases), plain = expected_cut(n, measure == by::table);
+      const rating actual = rate(measure, x, n, *classes, cases),
+                   plain = expected_cut(n, measure == by::table);
       EXPECT_NEAR(std::max(actual.gain, 0.0F), std::max(plain.gain, 0.0F), 1e-5);
-      if (actual.low_code != plain.low_code) continue;  // gains that nearly tie, as the line before has shown
+      if (actual.low_code != plain.low_code)
+        continue;  // gains that nearly tie, as the line before has shown
       EXPECT_EQ(actual.high_code, plain.high_code);
       EXPECT_NEAR(actual.split_info, plain.split_info, 1e-5);
     }
@@ -81,10 +93,12 @@ TEST(TwoValuedColumn, IsRatedByValueOrNotAtAll) {
   dice roll{4};
   for (int i = 0; i < 200; ++i) {
     SCOPED_TRACE(i);
-    const node n = two_valued(random_node(roll, 255, i % 2 == 0 ? weighing::even : weighing::uneven));
+    const node n =
+        two_valued(random_node(roll, 255, i % 2 == 0 ? weighing::even : weighing::uneven));
     const auto classes = class_column(n, roll(60));
     w_sequence cases = sequence_of(n);
-    EXPECT_EQ(told(rate(*bits_of(n, column::DISCRETE), n, *classes, cases)), told(expected(n, column::DISCRETE)));
+    EXPECT_EQ(told(rate(*bits_of(n, column::DISCRETE), n, *classes, cases)),
+              told(expected(n, column::DISCRETE)));
     EXPECT_EQ(told(rate(*bits_of(n, column::CONTINUOUS), n, *classes, cases)), told(no_split(0)));
   }
 }
@@ -99,7 +113,8 @@ TEST(PlainColumn, GivesNoSplitAndLeavesTheRest) {
 // Rates a node by any measure with short codes.
 rating rate(by measure, const node& n) {
   w_sequence cases = sequence_of(n);
-  return rate(measure, code_column<unsigned short>(n, column::CONTINUOUS), n, *class_column(n, 0), cases);
+  return rate(measure, code_column<unsigned short>(n, column::CONTINUOUS), n, *class_column(n, 0),
+              cases);
 }
 std::string told_codes(const rating& r) {
   return std::to_string(r.low_code) + "|" + std::to_string(r.high_code);
@@ -112,7 +127,9 @@ TEST(ValueMeasure, GainsTheWholeEntropyFromAPureSplit) {
     const rating known = rate(by::value, node(cases, k));
     EXPECT_NEAR(known.gain, std::log2(k), 2e-6);
     EXPECT_NEAR(known.split_info, std::log2(k), 2e-6);
-    cases.push_back({0, 1, 2 * static_cast<float>(k)});  // half of it unknown: half the gain, and one more branch
+    cases.push_back(
+        {0, 1,
+         2 * static_cast<float>(k)});  // half of it unknown: half the gain, and one more branch
     const rating half = rate(by::value, node(cases, k));
     EXPECT_NEAR(half.gain, std::log2(k) / 2, 2e-6);
     EXPECT_NEAR(half.split_info, std::log2(k) / 2 + 1, 2e-6);
@@ -128,7 +145,8 @@ TEST(CutMeasures, KeepAwayFromTheSidesByTheLeastWeight) {
       const auto splits = [&](float low, float high) {
         return rate(measure, node({{1, 1, low}, {2, 2, high}}, 10, row.min_weight)).gain > 0;
       };
-      EXPECT_TRUE(splits(row.side, row.known - row.side) && splits(row.known - row.side, row.side)) << row.known;
+      EXPECT_TRUE(splits(row.side, row.known - row.side) && splits(row.known - row.side, row.side))
+          << row.known;
       EXPECT_FALSE(splits(row.side - 0.125F, row.known - row.side + 0.125F)) << row.known;
       EXPECT_FALSE(splits(row.known - row.side + 0.125F, row.side - 0.125F)) << row.known;
     }
@@ -151,7 +169,8 @@ TEST(CutMeasures, DoNotCountACutBehindTheLastCodeHoweverHeavyTheCases) {
   for (by measure : {by::sorting, by::table}) EXPECT_EQ(rate(measure, n).gain, 1);
 }
 
-// Cuts 1|2 and 2|3 mirror one another but for a weight so slight that it changes the entropy and not the gain.
+// Cuts 1|2 and 2|3 mirror one another but for a weight so slight that it changes the entropy and
+// not the gain.
 TEST(CutMeasures, KeepTheLowerOfTwoCutsWhoseGainsRoundToTheSame) {
   const float slightly_more = 32 + 3.0F / (1U << 18U);
   const node n({{1, 1, 32}, {2, 1, 1}, {2, 2, 1}, {3, 2, slightly_more}});
@@ -172,7 +191,8 @@ TEST(CutMeasures, DifferOnCasesWithoutWeight) {
   EXPECT_EQ(told_codes(tabled), "1|3");
   EXPECT_EQ(tabled.gain, 1);
   // So it is amid a later run, between cuts that are tried.
-  EXPECT_EQ(told_codes(rate(by::sorting, node({{1, 1, 2}, {2, 2, 10}, {3, 2, 0}, {4, 1, 10}}))), "3|4");
+  EXPECT_EQ(told_codes(rate(by::sorting, node({{1, 1, 2}, {2, 2, 10}, {3, 2, 0}, {4, 1, 10}}))),
+            "3|4");
   node light({{1, 1, 0.5F}, {2, 1, 0}, {3, 2, 0.5F}});
   EXPECT_EQ(told(rate(by::sorting, light)), told(no_split(2)));  // a penalty as large as the gain
   light.penalty_by_case_count = true;
@@ -210,7 +230,8 @@ TEST(CutMeasures, LeaveAClassThatIsNotKnownOutOfAllSums) {
     w_sequence cases = sequence_of(n);
     const code_column<unsigned short> x(n, column::CONTINUOUS);
     for (by measure : {by::sorting, by::table}) {
-      EXPECT_EQ(told(rate(measure, x, n, *stored_classes, cases)), told(rate(measure, x, n, classes_of, cases)));
+      EXPECT_EQ(told(rate(measure, x, n, *stored_classes, cases)),
+                told(rate(measure, x, n, classes_of, cases)));
     }
   }
 }
@@ -219,7 +240,8 @@ TEST(CutMeasures, LeaveAClassThatIsNotKnownOutOfAllSums) {
 TEST(AnyMeasure, RatesCasesOfWhichALateOneWeighsOtherwise) {
   for (unsigned int classes : {2U, 3U}) {
     std::vector<weighted_case> list(5000);
-    for (unsigned int i = 0; i < 5000; ++i) list[i] = {1 + i % 3, 1 + (i % 7 < 4 ? i % classes : i % 3 % classes), 1};
+    for (unsigned int i = 0; i < 5000; ++i)
+      list[i] = {1 + i % 3, 1 + (i % 7 < 4 ? i % classes : i % 3 % classes), 1};
     list.back().weight = 1.5F;
     const node n(list, classes);
     EXPECT_EQ(told(rate(by::value, n)), told(expected_by_value(n))) << classes;
@@ -230,7 +252,8 @@ TEST(AnyMeasure, RatesCasesOfWhichALateOneWeighsOtherwise) {
 TEST(EightByteColumn, TellsThirtyTwoBitsOfTheCodesThatItOrdersInFull) {
   node n({{5, 2, 1}, {2, 1, 1}, {7, 2, 1}, {3, 1, 1}});
   code_column<unsigned long long> x(n, column::CONTINUOUS);
-  for (std::size_t row : {3U, 7U}) x.values[row] += 1ULL << 32;  // the codes of class 1 become the higher ones
+  for (std::size_t row : {3U, 7U})
+    x.values[row] += 1ULL << 32;  // the codes of class 1 become the higher ones
   EXPECT_EQ(x.get_row_index(3), 2U);
   EXPECT_TRUE(x.less_than(5, 3));
   EXPECT_FALSE(x.less_than(3, 5));

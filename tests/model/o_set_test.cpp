@@ -16,7 +16,8 @@ namespace {
 
 texts known_texts(o_set& domain) {
   texts result;
-  for (unsigned int code = 1; code <= domain.size_of_known(); ++code) result.push_back(domain.get_value(code));
+  for (unsigned int code = 1; code <= domain.size_of_known(); ++code)
+    result.push_back(domain.get_value(code));
   return result;
 }
 
@@ -37,14 +38,19 @@ TEST(Domain, IsMadeByTheExactNameOfItsDataTypeAndHoldsTheNullTextOnceInserted) {
       EXPECT_FALSE(domain->contains_null() || domain->admits_null());
       domain.reset(o_set::NEW_O_SET(name, true, unknown));
       EXPECT_EQ(code_of(*domain, unknown), -1);
-      for (const std::string& text : {unknown, unknown, std::string("7")}) domain->insert(text.c_str());
+      for (const std::string& text : {unknown, unknown, std::string("7")})
+        domain->insert(text.c_str());
       domain.reset(std::unique_ptr<o_set>(domain->clone())->clone());
-      EXPECT_TRUE(domain->contains_null() && domain->admits_null() && domain->get_null() == unknown);
-      EXPECT_EQ(domain->get_datatype() + domain->get_value(0) + domain->get_value(2), name + unknown + unknown);
-      EXPECT_EQ(domain->is_dt_numeric(), name == "integer" || name == "uinteger" || name == "float") << name;
+      EXPECT_TRUE(domain->contains_null() && domain->admits_null() &&
+                  domain->get_null() == unknown);
+      EXPECT_EQ(domain->get_datatype() + domain->get_value(0) + domain->get_value(2),
+                name + unknown + unknown);
+      EXPECT_EQ(domain->is_dt_numeric(), name == "integer" || name == "uinteger" || name == "float")
+          << name;
       EXPECT_EQ(code_of(*domain, unknown), 0);
       EXPECT_EQ(code_of(*domain, "7"), domain->is_dt_null() ? -1 : 1);
-      EXPECT_EQ(domain->leq("7", unknown) + domain->leq(unknown, "7") + domain->leq(0, "7") + domain->leq(1, unknown),
+      EXPECT_EQ(domain->leq("7", unknown) + domain->leq(unknown, "7") + domain->leq(0, "7") +
+                    domain->leq(1, unknown),
                 -4);
     }
   }
@@ -61,13 +67,15 @@ TEST(Domain, NumbersRandomValuesInOrderAlsoWhenAskedInBetween) {
     const auto domain = make_domain(name, {"?"});
     for (int insertion = 1; insertion <= 1500; ++insertion) {
       const int number = static_cast<int>(random() % 2000) - (name == "uinteger" ? 0 : 1000);
-      const std::string text = strata::util::number_text(number / (name == "float" || name == "double" ? 8.0 : 1.0));
+      const std::string text =
+          strata::util::number_text(number / (name == "float" || name == "double" ? 8.0 : 1.0));
       domain->insert(text.c_str());
       model.insert(text);
       if (insertion % 500 != 0) continue;
       ASSERT_EQ(known_texts(*domain), texts(model.begin(), model.end())) << name;
       int code = 0;
-      for (const std::string& known : model) ASSERT_EQ(code_of(*domain, known), ++code) << name << " " << known;
+      for (const std::string& known : model)
+        ASSERT_EQ(code_of(*domain, known), ++code) << name << " " << known;
       EXPECT_EQ(code_of(*domain, "2000") + code_of(*domain, "999999"), -2);
     }
   }
@@ -75,16 +83,20 @@ TEST(Domain, NumbersRandomValuesInOrderAlsoWhenAskedInBetween) {
 
 TEST(Domain, ReadsAndPrintsValuesByTheRulesOfItsDataType) {
   using row = std::vector<std::string>;  // the data type, what is inserted, what is known then
-  for (const row& r : {row{"integer", "3, 1,-0,+3,0,-", "0,1,3"},
-                       row{"uinteger", "4294967295,2147483648,+", "0,2147483648,4294967295"},
-                       row{"float", "nan,0,1e39,-1e39,1e-46,-0,16777217", "-inf,0,16777216,inf,nan"},
-                       row{"double", "nan,1.0,-1e400,1e3,0,-inf,-1e-320,1, 2.5,nan,1", "-inf,-0,0,1,2.5,1000,nan,nan"},
-                       row{"string", "b,a,,\xe9,a\x80,B,a", ",B,a,a\x80,b,\xe9"}}) {
+  for (const row& r :
+       {row{"integer", "3, 1,-0,+3,0,-", "0,1,3"},
+        row{"uinteger", "4294967295,2147483648,+", "0,2147483648,4294967295"},
+        row{"float", "nan,0,1e39,-1e39,1e-46,-0,16777217", "-inf,0,16777216,inf,nan"},
+        row{"double", "nan,1.0,-1e400,1e3,0,-inf,-1e-320,1, 2.5,nan,1",
+            "-inf,-0,0,1,2.5,1000,nan,nan"},
+        row{"string", "b,a,,\xe9,a\x80,B,a", ",B,a,a\x80,b,\xe9"}}) {
     EXPECT_EQ(known_texts(*make_domain(r[0], listed(r[1]))), listed(r[2])) << r[0];
   }
   const auto numbers = make_domain("double", listed("nan,1,2,nan,3"));
-  EXPECT_EQ(code_of(*numbers, "3") + code_of(*numbers, "nan"), 2) << "what equals nothing hides no other value";
-  EXPECT_EQ(code_of(*make_domain("string", listed("a,a\x80")), "a"), -1) << "sorted unsigned but searched signed";
+  EXPECT_EQ(code_of(*numbers, "3") + code_of(*numbers, "nan"), 2)
+      << "what equals nothing hides no other value";
+  EXPECT_EQ(code_of(*make_domain("string", listed("a,a\x80")), "a"), -1)
+      << "sorted unsigned but searched signed";
 }
 
 TEST(Domain, RefusesATextOfAnotherDataTypeAndKeepsItsValues) {
@@ -97,7 +109,8 @@ TEST(Domain, RefusesATextOfAnotherDataTypeAndKeepsItsValues) {
     EXPECT_EQ(message_of([&, value = text] { domain->insert(value); }), text + std::string(why));
     EXPECT_EQ(message_of([&, value = text] { domain->leq(1, value); }), text + std::string(why));
     EXPECT_EQ(message_of([&, value = text] { domain->leq(value, "1"); }), text + std::string(why));
-    EXPECT_EQ(message_of([&, value = text] { domain->leq("worse", value); }), text + std::string(why));
+    EXPECT_EQ(message_of([&, value = text] { domain->leq("worse", value); }),
+              text + std::string(why));
     EXPECT_EQ(known_texts(*domain), listed("4,9"));
   }
 }
@@ -107,10 +120,11 @@ TEST(Domain, ComparesTwoTextsOrACodeWithAText) {
     std::string data_type, text, other;
     int greater;
   };
-  for (const row& r : {row{"integer", "4", "5", 0}, row{"integer", "9", "5", 1}, row{"integer", "10", "9", 1},
-                       row{"integer", "9", "9", 0}, row{"float", "nan", "1", 0}, row{"string", "a", "\xe9", 1},
-                       row{"string", "\xe9", "a", 0}, row{"string", "10", "9", 0}, row{"string", "b", "a", 1},
-                       row{"string", "b", "b", 0}}) {
+  for (const row& r :
+       {row{"integer", "4", "5", 0}, row{"integer", "9", "5", 1}, row{"integer", "10", "9", 1},
+        row{"integer", "9", "9", 0}, row{"float", "nan", "1", 0}, row{"string", "a", "\xe9", 1},
+        row{"string", "\xe9", "a", 0}, row{"string", "10", "9", 0}, row{"string", "b", "a", 1},
+        row{"string", "b", "b", 0}}) {
     const auto domain = make_domain(r.data_type, {r.text});
     EXPECT_EQ(domain->leq(r.text, r.other), r.greater) << r.text << " " << r.other;
     EXPECT_EQ(domain->leq(1, r.other), r.greater) << r.text << " " << r.other;
@@ -120,20 +134,25 @@ TEST(Domain, ComparesTwoTextsOrACodeWithAText) {
 TEST(Domain, FindsTheLargestValueUpToTheMiddleOrSaysWhyNot) {
   // A data type, its values, and pairs of codes with their threshold or what the message ends in.
   for (const std::string row :
-       {"integer -7,-2,4,10 1 4 -2 2 3 -2 1 2 -7 0 2 !0-2 9 0 !9-0", "integer -3,-2,0 1 3 -2 2 4 !1-3 3 2 !2-1",
-        "integer -2147483647,-1,0,2147483647 1 4 0 2 4 0", "integer 2147483645,2147483646,2147483647 1 3 2147483646",
-        "uinteger 1,2,9 1 3 2 3 3 9", "uinteger 4294967293,4294967294,4294967295 1 3 4294967294",
+       {"integer -7,-2,4,10 1 4 -2 2 3 -2 1 2 -7 0 2 !0-2 9 0 !9-0",
+        "integer -3,-2,0 1 3 -2 2 4 !1-3 3 2 !2-1",
+        "integer -2147483647,-1,0,2147483647 1 4 0 2 4 0",
+        "integer 2147483645,2147483646,2147483647 1 3 2147483646", "uinteger 1,2,9 1 3 2 3 3 9",
+        "uinteger 4294967293,4294967294,4294967295 1 3 4294967294",
         "float 1.0,2.5,6.0 1 3 2.5 2 2 2.5 2 5 !1-4", "float 16777218,16777220 1 2 16777220",
-        "float -3e38,0,3e38 1 3 0", "double 0.25,2,1e20 2 3 2 3 2 !2-1", "double -inf,5,inf 1 3 -inf 2 3 inf",
-        "double 1,nan 1 2 1", "string a,b 0 1 !0-1 1 3 !0-2"}) {
+        "float -3e38,0,3e38 1 3 0", "double 0.25,2,1e20 2 3 2 3 2 !2-1",
+        "double -inf,5,inf 1 3 -inf 2 3 inf", "double 1,nan 1 2 1",
+        "string a,b 0 1 !0-1 1 3 !0-2"}) {
     std::istringstream fields(row);
     std::string name, values, expected, result;
     fields >> name >> values;
     const auto domain = make_domain(name, listed(values));
     for (unsigned int low = 0, high = 0; fields >> low >> high >> expected;) {
-      const std::string message = message_of([&] { result = "", result = domain->find_mid(low, high); });
+      const std::string message =
+          message_of([&] { result = "", result = domain->find_mid(low, high); });
       if (expected[0] == '!')
-        expected = "[o_set::find_threshold()] called for non-existing elements " + expected.substr(1);
+        expected =
+            "[o_set::find_threshold()] called for non-existing elements " + expected.substr(1);
       EXPECT_EQ(result + message, expected) << row;
     }
   }

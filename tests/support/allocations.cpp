@@ -1,5 +1,5 @@
-// The replaced operators new and delete. Every block stands in a list, with a number; as the list's pointers are kept
-// inverted, a leak checker does not take the list for the blocks' owner.
+// The replaced operators new and delete. Every block stands in a list, with a number; as the list's
+// pointers are kept inverted, a leak checker does not take the list for the blocks' owner.
 
 #include "tests/support/allocations.h"
 
@@ -26,7 +26,8 @@ std::uintptr_t inverted(const block* b) {
   return ~reinterpret_cast<std::uintptr_t>(b);
 }
 block* block_of(std::uintptr_t bits) {
-  return reinterpret_cast<block*>(~bits);  // NOLINT(performance-no-int-to-ptr): the list is hidden from leak checkers
+  return reinterpret_cast<block*>(
+      ~bits);  // NOLINT(performance-no-int-to-ptr): the list is hidden from leak checkers
 }
 char* bytes(const block* b) {
   return reinterpret_cast<char*>(const_cast<block*>(b + 1));
@@ -83,8 +84,9 @@ const char* word(const block* b, std::size_t i) {
   return pointer;
 }
 
-// Takes vectors that were themselves made by operator new out of `left`, with their values and what texts among these
-// own. (Leak checkers, which know the function that makes those of known values, find what this wrongly leaves out.)
+// Takes vectors that were themselves made by operator new out of `left`, with their values and what
+// texts among these own. (Leak checkers, which know the function that makes those of known values,
+// find what this wrongly leaves out.)
 void leave_out_known_values(blocks_by_place& left) {
   const blocks_by_place all = left;
   for (const auto& [place, vector] : all) {
@@ -95,7 +97,8 @@ void leave_out_known_values(blocks_by_place& left) {
     left.erase(place);
     if (is_empty) continue;
     left.erase(values->first);
-    for (std::size_t i = 0; i < values->second->size / sizeof(char*); ++i) left.erase(word(values->second, i));
+    for (std::size_t i = 0; i < values->second->size / sizeof(char*); ++i)
+      left.erase(word(values->second, i));
   }
 }
 
@@ -122,7 +125,8 @@ unsigned long long made() {
 std::size_t left_since(unsigned long long already_made) {
   blocks_by_place left;
   const unsigned long long last = made();
-  for (const block* b = block_of(newest); b != none && b->number > already_made; b = block_of(b->older)) {
+  for (const block* b = block_of(newest); b != none && b->number > already_made;
+       b = block_of(b->older)) {
     if (b->number <= last) left[bytes(b)] = b;
   }
   leave_out_known_values(left);
@@ -162,10 +166,12 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
 void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   return take(size, usual, false);
 }
-void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept {
+void* operator new(std::size_t size, std::align_val_t alignment,
+                   const std::nothrow_t& /*tag*/) noexcept {
   return take(size, number_of(alignment), false);
 }
-void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept {
+void* operator new[](std::size_t size, std::align_val_t alignment,
+                     const std::nothrow_t& /*tag*/) noexcept {
   return take(size, number_of(alignment), false);
 }
 void operator delete(void* first) noexcept {

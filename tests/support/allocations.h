@@ -1,4 +1,5 @@
-// Lets the allocations of operator new fail one after the other, and tells what is left of those that were made.
+// Lets the allocations of operator new fail one after the other, and tells what is left of those
+// that were made.
 //
 //   fail_each("clone", [] { return make_column("discrete", "string", {"a"}); },
 //             [](auto& x) { return saved(*std::unique_ptr<column>(x->clone(false))); },
@@ -19,15 +20,16 @@ namespace allocations {
 
 enum class failing { none, one, all_later, not_throwing };
 
-// Lets the `number`-th allocation from now on fail, or all from there on, or all of those that tell by a null pointer.
+// Lets the `number`-th allocation from now on fail, or all from there on, or all of those that tell
+// by a null pointer.
 void fail(failing which, std::size_t number = 1);
 // Lets none fail any more. Returns whether one has.
 bool stop_failing();
 
 // How many have been made.
 unsigned long long made();
-// How many of those made since are left, but for the known values of domains, which no frozen domain releases. No other
-// thread may allocate meanwhile.
+// How many of those made since are left, but for the known values of domains, which no frozen
+// domain releases. No other thread may allocate meanwhile.
 std::size_t left_since(unsigned long long already_made);
 
 }  // namespace allocations
@@ -45,10 +47,11 @@ bool lacks_storage(Act act) {
   }
 }
 
-// Calls `act` on an object that `make` makes, with the first allocation failing, with the second, and so on until it
-// needs no more, for each on a new object; and then the same with all later ones failing too. What a failure leaves must
-// be `told` as before, give the same answer when it is acted on again, be told as without a failure then, and be
-// released as a whole. With a `stride` above 1 most of the later allocations are left out.
+// Calls `act` on an object that `make` makes, with the first allocation failing, with the second,
+// and so on until it needs no more, for each on a new object; and then the same with all later ones
+// failing too. What a failure leaves must be `told` as before, give the same answer when it is
+// acted on again, be told as without a failure then, and be released as a whole. With a `stride`
+// above 1 most of the later allocations are left out.
 template <class Make, class Act, class Tell>
 void fail_each(const std::string& name, Make make, Act act, Tell tell, std::size_t stride = 1) {
   std::string before, answer, after;

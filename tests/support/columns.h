@@ -24,7 +24,8 @@ inline texts listed(const std::string& text) {
   return parts;
 }
 
-// A domain of `data_type` that admits "?" and holds `values` ("?" among them makes it contain the unknown value).
+// A domain of `data_type` that admits "?" and holds `values` ("?" among them makes it contain the
+// unknown value).
 inline std::unique_ptr<o_set> make_domain(const std::string& data_type, const texts& values) {
   std::unique_ptr<o_set> domain(o_set::NEW_O_SET(data_type, true, "?"));
   for (const std::string& value : values) domain->insert(value.c_str());
@@ -32,7 +33,8 @@ inline std::unique_ptr<o_set> make_domain(const std::string& data_type, const te
 }
 
 // A column with `rows`, over a domain of just these values; throws what NEW_COLUMN refuses it with.
-inline std::unique_ptr<column> make_column(const std::string& kind, const std::string& data_type, const texts& rows) {
+inline std::unique_ptr<column> make_column(const std::string& kind, const std::string& data_type,
+                                           const texts& rows) {
   std::unique_ptr<o_set> domain = make_domain(data_type, rows);
   std::string error;
   std::unique_ptr<column> result(column::NEW_COLUMN(domain.get(), "x", kind, error));

@@ -10,25 +10,36 @@ namespace arbor::tests {
 using byte_list = std::vector<unsigned char>;
 using call_sizes = std::vector<unsigned int>;
 
-// The bytes of words of hexadecimal digits, and of 'words that stand for the record of a text: 'ab is 01 02000000 6162.
+// The bytes of words of hexadecimal digits, and of 'words that stand for the record of a text: 'ab
+// is 01 02000000 6162.
 inline byte_list spelt(const std::string& spelling) {
   byte_list result;
   std::istringstream in(spelling);
   for (std::string word; in >> word;) {
     const bool text = word[0] == '\'';
-    if (text) result.insert(result.end(), {1, static_cast<unsigned char>(word.size() - 1), 0, 0, 0});
+    if (text)
+      result.insert(result.end(), {1, static_cast<unsigned char>(word.size() - 1), 0, 0, 0});
     for (std::size_t i = text ? 1 : 0; i < word.size(); i += text ? 1 : 2)
-      result.push_back(static_cast<unsigned char>(text ? word[i] : std::stoi(word.substr(i, 2), nullptr, 16)));
+      result.push_back(
+          static_cast<unsigned char>(text ? word[i] : std::stoi(word.substr(i, 2), nullptr, 16)));
   }
   return result;
 }
 
-// A device in memory, with its streams, that keeps the size of every call and may not know how much it holds.
+// A device in memory, with its streams, that keeps the size of every call and may not know how much
+// it holds.
 struct call_log : strata::inpout::bindevice {
-  explicit call_log(const byte_list& initial = {}, bool knows = true) : medium(initial), knows_size(knows) {}
-  void write(const void* data, unsigned int count) override { calls.push_back(count), medium.write(data, count); }
-  void read(void* data, unsigned int count) override { calls.push_back(count), medium.read(data, count); }
-  unsigned long long remaining() const override { return knows_size ? medium.remaining() : bindevice::remaining(); }
+  explicit call_log(const byte_list& initial = {}, bool knows = true)
+      : medium(initial), knows_size(knows) {}
+  void write(const void* data, unsigned int count) override {
+    calls.push_back(count), medium.write(data, count);
+  }
+  void read(void* data, unsigned int count) override {
+    calls.push_back(count), medium.read(data, count);
+  }
+  unsigned long long remaining() const override {
+    return knows_size ? medium.remaining() : bindevice::remaining();
+  }
 
   strata::inpout::memory_device medium;
   strata::inpout::obinstream out{*this};

@@ -1,4 +1,5 @@
-// A second version of the split measures, and the nodes on which the real ones are compared with it.
+// A second version of the split measures, and the nodes on which the real ones are compared with
+// it.
 //
 //   dice roll{1};
 //   const node n = random_node(roll, 255, weighing::even);
@@ -6,8 +7,9 @@
 //   w_sequence cases = sequence_of(n);
 //   EXPECT_EQ(told(rate(values, n, *class_column(n, 0), cases)), told(expected(n, column::CONTINUOUS)));
 //
-// The second version is as plain as can be: every cut and every value adds its cases up anew. Where the weights are
-// multiples of 1/8 all sums are exact in any order, so that both versions must agree to the last bit.
+// The second version is as plain as can be: every cut and every value adds its cases up anew. Where
+// the weights are multiples of 1/8 all sums are exact in any order, so that both versions must
+// agree to the last bit.
 #ifndef ARBOR_TESTS_SUPPORT_ORACLE_H
 #define ARBOR_TESTS_SUPPORT_ORACLE_H
 
@@ -49,7 +51,8 @@ struct weighted_case {
 
 // All that a rating depends on. The bounds of a new node are tight.
 struct node {
-  explicit node(std::vector<weighted_case> list, unsigned int class_count = 2, float least_weight = 0)
+  explicit node(std::vector<weighted_case> list, unsigned int class_count = 2,
+                float least_weight = 0)
       : cases(std::move(list)), classes(class_count), min_weight(least_weight) {
     for (const weighted_case& c : cases) {
       total_weight += c.weight;
@@ -68,21 +71,29 @@ struct node {
   bool penalty_by_case_count = false;
 };
 
-enum class weighing { even, uneven };  // multiples of 1/8 (0 among them), or fractions that sums must round
+enum class weighing {
+  even,
+  uneven
+};  // multiples of 1/8 (0 among them), or fractions that sums must round
 
-// A node with codes below `top`, in which runs, gaps, noise, unknown values and loose bounds come in all mixtures.
+// A node with codes below `top`, in which runs, gaps, noise, unknown values and loose bounds come
+// in all mixtures.
 inline node random_node(dice& roll, unsigned int top, weighing weights) {
   const unsigned int width = 2 + roll(roll(3) == 0 ? 200 : 20);
-  const unsigned int first = 1 + roll(top - width), step = 1 + roll(3), run = 1 + width / (1 + roll(6));
-  const unsigned int classes = 2 + roll(4) * roll(4), noise = roll(3), unknowns = roll(3), weight_kind = roll(3);
+  const unsigned int first = 1 + roll(top - width), step = 1 + roll(3),
+                     run = 1 + width / (1 + roll(6));
+  const unsigned int classes = 2 + roll(4) * roll(4), noise = roll(3), unknowns = roll(3),
+                     weight_kind = roll(3);
   std::vector<weighted_case> cases(1 + roll(roll(2) == 0 ? 12 : 150));
   for (weighted_case& c : cases) {
     c.code = roll(8) < unknowns ? 0 : first + roll((width + step - 1) / step) * step;
     c.class_code = 1 + (roll(4) < noise ? roll(classes) : c.code / run % classes);
     const unsigned int eighths = weight_kind == 0 ? 8 : roll(weight_kind == 1 ? 25 : 3);
-    c.weight = weights == weighing::even ? static_cast<float>(eighths) / 8 : static_cast<float>(1 + roll(4000)) / 997;
+    c.weight = weights == weighing::even ? static_cast<float>(eighths) / 8
+                                         : static_cast<float>(1 + roll(4000)) / 997;
   }
-  node result(cases, classes, roll(4) == 0 ? static_cast<float>(roll(31)) : static_cast<float>(roll(9)) / 4.0F);
+  node result(cases, classes,
+              roll(4) == 0 ? static_cast<float>(roll(31)) : static_cast<float>(roll(9)) / 4.0F);
   result.penalty_by_case_count = roll(2) == 0;
   result.known_values = 2 + roll(30);
   if (roll(2) == 0 && result.range.first != 0) {
@@ -105,9 +116,9 @@ using rating = column::splitting_desc;
 // Not by a stream, which would hide a lack of memory.
 inline std::string told(const rating& r) {
   char text[128];
-  static_cast<void>(std::snprintf(text, sizeof text, "%u branches, cut %u|%u, gain %a, split info %a", r.branches,
-                                  r.low_code, r.high_code, static_cast<double>(r.gain),
-                                  static_cast<double>(r.split_info)));
+  static_cast<void>(std::snprintf(
+      text, sizeof text, "%u branches, cut %u|%u, gain %a, split info %a", r.branches, r.low_code,
+      r.high_code, static_cast<double>(r.gain), static_cast<double>(r.split_info)));
   return text;
 }
 
@@ -133,13 +144,15 @@ inline double weighted_entropy(const std::vector<float>& parts) {
 
 inline float weight_of(const node& n, unsigned int from, unsigned int to) {
   std::vector<float> weights;
-  for (const weighted_case& c : n.cases) weights.push_back(from <= c.code && c.code <= to ? c.weight : 0);
+  for (const weighted_case& c : n.cases)
+    weights.push_back(from <= c.code && c.code <= to ? c.weight : 0);
   return sum_of(weights);
 }
 
 inline std::vector<float> class_weights(const node& n, unsigned int from, unsigned int to) {
   std::vector<float> sums(n.classes, 0.0F);
-  for (const weighted_case& c : n.cases) sums[c.class_code - 1] += from <= c.code && c.code <= to ? c.weight : 0;
+  for (const weighted_case& c : n.cases)
+    sums[c.class_code - 1] += from <= c.code && c.code <= to ? c.weight : 0;
   return sums;
 }
 
@@ -175,9 +188,9 @@ inline rating expected_by_value(const node& n) {
   return r;
 }
 
-// `by_table` tells the measure that does without sorting: it takes a code of no weight for one that does not occur, and
-// evaluates every cut. The other passes over a cut with cases of one class alone, from the last cut evaluated through
-// the next code, unless the next cut is too high.
+// `by_table` tells the measure that does without sorting: it takes a code of no weight for one that
+// does not occur, and evaluates every cut. The other passes over a cut with cases of one class
+// alone, from the last cut evaluated through the next code, unless the next cut is too high.
 inline rating expected_cut(const node& n, bool by_table) {
   rating r = no_split(2);
   const float unknown = weight_of(n, 0, 0), known = n.total_weight - unknown;
@@ -197,19 +210,23 @@ inline rating expected_cut(const node& n, bool by_table) {
     const float left = weight_of(n, 1, cut);
     if (next == codes.end() || left < min_side || left > max_left) continue;
     ++candidates;
-    if (!by_table && of_one_class(n, evaluated + 1, *next) && weight_of(n, 1, *next) <= max_left) continue;
+    if (!by_table && of_one_class(n, evaluated + 1, *next) && weight_of(n, 1, *next) <= max_left)
+      continue;
     evaluated = cut;
     const double left_entropy = weighted_entropy(class_weights(n, 1, cut));
-    const auto within = static_cast<float>(left_entropy + weighted_entropy(class_weights(n, cut + 1, top_code)));
+    const auto within =
+        static_cast<float>(left_entropy + weighted_entropy(class_weights(n, cut + 1, top_code)));
     const double k = known;
     const auto gain = static_cast<float>((before - within / k) * (k / (unknown + k)));
     if (!(gain > best.gain)) continue;
     best.gain = gain;
     best.low_code = cut;
     best.high_code = *next;
-    best.split_info = static_cast<float>(weighted_entropy({unknown, left, known - left})) / n.total_weight;
+    best.split_info =
+        static_cast<float>(weighted_entropy({unknown, left, known - left})) / n.total_weight;
   }
-  const double spread = n.penalty_by_case_count ? static_cast<double>(n.cases.size()) : n.total_weight;
+  const double spread =
+      n.penalty_by_case_count ? static_cast<double>(n.cases.size()) : n.total_weight;
   const auto penalty = static_cast<float>((candidates == 0 ? 0 : log2_of(candidates)) / spread);
   if (!(penalty < best.gain)) return r;
   best.gain -= penalty;
@@ -220,38 +237,46 @@ inline rating expected_cut(const node& n, bool by_table) {
 inline rating expected(const node& n, column::_type kind) {
   const unsigned int width = n.range.second - n.range.first;
   if (width <= 1 || (kind != column::DISCRETE && kind != column::CONTINUOUS)) return no_split(0);
-  return kind == column::DISCRETE ? expected_by_value(n) : expected_cut(n, n.cases.size() / width > 2);
+  return kind == column::DISCRETE ? expected_by_value(n)
+                                  : expected_cut(n, n.cases.size() / width > 2);
 }
 
-// -- The real columns. Case i of a node is row 2 * i + 1; the rows between belong to other nodes. --
+// -- The real columns. Case i of a node is row 2 * i + 1; the rows between belong to other nodes.
+// --
 
 inline w_sequence sequence_of(const node& n) {
   w_sequence cases;
-  for (const weighted_case& c : n.cases) cases.push_back({static_cast<unsigned int>(2 * cases.size() + 1), c.weight});
+  for (const weighted_case& c : n.cases)
+    cases.push_back({static_cast<unsigned int>(2 * cases.size() + 1), c.weight});
   return cases;
 }
 
 // The domain of 1 to `count`, in which every value is its own code.
 inline o_set* numbers_to(unsigned int count) {
   std::unique_ptr<o_set> domain = make_domain("integer", {});
-  for (unsigned int value = 1; value <= count; ++value) domain->insert(std::to_string(value).c_str());
+  for (unsigned int value = 1; value <= count; ++value)
+    domain->insert(std::to_string(value).c_str());
   return domain.release();
 }
 
 // A rated column of any codes that fit T.
 template <class T>
 struct code_column : column_typed<T> {
-  code_column(const node& n, column::_type kind) : column_typed<T>(numbers_to(n.known_values), "x", kind) {
-    for (const weighted_case& c : n.cases) values.insert(values.end(), {T{0}, static_cast<T>(c.code)});
+  code_column(const node& n, column::_type kind)
+      : column_typed<T>(numbers_to(n.known_values), "x", kind) {
+    for (const weighted_case& c : n.cases)
+      values.insert(values.end(), {T{0}, static_cast<T>(c.code)});
   }
   using column_typed<T>::values;
 };
 
 // Rates by the measure that the column chooses.
-inline rating rate(const column& values, node n, column& classes, w_sequence& cases, bool copy_cases = true) {
+inline rating rate(const column& values, node n, column& classes, w_sequence& cases,
+                   bool copy_cases = true) {
   rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
   options opts{n.penalty_by_case_count};
-  values.quality_measure(&classes, n.total_weight, &cases, n.range, n.min_weight, &opts, r, copy_cases);
+  values.quality_measure(&classes, n.total_weight, &cases, n.range, n.min_weight, &opts, r,
+                         copy_cases);
   return r;
 }
 
@@ -259,17 +284,21 @@ enum class by { value, sorting, table };
 
 // Rates by a measure of choice, with null options where the defaults do.
 template <class T>
-rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_sequence& cases, bool copy_cases = true) {
+rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_sequence& cases,
+            bool copy_cases = true) {
   rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
   options flagged{true}, *opts = n.penalty_by_case_count ? &flagged : nullptr;
   const float total = n.total_weight, least = n.min_weight;
   if (measure == by::value) x.QualityMeasureDiscrete(&classes, total, &cases, n.range, least, r);
-  if (measure == by::sorting) x.QualityMeasureContinuous(&classes, total, &cases, n.range, least, opts, r, copy_cases);
-  if (measure == by::table) x.QualityMeasureContinuousRainForest(&classes, total, &cases, n.range, least, opts, r);
+  if (measure == by::sorting)
+    x.QualityMeasureContinuous(&classes, total, &cases, n.range, least, opts, r, copy_cases);
+  if (measure == by::table)
+    x.QualityMeasureContinuousRainForest(&classes, total, &cases, n.range, least, opts, r);
   return r;
 }
 
-// A class column of a user's own, which keeps its codes elsewhere than its base and may be told to fail at a read.
+// A class column of a user's own, which keeps its codes elsewhere than its base and may be told to
+// fail at a read.
 struct told_column : column_typed<unsigned char> {
   explicit told_column(const node& n) : column_typed(numbers_to(n.classes), "class", CLASS) {
     for (const weighted_case& c : n.cases) codes.insert(codes.end(), {0, c.class_code});
@@ -285,8 +314,8 @@ struct told_column : column_typed<unsigned char> {
 
 // A column over 1 to `values` that stores a number of each case, with value 2 in the rows between.
 template <class Column>
-std::unique_ptr<column> stored(const node& n, unsigned int weighted_case::*number, unsigned int values,
-                               column::_type kind = column::CLASS) {
+std::unique_ptr<column> stored(const node& n, unsigned int weighted_case::*number,
+                               unsigned int values, column::_type kind = column::CLASS) {
   auto result = std::make_unique<Column>(numbers_to(values), "x", kind);
   for (const weighted_case& c : n.cases) {
     result->push_back("2");
@@ -298,7 +327,8 @@ inline std::unique_ptr<column> bits_of(const node& n, column::_type kind) {
   return stored<column_bool>(n, &weighted_case::code, 2, kind);
 }
 
-// The classes of a node in one of five storages, or six where there are two classes; any number chooses one.
+// The classes of a node in one of five storages, or six where there are two classes; any number
+// chooses one.
 inline std::unique_ptr<column> class_column(const node& n, unsigned int choice) {
   const auto number = &weighted_case::class_code;
   const unsigned int storage = choice % (n.classes == 2 ? 6 : 5);

@@ -10,14 +10,14 @@
 #include <iterator>
 #include <utility>
 
+#include "arbor/report/tree_report.h"
+#include "arbor/table/table_loader.h"
 #include "arbor/tree/binomial_limit.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/crew.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/holdout.h"
 #include "arbor/tree/pruning.h"
-#include "arbor/tree/table_loader.h"
-#include "arbor/tree/tree_report.h"
 #include "tests/support/columns.h"
 #include "tests/support/oracle.h"
 #include "tests/support/temporary_file.h"
@@ -64,14 +64,16 @@ TEST(Grower, ChoosesByGainRatioAmongTheGainsAboveAverageAndStopsAtPureNodes) {
   EXPECT_EQ(text_of(tree::grow_tree(golf, golf.cases, options)), "yes (14/5)\n");
 }
 
-// Rows enough that small nodes are brought together, that threads share the work, and that sorts go by long digits.
+// Rows enough that small nodes are brought together, that threads share the work, and that sorts go
+// by long digits.
 std::string large_table() {
   dice roll{7};
   std::string csv = "wide,gaps,text,narrow,few,class\n";
   for (int row = 0; row < 40000; ++row) {
     const unsigned int wide = roll(100000), narrow = roll(50), text = roll(12);
     const bool noise = roll(10) == 0, first = (wide > 30000 + narrow * 500) == (text < 8);
-    csv += std::to_string(wide) + "," + (roll(30) == 0 ? "?" : std::to_string(roll(3000) + wide / 50)) + ",t" +
+    csv += std::to_string(wide) + "," +
+           (roll(30) == 0 ? "?" : std::to_string(roll(3000) + wide / 50)) + ",t" +
            std::to_string(text) + "," + std::to_string(narrow) + "," +
            (roll(40) == 0   ? "?"
             : wide % 3 == 0 ? "y"
@@ -105,7 +107,8 @@ TEST(Crew, DoesEachPieceOnceAndThrowsOnWhatOneThrows) {
     for (std::size_t count : {0U, 1U, 1000U}) {
       std::vector<std::atomic<int>> done(count);
       workers.each(count, [&](std::size_t i) { ++done[i]; });
-      EXPECT_TRUE(std::all_of(done.begin(), done.end(), [](const auto& times) { return times == 1; }));
+      EXPECT_TRUE(
+          std::all_of(done.begin(), done.end(), [](const auto& times) { return times == 1; }));
     }
     std::atomic<int> begun = 0;
     const auto fail = [&](std::size_t i) {
@@ -118,11 +121,13 @@ TEST(Crew, DoesEachPieceOnceAndThrowsOnWhatOneThrows) {
 }
 
 TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
-  EXPECT_EQ(text_of(grown(loaded("a,c\n1,x\n1,x\ninf,y\ninf,y\n"), false)), "a <= 1: x (2)\na > 1: y (2)\n");
+  EXPECT_EQ(text_of(grown(loaded("a,c\n1,x\n1,x\ninf,y\ninf,y\n"), false)),
+            "a <= 1: x (2)\na > 1: y (2)\n");
   EXPECT_EQ(text_of(grown(loaded("a,c\n1e-33,x\n1e-33,x\n2e-33,y\n2e-33,y\n"), false)),
             "a <= 1e-33: x (2)\na > 1e-33: y (2)\n");
-  EXPECT_EQ(text_of(grown(loaded("a,c\n1.0000001,x\n1.0000001,x\n1.0000002,y\n1.0000002,y\n"), false)),
-            "a <= 1.0000001: x (2)\na > 1.0000001: y (2)\n");
+  EXPECT_EQ(
+      text_of(grown(loaded("a,c\n1.0000001,x\n1.0000001,x\n1.0000002,y\n1.0000002,y\n"), false)),
+      "a <= 1.0000001: x (2)\na > 1.0000001: y (2)\n");
 }
 
 TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
@@ -143,7 +148,8 @@ TEST(Pruning, CutsWhatTellsNothingAndKeepsWhatDoes) {
   dice roll{7};
   for (unsigned int i = 0; i < 200; ++i) {
     const bool x = roll(2) == 0;
-    csv += "v" + std::to_string(roll(8)) + (x ? ",1," : ",2,") + (x != (roll(10) == 0) ? "x\n" : "y\n");
+    csv += "v" + std::to_string(roll(8)) + (x ? ",1," : ",2,") +
+           (x != (roll(10) == 0) ? "x\n" : "y\n");
   }
   const table rows = loaded(csv);
   EXPECT_GT(tree::measure(grown(rows, false)).leaves, 4U);
@@ -153,14 +159,17 @@ TEST(Pruning, CutsWhatTellsNothingAndKeepsWhatDoes) {
 TEST(Grower, PassesOverAGoodRatioOfASmallGain) {
   std::string csv = "rare,common,c\n";
   for (int i = 0; i < 40; ++i) {
-    const bool x = i < 20 ? i % 10 < 8 : i % 10 < 2;  // in each quarter of the rows eight of ten are alike
-    csv += (i < 2 ? "p," : "q,") + std::string(1, static_cast<char>('a' + i / 10)) + (x ? ",x\n" : ",y\n");
+    const bool x =
+        i < 20 ? i % 10 < 8 : i % 10 < 2;  // in each quarter of the rows eight of ten are alike
+    csv += (i < 2 ? "p," : "q,") + std::string(1, static_cast<char>('a' + i / 10)) +
+           (x ? ",x\n" : ",y\n");
   }
   EXPECT_THAT(text_of(grown(loaded(csv), false)), testing::StartsWith("common = a"));
 }
 
 TEST(Pruning, CountsTheErrorsOfSharedCasesOnce) {
-  // Ten unknown cases of weight 1 went down both branches, which without them would be the better ones.
+  // Ten unknown cases of weight 1 went down both branches, which without them would be the better
+  // ones.
   std::vector<tree::tree_node> nodes(3);
   nodes[0].class_weights = {12, 8};
   nodes[0].attribute = 0;
@@ -177,9 +186,13 @@ std::string random_csv(dice& roll, std::vector<texts>& rows) {
   std::string csv = "n,f,d,c\n";
   for (unsigned int i = 0; i < 120; ++i) {
     const unsigned int n = roll(40);
-    texts row{roll(6) == 0 ? "?" : std::to_string(n), roll(5) == 0 ? "?" : std::to_string(roll(30)) + ".25",
+    texts row{roll(6) == 0 ? "?" : std::to_string(n),
+              roll(5) == 0 ? "?" : std::to_string(roll(30)) + ".25",
               roll(7) == 0 ? "?" : "v" + std::to_string(roll(9))};
-    csv += row[0] + "," + row[1] + "," + row[2] + (roll(4) == 0 ? ",z\n" : n < 20 ? ",x\n" : ",y\n");
+    csv += row[0] + "," + row[1] + "," + row[2] +
+           (roll(4) == 0 ? ",z\n"
+            : n < 20     ? ",x\n"
+                         : ",y\n");
     rows.push_back(std::move(row));
   }
   return csv;
@@ -206,7 +219,8 @@ TEST(Classification, SaysTheSameOfRowsAndOfTheirTexts) {
     for (unsigned int row = 0; row < rows.cases.size(); ++row) {
       EXPECT_EQ(by_row(row), by_text(cells_of(t, written[row])));
       double at_leaves = 0;
-      for (std::size_t i = 0; i < t.nodes.size(); ++i) at_leaves += t.nodes[i].is_leaf() ? by_row.weight_at(row, i) : 0;
+      for (std::size_t i = 0; i < t.nodes.size(); ++i)
+        at_leaves += t.nodes[i].is_leaf() ? by_row.weight_at(row, i) : 0;
       EXPECT_GT(at_leaves, 0);
     }
   }
@@ -226,18 +240,21 @@ TEST(Classification, SendsUnknownAndUnseenValuesDownEveryBranchByItsShare) {
 }
 
 TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
-  const decision_tree t = grown(loaded("d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\nr,2,w\n"), false, 1);
+  const decision_tree t =
+      grown(loaded("d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\nr,2,w\n"), false, 1);
   const table other = loaded("d,n,c\nq,3,z\nr,3,w\nnew,3,w\nq,7,z\np,0,x\np,3,y\n");
   const tree::row_classifier say(t, other);
   tree::text_classifier by_text(t);
   const std::vector<std::vector<const char*>> rows{{"q", "3"}, {"r", "3"}, {"new", "3"},
                                                    {"q", "7"}, {"p", "0"}, {"p", "3"}};
-  for (unsigned int row = 0; row < rows.size(); ++row) EXPECT_EQ(say(row), by_text(rows[row])) << row;
+  for (unsigned int row = 0; row < rows.size(); ++row)
+    EXPECT_EQ(say(row), by_text(rows[row])) << row;
 }
 
 TEST(Grower, LeavesOutWhatBecomesOfACaseInTooManyBranches) {
   std::string csv = "a,b,c\n";
-  for (int i = 0; i < 3000; ++i) csv += "v" + std::to_string(i % 1500) + ",1," + (i % 2 == 0 ? "x\n" : "y\n");
+  for (int i = 0; i < 3000; ++i)
+    csv += "v" + std::to_string(i % 1500) + ",1," + (i % 2 == 0 ? "x\n" : "y\n");
   for (int i = 0; i < 3000; ++i) csv += "?,2,z\n";
   const decision_tree t = grown(loaded(csv), false, 1);
   for (const tree::tree_node& node : t.nodes) EXPECT_GT(tree::weigh(node).cases, 0);
@@ -257,7 +274,9 @@ TEST(Holdout, KeepsBackTheSameRowsForTheSameSeed) {
   EXPECT_EQ(parts.training.size(), 700U);
   EXPECT_EQ(rows_of(parts.held_back), rows_of(tree::hold_out(cases, 0.3, 5).held_back));
   EXPECT_NE(rows_of(parts.held_back), rows_of(tree::hold_out(cases, 0.3, 6).held_back));
-  EXPECT_EQ(tree::hold_out(cases, 0, 5).training.size() + tree::hold_out(cases, 1, 5).held_back.size(), 2000U);
+  EXPECT_EQ(
+      tree::hold_out(cases, 0, 5).training.size() + tree::hold_out(cases, 1, 5).held_back.size(),
+      2000U);
 }
 
 }  // namespace

@@ -21,7 +21,8 @@ std::vector<bool> content(const bitmap& bits) {
 TEST(Bitmap, CapacityGrowsByHalfOfItselfButAtLeastByAWord) {
   bitmap bits;
   EXPECT_EQ(bits.capacity(), 0U);
-  for (const auto& [length, capacity] : {std::pair{1U, 32U}, {32, 32}, {33, 64}, {65, 96}, {97, 160}, {161, 256}}) {
+  for (const auto& [length, capacity] :
+       {std::pair{1U, 32U}, {32, 32}, {33, 64}, {65, 96}, {97, 160}, {161, 256}}) {
     while (bits.size() < length) bits.push_back(true);
     EXPECT_EQ(bits.capacity(), capacity) << length;
   }
@@ -48,7 +49,8 @@ TEST(Bitmap, BehavesLikeAVectorOfBoolsButClearsWholeWords) {
     ASSERT_EQ(content(bits), model);
     bits.reset(length / 2);
     bits.set(length / 3);
-    for (unsigned int i = 0; i < model.size(); ++i) model[i] = i == length / 3 || (model[i] && i / 32 != length / 64);
+    for (unsigned int i = 0; i < model.size(); ++i)
+      model[i] = i == length / 3 || (model[i] && i / 32 != length / 64);
     ASSERT_EQ(content(bits), model);
     bits.clear();
     ASSERT_EQ(content(bits), std::vector<bool>(model.size()));
@@ -58,8 +60,9 @@ TEST(Bitmap, BehavesLikeAVectorOfBoolsButClearsWholeWords) {
 TEST(Bitmap, ShorteningIsTakenAndThenRefused) {
   bitmap bits;
   while (bits.size() < 20) bits.push_back(true);
-  EXPECT_THAT([&] { bits.resize(10); },
-              ThrowsMessage<std::runtime_error>("bitmap::resize cannot deal with shortening of bitmaps"));
+  EXPECT_THAT(
+      [&] { bits.resize(10); },
+      ThrowsMessage<std::runtime_error>("bitmap::resize cannot deal with shortening of bitmaps"));
   EXPECT_EQ(bits.size(), 10U);
   bits.push_back(false);
   EXPECT_TRUE(bits.get(10)) << "a false bit is not written";
@@ -84,7 +87,8 @@ TEST(Bitmap, TheLargestLengthTakesItsMemoryAndIsNeverExceeded) {
   EXPECT_EQ(bits.capacity(), 4294967295U);
   bits.push_back(true);
   EXPECT_TRUE(bits[4294967294]);
-  EXPECT_THAT([&] { bits.push_back(true); }, ThrowsMessage<std::runtime_error>("bitmap maximum length exceeded."));
+  EXPECT_THAT([&] { bits.push_back(true); },
+              ThrowsMessage<std::runtime_error>("bitmap maximum length exceeded."));
   EXPECT_EQ(bits.size(), 4294967295U);
 }
 

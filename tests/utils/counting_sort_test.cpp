@@ -14,28 +14,36 @@ namespace {
 using weighted_case = strata::util::pair<unsigned int, unsigned int>;
 using code_list = std::vector<unsigned int>;
 
-// Sorts one case per code, the lookup numbered `failing` throwing; gives the rows in their order, always all of them.
-code_list sorted_rows(const code_list& codes, unsigned int low, unsigned int end, unsigned int unknown,
-                      int failing = -1) {
+// Sorts one case per code, the lookup numbered `failing` throwing; gives the rows in their order,
+// always all of them.
+code_list sorted_rows(const code_list& codes, unsigned int low, unsigned int end,
+                      unsigned int unknown, int failing = -1) {
   std::vector<weighted_case> cases;
-  for (const unsigned int code : codes) cases.push_back({static_cast<unsigned int>(cases.size()), code});
-  const auto key = [&](const weighted_case& c) { return failing-- == 0 ? throw 0 : codes[c.first]; };
+  for (const unsigned int code : codes)
+    cases.push_back({static_cast<unsigned int>(cases.size()), code});
+  const auto key = [&](const weighted_case& c) {
+    return failing-- == 0 ? throw 0 : codes[c.first];
+  };
   try {
-    strata::adt::counting_sort<weighted_case, decltype(key)>(cases.begin(), cases.end(), low, end, key, unknown);
+    strata::adt::counting_sort<weighted_case, decltype(key)>(cases.begin(), cases.end(), low, end,
+                                                             key, unknown);
   } catch (int) {
   }
   code_list rows;
   for (const weighted_case& c : cases) rows.push_back(c.second == codes[c.first] ? c.first : 0);
-  EXPECT_EQ(std::set<unsigned int>(rows.begin(), rows.end()).size(), codes.size()) << "a case was lost or torn";
+  EXPECT_EQ(std::set<unsigned int>(rows.begin(), rows.end()).size(), codes.size())
+      << "a case was lost or torn";
   return rows;
 }
 
 TEST(CountingSort, OrdersRandomCasesByCodeWithTheUnknownOnesAtTheirKeyAndLosesNoneToAThrow) {
   std::mt19937 random(2);
   for (unsigned int round = 0; round < 600; ++round) {
-    const unsigned int low = round % 5, width = 2 + round % 19, unknown = low + (round % 2 == 0 ? 0 : round % width);
+    const unsigned int low = round % 5, width = 2 + round % 19,
+                       unknown = low + (round % 2 == 0 ? 0 : round % width);
     code_list codes(round % 60), keys;
-    for (unsigned int& code : codes) code = random() % 4 == 0 ? 0 : low + static_cast<unsigned int>(random() % width);
+    for (unsigned int& code : codes)
+      code = random() % 4 == 0 ? 0 : low + static_cast<unsigned int>(random() % width);
     for (const unsigned int row : sorted_rows(codes, low, low + width, unknown)) {
       keys.push_back(codes[row] == 0 ? unknown : codes[row]);
     }

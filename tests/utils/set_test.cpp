@@ -32,10 +32,12 @@ TYPED_TEST(ValueSet, GivesEveryValueOnceInOrderAndIsEmptyAfterwards) {
   std::mt19937 random(3);
   strata::adt::set<datatype<TypeParam>> builder;
   // How many different values, and their distance: multiples of 1339 meet in one slot of the cache.
-  for (const auto& [different, distance] : {std::pair{0, 1}, {1, 1}, {50, 1}, {3, 1339}, {3000, 1}, {2900, -13390}}) {
+  for (const auto& [different, distance] :
+       {std::pair{0, 1}, {1, 1}, {50, 1}, {3, 1339}, {3000, 1}, {2900, -13390}}) {
     std::set<TypeParam> model;
     for (int draw = 0; draw < (different == 0 ? 0 : 4000); ++draw) {
-      const int number = distance * static_cast<int>(random() % static_cast<unsigned int>(different));
+      const int number =
+          distance * static_cast<int>(random() % static_cast<unsigned int>(different));
       model.insert(value_of<TypeParam>(number));
       builder.insert(value_of<TypeParam>(number));
     }

@@ -34,19 +34,22 @@ std::string read_integer(const char* text) {
 }
 
 TEST(Text, IntegersAreReadInTheirRangeAndRefusedByName) {
-  const std::string overflow = "str2int:: overflow", negative = "str2int:: a negative number provided.";
+  const std::string overflow = "str2int:: overflow",
+                    negative = "str2int:: a negative number provided.";
   using row = std::vector<std::string>;  // the text, and what it is as int and as unsigned int
-  for (const row& r : {row{"  42", "42", "42"}, row{"+07", "7", "7"}, row{"+", "0", "0"}, row{" -7", "-7", negative},
-                       row{"-", "0", negative}, row{"2147483647", "2147483647", "2147483647"},
-                       row{"-2147483647", "-2147483647", negative}, row{"2147483648", overflow, "2147483648"},
-                       row{"-2147483648", overflow, negative}, row{"4294967295", overflow, "4294967295"},
-                       row{"4294967296", overflow, overflow}, row{"4294967300", overflow, overflow},
-                       row{"42949672950x", overflow, overflow}}) {
+  for (const row& r :
+       {row{"  42", "42", "42"}, row{"+07", "7", "7"}, row{"+", "0", "0"},
+        row{" -7", "-7", negative}, row{"-", "0", negative},
+        row{"2147483647", "2147483647", "2147483647"}, row{"-2147483647", "-2147483647", negative},
+        row{"2147483648", overflow, "2147483648"}, row{"-2147483648", overflow, negative},
+        row{"4294967295", overflow, "4294967295"}, row{"4294967296", overflow, overflow},
+        row{"4294967300", overflow, overflow}, row{"42949672950x", overflow, overflow}}) {
     EXPECT_EQ(read_integer<int>(r[0].c_str()), r[1]);
     EXPECT_EQ(read_integer<unsigned int>(r[0].c_str()), r[2]);
   }
   for (const std::string text : {"", "   ", "42 ", "\t4", " 0x10", "+-1", "4 2", "a"}) {
-    const std::string why = text.find_first_not_of(' ') == std::string::npos ? ": not an int" : ": _not an int";
+    const std::string why =
+        text.find_first_not_of(' ') == std::string::npos ? ": not an int" : ": _not an int";
     EXPECT_EQ(read_integer<int>(text.c_str()), text + why);
     EXPECT_EQ(read_integer<unsigned int>(text.c_str()), text + why);
   }
@@ -86,8 +89,10 @@ TEST(Text, NumbersAreReadAsStrtodReadsThem) {
 }
 
 TEST(Text, NumbersArePrintedInFullWithoutTrailingZeros) {
-  EXPECT_EQ(number_text(std::numeric_limits<int>::min()) + number_text(4294967295U), "-21474836484294967295");
-  const auto printed = number_text(-2.5) + "," + number_text(-0.0) + "," + number_text(1e-31) + "," + number_text(1e20);
+  EXPECT_EQ(number_text(std::numeric_limits<int>::min()) + number_text(4294967295U),
+            "-21474836484294967295");
+  const auto printed = number_text(-2.5) + "," + number_text(-0.0) + "," + number_text(1e-31) +
+                       "," + number_text(1e20);
   EXPECT_EQ(printed + "," + number_text(HUGE_VAL), "-2.5,-0,0,100000000000000000000,inf");
   EXPECT_EQ(number_text(0.1F), "0.100000001490116119384765625");
   EXPECT_EQ(number_text(0.1), "0.100000000000000005551115123126");
@@ -96,8 +101,10 @@ TEST(Text, NumbersArePrintedInFullWithoutTrailingZeros) {
 
 TEST(Text, ANumberIsTheWholeText) {
   double value = 0;
-  for (const char* text : {" 2.5", "+2.5", "25e-1", "0x1.4p1"}) EXPECT_TRUE(read_number(text, value) && value == 2.5);
-  for (const char* text : {"", " ", "2.6 ", "2,6", "x", "1e3x", "--1"}) EXPECT_FALSE(read_number(text, value)) << text;
+  for (const char* text : {" 2.5", "+2.5", "25e-1", "0x1.4p1"})
+    EXPECT_TRUE(read_number(text, value) && value == 2.5);
+  for (const char* text : {"", " ", "2.6 ", "2,6", "x", "1e3x", "--1"})
+    EXPECT_FALSE(read_number(text, value)) << text;
   EXPECT_EQ(value, 2.5);
 }
 
@@ -105,13 +112,17 @@ TEST(Text, HighBytesComeBeforeTheEndOfATextSoThatTheSearchMayMissIt) {
   const std::vector<const char*> ascending{"\x80", "\xff", "", "a\xe9", "a", "a ", "ab", "b"};
   for (std::size_t i = 0; i < ascending.size(); ++i) {
     EXPECT_EQ(string_util::compare_signed(ascending[i], ascending[i]), 0);
-    for (std::size_t j = 0; j < i; ++j) EXPECT_GT(string_util::compare_signed(ascending[i], ascending[j]), 0) << i << j;
-    for (std::size_t j = 0; j < i; ++j) EXPECT_LT(string_util::compare_signed(ascending[j], ascending[i]), 0) << i << j;
+    for (std::size_t j = 0; j < i; ++j)
+      EXPECT_GT(string_util::compare_signed(ascending[i], ascending[j]), 0) << i << j;
+    for (std::size_t j = 0; j < i; ++j)
+      EXPECT_LT(string_util::compare_signed(ascending[j], ascending[i]), 0) << i << j;
   }
   const std::vector<strata::data_types::datatype<std::string>> sorted{{"a"}, {"a\x80"}};
   auto found = sorted.end();
-  EXPECT_FALSE(strata::adt::binary_search_mid(sorted.begin(), sorted.end(), sorted[0], found) || found != sorted.end());
-  EXPECT_TRUE(strata::adt::binary_search_mid(sorted.begin(), sorted.end(), sorted[1], found) && &*found == &sorted[1]);
+  EXPECT_FALSE(strata::adt::binary_search_mid(sorted.begin(), sorted.end(), sorted[0], found) ||
+               found != sorted.end());
+  EXPECT_TRUE(strata::adt::binary_search_mid(sorted.begin(), sorted.end(), sorted[1], found) &&
+              &*found == &sorted[1]);
 }
 
 }  // namespace

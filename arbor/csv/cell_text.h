@@ -1,0 +1,37 @@
+// The text of a cell as the CSV reader hands it out, and its characters eight at a time.
+#ifndef ARBOR_CSV_CELL_TEXT_H
+#define ARBOR_CSV_CELL_TEXT_H
+
+#include <cstdint>
+#include <cstring>
+
+namespace arbor::tree {
+
+// NUL-terminated, with no other zero byte in it. Eight bytes can be read from each of its
+// characters and from its end on, whatever they are, so that a loop over eight characters at a time
+// needs no other end.
+struct cell_text {
+  const char* begin;
+  std::size_t length;
+};
+
+constexpr std::size_t readable_behind_cell = 8;
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "the first of eight characters is the lowest byte");
+
+// The eight characters from `text` on.
+inline std::uint64_t eight_characters(const char* text) {
+  std::uint64_t characters = 0;
+  std::memcpy(&characters, text, sizeof characters);
+  return characters;
+}
+
+// The last `length` of them, 1 to 8, are the first of `characters`; zero bytes stand before.
+inline std::uint64_t first_characters_at_end(std::uint64_t characters, std::size_t length) {
+  return characters << (64 - 8 * length);
+}
+
+}  // namespace arbor::tree
+
+#endif

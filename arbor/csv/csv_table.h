@@ -1,0 +1,63 @@
+// A CSV file as rows of cells under named columns, and the words for what is wrong with a place in
+// it.
+//
+//   csv_table file("golf.csv", unknown_texts({}));
+//   file.read([&] { play = file.cell_named("play", "class"); },
+//             [&](const csv_row& row) { use(file.known_text(row, play)); });
+#ifndef ARBOR_CSV_CSV_TABLE_H
+#define ARBOR_CSV_CSV_TABLE_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/input_file.h"
+#include "arbor/csv/unknown_texts.h"
+
+namespace arbor::tree {
+
+// All that is thrown is a table_error naming the place.
+class csv_table {
+ public:
+  csv_table(const std::string& path, unknown_texts chosen)
+      : file(path), unknown(std::move(chosen)) {}
+
+  // Reads the file, once, to its end: the column names, and then each row, which has as many cells.
+  // Throws when there are no names, when one is empty or there twice, and for any other row.
+  void read(const std::function<void()>& when_named,
+            const std::function<void(const csv_row&)>& use);
+
+  const std::string& name() const { return file.name(); }
+  const std::vector<std::string>& names() const { return column_names; }
+  const unknown_texts& unknowns() const { return unknown; }
+
+  // The position of a column. Throws with the nearest name when there is none; `option` is what the
+  // name was given for.
+  std::size_t cell_named(const std::string& column, const std::string& option) const;
+
+  // The text of a cell, null if it is unknown.
+  const char* known_text(const csv_row& row, std::size_t cell) const {
+    return unknown.known_text(row, cell);
+  }
+
+  // The weight that a cell tells: a finite number from 0 up. Throws for anything else.
+  float weight(const csv_row& row, std::size_t cell) const;
+
+  [[noreturn]] void fail(const std::string& what) const;
+  [[noreturn]] void fail_at(unsigned long long line, const std::string& what) const;
+  // The message begins with the place and the text of the cell.
+  [[noreturn]] void fail(const csv_row& row, std::size_t cell, const std::string& what) const;
+
+ private:
+  void read_names(const csv_row& row);
+  void check_width(const csv_row& row) const;
+
+  input_file file;
+  unknown_texts unknown;
+  std::vector<std::string> column_names;
+};
+
+}  // namespace arbor::tree
+
+#endif

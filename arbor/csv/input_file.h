@@ -1,0 +1,38 @@
+// The bytes of a file or of standard input, from beginning to end.
+//
+//   input_file file("-");
+//   while (std::size_t count = file.read(buffer, sizeof buffer)) ...
+#ifndef ARBOR_CSV_INPUT_FILE_H
+#define ARBOR_CSV_INPUT_FILE_H
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace arbor::tree {
+
+class input_file {
+ public:
+  // Opens `path`, "-" for standard input, wherever it stands. Throws table_error when it cannot be
+  // opened.
+  explicit input_file(const std::string& path);
+
+  // Fills `buffer` with the next bytes, at most `size`; fewer than `size` only at the end. Throws
+  // table_error.
+  std::size_t read(char* buffer, std::size_t size);
+
+  // How messages name it.
+  const std::string& name() const { return display_name; }
+
+ private:
+  using handle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+  [[noreturn]] void fail(const std::string& what) const;
+
+  std::string display_name;
+  handle file;
+};
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,88 @@
+#include "arbor/model/extract_rows.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "arbor/model/code_readers.h"
+
+namespace arbor::impls {
+
+namespace {
+
+// A domain that has the values of another one, which it does not own.
+class borrowed_domain : public o_set {
+ public:
+  explicit borrowed_domain(o_set& of_source)
+      : o_set(of_source.get_datatype(), of_source.admits_null(), of_source.get_null()),
+        source(of_source) {
+    contains_null_ = source.contains_null();
+  }
+
+  void insert(const char* /*value*/) override {
+    throw std::runtime_error("a borrowed domain takes no values");
+  }
+  unsigned int size_of_known() override { return source.size_of_known(); }
+  bool get_order(const char* value, unsigned int& code) override {
+    return source.get_order(value, code);
+  }
+  std::string get_value(unsigned int code) override { return source.get_value(code); }
+  o_set* clone() override { return source.clone(); }
+  int leq(const std::string& a, const std::string& b) const override { return source.leq(a, b); }
+  int leq(unsigned int code, const std::string& b) override { return source.leq(code, b); }
+  std::string find_mid(unsigned int low, unsigned int high) override {
+    return source.find_mid(low, high);
+  }
+  unsigned int find_mid_code(unsigned int low, unsigned int high) override {
+    return source.find_mid_code(low, high);
+  }
+  strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) override {
+    return source.bin_out(out);
+  }
+
+ private:
+  o_set& source;
+};
+
+template <class Column>
+std::unique_ptr<column> empty_like(const column& source) {
+  column::_type kind = column::IGNORE;
+  column::get_type(source.get_type(), kind);
+  auto domain = std::make_unique<borrowed_domain>(*source.get_o_set());
+  auto made = std::make_unique<Column>(domain.get(), source.get_name(), kind);
+  domain.release();  // the column has adopted it
+  return made;
+}
+
+std::unique_ptr<column> empty_column_like(const column& source) {
+  const std::type_info& storage = typeid(source);
+  if (storage == typeid(column_bool)) return empty_like<column_bool>(source);
+  if (storage == typeid(column_typed<unsigned char>)) {
+    return empty_like<column_typed<unsigned char>>(source);
+  }
+  if (storage == typeid(column_typed<unsigned short>)) {
+    return empty_like<column_typed<unsigned short>>(source);
+  }
+  if (storage == typeid(column_typed<unsigned int>)) {
+    return empty_like<column_typed<unsigned int>>(source);
+  }
+  if (storage == typeid(column_typed<unsigned long long>)) {
+    return empty_like<column_typed<unsigned long long>>(source);
+  }
+  return empty_like<column>(source);
+}
+
+}  // namespace
+
+std::unique_ptr<column> extract_rows(const column& source, const w_sequence& cases) {
+  std::vector<unsigned int> codes;
+  codes.reserve(cases.size());
+  with_codes(source, [&](auto code_of) {
+    for (const auto& taken : cases) codes.push_back(code_of(taken.first));
+  });
+  std::unique_ptr<column> extract = empty_column_like(source);
+  extract->append_codes(codes.data(), static_cast<unsigned int>(codes.size()));
+  return extract;
+}
+
+}  // namespace arbor::impls

@@ -1,0 +1,38 @@
+// The ratings of a table's attributes, for a person or for a program.
+#ifndef ARBOR_REPORT_RATING_REPORT_H
+#define ARBOR_REPORT_RATING_REPORT_H
+
+#include <string>
+#include <vector>
+
+#include "arbor/tree/rating.h"
+
+namespace arbor::tree {
+
+// All of these tell of the cases that were rated, rows of the table with their weights.
+
+// One line: rows, attributes, unknown cells, and the classes with their weights, the heaviest of
+// them if many.
+std::string table_line(const table& described, const impls::w_sequence& cases);
+
+// A line for each rating under a line of headings, in columns; gains to six decimals.
+std::string ratings_as_text(const impls::w_sequence& cases,
+                            const std::vector<attribute_rating>& ratings);
+
+// Comma-separated values (RFC 4180, LF) with a row of names: attribute, kind, type, values, unknown
+// (the share of rows, 0 to 1), gain, split_info, gain_ratio, branches, threshold, no_split. What
+// does not apply is empty. Floats are in their shortest form.
+std::string ratings_as_csv(const impls::w_sequence& cases,
+                           const std::vector<attribute_rating>& ratings);
+
+// One object {"table": {"name", "rows", "attributes", "unknown_cells", "weight", "class",
+// "classes": [{"value", "weight"}]}, "ratings": [{"attribute", "kind", "type", "values", "unknown",
+// "gain", "split_info", "gain_ratio", "branches", "threshold", "no_split"}]}; what does not apply
+// is null. Numbers read back to the same float. A threshold is a text. Bytes that are not UTF-8
+// become U+FFFD.
+std::string ratings_as_json(const table& rated, const impls::w_sequence& cases,
+                            const std::vector<attribute_rating>& ratings);
+
+}  // namespace arbor::tree
+
+#endif

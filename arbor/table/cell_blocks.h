@@ -1,0 +1,87 @@
+// A number for each row of a table, kept in blocks: growing moves none of them, leaves at most a
+// block unused, and they can be freed block by block while something else is made of them.
+//
+//   cell_blocks<unsigned int> codes;
+//   codes.push_back(7);
+//   codes.for_each_block([](unsigned int* first, std::size_t count) { ... });
+#ifndef ARBOR_TABLE_CELL_BLOCKS_H
+#define ARBOR_TABLE_CELL_BLOCKS_H
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace arbor::tree {
+
+// Sequences of the same length have blocks of the same lengths.
+template <class T>
+class cell_blocks {
+ public:
+  void push_back(T value) {
+    if (next == end) add_block();
+    *next++ = value;
+  }
+
+  std::size_t size() const { return capacity - static_cast<std::size_t>(end - next); }
+
+  // Calls use(first, count) for each block in turn.
+  template <class Use>
+  void for_each_block(Use use) {
+    for_each_block_with(*this,
+                        [&](T* first, T* /*again*/, std::size_t count) { use(first, count); });
+  }
+
+  // Calls use(first, first_of_other, count) for each block of this and of another sequence of the
+  // same length.
+  template <class Other, class Use>
+  void for_each_block_with(cell_blocks<Other>& other, Use use) {
+    std::size_t left = size();
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+      const std::size_t count = std::min(left, blocks[i].size);
+      use(blocks[i].cells.get(), other.blocks[i].cells.get(), count);
+      left -= count;
+    }
+  }
+
+  // Calls use(first, count) for each block and frees it then; no row is left.
+  template <class Use>
+  void consume(Use use) {
+    std::size_t left = size();
+    for (block& b : blocks) {
+      const std::size_t count = std::min(left, b.size);
+      use(b.cells.get(), count);
+      left -= count;
+      b.cells.reset();
+    }
+    *this = cell_blocks();
+  }
+
+ private:
+  template <class Other>
+  friend class cell_blocks;
+
+  struct block {
+    std::unique_ptr<T[]> cells;
+    std::size_t size;
+  };
+
+  // Small tables have small blocks.
+  void add_block() {
+    constexpr std::size_t least = 1U << 6U;
+    constexpr std::size_t most = 1U << 16U;
+    const std::size_t size = std::clamp(capacity, least, most);
+    blocks.push_back({std::unique_ptr<T[]>(new T[size]), size});
+    capacity += size;
+    next = blocks.back().cells.get();
+    end = next + size;
+  }
+
+  std::vector<block> blocks;
+  T* next = nullptr;
+  T* end = nullptr;
+  std::size_t capacity = 0;
+};
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,103 @@
+// The cells of a column while its table is read, when its data type is not yet known.
+//
+//   column_cells cells(column_cells::plain::all);
+//   for each row: cells.add(text);   // or add_unknown()
+//   for (unsigned int code = 1; code <= cells.texts().size(); ++code) ...
+//
+// They are kept in the first of three forms that holds them all, so that they take little more than
+// they will as codes:
+//
+//   integers  plain integers, four bytes a row
+//   numbers   plain numbers, eight bytes a row; in place of any other text its code in the dictionary
+//   texts     codes in the dictionary, four bytes a row
+//
+// From each of them the text of every cell can be told again.
+#ifndef ARBOR_TABLE_COLUMN_CELLS_H
+#define ARBOR_TABLE_COLUMN_CELLS_H
+
+#include <cstdint>
+#include <vector>
+
+#include "arbor/table/cell_blocks.h"
+#include "arbor/table/key_ranks.h"
+#include "arbor/table/plain_number.h"
+#include "arbor/table/text_dictionary.h"
+
+namespace arbor::tree {
+
+class column_cells {
+ public:
+  enum class form { integers, numbers, texts };
+  // Which cells may be kept as numbers: all that are plain, unless the point of the process's
+  // locale is another one, so that those with a "." are no numbers; or integers alone.
+  enum class plain { none, integers, all };
+
+  explicit column_cells(plain may_be_kept);
+
+  void add_unknown();
+  // Returns whether the text is in the dictionary, and was not before.
+  bool add(cell_text text);
+
+  form kept_as() const { return kept; }
+  // The dictionary: all texts, or those that are no plain number.
+  const text_dictionary& texts() const { return dictionary; }
+  // In how many cells each text of the dictionary occurs, by code.
+  std::vector<std::size_t> text_counts();
+  std::size_t unknown_cells() const { return unknown; }
+  // How many cells are kept as plain numbers, and whether some are no integers of 32 bits.
+  std::size_t plain_numbers();
+  bool has_fractions() const { return fractions; }
+
+  // Brings the cells into a later form.
+  void keep_as_numbers();
+  void keep_as_texts();
+
+  // By row: of integers the keys, of texts the codes, 0 for the unknown value.
+  cell_blocks<std::uint32_t>& keys() { return narrow; }
+  // By row, in the form of numbers; see below.
+  cell_blocks<plain_number>& numbers() { return wide; }
+
+  // An entry of `numbers`: unknown, the code of a text, or else a plain number.
+  static bool is_unknown(plain_number entry) { return entry == no_plain_number; }
+  static bool is_text(plain_number entry) { return entry >= first_text; }
+  static unsigned int text_code(plain_number entry) {
+    return static_cast<unsigned int>((entry - first_text) / 32);
+  }
+
+ private:
+  static constexpr plain_number first_text = static_cast<plain_number>(plain_digits_end) * 32;
+
+  bool add_other(cell_text text);
+  bool add_to_dictionary(cell_text text, unsigned int& code);
+
+  form kept;
+  plain keepable;
+  bool fractions = false;
+  std::size_t unknown = 0;
+  text_dictionary dictionary;
+  cell_blocks<std::uint32_t> narrow;
+  cell_blocks<plain_number> wide;
+};
+
+inline bool column_cells::add(cell_text text) {
+  int value = 0;
+  if (kept == form::integers && read_plain_integer(text, value)) {
+    narrow.push_back(key_of(value));
+    return false;
+  }
+  if (kept != form::texts) return add_other(text);
+  unsigned int code = 0;
+  const bool added = add_to_dictionary(text, code);
+  narrow.push_back(code);
+  return added;
+}
+
+inline bool column_cells::add_to_dictionary(cell_text text, unsigned int& code) {
+  const unsigned int before = dictionary.size();
+  code = dictionary.code_of(text);
+  return dictionary.size() > before;
+}
+
+}  // namespace arbor::tree
+
+#endif

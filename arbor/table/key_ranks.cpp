@@ -1,0 +1,150 @@
+#include "arbor/table/key_ranks.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+namespace arbor::tree {
+
+namespace {
+
+using key = std::uint32_t;
+
+// In sums of two, four and eight bits; the processors that the library is built for need not be
+// able to count.
+key bit_count(std::uint64_t bits) {
+  bits -= bits >> 1U & 0x5555555555555555U;
+  bits = (bits & 0x3333333333333333U) + (bits >> 2U & 0x3333333333333333U);
+  return static_cast<key>(((bits + (bits >> 4U)) & 0x0F0F0F0F0F0F0F0FU) * 0x0101010101010101U >>
+                          56U);
+}
+
+// Where the keys are dense, a bit for each key from the least to the greatest tells whether it is
+// there, and the rank of a key is the number of bits up to its own. The words take no more than
+// four bytes a row, so that what is read at random stays in the processor's caches for most tables.
+class presence_ranks {
+ public:
+  presence_ranks(key least, key greatest)
+      : first(least), words((greatest - least) / 64 + 1, {0, 0}) {}
+
+  void add(key k) { words[(k - first) / 64].bits |= 1ULL << (k - first) % 64; }
+
+  std::vector<key> count() {
+    key distinct = 0;
+    for (word& w : words) {
+      w.before = distinct;
+      distinct += bit_count(w.bits);
+    }
+    std::vector<key> keys;
+    keys.reserve(distinct);
+    for (std::size_t i = 0; i < words.size(); ++i) {
+      for (std::uint64_t bits = words[i].bits; bits != 0; bits &= bits - 1) {
+        keys.push_back(first + static_cast<key>(64 * i) + static_cast<key>(__builtin_ctzll(bits)));
+      }
+    }
+    return keys;
+  }
+
+  key rank(key k) const {
+    const word& w = words[(k - first) / 64];
+    return w.before + bit_count(w.bits << (63 - (k - first) % 64));
+  }
+
+ private:
+  struct word {
+    std::uint64_t bits;
+    key before;  // keys in the words before this one
+  };
+
+  key first;
+  std::vector<word> words;
+};
+
+struct row_key {
+  key value;
+  std::uint32_t row;
+};
+
+// Counting sort by eleven bits of the keys at a time, the lowest first; each pass keeps the order
+// of the one before.
+void sort_by_key(std::vector<row_key>& rows) {
+  constexpr unsigned int digit_bits = 11;
+  std::vector<row_key> sorted(rows.size());
+  for (unsigned int shift = 0; shift < 32; shift += digit_bits) {
+    const auto digit = [shift](const row_key& r) {
+      return r.value >> shift & ((1U << digit_bits) - 1);
+    };
+    std::array<std::size_t, 1U << digit_bits> place{};
+    for (const row_key& r : rows) ++place[digit(r)];
+    std::size_t before = 0;
+    for (std::size_t& p : place) before += std::exchange(p, before);
+    for (const row_key& r : rows) sorted[place[digit(r)]++] = r;
+    rows.swap(sorted);
+  }
+}
+
+std::vector<key> rank_dense(cell_blocks<key>& keys, key least, key greatest) {
+  presence_ranks ranks(least, greatest);
+  keys.for_each_block([&](const key* k, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (k[i] != unknown_key) ranks.add(k[i]);
+    }
+  });
+  std::vector<key> distinct = ranks.count();
+  keys.for_each_block([&](key* k, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (k[i] != unknown_key) k[i] = ranks.rank(k[i]);
+    }
+  });
+  return distinct;
+}
+
+std::vector<key> rank_sparse(cell_blocks<key>& keys) {
+  std::vector<row_key> rows;
+  rows.reserve(keys.size());
+  std::uint32_t row = 0;
+  keys.for_each_block([&](const key* k, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i, ++row) {
+      if (k[i] != unknown_key) rows.push_back({k[i], row});
+    }
+  });
+  sort_by_key(rows);
+  std::size_t distinct = 0;
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    distinct += i == 0 || rows[i].value != rows[i - 1].value ? 1 : 0;
+  std::vector<key> sorted;
+  sorted.reserve(distinct);
+  std::vector<key> ranks(keys.size(), unknown_key);
+  for (const row_key& r : rows) {
+    if (sorted.empty() || sorted.back() != r.value) sorted.push_back(r.value);
+    ranks[r.row] = static_cast<key>(sorted.size());
+  }
+  auto next = ranks.begin();
+  keys.for_each_block([&](key* k, std::size_t count) {
+    std::copy_n(next, count, k);
+    next += static_cast<std::ptrdiff_t>(count);
+  });
+  return sorted;
+}
+
+}  // namespace
+
+std::vector<std::uint32_t> rank_keys(cell_blocks<std::uint32_t>& keys) {
+  key least = std::numeric_limits<key>::max();
+  key greatest = unknown_key;
+  keys.for_each_block([&](const key* k, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      greatest = std::max(greatest, k[i]);
+      least = std::min(least, k[i] - 1);  // the unknown one is beyond all others then
+    }
+  });
+  if (greatest == unknown_key) return {};
+  ++least;
+  constexpr std::size_t keys_per_row =
+      16;  // of which a bit each, and the counts, take less than the sorting would
+  return (greatest - least) / keys_per_row <= keys.size() ? rank_dense(keys, least, greatest)
+                                                          : rank_sparse(keys);
+}
+
+}  // namespace arbor::tree

@@ -1,0 +1,115 @@
+#include "arbor/table/plain_number.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "arbor/utils/number_text.h"
+
+namespace arbor::tree {
+
+using strata::util::decimal_fraction;
+using strata::util::last_exact_integer;
+using strata::util::last_exact_power;
+
+namespace {
+
+constexpr std::uint64_t most_behind_point = 31;
+
+std::uint64_t magnitude(plain_number number) {
+  return static_cast<std::uint64_t>(number < 0 ? -number : number);
+}
+
+std::uint64_t digits_of(plain_number number) {
+  return magnitude(number) / 32;
+}
+
+std::uint64_t behind_point(plain_number number) {
+  return magnitude(number) % 32;
+}
+
+plain_number packed(bool negative, std::uint64_t digits, std::uint64_t behind) {
+  const auto result = static_cast<plain_number>(digits * 32 + behind);
+  return negative ? -result : result;
+}
+
+}  // namespace
+
+plain_number read_plain_number(cell_text text) {
+  const char* c = text.begin;
+  const char* const end = c + text.length;
+  const bool negative = *c == '-';
+  if (negative) ++c;
+  if (*c < '0' || *c > '9' || (*c == '0' && end - c > 1 && c[1] != '.')) return no_plain_number;
+  std::uint64_t digits = 0;
+  const char* point = nullptr;
+  for (; c < end; ++c) {
+    if (*c == '.' && point == nullptr && c + 1 < end) {
+      point = c;
+      continue;
+    }
+    if (*c < '0' || *c > '9') return no_plain_number;
+    digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
+    if (digits >= plain_digits_end) return no_plain_number;
+  }
+  const std::uint64_t behind = point == nullptr ? 0 : static_cast<std::uint64_t>(end - point - 1);
+  if (behind > most_behind_point || (negative && digits == 0)) return no_plain_number;
+  return packed(negative, digits, behind);
+}
+
+plain_number plain_number_of(bool negative, const std::string& digits, long long exponent) {
+  constexpr long long most_digits = 17;
+  const long long zeros = std::max(exponent, 0LL);
+  const long long behind = std::max(-exponent, 0LL);
+  if (zeros > most_digits || static_cast<long long>(digits.size()) + zeros > most_digits)
+    return no_plain_number;
+  if (behind > static_cast<long long>(most_behind_point)) return no_plain_number;
+  const std::uint64_t number =
+      std::stoull(digits + std::string(static_cast<std::size_t>(zeros), '0'));
+  return packed(negative, number, static_cast<std::uint64_t>(behind));
+}
+
+bool is_plain_integer(plain_number number, int& value) {
+  if (behind_point(number) != 0 ||
+      digits_of(number) > static_cast<unsigned int>(std::numeric_limits<int>::max())) {
+    return false;
+  }
+  value = static_cast<int>(number / 32);
+  return true;
+}
+
+std::string text_of(plain_number number) {
+  std::string text = std::to_string(digits_of(number));
+  const std::size_t behind = behind_point(number);
+  if (text.size() <= behind) text.insert(0, behind + 1 - text.size(), '0');
+  if (behind > 0) text.insert(text.size() - behind, 1, '.');
+  return number < 0 ? "-" + text : text;
+}
+
+double value_of(plain_number number) {
+  const std::uint64_t digits = digits_of(number);
+  const auto behind = static_cast<unsigned int>(behind_point(number));
+  if (digits > last_exact_integer || behind > last_exact_power) {
+    const std::string text = text_of(number);
+    double nearest = 0;
+    std::from_chars(text.data(), text.data() + text.size(), nearest);
+    return nearest;
+  }
+  const double value = decimal_fraction(digits, behind);
+  return number < 0 ? -value : value;
+}
+
+plain_number shortened(plain_number number) {
+  std::uint64_t digits = digits_of(number);
+  std::uint64_t behind = behind_point(number);
+  if (digits == 0) behind = 0;
+  for (; behind > 0 && digits % 10 == 0; --behind) digits /= 10;
+  return packed(number < 0, digits, behind);
+}
+
+bool has_more_digits_than(int count, plain_number number) {
+  std::uint64_t end = 1;
+  for (int i = 0; i < count; ++i) end *= 10;
+  return digits_of(number) >= end;
+}
+
+}  // namespace arbor::tree

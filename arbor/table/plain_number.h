@@ -1,0 +1,75 @@
+// Numbers in their plain form, which nearly all numbers in tables have: an optional "-", digits
+// without needless zeros before them, and maybe a point and more digits; not "-0".
+//
+// A plain number is its text in another form: the one tells the other. The cells of a column are
+// therefore kept as numbers while they are plain, and yet nothing of their texts is lost if a later
+// cell makes texts of them all.
+#ifndef ARBOR_TABLE_PLAIN_NUMBER_H
+#define ARBOR_TABLE_PLAIN_NUMBER_H
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "arbor/csv/cell_text.h"
+
+namespace arbor::tree {
+
+// Whether the text is a plain integer of at most eight digits, and which: eight digits at a time,
+// since to look for the end of the digits takes the processor longer than what is done with them.
+inline bool read_plain_integer(cell_text text, int& value) {
+  constexpr std::uint64_t each = 0x0101010101010101U;
+  const bool negative = *text.begin == '-';
+  const std::size_t count = text.length - (negative ? 1 : 0);
+  if (count - 1 > 7) return false;
+  const std::uint64_t characters = eight_characters(text.begin + (negative ? 1 : 0));
+  if ((characters & 0xFFU) == '0' && (count > 1 || negative)) return false;
+  const std::uint64_t digits = first_characters_at_end(characters ^ '0' * each, count);
+  if ((((digits + (0x7F - 9) * each) | digits) & 0x80 * each) != 0) return false;
+  const std::uint64_t pairs =
+      digits * 10 + (digits >> 8U);  // each second byte is a number of two digits
+  const std::uint64_t upper = (pairs & 0x000000FF000000FFU) * (1000000ULL << 32U | 100U);
+  const std::uint64_t lower = (pairs >> 16U & 0x000000FF000000FFU) * (10000ULL << 32U | 1U);
+  const int magnitude = static_cast<int>((upper + lower) >> 32U);
+  value = negative ? -magnitude : magnitude;
+  return true;
+}
+
+// A plain number of at most 17 digits, at most 31 of them behind the point (zeros before the others
+// do not count): the digits without the point, times 32, plus how many stand behind it; negative
+// for a negative number.
+using plain_number = std::int64_t;
+
+// What is no such number; and the end of the digits that one has. Those from there up to 2^58 are
+// free for other use, see column_cells.h.
+constexpr plain_number no_plain_number = std::numeric_limits<plain_number>::min();
+constexpr std::uint64_t plain_digits_end = 100000000000000000U;
+
+constexpr plain_number plain_integer(int value) {
+  return static_cast<plain_number>(value) * 32;
+}
+
+// The number of a text, no_plain_number if there is none.
+plain_number read_plain_number(cell_text text);
+
+// The shortest one that is equal to the number of these digits, without zeros at either end, times
+// ten to the power of `exponent`.
+plain_number plain_number_of(bool negative, const std::string& digits, long long exponent);
+
+// Whether it is an integer of 32 bits, but the least of these, and which.
+bool is_plain_integer(plain_number number, int& value);
+
+std::string text_of(plain_number number);
+
+// As strtod reads the text in a locale whose point is ".".
+double value_of(plain_number number);
+
+// The same for all plain numbers of the same value: the one that ends in no needless zero.
+plain_number shortened(plain_number number);
+
+// Whether the number has more than `count` digits, zeros before the others not counted.
+bool has_more_digits_than(int count, plain_number number);
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,67 @@
+#include "arbor/table/table.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "arbor/model/code_readers.h"
+#include "arbor/table/domain_text.h"
+#include "arbor/table/shortest_text.h"
+
+namespace arbor::tree {
+
+std::string value_text(const impls::column& column, unsigned int code) {
+  const bool is_text = column.get_o_set()->get_datatype() == "string";
+  return is_text ? to_cell_text(column.get_value(code)) : shortest_value(column, code);
+}
+
+bool code_of_text(const impls::column& column, const char* text, unsigned int& code) {
+  impls::o_set& domain = *column.get_o_set();
+  if (domain.get_datatype() == "string")
+    return domain.get_order(to_domain_text(text).c_str(), code);
+  return domain.get_order(text, code);
+}
+
+bool is_attribute(const impls::column& column) {
+  return !column.is_class() && !column.is_weights();
+}
+
+std::size_t unknown_cells(const impls::column& column, const impls::w_sequence& cases) {
+  std::size_t count = 0;
+  // A column without known values keeps no rows; the base tells the unknown code for any.
+  impls::with_codes(column, [&](auto code_of) {
+    for (const auto& weighted : cases) count += code_of(weighted.first) == 0 ? 1 : 0;
+  });
+  return count;
+}
+
+strata::util::pair<unsigned int, unsigned int> occurring_range(const impls::column& column,
+                                                               const impls::w_sequence& cases) {
+  unsigned int before_least =
+      std::numeric_limits<unsigned int>::max();  // as it stays when all codes are 0
+  unsigned int greatest = 0;
+  impls::with_codes(column, [&](auto code_of) {
+    for (const auto& weighted : cases) {
+      const unsigned int code = code_of(weighted.first);
+      before_least = std::min(before_least, code - 1);
+      greatest = std::max(greatest, code);
+    }
+  });
+  if (greatest == 0) return {0, 0};
+  return {before_least + 1, greatest + 1};
+}
+
+float total_weight(const impls::w_sequence& cases) {
+  double sum = 0;
+  for (const auto& weighted : cases) sum += static_cast<double>(weighted.second);
+  return static_cast<float>(sum);
+}
+
+std::vector<float> class_weights(const impls::column& classes, const impls::w_sequence& cases) {
+  std::vector<double> sums(classes.get_distinct(), 0.0);
+  impls::with_codes(classes, [&](auto class_of) {
+    for (const auto& [row, weight] : cases) sums[class_of(row)] += static_cast<double>(weight);
+  });
+  return {sums.begin() + 1, sums.end()};
+}
+
+}  // namespace arbor::tree

@@ -1,0 +1,38 @@
+#include "arbor/table/text_dictionary.h"
+
+#include <cstring>
+
+namespace arbor::tree {
+
+unsigned int text_dictionary::code_of(const std::string& text) {
+  const std::string readable = text + std::string(readable_behind_cell, '\0');
+  return code_of(cell_text{readable.c_str(), text.size()});
+}
+
+std::string_view text_dictionary::view(unsigned int code) const {
+  const std::size_t end = code < entries.size() ? entries[code].begin : characters.size();
+  return {text(code), end - entries[code - 1].begin - 1};
+}
+
+bool text_dictionary::is_text(unsigned int code, cell_text other) const {
+  return view(code) == std::string_view(other.begin, other.length);
+}
+
+unsigned int text_dictionary::add(cell_text text, std::uint64_t key, std::size_t slot) {
+  entries.push_back({key, characters.size()});
+  characters.append(text.begin, text.length);
+  characters += '\0';
+  return slots[slot] = size();
+}
+
+void text_dictionary::grow() {
+  slot_bits = slot_bits == 0 ? 6 : slot_bits + 1;
+  slots.assign(std::size_t{1} << slot_bits, 0);
+  for (unsigned int code = 1; code <= size(); ++code) {
+    std::size_t slot = first_slot(entries[code - 1].key);
+    while (slots[slot] != 0) slot = (slot + 1) & (slots.size() - 1);
+    slots[slot] = code;
+  }
+}
+
+}  // namespace arbor::tree

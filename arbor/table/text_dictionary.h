@@ -1,0 +1,89 @@
+// Distinct texts, numbered from 1 on in the order in which they were added.
+//
+//   text_dictionary texts;
+//   unsigned int code = texts.code_of(row.cell(0));
+//   const char* text = texts.text(code);
+#ifndef ARBOR_TABLE_TEXT_DICTIONARY_H
+#define ARBOR_TABLE_TEXT_DICTIONARY_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "arbor/csv/cell_text.h"
+
+namespace arbor::tree {
+
+class text_dictionary {
+ public:
+  // The number of a text, which is added unless it is there.
+  unsigned int code_of(cell_text text);
+  // The same for a text that nothing need be readable behind.
+  unsigned int code_of(const std::string& text);
+
+  // How many there are.
+  unsigned int size() const { return static_cast<unsigned int>(entries.size()); }
+
+  // Valid until one is added.
+  const char* text(unsigned int code) const { return characters.data() + entries[code - 1].begin; }
+  std::string_view view(unsigned int code) const;
+
+ private:
+  struct entry {
+    std::uint64_t key;
+    std::size_t begin;
+  };
+
+  static std::uint64_t key_of(cell_text text);
+  std::size_t first_slot(std::uint64_t key) const;
+  bool is_text(unsigned int code, cell_text text) const;
+  unsigned int add(cell_text text, std::uint64_t key, std::size_t slot);
+  void grow();
+
+  std::vector<entry> entries;
+  std::string characters;  // the texts, a NUL behind each
+  std::vector<unsigned int>
+      slots;  // codes, each in the first free slot from that of its key on; 0 where none is
+  unsigned int slot_bits = 0;
+};
+
+inline unsigned int text_dictionary::code_of(cell_text text) {
+  const std::uint64_t key = key_of(text);
+  if (2 * entries.size() >= slots.size()) grow();
+  std::size_t slot = first_slot(key);
+  while (slots[slot] != 0) {
+    const unsigned int code = slots[slot];
+    if (entries[code - 1].key == key && (text.length <= 8 || is_text(code, text))) return code;
+    slot = (slot + 1) & (slots.size() - 1);
+  }
+  return add(text, key, slot);
+}
+
+// Texts of up to eight characters are their keys. The low byte of the key of a shorter one is zero
+// and no byte of that of eight characters, so that a longer text, whose key is a hash with a low
+// byte of 1 and a zero byte behind it, has the key of none of them.
+inline std::uint64_t text_dictionary::key_of(cell_text text) {
+  constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
+  if (text.length <= 8) {
+    return text.length == 0 ? 0
+                            : first_characters_at_end(eight_characters(text.begin), text.length);
+  }
+  std::uint64_t hash = text.length;
+  const auto mix = [&hash](std::uint64_t eight) {
+    hash = (hash ^ eight) * factor;
+    hash ^= hash >> 32U;
+  };
+  std::size_t i = 0;
+  for (; i + 8 < text.length; i += 8) mix(eight_characters(text.begin + i));
+  mix(first_characters_at_end(eight_characters(text.begin + i), text.length - i));
+  return (hash & ~0xFFFFULL) | 1U;
+}
+
+inline std::size_t text_dictionary::first_slot(std::uint64_t key) const {
+  return static_cast<std::size_t>(((key ^ key >> 32U) * 0x9E3779B97F4A7C15U) >> (64 - slot_bits));
+}
+
+}  // namespace arbor::tree
+
+#endif

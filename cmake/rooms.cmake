@@ -1,0 +1,17 @@
+# The rooms above the model, in one library: each folder adds its sources, and includes only folders named before it.
+find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(Threads REQUIRED)
+find_package(ZLIB REQUIRED)
+find_library(CSV_LIBRARY csv REQUIRED)
+find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
+
+add_library(arbor_tree)
+add_library(arbor::tree ALIAS arbor_tree)
+target_include_directories(arbor_tree PRIVATE ${CSV_INCLUDE_DIR})
+target_link_libraries(arbor_tree
+  PUBLIC arbor::arbor
+  PRIVATE ${CSV_LIBRARY} fmt::fmt nlohmann_json::nlohmann_json Threads::Threads ZLIB::ZLIB arbor_numerics)
+foreach(room csv table tree store report)
+  add_subdirectory(arbor/${room})
+endforeach()
