@@ -1,5 +1,5 @@
-// How the loops over the cases read codes: where a column keeps them is found out once per call, so
-// that nothing is left to decide per case.
+// How the loops over the cases read codes: a column's storage is looked up once per call, so that
+// nothing is left to decide per case. Internal to the library.
 //
 //   with_codes(class_column, [&](auto class_of) {
 //     for (const auto& [row, weight] : *cases) weights[class_of(row)] += weight;
@@ -28,7 +28,7 @@ struct stored_bits {
   }
 };
 
-// Codes as get_row_index tells them, in 32 bits.
+// Codes as get_row_index returns them, in 32 bits.
 template <class T>
 struct stored_indices {
   const T* codes;
@@ -59,6 +59,25 @@ void with_codes(const column& source, Use&& use) {
     use(stored_indices<unsigned long long>(source));
   } else if (storage == typeid(column_bool)) {
     use(stored_bits{static_cast<const column_bool&>(source).bits().data()});
+  } else {
+    use(virtual_indices{&source});
+  }
+}
+
+// Calls `use` with a reader of the codes of a column_typed<T> in their full width; of a derived class,
+// one of what get_row_index returns.
+template <class T, class Use>
+void with_column_codes(const column_typed<T>& source, Use&& use) {
+  if (typeid(source) == typeid(column_typed<T>)) {
+    use(stored_codes<T>{source.codes().data()});
+  } else {
+    use(virtual_indices{&source});
+  }
+}
+template <class Use>
+void with_column_codes(const column_bool& source, Use&& use) {
+  if (typeid(source) == typeid(column_bool)) {
+    use(stored_bits{source.bits().data()});
   } else {
     use(virtual_indices{&source});
   }

@@ -43,9 +43,11 @@ w_sequence* column_bool::partition(w_sequence::const_iterator begin, w_sequence:
                                    const partition_desc& desc) const {
   if (type != DISCRETE && type != CLASS)
     return column::partition(begin, end, branch, total, ratio, range, desc);
-  // Whatever is not the second value is the first.
-  branch_cases result =
-      cases_of_value(begin, end, branch == 2 ? 2 : 1, total, stored_bits{values.data()});
+  branch_cases result;
+  // Any branch but the second value's is the first value's.
+  with_codes(*this, [&](auto code_of) {
+    result = cases_of_value(begin, end, branch == 2 ? 2 : 1, total, code_of);
+  });
   ratio = result.ratio;
   range = {branch, branch + 1};
   return result.cases.release();
@@ -70,7 +72,7 @@ void column_bool::quality_measure(column* class_column, float total_weight, w_se
                                   float min_weight, options* /*opts*/, splitting_desc& result,
                                   bool /*copy_cases*/) const {
   result.branches = 0;
-  result.split_column = const_cast<column_bool*>(this);  // told, not used
+  result.split_column = const_cast<column_bool*>(this);  // handed out, not changed
   result.set_no_split();
   if (code_range.second - code_range.first <= 1 || type != DISCRETE) return;
   QualityMeasureDiscrete(class_column, total_weight, cases, code_range, min_weight, result);
@@ -81,9 +83,11 @@ void column_bool::QualityMeasureDiscrete(column* class_column, float total_weigh
                                          strata::util::pair<unsigned int, unsigned int>& code_range,
                                          float min_weight, splitting_desc& result) const {
   result.branches = domain->size_of_known();
-  with_class_tally(
-      stored_bits{values.data()}, *class_column, *cases, code_range,
-      [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
+  with_column_codes(*this, [&](auto code_of) {
+    with_class_table(code_of, *class_column, *cases, code_range, [&](const auto& table) {
+      rate_discrete(table, total_weight, min_weight, result);
+    });
+  });
 }
 
 }  // namespace arbor::impls

@@ -53,16 +53,18 @@ w_sequence* column_typed<T>::partition(w_sequence::const_iterator begin,
   if (type != DISCRETE && type != CLASS && type != CONTINUOUS) {
     return column::partition(begin, end, branch, total, ratio, range, desc);
   }
-  const stored_indices<T> code_of(*this);
+  branch_cases result;
   if (type == CONTINUOUS) {
     const unsigned int threshold = get_index(desc.threshold.c_str());
-    branch_cases result = cases_of_side(begin, end, branch, total, code_of, threshold, range);
-    ratio = result.ratio;
-    return result.cases.release();
+    with_codes(*this, [&](auto code_of) {
+      result = cases_of_side(begin, end, branch, total, code_of, threshold, range);
+    });
+  } else {
+    with_codes(*this,
+               [&](auto code_of) { result = cases_of_value(begin, end, branch, total, code_of); });
+    range = {branch, branch + 1};
   }
-  branch_cases result = cases_of_value(begin, end, branch, total, code_of);
   ratio = result.ratio;
-  range = {branch, branch + 1};
   return result.cases.release();
 }
 
@@ -94,7 +96,7 @@ void column_typed<T>::quality_measure(column* class_column, float total_weight, 
                                       float min_weight, options* opts, splitting_desc& result,
                                       bool copy_cases) const {
   result.branches = 0;
-  result.split_column = const_cast<column_typed*>(this);  // told, not used
+  result.split_column = const_cast<column_typed*>(this);  // handed out, not changed
   result.set_no_split();
   const unsigned int width = code_range.second - code_range.first;
   if (width <= 1) return;
@@ -115,9 +117,11 @@ void column_typed<T>::QualityMeasureDiscrete(
     strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
     splitting_desc& result) const {
   result.branches = domain->size_of_known();
-  with_class_tally(
-      stored_codes<T>{values.data()}, *class_column, *cases, code_range,
-      [&](const auto& tally) { rate_discrete(tally, total_weight, min_weight, result); });
+  with_column_codes(*this, [&](auto code_of) {
+    with_class_table(code_of, *class_column, *cases, code_range, [&](const auto& table) {
+      rate_discrete(table, total_weight, min_weight, result);
+    });
+  });
 }
 
 template <class T>
@@ -136,11 +140,12 @@ void column_typed<T>::QualityMeasureContinuousRainForest(
     strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight, options* opts,
     splitting_desc& result) const {
   result.branches = 2;
-  with_class_tally(stored_codes<T>{values.data()}, *class_column, *cases, code_range,
-                   [&](const auto& tally) {
-                     rate_rainforest(tally, code_range.first, total_weight, cases->size(),
-                                     min_weight, opts, result);
-                   });
+  with_column_codes(*this, [&](auto code_of) {
+    with_class_table(code_of, *class_column, *cases, code_range, [&](const auto& table) {
+      rate_rainforest(table, code_range.first, total_weight, cases->size(), min_weight, opts,
+                      result);
+    });
+  });
 }
 
 template class column_typed<unsigned char>;

@@ -1,5 +1,7 @@
-// Who goes down a branch, in two passes over a node's cases: the first weighs and counts them, the
-// second takes them into a sequence of just that size. Internal to the model.
+// The cases of a branch, in two passes over a node's cases: the first weighs and counts them, the
+// second copies them into a sequence of just that size. Internal to the model.
+//
+//   branch_cases low = cases_of_side(begin, end, 1, total, code_of, threshold_code, range);
 #ifndef ARBOR_MODEL_MEASURE_CASE_PARTITION_H
 #define ARBOR_MODEL_MEASURE_CASE_PARTITION_H
 
@@ -15,134 +17,115 @@ namespace arbor::impls {
 
 struct branch_cases {
   std::unique_ptr<w_sequence> cases;
-  float ratio;
+  float ratio;  // the branch's share
 };
 
-// Which codes are on a branch. The unknown cases (code 0) go down every branch; where they are on
-// it like others, they weigh on it as well.
-struct codes_up_to {
-  static constexpr bool has_unknown = true;
-  unsigned int last;
-  bool operator()(unsigned int code) const { return code <= last; }
-};
-struct codes_above {
-  static constexpr bool has_unknown = false;
-  unsigned int last_below;
-  bool operator()(unsigned int code) const { return code > last_below; }
-};
-struct one_code {  // but 0
-  static constexpr bool has_unknown = false;
-  unsigned int wanted;
-  bool operator()(unsigned int code) const { return code == wanted; }
-};
-struct no_code {
-  static constexpr bool has_unknown = false;
-  bool operator()(unsigned int /*code*/) const { return false; }
-};
+// The codes of a branch: `count` of them from `first` on.
+struct branch_codes {
+  static constexpr unsigned long long all_codes = 1ULL << 32U;
 
-// 1 for an unknown case that is not on the branch like others, else 0.
-template <class OnBranch>
-unsigned int beside_branch(unsigned int code) {
-  return OnBranch::has_unknown ? 0 : static_cast<unsigned int>(code == 0);
-}
-
-// What a pass over codes may note of them: the bounds of the known ones, or nothing.
-struct code_bounds {
-  static constexpr unsigned int none = std::numeric_limits<unsigned int>::max();
-  unsigned int before_lowest = none;
-  unsigned int highest = 0;
-
-  void note(unsigned int code) {
-    before_lowest = std::min(before_lowest, code - 1);  // `none` for code 0
-    highest = std::max(highest, code);
+  static branch_codes up_to(unsigned int last) { return {0, last + 1ULL}; }
+  static branch_codes above(unsigned int last_below) {
+    return {last_below + 1, all_codes - 1 - last_below};
   }
-};
-struct no_bounds {
-  void note(unsigned int /*code*/) {}
+  static branch_codes only(unsigned int code) { return {code, 1}; }
+  static branch_codes none() { return {0, 0}; }
+
+  bool contains(unsigned int code) const { return code - first < count; }
+
+  unsigned int first;
+  unsigned long long count;
 };
 
-// What the first pass finds: the weight of the cases on the branch, that of the other unknown ones,
-// and how many there are of both.
-template <class Bounds>
-struct branch_weights {
+// The weights and codes of a branch, as the first pass finds them. The cases whose value is unknown
+// (code 0) go down every branch. Where code 0 is a code of the branch, they weigh on it like others;
+// elsewhere their weight is kept apart.
+struct branch_weight {
   float on_branch = 0;
-  float unknown = 0;
-  std::size_t count = 0;
-  Bounds codes;
+  float unknown_apart = 0;
+  std::size_t cases = 0;  // on the branch or of unknown value
+  // The bounds of all known codes, on the branch or not.
+  unsigned int code_before_lowest = std::numeric_limits<unsigned int>::max();
+  unsigned int highest_code = 0;
 };
 
-// Not inlined: the sums would be kept in memory, for the allocation that follows, and each addition
-// wait for the last.
-template <class Bounds, class CodeOf, class OnBranch>
-[[gnu::noinline]] branch_weights<Bounds> weigh_branch(w_sequence::const_iterator begin,
-                                                      w_sequence::const_iterator end,
-                                                      CodeOf code_of, OnBranch on_branch) {
-  branch_weights<Bounds> result;
+// Not inlined: the sums would be kept in memory because of the allocation that follows, and each
+// addition would wait until the last is stored.
+template <class CodeOf>
+[[gnu::noinline]] branch_weight weigh_branch(w_sequence::const_iterator begin,
+                                             w_sequence::const_iterator end, CodeOf code_of,
+                                             branch_codes codes) {
+  const unsigned int unknown_is_apart = codes.contains(0) ? 0 : 1;
+  branch_weight result;
   for (auto c = begin; c != end; ++c) {
     const unsigned int code = code_of(c->first);
-    result.codes.note(code);
-    const auto on = static_cast<unsigned int>(on_branch(code));
-    const unsigned int beside = beside_branch<OnBranch>(code);
-    result.on_branch += weight_if(on, c->second);  // a sum stays as it is when 0 is added
-    result.unknown += weight_if(beside, c->second);
-    result.count += on | beside;
+    // Code 0 becomes the largest number, so that it is no lowest code.
+    result.code_before_lowest = std::min(result.code_before_lowest, code - 1);
+    result.highest_code = std::max(result.highest_code, code);
+    const auto on_branch = static_cast<unsigned int>(codes.contains(code));
+    const unsigned int apart = static_cast<unsigned int>(code == 0) & unknown_is_apart;
+    result.on_branch += weight_if(on_branch, c->second);  // adding 0 leaves a sum as it is
+    result.unknown_apart += weight_if(apart, c->second);
+    result.cases += on_branch | apart;
   }
   return result;
 }
 
-// The cases on a branch, and those of unknown value. Where these are not on it like others, their
-// weight is taken off `total`. `scale_unknown` tells whether they are taken with their weight
-// multiplied by the ratio. `bounds` receives those of all codes.
+// The second pass: the cases of the codes and those of unknown value, whose weights are multiplied
+// by `unknown_factor`. `count` is how many these are.
 //
-// Neither pass branches on a case: which side the next one is on is hard to foresee.
-template <class CodeOf, class OnBranch, class Bounds>
-branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const_iterator end,
-                             float total, CodeOf code_of, OnBranch on_branch, bool scale_unknown,
-                             Bounds& bounds) {
-  const branch_weights<Bounds> weights = weigh_branch<Bounds>(begin, end, code_of, on_branch);
-  bounds = weights.codes;
-  const double known_weight = static_cast<double>(total) - static_cast<double>(weights.unknown);
-  branch_cases result{std::make_unique<w_sequence>(weights.count),
-                      static_cast<float>(static_cast<double>(weights.on_branch) / known_weight)};
-  // Every case is written to the next free place, and stays there if it is on the branch.
-  const std::array<float, 2> factors{
-      1.0F, scale_unknown ? result.ratio : 1.0F};  // of known values and unknown ones
-  auto* const taken = result.cases->data();
+// Does not branch on a case: on which side the next one is, is hard to foresee.
+template <class CodeOf>
+std::unique_ptr<w_sequence> take_branch(w_sequence::const_iterator begin, CodeOf code_of,
+                                        branch_codes codes, std::size_t count,
+                                        float unknown_factor) {
+  auto result = std::make_unique<w_sequence>(count);
+  const std::array<float, 2> factors{1.0F, unknown_factor};  // of known values and unknown ones
+  auto* const taken = result->data();
   auto c = begin;
-  for (std::size_t next = 0; next < weights.count; ++c) {
+  // Every case is written to the next free place, and stays there if it is on the branch.
+  for (std::size_t next = 0; next < count; ++c) {
     const unsigned int code = code_of(c->first);
-    const auto on = static_cast<unsigned int>(on_branch(code));
-    taken[next] = {c->first, factors[static_cast<std::size_t>(code == 0)] * c->second};
-    next += on | beside_branch<OnBranch>(code);
+    const auto unknown = static_cast<unsigned int>(code == 0);
+    taken[next] = {c->first, factors[unknown] * c->second};
+    next += static_cast<unsigned int>(codes.contains(code)) | unknown;
   }
   return result;
 }
 
-// The branch of one value. Of branch 0 the unknown cases are the ones meant, and keep their weight.
+// The share of a branch: its weight over that of the cases that are not kept apart.
+inline float branch_ratio(const branch_weight& branch, float total) {
+  const double known_weight =
+      static_cast<double>(total) - static_cast<double>(branch.unknown_apart);
+  return static_cast<float>(static_cast<double>(branch.on_branch) / known_weight);
+}
+
+// The branch of one value. In branch 0 the unknown cases are the ones meant, and keep their weight.
 template <class CodeOf>
 branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                             unsigned int branch, float total, CodeOf code_of) {
-  no_bounds codes;
-  if (branch == 0) return cases_on_branch(begin, end, total, code_of, codes_up_to{0}, false, codes);
-  return cases_on_branch(begin, end, total, code_of, one_code{branch}, true, codes);
+  const auto codes = branch_codes::only(branch);
+  const branch_weight weight = weigh_branch(begin, end, code_of, codes);
+  const float ratio = branch_ratio(weight, total);
+  return {take_branch(begin, code_of, codes, weight.cases, branch == 0 ? 1.0F : ratio), ratio};
 }
 
-// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other).
-// Code 0 is not above the low branch's threshold: there the unknown cases weigh on the branch.
-// `range` receives the bounds of `threshold` and of the known codes on the branch.
+// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other). In the
+// low branch code 0 is among the codes, so that unknown cases weigh on it. `range` receives the bounds
+// of `threshold` and of the known codes on the branch.
 template <class CodeOf>
 branch_cases cases_of_side(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                            unsigned int branch, float total, CodeOf code_of, unsigned int threshold,
                            strata::util::pair<unsigned int, unsigned int>& range) {
-  code_bounds codes;
-  branch_cases result =
-      branch == 1 ? cases_on_branch(begin, end, total, code_of, codes_up_to{threshold}, true, codes)
-      : branch == 2
-          ? cases_on_branch(begin, end, total, code_of, codes_above{threshold}, true, codes)
-          : cases_on_branch(begin, end, total, code_of, no_code(), true, codes);
-  range.first =
-      branch == 1 && codes.before_lowest < threshold ? codes.before_lowest + 1 : threshold;
-  range.second = (branch == 2 ? std::max(codes.highest, threshold) : threshold) + 1;
+  const auto codes = branch == 1   ? branch_codes::up_to(threshold)
+                     : branch == 2 ? branch_codes::above(threshold)
+                                   : branch_codes::none();
+  const branch_weight weight = weigh_branch(begin, end, code_of, codes);
+  const float ratio = branch_ratio(weight, total);
+  branch_cases result{take_branch(begin, code_of, codes, weight.cases, ratio), ratio};
+  const bool lower = branch == 1 && weight.code_before_lowest < threshold;
+  range.first = lower ? weight.code_before_lowest + 1 : threshold;
+  range.second = (branch == 2 ? std::max(weight.highest_code, threshold) : threshold) + 1;
   return result;
 }
 

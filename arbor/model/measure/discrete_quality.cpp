@@ -21,17 +21,17 @@ struct discrete_entropies {
 };
 
 template <class Weight, class Terms, class Tallied>
-discrete_entropies entropies(const class_tally<Tallied>& tally, float min_weight,
+discrete_entropies entropies(const class_table<Tallied>& table, float min_weight,
                              const Terms& terms) {
   discrete_entropies result;
   result.of_classes =
-      static_cast<float>(weighted_entropy<Weight>(terms, tally.totals(), tally.classes()));
+      static_cast<float>(weighted_entropy<Weight>(terms, table.totals(), table.classes()));
   entropy_sum<Weight, Terms> branches(terms);
-  branches.add(static_cast<Weight>(tally.unknown_weight()));
-  for (unsigned int i = 1; i < tally.rows(); ++i) {
+  branches.add(static_cast<Weight>(table.unknown_weight()));
+  for (unsigned int i = 1; i < table.rows(); ++i) {
     entropy_sum<Weight, Terms> classes(terms);
-    for (unsigned int c = 0; c < tally.classes(); ++c)
-      classes.add(static_cast<Weight>(tally.row(i)[c]));
+    for (unsigned int c = 0; c < table.classes(); ++c)
+      classes.add(static_cast<Weight>(table.row(i)[c]));
     const Weight branch_weight = classes.weight();
     if (static_cast<float>(branch_weight) >= min_weight) ++result.real_branches;
     result.within_values =
@@ -43,28 +43,28 @@ discrete_entropies entropies(const class_tally<Tallied>& tally, float min_weight
 }
 
 template <class Weight>
-discrete_entropies entropies(const class_tally<Weight>& tally, float min_weight) {
+discrete_entropies entropies(const class_table<Weight>& table, float min_weight) {
   if constexpr (std::is_integral_v<Weight>) {
     const unsigned int weight =
-        std::accumulate(tally.totals(), tally.totals() + tally.classes(), tally.unknown_weight());
-    const unsigned long long term_count = (tally.classes() + 2ULL) * tally.rows();
-    if (const double* table = whole_number_terms(weight, term_count)) {
-      return entropies<Weight>(tally, min_weight, whole_terms{table});
+        std::accumulate(table.totals(), table.totals() + table.classes(), table.unknown_weight());
+    const unsigned long long term_count = (table.classes() + 2ULL) * table.rows();
+    if (const double* terms = whole_number_terms(weight, term_count)) {
+      return entropies<Weight>(table, min_weight, whole_terms{terms});
     }
   }
-  return entropies<float>(tally, min_weight, real_terms());
+  return entropies<float>(table, min_weight, real_terms());
 }
 
 }  // namespace
 
 template <class Weight>
-void rate_discrete(const class_tally<Weight>& tally, float total_weight, float min_weight,
+void rate_discrete(const class_table<Weight>& table, float total_weight, float min_weight,
                    column::splitting_desc& result) {
   result.set_no_split();
-  const auto unknown_weight = static_cast<float>(tally.unknown_weight());
+  const auto unknown_weight = static_cast<float>(table.unknown_weight());
   const float known_weight = total_weight - unknown_weight;
-  if (known_weight == 0 || tally.rows() <= 1) return;
-  const discrete_entropies sums = entropies(tally, min_weight);
+  if (known_weight == 0 || table.rows() <= 1) return;
+  const discrete_entropies sums = entropies(table, min_weight);
   if (sums.real_branches < 2) return;
 
   const float info = sums.of_classes / known_weight;
@@ -78,8 +78,8 @@ void rate_discrete(const class_tally<Weight>& tally, float total_weight, float m
   result.split_info = sums.of_branches / total_weight;
 }
 
-template void rate_discrete(const class_tally<float>&, float, float, column::splitting_desc&);
-template void rate_discrete(const class_tally<unsigned int>&, float, float,
+template void rate_discrete(const class_table<float>&, float, float, column::splitting_desc&);
+template void rate_discrete(const class_table<unsigned int>&, float, float,
                             column::splitting_desc&);
 
 }  // namespace arbor::impls

@@ -2,14 +2,14 @@
 #ifndef ARBOR_MODEL_MEASURE_DISCRETE_QUALITY_H
 #define ARBOR_MODEL_MEASURE_DISCRETE_QUALITY_H
 
-#include "arbor/model/measure/class_tally.h"
+#include "arbor/model/measure/class_table.h"
 
 namespace arbor::impls {
 
 // Sets gain and split information of `result`, or the no-split mark unless at least two values
 // carry `min_weight`. The arguments mean what they mean in column::quality_measure.
 template <class Weight>
-void rate_discrete(const class_tally<Weight>& tally, float total_weight, float min_weight,
+void rate_discrete(const class_table<Weight>& table, float total_weight, float min_weight,
                    column::splitting_desc& result);
 
 }  // namespace arbor::impls

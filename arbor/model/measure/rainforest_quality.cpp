@@ -1,6 +1,6 @@
 // The class weights per code are the attribute-value-class sets of J. Gehrke, R. Ramakrishnan and
-// V. Ganti, "RainForest: a framework for fast decision tree construction of large datasets", VLDB
-// 1998.
+// V. Ganti, "RainForest: a framework for fast decision tree construction of large datasets",
+// VLDB 1998.
 
 #include "arbor/model/measure/rainforest_quality.h"
 
@@ -13,58 +13,80 @@ namespace arbor::impls {
 
 namespace {
 
-// Whether cases fall on a row of the tally.
+// Moves a cut over the rows of the table that cases occur in.
 template <class Weight>
-bool occurs(const class_tally<Weight>& tally, unsigned int i) {
-  const Weight* row = tally.row(i);
-  return std::accumulate(row, row + tally.classes(), Weight()) != 0;
-}
-
-template <class Weight, class Search>
-void sweep(const class_tally<Weight>& tally, Search& search) {
-  unsigned int last = tally.rows() - 1;
-  while (last > 0 && !occurs(tally, last)) --last;
-  for (unsigned int i = 1; i < last; ++i) {
-    if (!occurs(tally, i)) continue;
-    search.move_all(tally.row(i));
-    if (search.too_low()) continue;
-    if (search.too_high()) break;
-    search.count_candidate();
-    search.evaluate(i);
+class row_sweep {
+ public:
+  row_sweep(const class_table<Weight>& counted, unsigned int first_code)
+      : table(counted), code_before_range(first_code - 1), last(table.rows() - 1) {
+    while (last > 0 && !occurs(last)) --last;
   }
-}
+
+  template <class Search>
+  bool move_next(Search& search) {
+    do {
+      ++row;
+      if (row >= last) return false;
+    } while (!occurs(row));
+    search.move_all(table.row(row));
+    return true;
+  }
+
+  std::size_t place() const { return row; }
+  unsigned int low_code(std::size_t place) const {
+    return code_before_range + static_cast<unsigned int>(place);
+  }
+  unsigned int high_code(std::size_t place) const {
+    auto next = static_cast<unsigned int>(place) + 1;
+    while (!occurs(next)) ++next;
+    return code_before_range + next;
+  }
+
+  // Every cut is rated.
+  template <class Search>
+  bool inside_run(const Search& /*search*/) const {
+    return false;
+  }
+
+ private:
+  bool occurs(unsigned int i) const {
+    const Weight* weights = table.row(i);
+    return std::accumulate(weights, weights + table.classes(), Weight()) != 0;
+  }
+
+  const class_table<Weight>& table;
+  unsigned int code_before_range;
+  unsigned int last;
+  unsigned int row = 0;  // the last one on the left side
+};
 
 }  // namespace
 
 template <class Weight>
-void rate_rainforest(const class_tally<Weight>& tally, unsigned int first_code, float total_weight,
+void rate_rainforest(const class_table<Weight>& table, unsigned int first_code, float total_weight,
                      std::size_t case_count, float min_weight, const options* opts,
                      column::splitting_desc& result) {
   result.set_no_split();
-  strata::util::work_array<float, 16> classes(tally.classes());
-  std::copy_n(tally.totals(), tally.classes(), classes.data());
-  const node_weights node{classes.data(), tally.classes(),
-                          static_cast<float>(tally.unknown_weight()), total_weight, min_weight};
-  if (!node.splittable()) return;
-  const auto rate = [&](auto& search) {
-    sweep(tally, search);
-    if (!search.conclude(case_count, opts, result)) return;
-    const auto best_row = static_cast<unsigned int>(search.best_place());
-    unsigned int next_row = best_row + 1;
-    while (!occurs(tally, next_row)) ++next_row;
-    result.low_code = best_row + first_code - 1;
-    result.high_code = next_row + first_code - 1;
-  };
-  if (tally.classes() == 2) {
-    with_cut_search<2, Weight>(node, tally.rows(), rate);
+  strata::util::work_array<float, 16> class_weights(table.classes());
+  std::copy_n(table.totals(), table.classes(), class_weights.data());
+  const cut_problem node{class_weights.data(),
+                         table.classes(),
+                         static_cast<float>(table.unknown_weight()),
+                         total_weight,
+                         case_count,
+                         min_weight,
+                         opts};
+  row_sweep<Weight> codes(table, first_code);
+  if (table.classes() == 2) {
+    find_best_cut<2, Weight>(node, table.rows(), codes, result);
   } else {
-    with_cut_search<0, Weight>(node, tally.rows(), rate);
+    find_best_cut<0, Weight>(node, table.rows(), codes, result);
   }
 }
 
-template void rate_rainforest(const class_tally<float>&, unsigned int, float, std::size_t, float,
+template void rate_rainforest(const class_table<float>&, unsigned int, float, std::size_t, float,
                               const options*, column::splitting_desc&);
-template void rate_rainforest(const class_tally<unsigned int>&, unsigned int, float, std::size_t,
+template void rate_rainforest(const class_table<unsigned int>&, unsigned int, float, std::size_t,
                               float, const options*, column::splitting_desc&);
 
 }  // namespace arbor::impls

@@ -1,0 +1,177 @@
+// The class weights of a node's cases for each value code of a column, which the discrete measure
+// and the count-table measure share: one pass over the cases. Internal to the model.
+//
+//   with_class_table(code_of, class_column, cases, code_range, [&](const auto& table) {
+//     for (unsigned int i = 1; i < table.rows(); ++i) use(table.row(i));
+//   });
+#ifndef ARBOR_MODEL_MEASURE_CLASS_TABLE_H
+#define ARBOR_MODEL_MEASURE_CLASS_TABLE_H
+
+#include <algorithm>
+
+#include "arbor/model/code_readers.h"
+#include "arbor/model/measure/even_weight.h"
+#include "arbor/model/measure/known_rows.h"
+#include "arbor/model/measure/weight_if.h"
+#include "arbor/utils/work_array.h"
+
+namespace arbor::impls {
+
+// What the measures read. Weight is float; or unsigned int, where all weights are the same whole
+// number and their sum is one that float holds exactly.
+template <class Weight>
+class class_table {
+ public:
+  // All zeros. The known codes of the cases lie in `range`.
+  class_table(const strata::util::pair<unsigned int, unsigned int>& range,
+              unsigned int distinct_classes)
+      : code_before_range(range.first - 1),
+        row_count(range.second - code_before_range),
+        stride(distinct_classes),
+        cells(1ULL * row_count * stride),
+        class_totals(stride) {}
+
+  // Row i, from 1 on, belongs to the i-th code of the range; row 0 is the unknown value's and not to
+  // be read.
+  unsigned int rows() const { return row_count; }
+  unsigned int classes() const { return static_cast<unsigned int>(stride - 1); }
+  // The weights of the classes 1 to classes() in a row.
+  const Weight* row(unsigned int i) const { return cells.data() + i * stride + 1; }
+  // Those of all known cases.
+  const Weight* totals() const { return class_totals.data() + 1; }
+  Weight unknown_weight() const { return unknown; }
+
+ protected:
+  unsigned int code_before_range;
+  unsigned int row_count;
+  std::size_t stride;  // class codes, that of the unknown value included
+  strata::util::work_array<Weight, 64> cells;
+  strata::util::work_array<Weight, 16>
+      class_totals;  // by class code; entry 0 is unused, as in rows
+  Weight unknown = 0;
+};
+
+// The table of cases that all weigh the same whole number: they are counted.
+class class_counts : public class_table<unsigned int> {
+ public:
+  using class_table::class_table;
+
+  // Counts the cases and returns true; or returns false at a case of another weight, after which the
+  // table is of no use.
+  template <class CodeOf, class ClassOf>
+  bool count(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const even_weight& weight);
+
+ private:
+  template <class CodeOf, class ClassOf>
+  bool count_cells(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
+                   const even_weight& weight);
+  void weigh(unsigned int weight);
+  void add_up();
+};
+
+// The table of any other cases.
+class class_sums : public class_table<float> {
+ public:
+  using class_table::class_table;
+
+  // Adds the cases one after the other: float sums depend on the order.
+  template <class CodeOf, class ClassOf>
+  void add(CodeOf code_of, ClassOf class_of, const w_sequence& cases);
+};
+
+// Calls `use` with the table of `cases`. `code_of` reads the rated column's code of a row.
+template <class CodeOf, class Use>
+void with_class_table(CodeOf code_of, const column& class_column, const w_sequence& cases,
+                      const strata::util::pair<unsigned int, unsigned int>& range, Use use) {
+  const unsigned int distinct_classes = class_column.get_distinct();
+  const even_weight weight(cases);
+  if (weight.likely()) {
+    class_counts counts(range, distinct_classes);
+    bool even = false;
+    with_codes(class_column,
+               [&](auto class_of) { even = counts.count(code_of, class_of, cases, weight); });
+    if (even) return use(counts);
+  }
+  // The counts are gone by now: there is one table at a time.
+  class_sums sums(range, distinct_classes);
+  with_codes(class_column, [&](auto class_of) { sums.add(code_of, class_of, cases); });
+  use(sums);
+}
+
+// -- Implementation --
+
+template <class CodeOf, class ClassOf>
+bool class_counts::count(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
+                         const even_weight& weight) {
+  if (!count_cells(code_of, class_of, cases, weight)) return false;
+  weigh(weight.value());
+  add_up();
+  return true;
+}
+
+template <class CodeOf, class ClassOf>
+bool class_counts::count_cells(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
+                               const even_weight& weight) {
+  constexpr std::size_t block = 4096;  // cases; few enough to stay in the nearest cache
+  const known_rows class_rows(code_of, cases);
+  if (class_rows.none()) {
+    cells[0] = static_cast<unsigned int>(cases.size());
+    return weight.is_of_all(cases.data(), cases.size());
+  }
+  const std::size_t width = stride;
+  const unsigned int before = code_before_range;
+  unsigned int* const table = cells.data();
+  for (std::size_t begin = 0; begin < cases.size(); begin += block) {
+    const std::size_t end = std::min(begin + block, cases.size());
+    if (!weight.is_of_all(cases.data() + begin, end - begin)) return false;
+    for (std::size_t i = begin; i < end; ++i) {
+      const unsigned int row = cases[i].first;
+      const auto code = code_of(row);
+      const unsigned int table_row = code == 0 ? 0 : static_cast<unsigned int>(code) - before;
+      ++table[table_row * width + class_of(class_rows(code, row))];
+    }
+  }
+  return true;
+}
+
+template <class CodeOf, class ClassOf>
+void class_sums::add(CodeOf code_of, ClassOf class_of, const w_sequence& cases) {
+  const std::size_t width = stride;
+  const unsigned int before = code_before_range;
+  float* const table = cells.data();
+  float* const totals_by_class = class_totals.data();
+  float unknown_sum = 0;
+  const auto take = [&](const w_sequence::value_type& c, auto add_to_class) {
+    const auto code = code_of(c.first);
+    if (code == 0) {
+      unknown_sum += c.second;
+      return;
+    }
+    const unsigned int class_code = class_of(c.first);
+    table[(static_cast<unsigned int>(code) - before) * width + class_code] += c.second;
+    add_to_class(class_code, c.second);
+  };
+  if (classes() == 2) {
+    // Two sums stay in registers, where an addition need not wait until the last one is stored.
+    float first_class = 0;
+    float second_class = 0;
+    for (const auto& c : cases) {
+      take(c, [&](unsigned int class_code, float weight) {
+        first_class += weight_if(static_cast<unsigned int>(class_code == 1), weight);
+        second_class += weight_if(static_cast<unsigned int>(class_code == 2), weight);
+      });
+    }
+    totals_by_class[1] = first_class;
+    totals_by_class[2] = second_class;
+  } else {
+    for (const auto& c : cases) {
+      take(c,
+           [&](unsigned int class_code, float weight) { totals_by_class[class_code] += weight; });
+    }
+  }
+  unknown = unknown_sum;
+}
+
+}  // namespace arbor::impls
+
+#endif

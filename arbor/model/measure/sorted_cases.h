@@ -1,0 +1,250 @@
+// A node's cases in the order of their codes, in three carriers:
+//
+//   packed_cases     an integer a case, where all cases weigh the same
+//   gathered_cases   a record a case, sorted beside the caller's sequence
+//   cases_in_place   the caller's own sequence, read through the columns
+//
+// Each has the known cases as numbers from 0 to before size(), with code(i), class_code(i) and
+// weight(i), and the weight of the others as unknown_weight(). Internal to the model.
+#ifndef ARBOR_MODEL_MEASURE_SORTED_CASES_H
+#define ARBOR_MODEL_MEASURE_SORTED_CASES_H
+
+#include <algorithm>
+#include <vector>
+
+#include "arbor/model/code_readers.h"
+#include "arbor/model/measure/even_weight.h"
+#include "arbor/model/measure/known_rows.h"
+#include "arbor/utils/counting_sort.h"
+#include "arbor/utils/work_array.h"
+
+namespace arbor::impls {
+
+using code_bounds = strata::util::pair<unsigned int, unsigned int>;
+
+// Whether to sort by counting the cases of each code, which is linear in the cases and the codes: it
+// pays until there are far more codes than cases. `cases` is not 0.
+inline bool counting_pays(std::size_t cases, const code_bounds& range) {
+  constexpr unsigned int most_keys_per_case = 16;
+  const unsigned int keys = range.second - range.first + 1;  // the unknown value has one too
+  return keys / static_cast<unsigned int>(cases) <= most_keys_per_case;
+}
+
+// -- An integer a case --
+
+// How the code of a case, as its offset in the range, stands above its class code in 32 bits.
+struct case_packing {
+  case_packing(const code_bounds& range, unsigned int class_count);
+
+  bool fits() const { return class_bits + code_bits <= 32; }
+
+  unsigned int code_before_range;
+  unsigned int class_bits;
+  unsigned int code_bits;
+};
+
+// Where all cases weigh the same, nothing of a case matters but its code and its class, and the order
+// among equal codes does not matter.
+class packed_cases {
+ public:
+  // `sorted` are `count` packed cases in the order of their codes, the `unknown` ones first. They
+  // stay the caller's.
+  packed_cases(const case_packing& packing, const unsigned int* sorted, std::size_t count,
+               std::size_t unknown, unsigned int weight_of_each)
+      : packed(packing),
+        known(sorted + unknown),
+        known_count(count - unknown),
+        unknown_count(unknown),
+        each(weight_of_each) {}
+
+  std::size_t size() const { return known_count; }
+  unsigned int code(std::size_t i) const {
+    return packed.code_before_range + (known[i] >> packed.class_bits);
+  }
+  unsigned int class_code(std::size_t i) const {
+    return known[i] & ((1U << packed.class_bits) - 1);
+  }
+  unsigned int weight(std::size_t /*i*/ = 0) const { return each; }
+  float unknown_weight() const { return static_cast<float>(unknown_count * each); }
+
+ private:
+  case_packing packed;
+  const unsigned int* known;
+  std::size_t known_count;
+  std::size_t unknown_count;
+  unsigned int each;
+};
+
+constexpr std::size_t most_compared = 64;  // cases; more are sorted faster digit by digit
+
+// Sorts packed cases by their codes. `numbers` holds `count` of them, and as many again of room if
+// `count` is above `most_compared`; returns where in it the sorted ones begin.
+const unsigned int* sort_packed(unsigned int* numbers, std::size_t count,
+                                const case_packing& packing);
+
+// Packs each case into `numbers`, and counts those whose value is unknown. Returns whether all others
+// have a class: one without a class belongs to no sum, and counting has no place for it.
+template <class CodeOf, class ClassOf>
+bool pack(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const case_packing& packing,
+          unsigned int* numbers, std::size_t& unknown) {
+  const known_rows class_rows(code_of, cases);
+  if (class_rows.none()) {
+    std::fill_n(numbers, cases.size(), 0U);
+    unknown = cases.size();
+    return true;
+  }
+  bool all_have_a_class = true;
+  for (const auto& c : cases) {
+    const auto code = static_cast<unsigned int>(code_of(c.first));
+    const unsigned int class_code = class_of(class_rows(code, c.first));
+    all_have_a_class = all_have_a_class & (class_code != 0);
+    const unsigned int offset = code == 0 ? 0 : code - packing.code_before_range;
+    *numbers++ = offset << packing.class_bits | class_code;
+    unknown += code == 0 ? 1 : 0;
+  }
+  return all_have_a_class;
+}
+
+// Calls `use` with the packed cases and returns true; returns false where they cannot be packed: for
+// weights that are not all the same whole number, and for too many codes and classes.
+template <class CodeOf, class Use>
+bool with_packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
+                       const code_bounds& range, Use use) {
+  const even_weight weight(cases);
+  const case_packing packing(range, class_column.get_distinct() - 1);
+  const std::size_t count = cases.size();
+  if (!packing.fits() || !weight.likely() || !weight.is_of_all(cases.data(), count)) return false;
+  strata::util::work_array<unsigned int, most_compared> numbers(
+      count <= most_compared ? count : 2ULL * count, strata::util::first_values::any);
+  std::size_t unknown = 0;
+  bool packed = false;
+  with_codes(class_column, [&](auto class_of) {
+    packed = pack(code_of, class_of, cases, packing, numbers.data(), unknown);
+  });
+  if (!packed) return false;
+  const unsigned int* const sorted = sort_packed(numbers.data(), count, packing);
+  use(packed_cases(packing, sorted, count, unknown, weight.value()));
+  return true;
+}
+
+// -- A record a case --
+
+// The code and class of a case are read several times, and in the columns they are scattered.
+template <class Code>
+struct coded_case {
+  Code code;
+  unsigned int class_code;
+  float weight;
+};
+
+// Cases of any weight. Equal codes stay in the order of the cases, whatever sorts them, so that float
+// sums over them have one value.
+template <class Code>
+class gathered_cases {
+ public:
+  gathered_cases(stored_codes<Code> code_of, const column& class_column, const w_sequence& cases,
+                 const code_bounds& range)
+      : all(cases.size(), strata::util::first_values::any) {
+    with_codes(class_column, [&](auto class_of) {
+      const auto coded = [&](const w_sequence::value_type& c, Code code) {
+        return coded_case<Code>{code, code == 0 ? 0 : class_of(c.first), c.second};
+      };
+      if (counting_pays(cases.size(), range)) {
+        place_by_count(code_of, coded, cases, range);
+      } else {
+        coded_case<Code>* next = all.data();
+        for (const auto& c : cases) *next++ = coded(c, code_of(c.first));
+        std::stable_sort(all.data(), next,
+                         [](const auto& a, const auto& b) { return a.code < b.code; });
+      }
+    });
+    for (known = all.data(); size() > 0 && known->code == 0; ++known) unknown += known->weight;
+  }
+
+  float unknown_weight() const { return unknown; }
+  std::size_t size() const { return static_cast<std::size_t>(all.data() + all.size() - known); }
+  Code code(std::size_t i) const { return known[i].code; }
+  unsigned int class_code(std::size_t i) const { return known[i].class_code; }
+  float weight(std::size_t i) const { return known[i].weight; }
+
+ private:
+  template <class Coded>
+  void place_by_count(stored_codes<Code> code_of, Coded coded, const w_sequence& cases,
+                      const code_bounds& range) {
+    const unsigned int before = range.first - 1;
+    const auto key_of = [before](Code code) {
+      return code == 0 ? 0 : static_cast<unsigned int>(code) - before;
+    };
+    strata::util::work_array<unsigned int, 64> next(0ULL + range.second - before);
+    for (const auto& c : cases) ++next[key_of(code_of(c.first))];
+    unsigned int first = 0;
+    for (std::size_t key = 0; key < next.size(); ++key) {
+      const unsigned int count = next[key];
+      next[key] = first;
+      first += count;
+    }
+    for (const auto& c : cases) {
+      const Code code = code_of(c.first);
+      all[next[key_of(code)]++] = coded(c, code);
+    }
+  }
+
+  strata::util::work_array<coded_case<Code>, 16> all;
+  const coded_case<Code>* known = nullptr;
+  float unknown = 0;
+};
+
+// -- The caller's own sequence --
+
+// Sorts the caller's cases themselves by the codes of `rated`. Equal codes end in no order to rely on.
+template <class T>
+void sort_in_place(const column_typed<T>& rated, w_sequence& cases, const code_bounds& range) {
+  const unsigned int unknown_key = range.first - 1;
+  if (counting_pays(cases.size(), range)) {
+    using key = typename column_typed<T>::get_index_struct;
+    strata::adt::counting_sort<w_sequence::value_type, key>(cases.begin(), cases.end(), unknown_key,
+                                                            range.second, key{&rated}, unknown_key);
+  } else {
+    std::sort(cases.begin(), cases.end(), typename column_typed<T>::less_than_struct{&rated});
+  }
+}
+
+// The same for a copy of the cases, in which equal codes stay in order.
+template <class T>
+void sort_stably(const column_typed<T>& rated, w_sequence& cases, const code_bounds& range) {
+  if (counting_pays(cases.size(), range)) {
+    const typename column_typed<T>::get_index_struct code_of{&rated};
+    std::stable_sort(cases.begin(), cases.end(),
+                     [&](const auto& a, const auto& b) { return code_of(a) < code_of(b); });
+  } else {
+    std::stable_sort(cases.begin(), cases.end(),
+                     typename column_typed<T>::less_than_struct{&rated});
+  }
+}
+
+template <class CodeOf>
+class cases_in_place {
+ public:
+  // `sorted` and the columns must outlive it.
+  cases_in_place(CodeOf reader, const column& class_column, const w_sequence& sorted)
+      : code_of(reader), classes(class_column), known(sorted.data()), end(known + sorted.size()) {
+    for (; known != end && code_of(known->first) == 0; ++known) unknown += known->second;
+  }
+
+  float unknown_weight() const { return unknown; }
+  std::size_t size() const { return static_cast<std::size_t>(end - known); }
+  auto code(std::size_t i) const { return code_of(known[i].first); }
+  unsigned int class_code(std::size_t i) const { return classes.get_row_index(known[i].first); }
+  float weight(std::size_t i) const { return known[i].second; }
+
+ private:
+  CodeOf code_of;
+  const column& classes;
+  const w_sequence::value_type* known;
+  const w_sequence::value_type* end;
+  float unknown = 0;
+};
+
+}  // namespace arbor::impls
+
+#endif
