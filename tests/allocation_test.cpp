@@ -260,7 +260,8 @@ node node_of(std::size_t cases, unsigned int width, unsigned int classes, int we
 
 template <class T>
 void fail_in_measures(const node& n) {
-  const code_column<T> x(n, column::CONTINUOUS);
+  const auto owned = code_column<T>(n, column::CONTINUOUS);
+  const column_typed<T>& x = *owned;
   const auto classes = class_column(n, sizeof(T) % 4);
   for (const by measure : {by::value, by::sorting, by::table}) {
     for (const bool copy : {true, false}) {

@@ -30,11 +30,12 @@ template <class T>
 static void compare(const node& n, column& classes, bool copy_cases) {
   w_sequence cases = sequence_of(n);
   for (column::_type kind : {column::DISCRETE, column::CONTINUOUS, column::IGNORE}) {
-    check_same(told(rate(code_column<T>(n, kind), n, classes, cases)), told(expected(n, kind)),
+    check_same(told(rate(*code_column<T>(n, kind), n, classes, cases)), told(expected(n, kind)),
                "what is chosen");
   }
   if (n.range.second - n.range.first < 2) return;
-  const code_column<T> x(n, column::CONTINUOUS);
+  const auto owned = code_column<T>(n, column::CONTINUOUS);
+  const column_typed<T>& x = *owned;
   check_same(told(rate(by::value, x, n, classes, cases)), told(expected_by_value(n)), "by value");
   check_same(told(rate(by::table, x, n, classes, cases)), told(expected_cut(n, true)), "by table");
   check_same(told(rate(by::sorting, x, n, classes, cases, copy_cases)),

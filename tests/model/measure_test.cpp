@@ -29,10 +29,10 @@ TYPED_TEST(AnyWidth, RatesRandomNodesAsThePlainFormulasDo) {
     w_sequence cases = sequence_of(n);
     for (column::_type kind :
          {column::DISCRETE, column::CLASS, column::CONTINUOUS, column::WEIGHTS, column::IGNORE}) {
-      const code_column<TypeParam> x(n, kind);
-      const rating actual = rate(x, n, *classes, cases, roll(2) == 0);
+      const auto x = rated_column<TypeParam>(n, kind, roll(30));
+      const rating actual = rate(*x, n, *classes, cases, roll(2) == 0);
       EXPECT_EQ(told(actual), told(expected(n, kind)));
-      EXPECT_EQ(actual.split_column, &x);
+      EXPECT_EQ(actual.split_column, x.get());
     }
   }
 }
@@ -45,13 +45,13 @@ TYPED_TEST(AnyWidth, CutsAlikeByTableAndByEitherWayOfSorting) {
     const bool all_weigh =
         std::all_of(n.cases.begin(), n.cases.end(), [](const auto& c) { return c.weight > 0; });
     const auto classes = class_column(n, roll(60));
-    const code_column<TypeParam> x(n, column::CONTINUOUS);
+    const auto x = rated_column<TypeParam>(n, column::CONTINUOUS, roll(30));
     const w_sequence before = sequence_of(n);
     w_sequence cases = before;
     const std::string plain = told(expected_cut(n, false));
-    EXPECT_EQ(told(rate(by::table, x, n, *classes, cases)),
+    EXPECT_EQ(told(rate(by::table, *x, n, *classes, cases)),
               all_weigh ? plain : told(expected_cut(n, true)));
-    EXPECT_EQ(told(rate(by::sorting, x, n, *classes, cases)), plain);
+    EXPECT_EQ(told(rate(by::sorting, *x, n, *classes, cases)), plain);
     const auto same = [](const auto& a, const auto& b) {
       return a.first == b.first && a.second == b.second;
     };
@@ -60,9 +60,9 @@ TYPED_TEST(AnyWidth, CutsAlikeByTableAndByEitherWayOfSorting) {
     if (i % 2 == 0)
       n.range.second +=
           20 * static_cast<unsigned int>(cases.size());  // too wide for a counting sort
-    EXPECT_EQ(told(rate(by::sorting, x, n, *classes, cases, false)), plain);
+    EXPECT_EQ(told(rate(by::sorting, *x, n, *classes, cases, false)), plain);
     EXPECT_TRUE(std::is_sorted(cases.begin(), cases.end(),
-                               typename column_typed<TypeParam>::less_than_struct{&x}));
+                               typename column_typed<TypeParam>::less_than_struct{x.get()}));
     EXPECT_TRUE(
         std::is_permutation(cases.begin(), cases.end(), before.begin(), before.end(), same));
   }
@@ -75,10 +75,10 @@ TYPED_TEST(AnyWidth, RoundsUnevenWeightsAsThePlainFormulasDo) {
     const node n = random_node(roll, top<TypeParam>, weighing::uneven);
     const auto classes = class_column(n, roll(60));
     w_sequence cases = sequence_of(n);
-    const code_column<TypeParam> x(n, column::CONTINUOUS);
-    EXPECT_EQ(told(rate(by::value, x, n, *classes, cases)), told(expected_by_value(n)));
+    const auto x = rated_column<TypeParam>(n, column::CONTINUOUS, roll(30));
+    EXPECT_EQ(told(rate(by::value, *x, n, *classes, cases)), told(expected_by_value(n)));
     for (by measure : {by::sorting, by::table}) {  // whose sums depend on the order of the cases
-      const rating actual = rate(measure, x, n, *classes, cases),
+      const rating actual = rate(measure, *x, n, *classes, cases),
                    plain = expected_cut(n, measure == by::table);
       EXPECT_NEAR(std::max(actual.gain, 0.0F), std::max(plain.gain, 0.0F), 1e-5);
       if (actual.low_code != plain.low_code)
@@ -97,7 +97,7 @@ TEST(TwoValuedColumn, IsRatedByValueOrNotAtAll) {
         two_valued(random_node(roll, 255, i % 2 == 0 ? weighing::even : weighing::uneven));
     const auto classes = class_column(n, roll(60));
     w_sequence cases = sequence_of(n);
-    EXPECT_EQ(told(rate(*bits_of(n, column::DISCRETE), n, *classes, cases)),
+    EXPECT_EQ(told(rate(*bits_of(n, column::DISCRETE, roll(30)), n, *classes, cases)),
               told(expected(n, column::DISCRETE)));
     EXPECT_EQ(told(rate(*bits_of(n, column::CONTINUOUS), n, *classes, cases)), told(no_split(0)));
   }
@@ -113,7 +113,7 @@ TEST(PlainColumn, GivesNoSplitAndLeavesTheRest) {
 // Rates a node by any measure with short codes.
 rating rate(by measure, const node& n) {
   w_sequence cases = sequence_of(n);
-  return rate(measure, code_column<unsigned short>(n, column::CONTINUOUS), n, *class_column(n, 0),
+  return rate(measure, *code_column<unsigned short>(n, column::CONTINUOUS), n, *class_column(n, 0),
               cases);
 }
 std::string told_codes(const rating& r) {
@@ -201,14 +201,15 @@ TEST(CutMeasures, DifferOnCasesWithoutWeight) {
 
 TEST(AnyMeasure, LetsTheErrorsOfTheClassColumnThrough) {
   const node n({{3, 2, 1}, {0, 1, 1}, {2, 1, 1}, {3, 2, 1}, {1, 1, 1}, {2, 2, 1}});
-  const code_column<unsigned int> x(n, column::CONTINUOUS);
+  const auto x = code_column<unsigned int>(n, column::CONTINUOUS);
   for (by measure : {by::value, by::sorting, by::table}) {
-    told_column classes(n);
+    user_classes classes(2, column::CLASS);
+    classes.add(n, &weighted_case::class_code);
     for (unsigned int reads = 0; reads < 5; ++reads) {  // every known case is read at least once
       classes.reads_left = reads;
       w_sequence cases = sequence_of(n);
-      EXPECT_THROW(rate(measure, x, n, classes, cases, false), std::runtime_error) << reads;
-      const code_column<unsigned int>::less_than_struct lower{&x};
+      EXPECT_THROW(rate(measure, *x, n, classes, cases, false), std::runtime_error) << reads;
+      const column_typed<unsigned int>::less_than_struct lower{x.get()};
       EXPECT_EQ(std::is_sorted(cases.begin(), cases.end(), lower), measure == by::sorting) << reads;
     }
   }
@@ -222,16 +223,17 @@ TEST(CutMeasures, LeaveAClassThatIsNotKnownOutOfAllSums) {
       n.cases[i] = {1 + i % 100, i % 10 == 0 ? 0 : 1 + (i % 100 > 40 ? 1U : 0U), 1};
     n.total_weight = 200;
     n.range = {1, 101};
-    told_column classes_of(n);  // is read one by one, and so in no other way than before
-    const auto stored_classes = std::make_unique<code_column<unsigned char>>(n, column::CLASS);
-    for (std::size_t i = 0; i < n.cases.size(); ++i) {
-      stored_classes->values[2 * i + 1] = static_cast<unsigned char>(n.cases[i].class_code);
-    }
+    user_classes classes_of(n.classes,
+                            column::CLASS);  // in this order read, and counted, not packed
+    classes_of.add(n, &weighted_case::class_code);
+    node as_values = n;  // whose codes are the classes
+    for (weighted_case& c : as_values.cases) c.code = c.class_code;
+    const auto stored_classes = code_column<unsigned char>(as_values, column::CLASS);
     w_sequence cases = sequence_of(n);
-    const code_column<unsigned short> x(n, column::CONTINUOUS);
+    const auto x = code_column<unsigned short>(n, column::CONTINUOUS);
     for (by measure : {by::sorting, by::table}) {
-      EXPECT_EQ(told(rate(measure, x, n, *stored_classes, cases)),
-                told(rate(measure, x, n, classes_of, cases)));
+      EXPECT_EQ(told(rate(measure, *x, n, *stored_classes, cases)),
+                told(rate(measure, *x, n, classes_of, cases)));
     }
   }
 }
@@ -249,17 +251,84 @@ TEST(AnyMeasure, RatesCasesOfWhichALateOneWeighsOtherwise) {
   }
 }
 
+// Its place in the table of a measure would be anywhere, and its column may end before.
+TEST(AnyMeasure, DoesNotReadTheClassOfAnUnknownValue) {
+  for (const float weight : {1.0F, 0.75F}) {
+    const node n({{1, 1, 1}, {2, 2, 1}, {1, 1, 1}, {2, 2, 2}, {0, 2, weight}, {0, 1, weight}});
+    node known = n, wild = n;
+    known.cases.resize(4);
+    wild.cases[4].class_code = wild.cases[5].class_code = 250;
+    user_classes unread(2, column::CLASS);
+    unread.add(n, &weighted_case::class_code);
+    unread.codes[9] = unread.codes[11] = user_classes::not_to_be_read;
+    for (weighted_case& c : wild.cases) c.code = c.class_code;
+    const std::unique_ptr<column> too_short = class_column(known, 0),
+                                  too_high = code_column<unsigned char>(wild, column::CLASS);
+    const auto x = code_column<unsigned short>(n, column::CONTINUOUS);
+    for (by measure : {by::value, by::sorting, by::table}) {
+      for (const bool copy : {true, false}) {
+        w_sequence cases = sequence_of(n);
+        const std::string full = told(rate(measure, *x, n, *class_column(n, 0), cases, copy));
+        for (column* classes : {too_short.get(), too_high.get(), static_cast<column*>(&unread)}) {
+          cases = sequence_of(n);
+          EXPECT_EQ(told(rate(measure, *x, n, *classes, cases, copy)), full) << weight;
+        }
+      }
+    }
+  }
+}
+
+// So that float sums have one value: whatever width, sort and class of column, and however the range
+// was told.
+TYPED_TEST(AnyWidth, SortsACopyStably) {
+  dice roll{5};
+  for (int i = 0; i < 200; ++i) {
+    SCOPED_TRACE(i);
+    node n = random_node(roll, top<unsigned char>, weighing::uneven);
+    const auto classes = class_column(n, roll(60));
+    w_sequence cases = sequence_of(n), sorted = cases;
+    std::stable_sort(sorted.begin(), sorted.end(), [&](const auto& a, const auto& b) {
+      return n.cases[a.first / 2].code < n.cases[b.first / 2].code;
+    });
+    const auto plain = code_column<unsigned char>(n, column::CONTINUOUS);
+    const std::string expected_rating = told(rate(by::sorting, *plain, n, *classes, sorted));
+    for (unsigned int choice : {0U, 1U}) {
+      const auto x = rated_column<TypeParam>(n, column::CONTINUOUS, choice);
+      EXPECT_EQ(told(rate(by::sorting, *x, n, *classes, cases)), expected_rating);
+    }
+    n.range.second += 20 * static_cast<unsigned int>(cases.size());  // too wide to be counted
+    const auto x = rated_column<TypeParam>(n, column::CONTINUOUS, roll(30));
+    EXPECT_EQ(told(rate(by::sorting, *x, n, *classes, cases)), expected_rating);
+  }
+}
+
+TEST(CutMeasures, TakeALeastWeightThatIsNotANumberForNone) {
+  const node n({{1, 1, 10}, {2, 2, 10}}, 2, std::numeric_limits<float>::quiet_NaN());
+  for (by measure : {by::sorting, by::table}) EXPECT_EQ(rate(measure, n).gain, 1);
+  EXPECT_EQ(told(rate(by::value, n)), told(no_split(n.known_values)));
+}
+
 TEST(EightByteColumn, TellsThirtyTwoBitsOfTheCodesThatItOrdersInFull) {
-  node n({{5, 2, 1}, {2, 1, 1}, {7, 2, 1}, {3, 1, 1}});
-  code_column<unsigned long long> x(n, column::CONTINUOUS);
-  for (std::size_t row : {3U, 7U})
-    x.values[row] += 1ULL << 32;  // the codes of class 1 become the higher ones
-  EXPECT_EQ(x.get_row_index(3), 2U);
-  EXPECT_TRUE(x.less_than(5, 3));
-  EXPECT_FALSE(x.less_than(3, 5));
+  // The codes of class 1 become the higher ones.
+  constexpr auto high = 1ULL << 32U;
+  auto x =
+      code_column<unsigned long long>(node({{5, 2, 1}, {0, 1, 1}, {7, 2, 1}}), column::CONTINUOUS);
+  const auto higher =
+      code_column<unsigned long long>(node({{2, 1, 1}, {3, 1, 1}}), column::CONTINUOUS, high);
+  strata::inpout::memory_device device;
+  strata::inpout::obinstream out(device);
+  strata::inpout::ibinstream in(device);
+  higher->bin_out(out);
+  x->bin_in(in);  // rows 6 to 9
+  node n({{5, 2, 1}, {0, 1, 1}, {7, 2, 1}, {2, 1, 1}, {3, 1, 1}});
+  EXPECT_EQ(x->get_row_index(7), 2U);
+  EXPECT_TRUE(x->less_than(5, 7));
+  EXPECT_FALSE(x->less_than(7, 5));
   n.range = {1, 100};  // too wide for a counting sort
-  w_sequence cases = sequence_of(n);
-  EXPECT_EQ(told_codes(rate(by::sorting, x, n, *class_column(n, 0), cases)), "7|2");
+  for (const bool copy : {true, false}) {
+    w_sequence cases = sequence_of(n);
+    EXPECT_EQ(told_codes(rate(by::sorting, *x, n, *class_column(n, 0), cases, copy)), "7|2");
+  }
 }
 
 }  // namespace

@@ -28,9 +28,8 @@ static std::string parted(const column& c, w_sequence cases, unsigned branch, fl
 template <class T>
 static std::string parts(const node& n, column::_type kind, unsigned int branch,
                          const std::string& threshold) {
-  code_column<T> x(n, kind);
-  for (T& code : x.values) code = static_cast<T>(code + (5ULL << 32U));
-  return parted(x, sequence_of(n), branch, n.total_weight, {threshold, 2});
+  const auto x = code_column<T>(n, kind, static_cast<T>(5ULL << 32U));
+  return parted(*x, sequence_of(n), branch, n.total_weight, {threshold, 2});
 }
 
 TEST(Partition, SendsCasesDownTheirBranchAndUnknownOnesByItsShare) {

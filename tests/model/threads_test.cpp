@@ -11,19 +11,17 @@ namespace {
 
 // A table of one node's cases in all widths, and in bits.
 struct columns_of_node {
-  columns_of_node(const node& values, const node& bits)
-      : narrow(values, column::CONTINUOUS),
-        shorter(values, column::DISCRETE),
-        wide(values, column::CONTINUOUS),
-        widest(values, column::CONTINUOUS),
-        two(bits_of(bits, column::DISCRETE)) {}
+  columns_of_node(const node& values, const node& bits) {
+    owned.push_back(code_column<unsigned char>(values, column::CONTINUOUS));
+    owned.push_back(code_column<unsigned short>(values, column::DISCRETE));
+    owned.push_back(code_column<unsigned int>(values, column::CONTINUOUS));
+    owned.push_back(code_column<unsigned long long>(values, column::CONTINUOUS));
+    owned.push_back(bits_of(bits, column::DISCRETE));
+    for (const auto& x : owned) all.push_back(x.get());
+  }
 
-  code_column<unsigned char> narrow;
-  code_column<unsigned short> shorter;
-  code_column<unsigned int> wide;
-  code_column<unsigned long long> widest;
-  std::unique_ptr<column> two;
-  std::vector<const column*> all{&narrow, &shorter, &wide, &widest, two.get()};
+  std::vector<std::unique_ptr<column>> owned;
+  std::vector<const column*> all;
 };
 
 // Twice as many threads as columns: each column is read by two at once, and all read one class
@@ -48,7 +46,7 @@ TEST(Threads, RateAndPartTheColumnsOfATableAtOnce) {
       strata::util::pair<unsigned int, unsigned int> range{0, 0};
       const std::unique_ptr<w_sequence> part(
           x.partition(cases.begin(), cases.end(), 1, n.total_weight, share, range, {"2", 2}));
-      return told(rate(x, &x == table.two.get() ? bits : n, *classes, cases)) + " " +
+      return told(rate(x, &x == table.owned.back().get() ? bits : n, *classes, cases)) + " " +
              std::to_string(part->size()) + " " + std::to_string(share) + x.get_row_value(1) +
              x.find_threshold(1, 2);
     };

@@ -3,9 +3,9 @@
 //
 //   dice roll{1};
 //   const node n = random_node(roll, 255, weighing::even);
-//   const code_column<unsigned char> values(n, column::CONTINUOUS);
+//   const auto values = code_column<unsigned char>(n, column::CONTINUOUS);
 //   w_sequence cases = sequence_of(n);
-//   EXPECT_EQ(told(rate(values, n, *class_column(n, 0), cases)), told(expected(n, column::CONTINUOUS)));
+//   EXPECT_EQ(told(rate(*values, n, *class_column(n, 0), cases)), told(expected(n, column::CONTINUOUS)));
 //
 // The second version is as plain as can be: every cut and every value adds its cases up anew. Where
 // the weights are multiples of 1/8 all sums are exact in any order, so that both versions must
@@ -21,6 +21,7 @@
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
+#include "arbor/utils/memory_device.h"
 #include "tests/support/columns.h"
 
 namespace arbor::tests {
@@ -259,16 +260,51 @@ inline o_set* numbers_to(unsigned int count) {
   return domain.release();
 }
 
-// A rated column of any codes that fit T.
+// A rated column of any codes that fit T, `plus` added to each. They come from a record, since its
+// domain need not have them.
 template <class T>
-struct code_column : column_typed<T> {
-  code_column(const node& n, column::_type kind)
-      : column_typed<T>(numbers_to(n.known_values), "x", kind) {
-    for (const weighted_case& c : n.cases)
-      values.insert(values.end(), {T{0}, static_cast<T>(c.code)});
+std::unique_ptr<column_typed<T>> code_column(const node& n, column::_type kind, T plus = 0) {
+  std::vector<T> codes;
+  for (const weighted_case& c : n.cases)
+    codes.insert(codes.end(), {plus, static_cast<T>(c.code + plus)});
+  strata::inpout::memory_device device;
+  strata::inpout::obinstream out(device);
+  strata::inpout::ibinstream in(device);
+  const auto count = static_cast<unsigned int>(codes.size());
+  (out << count).write_block(codes.data(), count);
+  auto result = std::make_unique<column_typed<T>>(numbers_to(n.known_values), "x", kind);
+  result->bin_in(in);
+  return result;
+}
+
+// A column of a user's own, which keeps its codes elsewhere than its base.
+template <class Base>
+struct user_column : Base {
+  user_column(unsigned int known_values, column::_type kind)
+      : Base(numbers_to(known_values), "x", kind) {}
+  unsigned int get_row_index(unsigned int row) const override {
+    if (codes[row] == not_to_be_read || reads_left-- == 0) throw std::runtime_error("no such page");
+    return codes[row];
   }
-  using column_typed<T>::values;
+  bool less_than(unsigned int a, unsigned int b) const override { return codes[a] < codes[b]; }
+  void add(const node& n, unsigned int weighted_case::*number) {
+    for (const weighted_case& c : n.cases) codes.insert(codes.end(), {0, c.*number});
+  }
+
+  static constexpr unsigned int not_to_be_read = top_code;
+  std::vector<unsigned int> codes;
+  mutable unsigned int reads_left = top_code;
 };
+
+// A rated column of the library's class or, for one choice in three, of a user's own.
+template <class T>
+std::unique_ptr<column_typed<T>> rated_column(const node& n, column::_type kind,
+                                              unsigned int choice) {
+  if (choice % 3 != 0) return code_column<T>(n, kind);
+  auto result = std::make_unique<user_column<column_typed<T>>>(n.known_values, kind);
+  result->add(n, &weighted_case::code);
+  return result;
+}
 
 // Rates by the measure that the column chooses.
 inline rating rate(const column& values, node n, column& classes, w_sequence& cases,
@@ -297,20 +333,7 @@ rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_seq
   return r;
 }
 
-// A class column of a user's own, which keeps its codes elsewhere than its base and may be told to
-// fail at a read.
-struct told_column : column_typed<unsigned char> {
-  explicit told_column(const node& n) : column_typed(numbers_to(n.classes), "class", CLASS) {
-    for (const weighted_case& c : n.cases) codes.insert(codes.end(), {0, c.class_code});
-  }
-  unsigned int get_row_index(unsigned int row) const override {
-    if (reads_left-- == 0) throw std::runtime_error("no such page");
-    return codes[row];
-  }
-
-  std::vector<unsigned int> codes;
-  mutable unsigned int reads_left = top_code;
-};
+using user_classes = user_column<column_typed<unsigned char>>;
 
 // A column over 1 to `values` that stores a number of each case, with value 2 in the rows between.
 template <class Column>
@@ -323,8 +346,11 @@ std::unique_ptr<column> stored(const node& n, unsigned int weighted_case::*numbe
   }
   return result;
 }
-inline std::unique_ptr<column> bits_of(const node& n, column::_type kind) {
-  return stored<column_bool>(n, &weighted_case::code, 2, kind);
+inline std::unique_ptr<column> bits_of(const node& n, column::_type kind, unsigned int choice = 1) {
+  if (choice % 3 != 0) return stored<column_bool>(n, &weighted_case::code, 2, kind);
+  auto result = std::make_unique<user_column<column_bool>>(2, kind);
+  result->add(n, &weighted_case::code);
+  return result;
 }
 
 // The classes of a node in one of five storages, or six where there are two classes; any number
@@ -336,7 +362,11 @@ inline std::unique_ptr<column> class_column(const node& n, unsigned int choice) 
   if (storage == 1) return stored<column_typed<unsigned short>>(n, number, n.classes);
   if (storage == 2) return stored<column_typed<unsigned int>>(n, number, n.classes);
   if (storage == 3) return stored<column_typed<unsigned long long>>(n, number, n.classes);
-  if (storage == 4) return std::make_unique<told_column>(n);
+  if (storage == 4) {
+    auto result = std::make_unique<user_classes>(n.classes, column::CLASS);
+    result->add(n, number);
+    return result;
+  }
   return stored<column_bool>(n, number, n.classes);
 }
 

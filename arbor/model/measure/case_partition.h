@@ -20,112 +20,129 @@ struct branch_cases {
   float ratio;  // the branch's share
 };
 
-// The codes of a branch: `count` of them from `first` on.
-struct branch_codes {
-  static constexpr unsigned long long all_codes = 1ULL << 32U;
-
-  static branch_codes up_to(unsigned int last) { return {0, last + 1ULL}; }
-  static branch_codes above(unsigned int last_below) {
-    return {last_below + 1, all_codes - 1 - last_below};
-  }
-  static branch_codes only(unsigned int code) { return {code, 1}; }
-  static branch_codes none() { return {0, 0}; }
-
-  bool contains(unsigned int code) const { return code - first < count; }
-
-  unsigned int first;
-  unsigned long long count;
+// The rules by which codes belong to a branch. The unknown cases (code 0) go down every branch. Where
+// code 0 belongs to it by the rule, they weigh on the branch like others; elsewhere their weight is
+// kept apart.
+struct codes_up_to {
+  static constexpr bool has_unknown = true;
+  unsigned int last;
+  bool operator()(unsigned int code) const { return code <= last; }
+};
+struct codes_above {
+  static constexpr bool has_unknown = false;
+  unsigned int last_below;
+  bool operator()(unsigned int code) const { return code > last_below; }
+};
+struct one_code {  // but 0
+  static constexpr bool has_unknown = false;
+  unsigned int wanted;
+  bool operator()(unsigned int code) const { return code == wanted; }
 };
 
-// The weights and codes of a branch, as the first pass finds them. The cases whose value is unknown
-// (code 0) go down every branch. Where code 0 is a code of the branch, they weigh on it like others;
-// elsewhere their weight is kept apart.
+// 1 for an unknown case that is kept apart, else 0.
+template <class OnBranch>
+unsigned int is_apart(unsigned int code) {
+  return OnBranch::has_unknown ? 0 : static_cast<unsigned int>(code == 0);
+}
+
+// What the first pass may note of all codes: the bounds of the known ones, or nothing.
+struct code_extent {
+  unsigned int before_lowest = std::numeric_limits<unsigned int>::max();
+  unsigned int highest = 0;
+
+  void note(unsigned int code) {
+    before_lowest = std::min(before_lowest, code - 1);  // code 0 becomes the largest number
+    highest = std::max(highest, code);
+  }
+};
+struct no_extent {
+  void note(unsigned int /*code*/) {}
+};
+
+// What the first pass finds.
+template <class Extent>
 struct branch_weight {
   float on_branch = 0;
-  float unknown_apart = 0;
-  std::size_t cases = 0;  // on the branch or of unknown value
-  // The bounds of all known codes, on the branch or not.
-  unsigned int code_before_lowest = std::numeric_limits<unsigned int>::max();
-  unsigned int highest_code = 0;
+  float apart = 0;
+  std::size_t cases = 0;  // on the branch or apart
+  Extent codes;
 };
 
 // Not inlined: the sums would be kept in memory because of the allocation that follows, and each
 // addition would wait until the last is stored.
-template <class CodeOf>
-[[gnu::noinline]] branch_weight weigh_branch(w_sequence::const_iterator begin,
-                                             w_sequence::const_iterator end, CodeOf code_of,
-                                             branch_codes codes) {
-  const unsigned int unknown_is_apart = codes.contains(0) ? 0 : 1;
-  branch_weight result;
+template <class Extent, class CodeOf, class OnBranch>
+[[gnu::noinline]] branch_weight<Extent> weigh_branch(w_sequence::const_iterator begin,
+                                                     w_sequence::const_iterator end, CodeOf code_of,
+                                                     OnBranch on_branch) {
+  branch_weight<Extent> result;
   for (auto c = begin; c != end; ++c) {
     const unsigned int code = code_of(c->first);
-    // Code 0 becomes the largest number, so that it is no lowest code.
-    result.code_before_lowest = std::min(result.code_before_lowest, code - 1);
-    result.highest_code = std::max(result.highest_code, code);
-    const auto on_branch = static_cast<unsigned int>(codes.contains(code));
-    const unsigned int apart = static_cast<unsigned int>(code == 0) & unknown_is_apart;
-    result.on_branch += weight_if(on_branch, c->second);  // adding 0 leaves a sum as it is
-    result.unknown_apart += weight_if(apart, c->second);
-    result.cases += on_branch | apart;
+    result.codes.note(code);
+    const auto on = static_cast<unsigned int>(on_branch(code));
+    const unsigned int apart = is_apart<OnBranch>(code);
+    result.on_branch += weight_if(on, c->second);  // adding 0 leaves a sum as it is
+    result.apart += weight_if(apart, c->second);
+    result.cases += on | apart;
   }
   return result;
 }
 
-// The second pass: the cases of the codes and those of unknown value, whose weights are multiplied
-// by `unknown_factor`. `count` is how many these are.
+// The cases of a branch and those of unknown value, whose weight is multiplied by the branch's share
+// if `scale_unknown`. The share is the branch's weight over `total` less the weight that is apart.
+// `codes` receives the extent of all codes.
 //
-// Does not branch on a case: on which side the next one is, is hard to foresee.
-template <class CodeOf>
-std::unique_ptr<w_sequence> take_branch(w_sequence::const_iterator begin, CodeOf code_of,
-                                        branch_codes codes, std::size_t count,
-                                        float unknown_factor) {
-  auto result = std::make_unique<w_sequence>(count);
-  const std::array<float, 2> factors{1.0F, unknown_factor};  // of known values and unknown ones
-  auto* const taken = result->data();
+// Neither pass branches on a case: on which side the next one is, is hard to foresee.
+template <class CodeOf, class OnBranch, class Extent>
+branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const_iterator end,
+                             float total, CodeOf code_of, OnBranch on_branch, bool scale_unknown,
+                             Extent& codes) {
+  const branch_weight<Extent> weight = weigh_branch<Extent>(begin, end, code_of, on_branch);
+  codes = weight.codes;
+  const double known_weight = static_cast<double>(total) - static_cast<double>(weight.apart);
+  branch_cases result{std::make_unique<w_sequence>(weight.cases),
+                      static_cast<float>(static_cast<double>(weight.on_branch) / known_weight)};
+  // Factors of known values and of unknown ones.
+  const std::array<float, 2> factors{1.0F, scale_unknown ? result.ratio : 1.0F};
+  auto* const taken = result.cases->data();
   auto c = begin;
   // Every case is written to the next free place, and stays there if it is on the branch.
-  for (std::size_t next = 0; next < count; ++c) {
+  for (std::size_t next = 0; next < weight.cases; ++c) {
     const unsigned int code = code_of(c->first);
-    const auto unknown = static_cast<unsigned int>(code == 0);
-    taken[next] = {c->first, factors[unknown] * c->second};
-    next += static_cast<unsigned int>(codes.contains(code)) | unknown;
+    const auto on = static_cast<unsigned int>(on_branch(code));
+    taken[next] = {c->first, factors[static_cast<std::size_t>(code == 0)] * c->second};
+    next += on | is_apart<OnBranch>(code);
   }
   return result;
-}
-
-// The share of a branch: its weight over that of the cases that are not kept apart.
-inline float branch_ratio(const branch_weight& branch, float total) {
-  const double known_weight =
-      static_cast<double>(total) - static_cast<double>(branch.unknown_apart);
-  return static_cast<float>(static_cast<double>(branch.on_branch) / known_weight);
 }
 
 // The branch of one value. In branch 0 the unknown cases are the ones meant, and keep their weight.
 template <class CodeOf>
 branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                             unsigned int branch, float total, CodeOf code_of) {
-  const auto codes = branch_codes::only(branch);
-  const branch_weight weight = weigh_branch(begin, end, code_of, codes);
-  const float ratio = branch_ratio(weight, total);
-  return {take_branch(begin, code_of, codes, weight.cases, branch == 0 ? 1.0F : ratio), ratio};
+  no_extent codes;
+  if (branch == 0) {
+    return cases_on_branch(begin, end, total, code_of, codes_up_to{0}, false, codes);
+  }
+  return cases_on_branch(begin, end, total, code_of, one_code{branch}, true, codes);
 }
 
-// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other). In the
-// low branch code 0 is among the codes, so that unknown cases weigh on it. `range` receives the bounds
-// of `threshold` and of the known codes on the branch.
+// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other). Code 0
+// is not above the low branch's threshold, so unknown cases weigh on that branch. `range` receives the
+// bounds of `threshold` and of the known codes on the branch.
 template <class CodeOf>
 branch_cases cases_of_side(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                            unsigned int branch, float total, CodeOf code_of, unsigned int threshold,
                            strata::util::pair<unsigned int, unsigned int>& range) {
-  const auto codes = branch == 1   ? branch_codes::up_to(threshold)
-                     : branch == 2 ? branch_codes::above(threshold)
-                                   : branch_codes::none();
-  const branch_weight weight = weigh_branch(begin, end, code_of, codes);
-  const float ratio = branch_ratio(weight, total);
-  branch_cases result{take_branch(begin, code_of, codes, weight.cases, ratio), ratio};
-  const bool lower = branch == 1 && weight.code_before_lowest < threshold;
-  range.first = lower ? weight.code_before_lowest + 1 : threshold;
-  range.second = (branch == 2 ? std::max(weight.highest_code, threshold) : threshold) + 1;
+  constexpr unsigned int greatest = std::numeric_limits<unsigned int>::max();  // none is above it
+  const bool low = branch == 1;
+  const bool high = branch == 2;
+  const codes_above above{high ? threshold : greatest};
+  code_extent codes;
+  branch_cases result =
+      low ? cases_on_branch(begin, end, total, code_of, codes_up_to{threshold}, true, codes)
+          : cases_on_branch(begin, end, total, code_of, above, true, codes);
+  range.first = low && codes.before_lowest < threshold ? codes.before_lowest + 1 : threshold;
+  range.second = (high ? std::max(codes.highest, threshold) : threshold) + 1;
   return result;
 }
 

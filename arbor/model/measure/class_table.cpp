@@ -5,12 +5,12 @@ namespace arbor::impls {
 // From counts to weights: exact, like all sums of them.
 void class_counts::weigh(unsigned int weight) {
   if (weight == 1) return;
+  unknown *= weight;
   for (std::size_t i = 0; i < cells.size(); ++i) cells[i] *= weight;
 }
 
 // The sums are exact in any order, so the table gives them; no case is looked at again.
 void class_counts::add_up() {
-  for (std::size_t c = 0; c < stride; ++c) unknown += cells[c];
   // Adds several rows at once while there are many: one sum would wait for the addition before.
   constexpr std::size_t enough_sums = 64;
   std::size_t first = stride;

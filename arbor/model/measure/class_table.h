@@ -11,7 +11,6 @@
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/even_weight.h"
-#include "arbor/model/measure/known_rows.h"
 #include "arbor/model/measure/weight_if.h"
 #include "arbor/utils/work_array.h"
 
@@ -31,8 +30,8 @@ class class_table {
         cells(1ULL * row_count * stride),
         class_totals(stride) {}
 
-  // Row i, from 1 on, belongs to the i-th code of the range; row 0 is the unknown value's and not to
-  // be read.
+  // Row i, from 1 on, belongs to the i-th code of the range; row 0 is the unknown value's and not
+  // to be read.
   unsigned int rows() const { return row_count; }
   unsigned int classes() const { return static_cast<unsigned int>(stride - 1); }
   // The weights of the classes 1 to classes() in a row.
@@ -56,8 +55,8 @@ class class_counts : public class_table<unsigned int> {
  public:
   using class_table::class_table;
 
-  // Counts the cases and returns true; or returns false at a case of another weight, after which the
-  // table is of no use.
+  // Counts the cases and returns true; or returns false at a case of another weight, after which
+  // the table is of no use.
   template <class CodeOf, class ClassOf>
   bool count(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const even_weight& weight);
 
@@ -112,25 +111,27 @@ bool class_counts::count(CodeOf code_of, ClassOf class_of, const w_sequence& cas
 template <class CodeOf, class ClassOf>
 bool class_counts::count_cells(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
                                const even_weight& weight) {
-  constexpr std::size_t block = 4096;  // cases; few enough to stay in the nearest cache
-  const known_rows class_rows(code_of, cases);
-  if (class_rows.none()) {
-    cells[0] = static_cast<unsigned int>(cases.size());
-    return weight.is_of_all(cases.data(), cases.size());
-  }
+  constexpr std::size_t block = 4096;  // cases between two looks at their weights
   const std::size_t width = stride;
   const unsigned int before = code_before_range;
   unsigned int* const table = cells.data();
+  unsigned int unknown_cases = 0;
   for (std::size_t begin = 0; begin < cases.size(); begin += block) {
     const std::size_t end = std::min(begin + block, cases.size());
-    if (!weight.is_of_all(cases.data() + begin, end - begin)) return false;
+    unsigned int difference = 0;
     for (std::size_t i = begin; i < end; ++i) {
-      const unsigned int row = cases[i].first;
+      const auto [row, case_weight] = cases[i];
+      difference |= weight.difference(case_weight);
       const auto code = code_of(row);
-      const unsigned int table_row = code == 0 ? 0 : static_cast<unsigned int>(code) - before;
-      ++table[table_row * width + class_of(class_rows(code, row))];
+      if (code == 0) {
+        ++unknown_cases;
+      } else {
+        ++table[(static_cast<unsigned int>(code) - before) * width + class_of(row)];
+      }
     }
+    if (difference != 0) return false;
   }
+  unknown = unknown_cases;
   return true;
 }
 
@@ -152,9 +153,10 @@ void class_sums::add(CodeOf code_of, ClassOf class_of, const w_sequence& cases) 
     add_to_class(class_code, c.second);
   };
   if (classes() == 2) {
-    // Two sums stay in registers, where an addition need not wait until the last one is stored.
-    float first_class = 0;
-    float second_class = 0;
+    // Two sums stay in registers, where an addition need not wait until the last one is stored. They
+    // are loaded rather than set to 0, so that g++ keeps both in one.
+    float first_class = totals_by_class[1];
+    float second_class = totals_by_class[2];
     for (const auto& c : cases) {
       take(c, [&](unsigned int class_code, float weight) {
         first_class += weight_if(static_cast<unsigned int>(class_code == 1), weight);

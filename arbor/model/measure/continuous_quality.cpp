@@ -34,9 +34,9 @@ class case_sweep {
   unsigned int low_code(std::size_t place) const { return code_at(place - 1); }
   unsigned int high_code(std::size_t place) const { return code_at(place); }
 
-  // A cut lies inside a run if all cases since the last cut that was rated, and all of the next code,
-  // are of one class, and the cut behind these is admissible. The best cut never does (U. M. Fayyad
-  // and K. B. Irani, Machine Learning 8 (1992), 87-102).
+  // A cut lies inside a run if all cases since the last cut that was rated, and all of the next
+  // code, are of one class, and the cut behind these is admissible. The best cut never does (U. M.
+  // Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
   template <class Search>
   bool inside_run(const Search& search) {
     if (one_class && run_goes_on(search)) return true;

@@ -1,5 +1,5 @@
-// The quality of the best threshold of a continuous column, by sorting the cases: for nodes with few
-// cases per code. Internal to the model.
+// The quality of the best threshold of a continuous column, by sorting the cases: for nodes with
+// few cases per code. Internal to the model.
 #ifndef ARBOR_MODEL_MEASURE_CONTINUOUS_QUALITY_H
 #define ARBOR_MODEL_MEASURE_CONTINUOUS_QUALITY_H
 

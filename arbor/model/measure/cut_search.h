@@ -38,15 +38,15 @@ struct cut_problem {
   const options* opts;     // may be null
 
   float known_weight() const { return total_weight - unknown_weight; }
-  // Whether the known cases may be heavy enough for two branches; a least weight that is not a number
-  // refuses none.
+  // Whether the known cases may be heavy enough for two branches; a least weight that is not a
+  // number refuses none.
   bool splittable() const {
     return !(2.0 * static_cast<double>(min_weight) > static_cast<double>(known_weight()));
   }
 };
 
-// Keeps the class weights on both sides of a cut that moves from the lowest code to the highest, and
-// the best place for it.
+// Keeps the class weights on both sides of a cut that moves from the lowest code to the highest,
+// and the best place for it.
 //
 // Weight and Terms as in entropy_sum. `Classes` is the number of classes if the compiler knows it,
 // else 0.
@@ -116,8 +116,8 @@ class cut_search {
   void count_candidate() { ++candidates; }
 
   // Rates the cut; `place` is the caller's name for it. Of equal gains, as they round to float, the
-  // earlier cut stays the best. A cut that is not `eligible` cannot become the best; with two classes
-  // it is rated all the same, which costs less than a branch that is hard to foresee.
+  // earlier cut stays the best. A cut that is not `eligible` cannot become the best; with two
+  // classes it is rated all the same, which costs less than a branch that is hard to foresee.
   void evaluate(std::size_t place, bool eligible) {
     if (Classes != 2 && !eligible) return;
     const unsigned int count = classes();
@@ -215,8 +215,8 @@ void sweep(Codes& codes, Search& search) {
   }
 }
 
-// Calls `use` with a cut_search of so many classes, 0 for any number, for at most `cuts` cuts. Weight
-// is unsigned int for weights that count in whole numbers, else float.
+// Calls `use` with a cut_search of so many classes, 0 for any number, for at most `cuts` cuts.
+// Weight is unsigned int for weights that count in whole numbers, else float.
 template <unsigned int Classes, class Weight, class Use>
 void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
   if constexpr (std::is_integral_v<Weight>) {
@@ -235,8 +235,8 @@ void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
   use(search);
 }
 
-// Finds the best cut of a node with at most `cuts` cuts. `result` holds the no-split mark; gain, split
-// information and the codes on either side of the cut are set if there is one.
+// Finds the best cut of a node with at most `cuts` cuts. `result` holds the no-split mark; gain,
+// split information and the codes on either side of the cut are set if there is one.
 //
 // `codes` as in `sweep`, with low_code(place) and high_code(place).
 template <unsigned int Classes, class Weight, class Codes>

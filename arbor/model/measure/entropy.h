@@ -20,8 +20,8 @@ float binary_log(double x);
 double log_term(float x);
 
 // A table of log_term for the whole numbers from 0 to at least `greatest`, or null: a table is made
-// on first use, if `terms` look-ups or so make it worth its cost and there is memory for it. It then
-// stays unchanged until the process ends. Several threads may ask at once.
+// on first use, if `terms` look-ups or so make it worth its cost and there is memory for it. It
+// then stays unchanged until the process ends. Several threads may ask at once.
 const double* whole_number_terms(unsigned int greatest, unsigned long long terms);
 
 // The terms of arbitrary weights, and those of whole numbers within a table.

@@ -2,7 +2,7 @@
 // weights without rounding, in any order, so the cases may be counted. Internal to the model.
 //
 //   const even_weight weight(cases);
-//   if (weight.likely() && weight.is_of_all(cases.data(), cases.size())) count_them(weight.value());
+//   if (weight.likely() && weight.is_of_all(cases)) count_them(weight.value());
 #ifndef ARBOR_MODEL_MEASURE_EVEN_WEIGHT_H
 #define ARBOR_MODEL_MEASURE_EVEN_WEIGHT_H
 
@@ -14,8 +14,8 @@ namespace arbor::impls {
 
 class even_weight {
  public:
-  // Samples 16 cases, the first and the last among them: uneven weights usually show there. Unknown
-  // cases, whose weight is a share, come last in the branch of a discrete split.
+  // Samples up to 17 cases, the first and the last among them: uneven weights usually show there.
+  // Unknown cases, whose weight is a share, come last in the branch of a discrete split.
   explicit even_weight(const w_sequence& cases) {
     constexpr std::size_t sample = 16;
     constexpr unsigned int most = 1U << 24U;  // float holds all whole numbers up to here
@@ -25,21 +25,25 @@ class even_weight {
     if (!(weight >= 1 && weight <= static_cast<float>(most))) return;
     number = static_cast<unsigned int>(weight);
     if (static_cast<float>(number) != weight || number > most / cases.size()) return;
-    is_likely = true;
-    for (std::size_t i = 1; i < sample; ++i) {
-      is_likely = is_likely && cases[(cases.size() - 1) * i / (sample - 1)].second == weight;
+    const std::size_t step = 1 + (cases.size() - 1) / sample;
+    bool same = cases.back().second == weight;
+    for (std::size_t i = step; i < cases.size(); i += step) {
+      same = same && cases[i].second == weight;
     }
+    is_likely = same;
   }
 
   // Whether the sum is small enough and the sample even.
   bool likely() const { return is_likely; }
   // What each of the cases weighs then, at least 1.
   unsigned int value() const { return number; }
-  // Whether each of these cases weighs that.
-  bool is_of_all(const w_sequence::value_type* cases, std::size_t count) const {
-    unsigned int difference = 0;  // no branch on a case
-    for (std::size_t i = 0; i < count; ++i) difference |= bits ^ bits_of_weight(cases[i].second);
-    return difference == 0;
+  // 0 if a case weighs just that. The differences of many can be gathered by "or".
+  unsigned int difference(float weight) const { return bits ^ bits_of_weight(weight); }
+  // Whether all of the cases do.
+  bool is_of_all(const w_sequence& cases) const {
+    unsigned int differences = 0;
+    for (const auto& c : cases) differences |= difference(c.second);
+    return differences == 0;
   }
 
  private:

@@ -9,14 +9,12 @@ namespace {
 
 // The number of bits that the numbers up to `greatest` take.
 unsigned int bits_of(unsigned int greatest) {
-  unsigned int bits = 0;
-  for (; greatest != 0; greatest >>= 1U) ++bits;
-  return bits;
+  return greatest == 0 ? 0 : 32 - static_cast<unsigned int>(__builtin_clz(greatest));
 }
 
-// Sorts integers by their bits from `low_bit` to before `high_bit`, digit by digit, the lowest first:
-// linear in the integers and in the values of a digit. `numbers` and `room` hold `count` each; returns
-// the one that holds the sorted integers.
+// Sorts integers by their bits from `low_bit` to before `high_bit`, digit by digit, the lowest
+// first: linear in the integers and in the values of a digit. `numbers` and `room` hold `count`
+// each; returns the one that holds the sorted integers.
 template <unsigned int DigitBits>
 unsigned int* sort_by_digits(unsigned int* numbers, unsigned int* room, std::size_t count,
                              unsigned int low_bit, unsigned int high_bit) {

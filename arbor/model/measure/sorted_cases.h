@@ -14,7 +14,6 @@
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/even_weight.h"
-#include "arbor/model/measure/known_rows.h"
 #include "arbor/utils/counting_sort.h"
 #include "arbor/utils/work_array.h"
 
@@ -22,8 +21,8 @@ namespace arbor::impls {
 
 using code_bounds = strata::util::pair<unsigned int, unsigned int>;
 
-// Whether to sort by counting the cases of each code, which is linear in the cases and the codes: it
-// pays until there are far more codes than cases. `cases` is not 0.
+// Whether to sort by counting the cases of each code, which is linear in the cases and the codes:
+// it pays until there are far more codes than cases. `cases` is not 0.
 inline bool counting_pays(std::size_t cases, const code_bounds& range) {
   constexpr unsigned int most_keys_per_case = 16;
   const unsigned int keys = range.second - range.first + 1;  // the unknown value has one too
@@ -43,19 +42,19 @@ struct case_packing {
   unsigned int code_bits;
 };
 
-// Where all cases weigh the same, nothing of a case matters but its code and its class, and the order
-// among equal codes does not matter.
+// Where all cases weigh the same, nothing of a case matters but its code and its class, and the
+// order among equal codes does not matter.
 class packed_cases {
  public:
-  // `sorted` are `count` packed cases in the order of their codes, the `unknown` ones first. They
-  // stay the caller's.
+  // `sorted` are `count` packed cases in the order of their codes, which stay the caller's. Each
+  // weighs `weight_of_each`.
   packed_cases(const case_packing& packing, const unsigned int* sorted, std::size_t count,
-               std::size_t unknown, unsigned int weight_of_each)
+               unsigned int weight_of_each, unsigned int weight_of_unknown)
       : packed(packing),
-        known(sorted + unknown),
-        known_count(count - unknown),
-        unknown_count(unknown),
-        each(weight_of_each) {}
+        known(sorted),
+        known_count(count),
+        each(weight_of_each),
+        unknown(weight_of_unknown) {}
 
   std::size_t size() const { return known_count; }
   unsigned int code(std::size_t i) const {
@@ -65,14 +64,14 @@ class packed_cases {
     return known[i] & ((1U << packed.class_bits) - 1);
   }
   unsigned int weight(std::size_t /*i*/ = 0) const { return each; }
-  float unknown_weight() const { return static_cast<float>(unknown_count * each); }
+  float unknown_weight() const { return static_cast<float>(unknown); }
 
  private:
   case_packing packed;
   const unsigned int* known;
   std::size_t known_count;
-  std::size_t unknown_count;
   unsigned int each;
+  unsigned int unknown;
 };
 
 constexpr std::size_t most_compared = 64;  // cases; more are sorted faster digit by digit
@@ -82,48 +81,45 @@ constexpr std::size_t most_compared = 64;  // cases; more are sorted faster digi
 const unsigned int* sort_packed(unsigned int* numbers, std::size_t count,
                                 const case_packing& packing);
 
-// Packs each case into `numbers`, and counts those whose value is unknown. Returns whether all others
-// have a class: one without a class belongs to no sum, and counting has no place for it.
+// Packs each case whose value is known into `numbers`, and sets `known` to how many these are.
+// Returns whether all of them have a class: one without belongs to no sum, and counting has no
+// place for it.
 template <class CodeOf, class ClassOf>
 bool pack(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const case_packing& packing,
-          unsigned int* numbers, std::size_t& unknown) {
-  const known_rows class_rows(code_of, cases);
-  if (class_rows.none()) {
-    std::fill_n(numbers, cases.size(), 0U);
-    unknown = cases.size();
-    return true;
-  }
+          unsigned int* numbers, std::size_t& known) {
   bool all_have_a_class = true;
+  unsigned int* next = numbers;
   for (const auto& c : cases) {
     const auto code = static_cast<unsigned int>(code_of(c.first));
-    const unsigned int class_code = class_of(class_rows(code, c.first));
+    if (code == 0) continue;  // its class is not read
+    const unsigned int class_code = class_of(c.first);
     all_have_a_class = all_have_a_class & (class_code != 0);
-    const unsigned int offset = code == 0 ? 0 : code - packing.code_before_range;
-    *numbers++ = offset << packing.class_bits | class_code;
-    unknown += code == 0 ? 1 : 0;
+    *next++ = (code - packing.code_before_range) << packing.class_bits | class_code;
   }
+  known = static_cast<std::size_t>(next - numbers);
   return all_have_a_class;
 }
 
-// Calls `use` with the packed cases and returns true; returns false where they cannot be packed: for
-// weights that are not all the same whole number, and for too many codes and classes.
+// Calls `use` with the packed cases and returns true; returns false where they cannot be packed:
+// for weights that are not all the same whole number, and for too many codes and classes.
 template <class CodeOf, class Use>
 bool with_packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
                        const code_bounds& range, Use use) {
   const even_weight weight(cases);
   const case_packing packing(range, class_column.get_distinct() - 1);
   const std::size_t count = cases.size();
-  if (!packing.fits() || !weight.likely() || !weight.is_of_all(cases.data(), count)) return false;
+  if (!packing.fits() || !weight.likely() || !weight.is_of_all(cases)) return false;
   strata::util::work_array<unsigned int, most_compared> numbers(
       count <= most_compared ? count : 2ULL * count, strata::util::first_values::any);
-  std::size_t unknown = 0;
+  std::size_t known = 0;
   bool packed = false;
   with_codes(class_column, [&](auto class_of) {
-    packed = pack(code_of, class_of, cases, packing, numbers.data(), unknown);
+    packed = pack(code_of, class_of, cases, packing, numbers.data(), known);
   });
   if (!packed) return false;
-  const unsigned int* const sorted = sort_packed(numbers.data(), count, packing);
-  use(packed_cases(packing, sorted, count, unknown, weight.value()));
+  const unsigned int* const sorted = sort_packed(numbers.data(), known, packing);
+  const auto unknown = static_cast<unsigned int>(count - known);
+  use(packed_cases(packing, sorted, known, weight.value(), unknown * weight.value()));
   return true;
 }
 
@@ -137,8 +133,8 @@ struct coded_case {
   float weight;
 };
 
-// Cases of any weight. Equal codes stay in the order of the cases, whatever sorts them, so that float
-// sums over them have one value.
+// Cases of any weight. Equal codes stay in the order of the cases, whatever sorts them, so that
+// float sums over them have one value.
 template <class Code>
 class gathered_cases {
  public:
@@ -175,7 +171,7 @@ class gathered_cases {
     const auto key_of = [before](Code code) {
       return code == 0 ? 0 : static_cast<unsigned int>(code) - before;
     };
-    strata::util::work_array<unsigned int, 64> next(0ULL + range.second - before);
+    strata::util::work_array<unsigned int, 64> next(range.second - before);
     for (const auto& c : cases) ++next[key_of(code_of(c.first))];
     unsigned int first = 0;
     for (std::size_t key = 0; key < next.size(); ++key) {
@@ -196,7 +192,8 @@ class gathered_cases {
 
 // -- The caller's own sequence --
 
-// Sorts the caller's cases themselves by the codes of `rated`. Equal codes end in no order to rely on.
+// Sorts the caller's cases themselves by the codes of `rated`. Equal codes end in no order to rely
+// on.
 template <class T>
 void sort_in_place(const column_typed<T>& rated, w_sequence& cases, const code_bounds& range) {
   const unsigned int unknown_key = range.first - 1;
