@@ -64,8 +64,8 @@ void with_codes(const column& source, Use&& use) {
   }
 }
 
-// Calls `use` with a reader of the codes of a column_typed<T> in their full width; of a derived class,
-// one of what get_row_index returns.
+// Calls `use` with a reader of the codes of a column_typed<T> in their full width; of a derived
+// class, one of what get_row_index returns.
 template <class T, class Use>
 void with_column_codes(const column_typed<T>& source, Use&& use) {
   if (typeid(source) == typeid(column_typed<T>)) {

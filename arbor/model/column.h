@@ -6,16 +6,16 @@
 //   for (const char* text : {"sunny", "?", "rainy"}) outlook->push_back(text);
 //   unsigned int code = outlook->get_row_index(0);
 //
-// A tree builder rates each column on a node's cases with `quality_measure`, turns the best result
+// A tree builder rates each column on a node's cases with `quality_measure`, turns the best rating
 // into the description of a split with `set_partition_desc`, and asks the column for the cases of
 // each branch with `partition`.
 //
 // Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are
 // never range-checked.
 //
-// Where there is no storage, std::bad_alloc is thrown, or std::runtime_error "out of memory" where
-// bits are stored. The column is then as it was, nothing is leaked, and what was called may be
-// called again.
+// Every call that runs out of storage throws std::bad_alloc, or std::runtime_error "out of memory"
+// from a column of bits. The column is then as before, nothing is leaked, and the call may be
+// repeated.
 #ifndef ARBOR_MODEL_COLUMN_H
 #define ARBOR_MODEL_COLUMN_H
 
@@ -46,40 +46,41 @@ class column : public strata::util::nocopy {
   struct splitting_desc;
   struct partition_desc;
 
-  // Adopts `domain`, which may be null only if nothing that needs it is called; it stays the
-  // caller's if this throws.
+  // Adopts `domain`; if this throws, the domain stays the caller's. A null domain is legal as long
+  // as no call needs it.
   column(o_set* domain, const std::string& name, _type type);
   virtual ~column();
 
-  // Makes an empty column of the narrowest class that can hold the domain's codes: one bit a row
+  // Makes an empty column of the narrowest class that can hold the codes of `domain`: one bit a row
   // for a discrete column of at most two known values and no unknown one, a plain column for the
-  // data type "null", else 1, 2, 4 or 8 bytes.
+  // data type "null", else 1, 2, 4 or 8 bytes a row.
   //
-  // `domain` is already filled; `type` is "discrete", "continuous", "class", "weights" or "ignore".
-  // On success the caller owns the column, the column owns the domain, and `error` is untouched.
-  // When kind and domain do not go together the result is null, `error` says why, and the domain
-  // stays the caller's; so it does when this throws.
+  // `domain` has all its values; `type` is "discrete", "continuous", "class", "weights" or
+  // "ignore". On success the caller owns the column, the column owns the domain, and `error` is
+  // untouched. If kind and domain do not go together the result is null and `error` says why. The
+  // domain stays the caller's then, and if this throws.
   static column* NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type,
                             std::string& error);
 
-  // The kind of a text, exactly spelled; returns false, with `kind` untouched, for any other text.
+  // Sets `kind` to the kind that `text` spells exactly; returns false, with `kind` untouched, for
+  // any other text.
   static bool get_type(const std::string& text, _type& kind);
 
-  // Whether a column of the kind named by `text` may hold unknown values: all but "weights". A
-  // class column may not either, but that is NEW_COLUMN's own rule.
+  // Whether a column of the kind named by `text` may hold unknown values: every kind but "weights".
+  // That a class column may not either is a rule of NEW_COLUMN.
   static bool admits_null(const std::string& text);
 
-  // A column of the same class, kind and name with a domain of its own; the caller owns it. With
-  // `empty` it has no rows, else the same ones.
+  // A column of the same class, kind and name with a copy of the domain; the caller owns it. It has
+  // the same rows, or none with `empty`.
   virtual column* clone(bool empty);
 
   // Makes room for `rows` rows in all.
   virtual void reserve(unsigned int rows);
   virtual unsigned int size() const;
 
-  // Appends a row. Throws std::runtime_error, with the column unchanged, when the domain does not
-  // hold the text or there are 4294967295 rows, and what the domain throws for a text that is not
-  // of its data type.
+  // Appends a row. Throws std::runtime_error if the domain does not hold the text or there are
+  // 4294967295 rows, and what the domain throws for a text that is not of its data type; the column
+  // is unchanged then.
   virtual void push_back(const char* value);
 
   // The code of a row's value, its low 32 bits if it has more.
@@ -94,20 +95,22 @@ class column : public strata::util::nocopy {
   // multiplied by the branch's share.
   //
   //   begin, end  the node's cases; read only
-  //   branch      of a discrete split the code of its value; of a continuous one 1 for the codes up to that of the
-  //               threshold, 2 for those above it
+  //   branch      for a discrete split the code of the branch's value; for a continuous one 1 for
+  //               the codes up to that of the threshold, 2 for those above it
   //   total       the weight of the node's cases, unknown values included
-  //   ratio       receives the branch's share: its weight over that of the cases whose value is known. The low branch
-  //               of a continuous split counts the unknown cases too, in its own weight and in what it is divided by
-  //   range       receives the bounds [first, second) of the branch's codes: of a discrete branch its code; of a
-  //               continuous one from the least to the greatest of the threshold's and those of its cases
-  //   desc        the split, of which a continuous one needs the threshold; one that the domain does not hold lies
-  //               below all values
+  //   ratio       receives the branch's share: its weight over that of the cases whose value is
+  //               known. The low branch of a continuous split counts the unknown cases too, in its
+  //               own weight and in what it is divided by
+  //   range       receives the bounds [first, second) of the branch's codes: for a discrete branch
+  //               its code; for a continuous one from the least to the greatest of the threshold's
+  //               code and those of its cases
+  //   desc        the split; only the threshold of a continuous one is read. A threshold that the
+  //               domain does not hold has code 0, below all values
   //
-  // Discrete and class columns split by value, continuous ones at the threshold; others, two-valued
-  // continuous ones and this base throw std::runtime_error. When anything is thrown `ratio` and
-  // `range` are unchanged. A total that is the weight of the unknown values gives a ratio that is
-  // infinite or not a number, and cases of such weights.
+  // Discrete and class columns split by value, continuous ones at the threshold. All others,
+  // continuous columns of bits and this base throw std::runtime_error. Whatever is thrown, `ratio`
+  // and `range` are unchanged. If `total` equals the weight of the unknown values, the share is
+  // infinite or not a number, and so are the weights of these cases.
   virtual w_sequence* partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                                 unsigned int branch, float total, float& ratio,
                                 strata::util::pair<unsigned int, unsigned int>& range,
@@ -115,24 +118,27 @@ class column : public strata::util::nocopy {
 
   // Rates this column as the split of a node.
   //
-  //   class_column  the target of every case, without unknown values; read only
+  //   class_column  the class of every case, without unknown values; read only. The class of a case
+  //                 whose value is unknown in this column is not read
   //   total_weight  the weight of all cases, unknown values included
   //   cases         the node's cases, at least one
-  //   code_range    [first, second): bounds of the known codes of this column among the cases; the cost of a call grows
-  //                 with its width, so tight bounds pay
-  //   min_weight    the weight from which on a branch counts, 0 or more: a discrete split needs two such branches;
-  //                 either side of a threshold needs it, or what the minimum-branch rule allows instead
+  //   code_range    [first, second): bounds of the known codes of this column among the cases. The
+  //                 cost of a call grows with its width, so tight bounds pay
+  //   min_weight    the least weight of a branch that counts, 0 or more: a discrete split needs two
+  //                 such branches; either side of a threshold needs it, or what the minimum-branch
+  //                 rule allows instead
   //   opts          may be null, for the defaults
-  //   result        where the rating goes; `gain` is splitting_desc::no_split when no admissible split exists
+  //   result        receives the rating; `gain` is splitting_desc::no_split if no split is
+  //                 admissible
   //   copy_cases    false lets the call reorder `cases`
   //
-  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is then
-  // incomplete.
+  // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is incomplete
+  // then.
   //
-  // Const calls, this one and others, may run at once, on one column as on several, once every
-  // domain that they read (the class column's too) has been asked something, and as long as nothing
-  // is inserted or appended. Each needs a `result` of its own and, without `copy_cases`, cases of
-  // its own; with it they are only read and may be shared.
+  // Const calls, of this function and others, may run at once, on one column or several, once every
+  // domain that they read (the class column's too) has been asked a question, and as long as
+  // nothing is inserted or appended. Each needs a `result` of its own and, without `copy_cases`,
+  // cases of its own; with `copy_cases` they are only read and may be shared.
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                strata::util::pair<unsigned int, unsigned int>& code_range,
                                float min_weight, options* opts, splitting_desc& result,
@@ -144,9 +150,9 @@ class column : public strata::util::nocopy {
   virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
   // Appends a row for each of `count` codes. Throws std::runtime_error "column require a valid
-  // o_set", with the column unchanged, unless the domain has them all: those of its known values,
-  // and 0 if it contains the unknown value; and when there would be more than 4294967295 rows. The
-  // base, which holds no rows, appends none.
+  // o_set", with the column unchanged, unless the domain has them all: the codes of its known
+  // values, and 0 if it contains the unknown value; and if there would be more than 4294967295
+  // rows. The base holds no rows and appends none.
   virtual void append_codes(const unsigned int* codes, unsigned int count);
 
   // The text of the kind, "unspecified" for a number that is none.
@@ -188,15 +194,18 @@ struct column::splitting_desc {
   // The gain of a column that has no admissible split (bits 0xBA83126F).
   static constexpr float no_split = -0.001F;
 
-  unsigned int branches =
-      0;  // 2 for a continuous split, else the number of known values; 0 if none was rated
-  unsigned int low_code = 0;  // continuous splits: the occurring codes on either side of the cut
+  // 2 for a continuous split, else the number of known values; 0 if none was rated.
+  unsigned int branches = 0;
+  // Continuous splits: the occurring codes on either side of the cut.
+  unsigned int low_code = 0;
   unsigned int high_code = 0;
-  column* split_column = nullptr;  // the rated column; not owned
-  float gain =
-      0;  // bits per unit of weight, scaled by the known share, for a continuous split less
-          // the penalty for the cuts that were tried; or no_split
-  float split_info = 0;  // bits per unit of weight; 0 without a split
+  // The rated column; not owned.
+  column* split_column = nullptr;
+  // Bits per unit of weight, scaled by the known share; for a continuous split less the penalty for
+  // the cuts that were tried. Or no_split.
+  float gain = 0;
+  // Bits per unit of weight; 0 without a split.
+  float split_info = 0;
 
   void set_no_split() {
     gain = no_split;
@@ -219,14 +228,14 @@ struct column::partition_desc {
 // Writes the record of a column with its domain, or of its absence if `source` is null.
 strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, const column* source);
 
-// Reads a record into a new column, made by NEW_COLUMN, which the caller owns; null if it was, and
-// null with NEW_COLUMN's message in `error` when that refuses it: the rows are then unread.
-// Otherwise `error` is untouched. Throws what the stream and NEW_O_SET throw; `target` is null
-// then.
+// Reads a record into a new column, made by NEW_COLUMN, which the caller owns; null if the record
+// is that of no column. If NEW_COLUMN refuses it, the result is null, `error` has its message, and
+// the rows are unread; otherwise `error` is untouched. Throws what the stream and NEW_O_SET throw;
+// `target` is null then.
 strata::inpout::ibinstream& read_column(strata::inpout::ibinstream& in, column*& target,
                                         std::string& error);
 
-// The same, the message dropped.
+// The same without the message.
 strata::inpout::ibinstream& operator>>(strata::inpout::ibinstream& in, column*& target);
 
 // Writes and reads the record of a split. When reading throws, `split` is unchanged.

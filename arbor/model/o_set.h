@@ -82,7 +82,8 @@ class o_set : private strata::util::nocopy {
   virtual strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out);
   virtual strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in);
 
-  // The code of the value that find_mid gives, without its text in between. Throws what that throws.
+  // The code of the value that find_mid gives, without its text in between. Throws what that
+  // throws.
   virtual unsigned int find_mid_code(unsigned int low, unsigned int high);
 
   bool admits_null() const { return admits_null_; }

@@ -18,10 +18,12 @@ namespace arbor::impls {
 // datatype<std::string>. The operations are those of o_set; what is particular to a data type:
 //
 //   int, unsigned int   decimal digits, as str2int reads them
-//   float, double       any number that strtod reads to the end of the text; a float is its nearest one, infinite when
-//                       too large. A NaN is kept, has a code, and is found by no lookup.
-//   std::string         the text itself. Texts are sorted as unsigned bytes but searched and compared as signed ones,
-//                       so that a text with bytes of 0x80 and above may not be found.
+//   float, double       any number that strtod reads to the end of the text; a float is its nearest
+//                       one, infinite when too large. A NaN is kept, has a code, and is found by no
+//                       lookup.
+//   std::string         the text itself. Texts are sorted as unsigned bytes but searched and
+//                       compared as signed ones, so that a text with bytes of 0x80 and above may
+//                       not be found.
 //
 // A domain that has been frozen does not release its vector of known values when it is destroyed:
 // the vector is meant to live as long as the process, like the table whose codes it explains. (An

@@ -20,9 +20,9 @@ struct branch_cases {
   float ratio;  // the branch's share
 };
 
-// The rules by which codes belong to a branch. The unknown cases (code 0) go down every branch. Where
-// code 0 belongs to it by the rule, they weigh on the branch like others; elsewhere their weight is
-// kept apart.
+// The rules by which codes belong to a branch. The unknown cases (code 0) go down every branch.
+// Where code 0 belongs to it by the rule, they weigh on the branch like others; elsewhere their
+// weight is kept apart.
 struct codes_up_to {
   static constexpr bool has_unknown = true;
   unsigned int last;
@@ -87,9 +87,9 @@ template <class Extent, class CodeOf, class OnBranch>
   return result;
 }
 
-// The cases of a branch and those of unknown value, whose weight is multiplied by the branch's share
-// if `scale_unknown`. The share is the branch's weight over `total` less the weight that is apart.
-// `codes` receives the extent of all codes.
+// The cases of a branch and those of unknown value, whose weight is multiplied by the branch's
+// share if `scale_unknown`. The share is the branch's weight over `total` less the weight that is
+// apart. `codes` receives the extent of all codes.
 //
 // Neither pass branches on a case: on which side the next one is, is hard to foresee.
 template <class CodeOf, class OnBranch, class Extent>
@@ -126,9 +126,9 @@ branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_
   return cases_on_branch(begin, end, total, code_of, one_code{branch}, true, codes);
 }
 
-// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other). Code 0
-// is not above the low branch's threshold, so unknown cases weigh on that branch. `range` receives the
-// bounds of `threshold` and of the known codes on the branch.
+// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other).
+// Code 0 is not above the low branch's threshold, so unknown cases weigh on that branch. `range`
+// receives the bounds of `threshold` and of the known codes on the branch.
 template <class CodeOf>
 branch_cases cases_of_side(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                            unsigned int branch, float total, CodeOf code_of, unsigned int threshold,

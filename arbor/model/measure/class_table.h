@@ -153,8 +153,8 @@ void class_sums::add(CodeOf code_of, ClassOf class_of, const w_sequence& cases) 
     add_to_class(class_code, c.second);
   };
   if (classes() == 2) {
-    // Two sums stay in registers, where an addition need not wait until the last one is stored. They
-    // are loaded rather than set to 0, so that g++ keeps both in one.
+    // Two sums stay in registers, where an addition need not wait until the last one is stored.
+    // They are loaded rather than set to 0, so that g++ keeps both in one.
     float first_class = totals_by_class[1];
     float second_class = totals_by_class[2];
     for (const auto& c : cases) {

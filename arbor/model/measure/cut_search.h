@@ -200,11 +200,12 @@ class cut_search {
 
 // Moves the cut over the codes and rates every admissible place. `codes` moves it:
 //
-//   move_next(search)       moves the cases of the next code to the left side; returns false, and may
-//                           have moved them or not, when no other code would be left on the right
+//   move_next(search)       moves the cases of the next code to the left side; returns false, and
+//                           may have moved them or not, when no other code would be left on the
+//                           right
 //   place()                 what evaluate is to call the cut
-//   inside_run(search)      whether the cut lies amid cases of one class, so that it is not the best;
-//                           called once for each admissible cut
+//   inside_run(search)      whether the cut lies amid cases of one class, so that it is not the
+//                           best; called once for each admissible cut
 template <class Codes, class Search>
 void sweep(Codes& codes, Search& search) {
   while (codes.move_next(search)) {
