@@ -30,8 +30,8 @@ class class_table {
         cells(1ULL * row_count * stride),
         class_totals(stride) {}
 
-  // Row i, from 1 on, belongs to the i-th code of the range; row 0 is the unknown value's and not
-  // to be read.
+  // Row i, from 1 on, belongs to the i-th code of the range. Row 0 stands for the unknown value and
+  // stays empty: the class of a case whose value is unknown is not read.
   unsigned int rows() const { return row_count; }
   unsigned int classes() const { return static_cast<unsigned int>(stride - 1); }
   // The weights of the classes 1 to classes() in a row.
@@ -45,8 +45,8 @@ class class_table {
   unsigned int row_count;
   std::size_t stride;  // class codes, that of the unknown value included
   strata::util::work_array<Weight, 64> cells;
-  strata::util::work_array<Weight, 16>
-      class_totals;  // by class code; entry 0 is unused, as in rows
+  // By class code; entry 0 is unused, as in the rows.
+  strata::util::work_array<Weight, 16> class_totals;
   Weight unknown = 0;
 };
 
