@@ -1,11 +1,8 @@
 #include "arbor/utils/number_text.h"
 
-#include <langinfo.h>
-
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace strata::util {
 
@@ -28,9 +25,12 @@ std::string number_text(double value) {
   return text;
 }
 
-// By nl_langinfo, since localeconv may not be called by several threads at once.
+// By strtod, because several threads must not call localeconv at the same time. It is fast for a
+// zero, of which it reads the "." too if that is the point.
 bool point_is_dot() {
-  return std::strcmp(nl_langinfo(RADIXCHAR), ".") == 0;
+  char* end = nullptr;
+  static_cast<void>(std::strtod("0.", &end));
+  return *end == '\0';
 }
 
 double decimal_fraction(std::uint64_t digits, unsigned int behind_point) {
