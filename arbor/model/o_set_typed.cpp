@@ -111,8 +111,8 @@ std::size_t position_of(const char* key, const std::vector<datatype<std::string>
   return static_cast<std::size_t>(found - values.begin());
 }
 
-// The one allocation that is never released. It has a function of its own so that a leak checker can
-// suppress it by name and nothing else.
+// The one allocation that is never released. It has a function of its own so that a leak checker
+// can suppress it by name and nothing else.
 template <class T>
 [[gnu::noinline]] std::unique_ptr<std::vector<T>> make_unreleased_values() {
   return std::make_unique<std::vector<T>>();

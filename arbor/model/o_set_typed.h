@@ -23,8 +23,8 @@ namespace arbor::impls {
 //                       first is kept. Each NaN inserted is a value with a code, but no lookup
 //                       finds it.
 //   std::string         the text itself. Texts are sorted as unsigned bytes but searched and
-//                       compared as signed ones, so that a text with bytes of 0x80 and above may not
-//                       be found.
+//                       compared as signed ones, so a text with bytes of 0x80 and above may not be
+//                       found.
 //
 // A frozen domain does not release its vector of known values when it is destroyed: by design that
 // vector lives as long as the process. (An insertion, which thaws the domain, does release it.)
@@ -37,7 +37,8 @@ class o_set_typed : public o_set {
   // Adds known values, as if the text of each was inserted in this order. Fastest into a domain
   // without values if they ascend without repeats. They must be values that a text can have: not
   // the least int, and no std::string with a zero byte. A value whose text is the null text becomes
-  // a known value all the same, which no lookup finds. Throws std::bad_alloc; nothing is added then.
+  // a known value all the same, which no lookup finds. Throws std::bad_alloc; nothing is added
+  // then.
   void insert_values(std::vector<T> values);
   unsigned int size_of_known() override;
   bool get_order(const char* value, unsigned int& code) override;
@@ -57,7 +58,7 @@ class o_set_typed : public o_set {
   void thaw();
 
   strata::adt::set<T> builder;
-  T scratch;  // the value parsed last; its storage is used again, so that a repeat allocates nothing
+  T scratch;  // the value parsed last; with its storage, parsing a repeat needs no allocation
   // Entry i has code i + 1. Null while values are inserted, and after an absent vector was read.
   std::vector<T>* known_values = nullptr;
   bool frozen = false;

@@ -6,9 +6,9 @@
 // split:   threshold, text | branches u32
 //
 // The values are a vector, presence u8 | count u32 | values in the order of their codes; a "null"
-// domain has none of this. The rows are count u32 | codes, or for a column of bits count u32 | whole
-// words u32, where row i is bit i & 31 of word i >> 5; a plain column has none of this. The width of
-// a code is not saved: it follows from the domain and the kind.
+// domain has none of this. The rows are count u32 | codes, or for a column of bits count u32 |
+// whole words u32, where row i is bit i & 31 of word i >> 5; a plain column has none of this. The
+// width of a code is not saved: it follows from the domain and the kind.
 
 #include <memory>
 #include <string>

@@ -16,8 +16,8 @@
 
 namespace strata::inpout {
 
-// Buffered: a value takes no system call of its own. Every failure throws a std::runtime_error whose
-// message begins with the path.
+// Buffered: a value takes no system call of its own. Every failure throws a std::runtime_error
+// whose message begins with the path.
 class file_device : public bindevice {
  public:
   enum class mode { read, write };

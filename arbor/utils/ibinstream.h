@@ -35,10 +35,10 @@ class ibinstream {
   ibinstream& operator>>(float& value);
   ibinstream& operator>>(double& value);
 
-  // Reads a text into a new NUL-terminated array, which the caller releases with delete[]; an absent
-  // text gives null. The earlier value of `text` is not released. Throws std::runtime_error "Failed
-  // to create object" for a length above 2147483646, and the same as no_storage (see no_storage.h)
-  // if there is no memory for it.
+  // Reads a text into a new NUL-terminated array, which the caller releases with delete[]; an
+  // absent text gives null. The earlier value of `text` is not released. Throws std::runtime_error
+  // "Failed to create object" for a length above 2147483646, and the same as no_storage (see
+  // no_storage.h) if there is no memory for it.
   ibinstream& operator>>(char*& text);
 
   // Reads a text up to its first zero byte; an absent text gives the empty one. Throws also
@@ -54,8 +54,8 @@ class ibinstream {
   // Reads a vector, 00 for a null pointer or 01 | count u32 | elements, each a primitive or a text.
   // Vector is std::vector<datatype<T>> with T int, unsigned int, float, double or std::string. The
   // caller owns the new vector; the earlier value of `vector` is not released. Throws also
-  // std::bad_alloc, and no_storage if there is no memory for the empty vector. The operator does the
-  // same. Domains and columns have operators of their own.
+  // std::bad_alloc, and no_storage if there is no memory for the empty vector. The operator does
+  // the same. Domains and columns have operators of their own.
   template <class Vector>
   ibinstream& read_special(Vector*& vector) {
     static_assert(holds_one_of<Vector, int, unsigned int, float, double, std::string>,

@@ -15,8 +15,7 @@ std::string number_text(unsigned int value) {
 }
 
 std::string number_text(double value) {
-  // Sign, 309 integer digits of the largest double, a point of a few bytes, 30 decimals and the
-  // NUL.
+  // Sign, 309 digits of the largest double, a point of a few bytes, 30 decimals and the NUL.
   std::array<char, 352> buffer{};
   const int length = std::snprintf(buffer.data(), buffer.size(), "%.30f", value);
   std::string text(buffer.data(), static_cast<std::size_t>(length));
@@ -42,8 +41,8 @@ double decimal_fraction(std::uint64_t digits, unsigned int behind_point) {
 
 namespace {
 
-// Whether the text is nothing but a "-", at most 18 digits and a point, and has a value that
-// decimal_fraction finds.
+// Reads the most common numbers faster than strtod: an optional "-" and at most 18 digits with or
+// without a point, within the limits of decimal_fraction.
 bool read_plain(const char* text, double& value) {
   const bool negative = *text == '-';
   const char* const begin = text + (negative ? 1 : 0);

@@ -20,8 +20,8 @@
 
 namespace strata::inpout {
 
-// Has no buffer: each value is one call of the device. What the device throws is passed on; what was
-// written before stays written.
+// Has no buffer: each value is one call of the device. What the device throws is passed on; what
+// was written before stays written.
 class obinstream {
  public:
   // The device stays the caller's and must outlive the stream.

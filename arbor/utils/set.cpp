@@ -45,7 +45,8 @@ unsigned int slot_key(double value) {
   constexpr double scale = 100000.0;  // spreads the first five decimals over the slots
   constexpr double key_end = 9223372036854775808.0;
   const double key = (value < 1.0 ? 1.0 / value : value) * scale;
-  // Zeros (whose inverse is infinite), infinities, NaNs and keys beyond 64 bits cannot be converted.
+  // Zeros (whose inverse is infinite), infinities, NaNs and keys beyond 64 bits cannot be
+  // converted.
   if (!(key > -key_end && key < key_end)) return 0;
   return static_cast<unsigned int>(static_cast<long long>(key));
 }
@@ -116,8 +117,8 @@ void set<T>::insert_all(std::vector<T> values) {
                  std::make_move_iterator(values.end()));
 }
 
-// Moves the cached values to `pending`, which then has room for `more`. On std::bad_alloc nothing is
-// changed.
+// Moves the cached values to `pending`, which then has room for `more`. On std::bad_alloc nothing
+// is changed.
 template <class T>
 void set<T>::empty_slots(std::size_t more) {
   const auto cached =
