@@ -1,10 +1,10 @@
-// The middle of two values lo <= hi of a numeric domain. Internal to the model.
+// The middle between two values lo <= hi of a numeric domain. Internal to the model.
 #ifndef ARBOR_MODEL_MIDPOINT_H
 #define ARBOR_MODEL_MIDPOINT_H
 
 namespace arbor::impls {
 
-// Rounded down; neither this nor the next overflows.
+// Rounded down. Does not overflow, nor does the next one.
 inline int midpoint(int lo, int hi) {
   if (lo >= 0 || hi < 0) return (hi - lo) / 2 + lo;
   const int sum = lo + hi;
@@ -15,8 +15,8 @@ inline unsigned int midpoint(unsigned int lo, unsigned int hi) {
   return ((hi - lo) >> 1U) + lo;
 }
 
-// Infinite when the difference is too large for a double; NaN when either is NaN, when lo is
-// -infinity, and when both are the same infinity.
+// Infinite if the difference is too large for a double; a NaN if either value is one, if `lo` is
+// -infinity, or if both are the same infinity.
 inline double midpoint(double lo, double hi) {
   return (hi - lo) * 0.5 + lo;
 }

@@ -1,36 +1,39 @@
-// Which columns there may be, and in which class each is stored.
+// Which kinds of columns a domain allows, and in which class each column is stored.
 
 #include <utility>
 
 #include "arbor/model/column.h"
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
+#include "arbor/utils/text_storage.h"
 
 namespace arbor::impls {
 
+using strata::util::joined;
+
 namespace {
 
-// Why a column of this kind cannot stand on this domain; empty when it can.
+// Why a column of this kind cannot have this domain; empty if it can.
 std::string refusal(const o_set& domain, const std::string& name, const std::string& type,
                     column::_type kind) {
   const bool numeric = domain.is_dt_numeric();
   const bool unknowns = domain.contains_null();
   if (kind == column::CONTINUOUS && !numeric) {
-    return "Continuous column '" + name + "' requires a numeric data type";
+    return joined({"Continuous column '", name, "' requires a numeric data type"});
   }
   if (kind == column::WEIGHTS && !numeric) {
-    return "Weights column '" + name + "' requires a non-negative numeric data type";
+    return joined({"Weights column '", name, "' requires a non-negative numeric data type"});
   }
   if (kind == column::WEIGHTS && unknowns)
-    return "Weights column '" + name + "' does not admit unknown values";
+    return joined({"Weights column '", name, "' does not admit unknown values"});
   if (kind == column::CLASS && unknowns)
-    return "Class column '" + name + "' does not admit unknown values";
+    return joined({"Class column '", name, "' does not admit unknown values"});
   if (domain.is_dt_null() && kind != column::IGNORE) {
     return "Null set of column values can only be used for ignore column type";
   }
-  // A second guard: the kinds that admit no unknown values have been dealt with by name.
+  // A second guard: the kinds that admit no unknown values have been refused by name above.
   if (!column::admits_null(type) && unknowns)
-    return "Column type " + type + " does not admit unknown values";
+    return joined({"Column type ", type, " does not admit unknown values"});
   return "";
 }
 
@@ -44,7 +47,7 @@ column* column::NEW_COLUMN(o_set* domain, const std::string& name, const std::st
   }
   _type kind = IGNORE;
   if (!get_type(type, kind)) {
-    error = "Unknown column type: " + type;
+    error = joined({"Unknown column type: ", type});
     return nullptr;
   }
   std::string why_not = refusal(*domain, name, type, kind);

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "arbor/model/o_set_typed.h"
+#include "arbor/utils/text_storage.h"
 
 namespace arbor::impls {
 
@@ -29,7 +30,7 @@ o_set* o_set::NEW_O_SET(const std::string& data_type, bool admits_null,
   if (data_type == "null") return new o_set(data_type, admits_null, null_text);
   if (data_type == "uinteger")
     return new o_set_typed<datatype<unsigned int>>(data_type, admits_null, null_text);
-  throw std::runtime_error("invalid o_set type = " + data_type);
+  throw std::runtime_error(strata::util::joined({"invalid o_set type = ", data_type}));
 }
 
 bool o_set::is_null(const char* value) const {
@@ -85,7 +86,7 @@ unsigned int o_set::find_mid_code(unsigned int low, unsigned int high) {
 }
 
 bool o_set::is_dt_numeric() const {
-  // "double" is left out on purpose: such a domain backs no continuous and no weights column.
+  // Not "double", on purpose: no continuous and no weights column can have such a domain.
   return type_name == "integer" || type_name == "uinteger" || type_name == "float";
 }
 

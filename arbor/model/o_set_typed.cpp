@@ -12,19 +12,21 @@
 #include "arbor/utils/binary_search_mid.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
+#include "arbor/utils/text_storage.h"
 
 namespace arbor::impls {
 
 using strata::data_types::datatype;
 using strata::inpout::ibinstream;
 using strata::inpout::obinstream;
+using strata::util::joined;
 using strata::util::number_text;
 using strata::util::string_util;
 
 namespace {
 
 // What differs between the data types, as overloads: text to value, value to text, values to
-// stream, order, and lookup.
+// stream, order and lookup.
 
 template <class Integer>
 void parse(const char* text, Integer& value) {
@@ -33,20 +35,20 @@ void parse(const char* text, Integer& value) {
 
 void parse(const char* text, double& value) {
   if (!strata::util::read_number(text, value))
-    throw std::runtime_error(std::string(text) + ": not a double");
+    throw std::runtime_error(joined({text, ": not a double"}));
 }
 
 void parse(const char* text, float& value) {
   static_assert(std::numeric_limits<float>::is_iec559,
-                "what is too large for a float narrows to infinity");
+                "a number too large for a float becomes infinity");
   double wide = 0;
   if (!strata::util::read_number(text, wide))
-    throw std::runtime_error(std::string(text) + ": not a float");
+    throw std::runtime_error(joined({text, ": not a float"}));
   value = static_cast<float>(wide);
 }
 
 void parse(const char* text, std::string& value) {
-  value = text;
+  strata::util::assign_text(value, text);
 }
 
 template <class T>
@@ -67,7 +69,8 @@ std::string text_of(const std::string& value) {
 
 template <class Number>
 void write_values(obinstream& out, const std::vector<datatype<Number>>& values) {
-  static_assert(sizeof(datatype<Number>) == sizeof(Number), "values lie one behind the other");
+  static_assert(sizeof(datatype<Number>) == sizeof(Number),
+                "an array of values is an array of numbers");
   if (!values.empty())
     out.write_values(&values.front().value, static_cast<unsigned int>(values.size()));
 }
@@ -94,7 +97,7 @@ std::size_t position_of(const char* text, const std::vector<datatype<Number>>& v
   while (lo < hi) {
     const std::size_t mid = lo + (hi - lo) / 2;
     if (values[mid] == key) return mid;
-    // Which half is as good as random, so that a branch would often be mispredicted.
+    // Conditional moves: a branch would be mispredicted every other time.
     const bool above = key.value > values[mid].value;
     lo = above ? mid + 1 : lo;
     hi = above ? hi : mid;
@@ -108,8 +111,8 @@ std::size_t position_of(const char* key, const std::vector<datatype<std::string>
   return static_cast<std::size_t>(found - values.begin());
 }
 
-// The one allocation that outlives its owner. It has a function to itself so that leak checkers can
-// be told of it by name and of nothing else.
+// The one allocation that is never released. It has a function of its own so that a leak checker
+// can suppress it by name and nothing else.
 template <class T>
 [[gnu::noinline]] std::unique_ptr<std::vector<T>> make_unreleased_values() {
   return std::make_unique<std::vector<T>>();
@@ -142,6 +145,8 @@ void o_set_typed<T>::freeze() {
   values->swap(*sorted);
   known_values = values.release();
   frozen = true;
+  T released;
+  std::swap(released, scratch);
 }
 
 template <class T>
@@ -157,11 +162,9 @@ void o_set_typed<T>::thaw() {
 template <class T>
 void o_set_typed<T>::insert(const char* value) {
   thaw();
-  if (is_null(value)) {
-    insert_null();
-  } else {
-    builder.insert(parsed<T>(value));
-  }
+  if (is_null(value)) return insert_null();
+  parse(value, scratch.value);
+  builder.insert(scratch);
 }
 
 template <class T>
@@ -225,7 +228,7 @@ int o_set_typed<T>::leq(unsigned int code, const std::string& b) {
 template <class T>
 unsigned int o_set_typed<T>::mid_code(unsigned int low, unsigned int high) {
   const std::vector<T>& values = frozen_values();
-  // Codes in the first complaint, positions in the second: each names what was checked.
+  // The first message shows the codes, the second the positions: each the numbers that it checked.
   if (low == 0 || high == 0) throw std::runtime_error(no_elements(low, high));
   const unsigned int i = low - 1;
   const unsigned int j = high - 1;
@@ -240,7 +243,7 @@ unsigned int o_set_typed<T>::mid_code(unsigned int low, unsigned int high) {
     const auto first = values.begin() + i;
     const auto above = std::upper_bound(first, values.begin() + j + 1, middle,
                                         [](auto m, const T& value) { return !(value.value <= m); });
-    // No value is at most a middle that is not a number; the low value serves then.
+    // If the middle is a NaN, no value is less than or equal to it, and the low value is taken.
     return above == first ? low : static_cast<unsigned int>(above - values.begin());
   }
 }

@@ -1,7 +1,7 @@
 // The domain of one data type: values of type T, in ascending order.
 //
-// Two states: while values are inserted they collect in a builder; the first question freezes them
-// into one sorted vector, and a later insertion pours that vector back into the builder.
+// It has two states. Inserted values collect in a builder; the first question freezes them into one
+// sorted vector, and a later insertion moves that vector back into the builder.
 #ifndef ARBOR_MODEL_O_SET_TYPED_H
 #define ARBOR_MODEL_O_SET_TYPED_H
 
@@ -15,29 +15,30 @@
 namespace arbor::impls {
 
 // T is datatype<int>, datatype<unsigned int>, datatype<float>, datatype<double> or
-// datatype<std::string>. The operations are those of o_set; what is particular to a data type:
+// datatype<std::string>. The operations are those of o_set. What is special to a data type:
 //
 //   int, unsigned int   decimal digits, as str2int reads them
-//   float, double       any number that strtod reads to the end of the text; a float is its nearest
-//                       one, infinite when too large. A NaN is kept, has a code, and is found by no
-//                       lookup.
+//   float, double       any number that strtod reads to the end of the text; a float is rounded to
+//                       the nearest one, or infinite if too large. Of 0 and -0 the one inserted
+//                       first is kept. Each NaN inserted is a value with a code, but no lookup
+//                       finds it.
 //   std::string         the text itself. Texts are sorted as unsigned bytes but searched and
-//                       compared as signed ones, so that a text with bytes of 0x80 and above may
-//                       not be found.
+//                       compared as signed ones, so a text with bytes of 0x80 and above may not be
+//                       found.
 //
-// A domain that has been frozen does not release its vector of known values when it is destroyed:
-// the vector is meant to live as long as the process, like the table whose codes it explains. (An
-// insertion into a frozen domain, which thaws it, does release it.)
+// A frozen domain does not release its vector of known values when it is destroyed: by design that
+// vector lives as long as the process. (An insertion, which thaws the domain, does release it.)
 template <class T>
 class o_set_typed : public o_set {
  public:
   o_set_typed(const std::string& data_type, bool admits_null, const std::string& null_text);
 
   void insert(const char* value) override;
-  // Adds known values that are no longer texts, as if the text of each was inserted. Fastest when
-  // they ascend, each once, and the domain had none. They have to be values that texts can tell:
-  // not the least integer, and no text with a zero byte. One that is the null text is a known value
-  // here, which no lookup finds.
+  // Adds known values, as if the text of each was inserted in this order. Fastest into a domain
+  // without values if they ascend without repeats. They must be values that a text can have: not
+  // the least int, and no std::string with a zero byte. A value whose text is the null text becomes
+  // a known value all the same, which no lookup finds. Throws std::bad_alloc; nothing is added
+  // then.
   void insert_values(std::vector<T> values);
   unsigned int size_of_known() override;
   bool get_order(const char* value, unsigned int& code) override;
@@ -57,8 +58,9 @@ class o_set_typed : public o_set {
   void thaw();
 
   strata::adt::set<T> builder;
-  std::vector<T>* known_values =
-      nullptr;  // entry i has code i + 1; null while values are inserted, or saved as such
+  T scratch;  // the value parsed last; with its storage, parsing a repeat needs no allocation
+  // Entry i has code i + 1. Null while values are inserted, and after an absent vector was read.
+  std::vector<T>* known_values = nullptr;
   bool frozen = false;
 };
 

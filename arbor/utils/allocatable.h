@@ -1,4 +1,4 @@
-// Sizes of arrays that may be asked for but cannot exist.
+// The sizes that an array can have.
 #ifndef ARBOR_UTILS_ALLOCATABLE_H
 #define ARBOR_UTILS_ALLOCATABLE_H
 
@@ -8,9 +8,10 @@
 
 namespace strata::util {
 
-// Returns `count`, or throws std::bad_alloc when that many elements of T are more than an address
-// can reach: what cannot be allocated then fails in the same way whatever its size, where
-// std::vector has an exception of its own.
+// Returns `count`, or throws std::bad_alloc if an array of `count` elements of T is larger than the
+// address space allows. Call it before `resize`, `reserve` or `insert` of a vector with a size that
+// was read or added up: what cannot be allocated then fails in one way, where std::vector throws
+// std::length_error beyond its largest size.
 template <class T>
 std::size_t allocatable(unsigned long long count) {
   constexpr unsigned long long most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);

@@ -1,4 +1,8 @@
-// Lookup of a text in a sorted vector of texts by halving.
+// Finds a text in a sorted sequence of texts by binary search.
+//
+//   std::vector<strata::data_types::datatype<std::string>> sizes{{"large"}, {"small"}};
+//   auto found = sizes.end();
+//   if (strata::adt::binary_search_mid(sizes.begin(), sizes.end(), "small", found)) use(*found);
 #ifndef ARBOR_UTILS_BINARY_SEARCH_MID_H
 #define ARBOR_UTILS_BINARY_SEARCH_MID_H
 
@@ -6,12 +10,13 @@
 
 namespace strata::adt {
 
-// Searches [first, last) for `key`; on success sets `found` to the entry and returns true, else
-// returns false. The entries are datatype<std::string>, the key is NUL-terminated.
+// Searches [first, last), random-access iterators to datatype<std::string> in ascending order, for
+// `key`, which is NUL-terminated. Returns whether an entry equals it; `found` is that entry then,
+// and unchanged otherwise. Throws nothing.
 //
 // Entries and key are compared as NUL-terminated texts of signed characters, while texts are sorted
-// as unsigned bytes: a text that holds bytes of 0x80 and above can be missed although it is there.
-// Texts of plain ASCII never are.
+// as unsigned bytes. A text that contains bytes of 0x80 and above may therefore not be found. Plain
+// ASCII is always found.
 template <class Iterator, class Found>
 bool binary_search_mid(Iterator first, Iterator last, const char* key, Found& found) {
   while (first < last) {

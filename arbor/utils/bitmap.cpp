@@ -11,7 +11,7 @@ namespace strata::adt {
 
 namespace {
 
-static_assert(sizeof(unsigned int) == 4, "bits are stored in words of 32");
+static_assert(sizeof(unsigned int) == 4, "a word has 32 bits");
 
 constexpr unsigned long long largest_capacity = std::numeric_limits<unsigned int>::max();
 
@@ -32,7 +32,7 @@ void bitmap::reserve(unsigned int bits) {
   }
   if (words != nullptr) std::copy_n(words.get(), words_for(length), grown.get());
   words = std::move(grown);
-  cap = capped(32ULL * new_words);  // 2^27 words hold one bit more than a length can count
+  cap = capped(32ULL * new_words);  // 2^27 words have one bit too many for 32 bits
 }
 
 void bitmap::resize(unsigned int bits) {

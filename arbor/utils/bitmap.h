@@ -11,11 +11,11 @@
 
 namespace strata::adt {
 
-// Bit i is bit i & 31 of word i >> BASE_log. No index is checked.
+// Bit i is bit i & 31 of word i >> BASE_log. No index is checked: each must be less than `size`.
 //
-// A copy shares the bits with its source, not the length: what is written through one is read
-// through the other, until one of them has to grow; that one then has storage of its own. The last
-// owner frees the bits.
+// A copy shares its bits with the source, but not the length: a bit that is changed in one changes
+// in the other too, until one of them has to grow and gets storage of its own. The bits are
+// released with the last bitmap that uses them.
 class bitmap {
  public:
   static constexpr unsigned int BASE_log = 5;  // 32-bit words
@@ -25,22 +25,24 @@ class bitmap {
   bitmap& operator=(const bitmap&) = default;
   virtual ~bitmap() = default;
 
-  // Makes room for `bits` bits in all, in whole words; the bits gained read as false. The largest
-  // capacity is 4294967295. Throws no_storage, a std::runtime_error, "out of memory" when there is
-  // none; nothing is changed then.
+  // Makes room for `bits` bits in total, rounded up to whole words; the additional bits are false.
+  // The largest capacity is 4294967295. Throws no_storage "out of memory", a std::runtime_error;
+  // nothing is changed then.
   virtual void reserve(unsigned int bits);
 
-  // Lengthens to `bits` bits, reserving for them; bits that the storage already held keep their
-  // value. A smaller length is taken and then refused: the bitmap is shortened and
-  // std::runtime_error is thrown.
+  // Extends the bitmap to `bits` bits. Bits that there was room for already have the value that is
+  // stored there, those that `reserve` adds are false. Throws what `reserve` throws. For a smaller
+  // length it shortens the bitmap and then throws std::runtime_error "bitmap::resize cannot deal
+  // with shortening of bitmaps".
   virtual void resize(unsigned int bits);
 
-  virtual unsigned int size() const { return length; }
-  virtual unsigned int capacity() { return cap; }
+  virtual unsigned int size() const { return length; }  // in bits
+  virtual unsigned int capacity() { return cap; }       // in bits
 
-  // Appends one bit, growing by half of the capacity, at least a word. A false bit is not written:
-  // it is what the storage holds there, false unless the bitmap was shortened or shares its bits.
-  // Throws std::runtime_error as `reserve` does, or when the largest capacity is used up.
+  // Appends one bit. A full bitmap grows by half of its capacity, at least by a word. A false bit
+  // is not written: the new bit has the value stored there, which is false unless the bitmap was
+  // shortened or shares its bits. Throws what `reserve` throws, and std::runtime_error "bitmap
+  // maximum length exceeded." at the largest capacity; nothing is changed then.
   virtual void push_back(bool bit);
 
   virtual bool operator[](unsigned int i) const {
@@ -49,25 +51,26 @@ class bitmap {
   virtual void set(unsigned int i) { words[i >> BASE_log] |= 1U << (i & 31U); }
   virtual bool get(unsigned int i) { return (*this)[i]; }
 
-  // Clears the whole word that holds bit i, its 31 neighbours included.
+  // Clears the whole word that contains bit i, so up to 31 neighbours as well.
   virtual void reset(unsigned int i) { words[i >> BASE_log] = 0; }
 
-  // Combines every word in use with the other's. Returns false, and changes nothing, when the
-  // lengths differ.
+  // Combines each bit with that of `other` by "and" or "or". Returns false, and changes nothing, if
+  // the lengths differ.
   virtual bool and_op(const bitmap& other);
   virtual bool or_op(const bitmap& other);
 
-  // Makes all bits in use false; length and capacity stay.
+  // Makes all bits false; length and capacity stay the same.
   virtual void clear();
 
-  // The storage, for loops over many bits; null before the first reservation, and stale once the
-  // bitmap has grown.
+  // The words of the bits, for loops over many of them. Null before the first reservation; no
+  // longer valid once the bitmap has grown.
   const unsigned int* data() const { return words.get(); }
   unsigned int* data() { return words.get(); }
-  // How many words hold the bits in use.
+  // Returns how many words the bits take.
   unsigned int word_count() const { return words_for(length); }
 
-  // Makes the bits of the last word behind those in use false, so that false bits can be appended.
+  // Makes the unused bits of the last word false. Call it after writing whole words to data(), so
+  // that false bits can be appended.
   void clear_behind();
 
  private:

@@ -1,12 +1,12 @@
-// How arrays go through a device: in one transfer, unless that would reach 2^31 - 1 bytes. Internal
-// to the streams.
+// How the streams transfer an array: in one call of the device if that is less than 2^31 - 1 bytes.
+// Internal to the streams.
 #ifndef ARBOR_UTILS_BLOCK_TRANSFER_H
 #define ARBOR_UTILS_BLOCK_TRANSFER_H
 
 namespace strata::inpout {
 
-// Calls `transfer` with elements and a number of bytes, once for all `count` elements or once for
-// each.
+// Calls `transfer(first, bytes)` once for all `count` elements, or once for each element in order
+// when they have 2^31 - 1 bytes or more (rounded down to a multiple of the element's size).
 template <class T, class Transfer>
 void transfer_block(T* elements, unsigned int count, Transfer transfer) {
   constexpr unsigned int width = sizeof(T);

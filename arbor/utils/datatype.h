@@ -1,5 +1,4 @@
-// One typed attribute value and nothing else: the unknown value is the domain's affair, not the
-// value's.
+// One known value of an attribute. Unknown values are handled by the domain and have no form here.
 //
 //   strata::data_types::datatype<int> four = 4;
 //   bool less = four < strata::data_types::datatype<int>(7);
@@ -10,13 +9,13 @@
 
 namespace strata::data_types {
 
-// T is int, unsigned int, float, double or std::string. Values compare with T's own `<` and `==`;
-// texts therefore compare as unsigned bytes, a proper prefix before the longer text.
+// T is int, unsigned int, float, double or std::string. Values are compared by `<` and `==` of T:
+// texts by their bytes as unsigned numbers, where a text comes after its own beginning.
 template <class T>
 struct datatype {
   T value{};
 
-  datatype() = default;
+  datatype() = default;  // zero, or the empty text
   datatype(T initial)
       : value(std::move(initial)) {}  // NOLINT(google-explicit-constructor): it is that value
 

@@ -7,23 +7,25 @@
 #include <system_error>
 #include <typeinfo>
 
+#include "arbor/utils/text_storage.h"
+
 namespace strata::inpout {
 
 file_device::file_device(const std::string& path, mode direction)
     : name(path),
-      file(std::fopen(path.c_str(), direction == mode::read ? "rb" : "wb"), std::fclose),
-      unread(bindevice::remaining()) {
+      file(std::fopen(path.c_str(), direction == mode::read ? "rb" : "wb"), std::fclose) {
   if (file == nullptr) fail("cannot be opened");
-  std::error_code no_regular_file;
-  const auto size = std::filesystem::file_size(path, no_regular_file);
-  if (direction == mode::read && !no_regular_file) unread = size;
+  if (direction == mode::write) return;
+  std::error_code not_regular;
+  const auto found = std::filesystem::file_size(path, not_regular);
+  if (!not_regular) size = found;
 }
 
 void file_device::write(const void* data, unsigned int count) {
   write_bytes(data, count);
 }
 
-// A device derived from this one may watch each call.
+// A class derived from this one may count the calls, or write elsewhere.
 void file_device::write_values(const void* data, unsigned int width, unsigned int count) {
   if (typeid(*this) != typeid(file_device)) return bindevice::write_values(data, width, count);
   write_bytes(data, std::size_t{width} * count);
@@ -43,15 +45,28 @@ void file_device::write_bytes(const void* data, std::size_t count) {
 }
 
 void file_device::read_bytes(void* data, std::size_t count) {
-  if (std::fread(data, 1, count, file.get()) != count) {
-    if (std::ferror(file.get()) != 0) fail("cannot be read");
-    throw std::runtime_error(name + ": ends too early");
-  }
-  if (unread != bindevice::remaining()) unread -= count;
+  const std::size_t got = std::fread(data, 1, count, file.get());
+  position += got;
+  if (got == count) return;
+  if (std::ferror(file.get()) != 0) fail("cannot be read");
+  std::clearerr(file.get());              // or bytes that are appended later could not be read
+  if (size.has_value()) size = position;  // it ends here, whatever its size was
+  throw std::runtime_error(util::joined({name, ": ends too early"}));
 }
 
 unsigned long long file_device::remaining() const {
-  return unread;
+  if (!size.has_value()) return bindevice::remaining();
+  if (position < *size) return *size - position;
+  return at_end() ? 0 : bindevice::remaining();
+}
+
+// Whether there is no byte to read. An error is left to the next read to report.
+bool file_device::at_end() const {
+  const int next = std::getc(file.get());
+  if (next != EOF) return std::ungetc(next, file.get()) == EOF;
+  const bool ended = std::feof(file.get()) != 0;
+  std::clearerr(file.get());
+  return ended;
 }
 
 void file_device::close() {
@@ -59,7 +74,7 @@ void file_device::close() {
 }
 
 void file_device::fail(const char* what) const {
-  throw std::runtime_error(name + ": " + what + ": " + std::strerror(errno));
+  throw std::runtime_error(util::joined({name, ": ", what, ": ", std::strerror(errno)}));
 }
 
 }  // namespace strata::inpout

@@ -5,6 +5,8 @@
 #include <typeinfo>
 #include <utility>
 
+#include "arbor/utils/allocatable.h"
+
 namespace strata::inpout {
 
 memory_device::memory_device(std::vector<unsigned char> bytes) : contents(std::move(bytes)) {}
@@ -17,7 +19,7 @@ void memory_device::read(void* data, unsigned int count) {
   read_bytes(data, count);
 }
 
-// A device derived from this one may watch each call.
+// A class derived from this one may count the calls, or write elsewhere.
 void memory_device::write_values(const void* data, unsigned int width, unsigned int count) {
   if (typeid(*this) != typeid(memory_device)) return bindevice::write_values(data, width, count);
   write_bytes(data, 1ULL * width * count);
@@ -29,6 +31,7 @@ void memory_device::read_values(void* data, unsigned int width, unsigned int cou
 }
 
 void memory_device::write_bytes(const void* data, unsigned long long count) {
+  util::allocatable<unsigned char>(contents.size() + count);
   const auto* first = static_cast<const unsigned char*>(data);
   contents.insert(contents.end(), first, first + static_cast<std::ptrdiff_t>(count));
 }

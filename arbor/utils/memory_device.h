@@ -1,4 +1,4 @@
-// A device in memory.
+// A device that keeps its bytes in memory.
 //
 //   memory_device device;
 //   obinstream out(device);
@@ -14,19 +14,27 @@
 
 namespace strata::inpout {
 
-// Writing appends; reading goes on where the last reading ended, from the first byte on.
+// Writing appends. Reading starts at the first byte and has a position of its own, so that what was
+// written can be read back from the same device.
 class memory_device : public bindevice {
  public:
   memory_device() = default;
+  // Starts with `bytes`, which can be read.
   explicit memory_device(std::vector<unsigned char> bytes);
 
+  // Throws std::bad_alloc; nothing is written then.
   void write(const void* data, unsigned int count) override;
-  // Throw std::runtime_error, and read nothing, when fewer bytes than that are left.
+  // Throws std::runtime_error "memory_device: read past the end" if fewer than `count` bytes are
+  // left; nothing is read then.
   void read(void* data, unsigned int count) override;
+  // As above, for all values at once; in a class derived from this one by a call of write or read
+  // for each value.
   void write_values(const void* data, unsigned int width, unsigned int count) override;
   void read_values(void* data, unsigned int width, unsigned int count) override;
+
   unsigned long long remaining() const override { return contents.size() - position; }
 
+  // All bytes, those read already among them. The reference is valid as long as the device.
   const std::vector<unsigned char>& bytes() const { return contents; }
 
  private:
@@ -34,7 +42,7 @@ class memory_device : public bindevice {
   void read_bytes(void* data, unsigned long long count);
 
   std::vector<unsigned char> contents;
-  std::size_t position = 0;
+  std::size_t position = 0;  // of the next byte to read
 };
 
 }  // namespace strata::inpout

@@ -1,5 +1,4 @@
-// What is thrown for a lack of storage where the message is to say what for; elsewhere it is
-// std::bad_alloc.
+// The exception for a lack of memory where a message is documented; elsewhere it is std::bad_alloc.
 #ifndef ARBOR_UTILS_NO_STORAGE_H
 #define ARBOR_UTILS_NO_STORAGE_H
 
@@ -7,8 +6,8 @@
 
 namespace strata::util {
 
-// A class of its own, so that callers who take a std::runtime_error for something wrong with their
-// data can tell.
+// A class of its own, so that callers for whom a std::runtime_error means damaged data can tell it
+// from a lack of memory.
 class no_storage : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

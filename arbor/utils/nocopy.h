@@ -1,4 +1,6 @@
-// An empty base class: what derives from it can be neither copied nor moved.
+// An empty base class that prevents a class from being copied or moved.
+//
+//   class column : private strata::util::nocopy { ... };
 #ifndef ARBOR_UTILS_NOCOPY_H
 #define ARBOR_UTILS_NOCOPY_H
 

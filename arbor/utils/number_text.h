@@ -1,4 +1,6 @@
-// Numbers to text without loss, and text to floating-point numbers.
+// Converts numbers to text without loss, and text to floating-point numbers.
+//
+// Both use the decimal point of the process's locale, which must not change during a call.
 //
 //   strata::util::number_text(2.5);   // "2.5"
 //   strata::util::number_text(0.1F);  // "0.100000001490116119384765625"
@@ -12,30 +14,29 @@
 
 namespace strata::util {
 
-// Decimal digits, with a leading "-" for a negative number; no padding, no grouping.
+// Returns the decimal digits, after a "-" for a negative number; no padding, no grouping.
 std::string number_text(int value);
 std::string number_text(unsigned int value);
 
-// The decimal expansion of the value to thirty decimals, without trailing zeros and without a bare
-// trailing point; "inf", "-inf", "nan" or "-nan" for what is not finite. A float widens to the same
-// value, so its expansion is its own. The point is the one of the process's locale; trailing zeros
-// are cut in any locale, a bare point only if ".".
+// Returns the value with thirty decimals, rounded, without trailing zeros and without a trailing
+// point (which is cut only if it is a "."); "inf", "-inf", "nan" or "-nan" if it is not finite. A
+// float converts to a double of the same value, so this prints floats, too.
 std::string number_text(double value);
 
-// Whether the process's locale writes "." between a number's whole and its fraction.
+// Returns whether the decimal point is a ".". Several threads may call it at the same time.
 bool point_is_dot();
 
-// The double nearest to `digits`, at most 2^53, divided by ten to the power of `behind_point`, at
-// most 22: both are doubles themselves, so that the quotient is rounded just once, to what strtod
-// finds for the number in decimal digits.
+// Returns the double nearest to `digits` / 10^`behind_point`, which is what strtod returns for the
+// number in decimal digits. Below these limits both operands are exact doubles, so that only the
+// division rounds. `digits` is at most 2^53, `behind_point` at most 22; neither is checked.
 constexpr std::uint64_t last_exact_integer = 1ULL << 53U;
 constexpr unsigned int last_exact_power = 22;
 double decimal_fraction(std::uint64_t digits, unsigned int behind_point);
 
-// Whether the whole of `text` (NUL-terminated, not null) is a number by the rules of strtod:
-// leading white space, decimal or hexadecimal digits, exponent, "inf" or "nan", in the process's
-// locale. An empty text is none. `value` is set then and unchanged otherwise; what is too large for
-// a double is infinite, what is too small is 0 or denormal.
+// Returns whether all of `text` (NUL-terminated, not null) is a number by the rules of strtod:
+// leading white space, decimal or hexadecimal digits, an exponent, "inf" or "nan". The empty text
+// is not. Sets `value` then and leaves it unchanged otherwise. A number too large for a double
+// becomes infinite, one too small 0 or denormal. Throws nothing.
 bool read_number(const char* text, double& value);
 
 }  // namespace strata::util

@@ -8,7 +8,7 @@
 namespace strata::inpout {
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
-              "values are written as they lie in memory");
+              "values are written as they are in memory");
 
 template <class T>
 obinstream& obinstream::write(const T& value) {
@@ -43,7 +43,7 @@ obinstream& obinstream::operator<<(double value) {
 
 obinstream& obinstream::operator<<(const char* text) {
   if (text == nullptr) return *this << false;
-  // Not strlen, of which a 32-bit compiler knows that it cannot be that long.
+  // Not strlen: a 32-bit compiler assumes that its result is smaller, and drops the check.
   const void* end = std::memchr(text, '\0', 0x7FFFFFFFU);
   if (end == nullptr) throw std::runtime_error("obinstream::writing too long string");
   const auto length = static_cast<unsigned int>(static_cast<const char*>(end) - text);
@@ -69,6 +69,7 @@ template obinstream& obinstream::write_values(const unsigned int*, unsigned int)
 template obinstream& obinstream::write_values(const int*, unsigned int);
 template obinstream& obinstream::write_values(const float*, unsigned int);
 template obinstream& obinstream::write_values(const double*, unsigned int);
+template obinstream& obinstream::write_block(const bool*, unsigned int);
 template obinstream& obinstream::write_block(const unsigned char*, unsigned int);
 template obinstream& obinstream::write_block(const unsigned short*, unsigned int);
 template obinstream& obinstream::write_block(const unsigned int*, unsigned int);

@@ -1,5 +1,5 @@
-// A plain record of two public fields. Arbor uses it for a case (row, weight) and for a range of
-// codes [first, second).
+// A plain record of two public fields, an aggregate. It is used for a case (row, weight) and for a
+// range of codes [first, second).
 //
 //   strata::util::pair<unsigned int, float> weighted_case{17, 1.0F};
 #ifndef ARBOR_UTILS_PAIR_H

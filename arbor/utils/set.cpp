@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "arbor/utils/allocatable.h"
 #include "arbor/utils/datatype.h"
 
 namespace strata::adt {
@@ -21,8 +22,8 @@ constexpr unsigned int slot_count = 1339;
 constexpr unsigned int first_threshold = 256;
 constexpr unsigned int largest_threshold = 0xFFFFFFFF;
 
-// The slot of a value decides only how well repeats are absorbed, never what comes out of the
-// builder.
+// The slot of a value has no influence on the result, only on how many repeats are dropped early.
+// Equal values must share a slot, though, so that the one inserted first reaches `pending` first.
 unsigned int slot_key(int value) {
   return static_cast<unsigned int>(value);
 }
@@ -43,37 +44,34 @@ unsigned int slot_key(const std::string& value) {
 unsigned int slot_key(double value) {
   constexpr double scale = 100000.0;  // spreads the first five decimals over the slots
   constexpr double key_end = 9223372036854775808.0;
-  if (value == 0.0)
-    return std::signbit(value) ? 1 : 0;  // or the zero that came first would absorb the other
   const double key = (value < 1.0 ? 1.0 / value : value) * scale;
-  // Infinities, values that are not numbers and keys beyond 64 bits have no integer to truncate to.
+  // Zeros (whose inverse is infinite), infinities, NaNs and keys beyond 64 bits cannot be
+  // converted.
   if (!(key > -key_end && key < key_end)) return 0;
   return static_cast<unsigned int>(static_cast<long long>(key));
 }
 
-// The order of values: `<`, with the ties and the incomparable values of floating point put in
-// order as well, so that what comes out does not depend on the order of insertion and the values
-// around a not-a-number stay searchable.
+// `<`, with NaNs after all other values, so that the others stay searchable.
 template <class T>
 bool comes_before(const datatype<T>& a, const datatype<T>& b) {
   if constexpr (std::is_floating_point_v<T>) {
-    if (a.value == b.value) return !std::signbit(a.value) && std::signbit(b.value);
     if (std::isnan(b.value)) return !std::isnan(a.value);
   }
   return a < b;
 }
 
+// Of values that are equal the first one stays. Only 0 and -0 are equal and different, so the other
+// data types do without a stable sort.
 template <class T>
-bool is_sorted_distinct(const std::vector<T>& values) {
-  const auto misplaced = [](const T& a, const T& b) { return !comes_before(a, b) || a == b; };
-  return std::adjacent_find(values.begin(), values.end(), misplaced) == values.end();
-}
-
-template <class T>
-void sort_distinct(std::vector<T>& values) {
-  if (is_sorted_distinct(values)) return;
-  std::sort(values.begin(), values.end(),
-            [](const T& a, const T& b) { return comes_before(a, b); });
+void sort_distinct(std::vector<datatype<T>>& values) {
+  const auto before = [](const auto& a, const auto& b) { return comes_before(a, b); };
+  const auto misplaced = [&](const auto& a, const auto& b) { return !before(a, b); };
+  if (std::adjacent_find(values.begin(), values.end(), misplaced) == values.end()) return;
+  if constexpr (std::is_floating_point_v<T>) {
+    std::stable_sort(values.begin(), values.end(), before);
+  } else {
+    std::sort(values.begin(), values.end(), before);
+  }
   values.erase(std::unique(values.begin(), values.end()), values.end());
 }
 
@@ -93,29 +91,44 @@ set<T>::~set() = default;
 
 template <class T>
 void set<T>::insert(const T& value) {
-  if (slots == nullptr) {
-    pending.push_back(value);
-  } else {
-    const unsigned int slot = slot_key(value.value) % slot_count;
-    T& cached = slots->value[slot];
-    bool& used = slots->used[slot];
-    if (used && cached == value) return;
-    T copy = value;
-    if (used) pending.push_back(cached);
-    cached = std::move(copy);
-    used = true;
+  if (slots == nullptr) slots = std::make_unique<slot_cache>();
+  const unsigned int slot = slot_key(value.value) % slot_count;
+  T& cached = slots->value[slot];
+  bool& used = slots->used[slot];
+  if (used && cached == value) return;
+  T copy = value;
+  if (used) {
+    util::allocatable<T>(pending.size() + 1ULL);
+    pending.push_back(std::move(cached));
   }
+  cached = std::move(copy);
+  used = true;
   if (pending.size() >= flush_threshold) compact();
 }
 
 template <class T>
 void set<T>::insert_all(std::vector<T> values) {
-  if (pending.empty()) {
+  if (pending.empty() && slots == nullptr) {
     pending = std::move(values);
-  } else {
-    pending.insert(pending.end(), std::make_move_iterator(values.begin()),
-                   std::make_move_iterator(values.end()));
+    return;
   }
+  empty_slots(values.size());
+  pending.insert(pending.end(), std::make_move_iterator(values.begin()),
+                 std::make_move_iterator(values.end()));
+}
+
+// Moves the cached values to `pending`, which then has room for `more`. On std::bad_alloc nothing
+// is changed.
+template <class T>
+void set<T>::empty_slots(std::size_t more) {
+  const auto cached =
+      slots == nullptr ? 0 : std::count(slots->used.begin(), slots->used.end(), true);
+  pending.reserve(
+      util::allocatable<T>(0ULL + pending.size() + static_cast<std::size_t>(cached) + more));
+  for (unsigned int slot = 0; cached > 0 && slot < slot_count; ++slot) {
+    if (slots->used[slot]) pending.push_back(std::move(slots->value[slot]));
+  }
+  slots.reset();
 }
 
 template <class T>
@@ -126,21 +139,15 @@ void set<T>::compact() {
       distinct > 0x3FFFFFFE ? largest_threshold : static_cast<unsigned int>(4 * distinct);
   try {
     pending.reserve(std::min<std::size_t>(flush_threshold, pending.max_size()));
-    if (slots == nullptr) slots = std::make_unique<slot_cache>();
   } catch (const std::bad_alloc&) {
-    // The value that led here has been taken, and both only save time.
+    // The value that led here has been added, and the room only saves time.
   }
 }
 
 template <class T>
 std::vector<T>* set<T>::get() {
   auto result = std::make_unique<std::vector<T>>();
-  if (slots != nullptr) {
-    pending.reserve(pending.size() + slot_count);
-    for (unsigned int slot = 0; slot < slot_count; ++slot) {
-      if (slots->used[slot]) pending.push_back(std::move(slots->value[slot]));
-    }
-  }
+  empty_slots(0);
   result->swap(pending);
   clear();
   sort_distinct(*result);

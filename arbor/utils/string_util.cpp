@@ -2,8 +2,9 @@
 
 #include <limits>
 #include <stdexcept>
-#include <string>
 #include <type_traits>
+
+#include "arbor/utils/text_storage.h"
 
 namespace strata::util {
 
@@ -15,7 +16,7 @@ void string_util::str2int(const char* text, T& result) {
   if (text == nullptr) throw std::runtime_error("str2int:: cannot convert a NULL string.");
   const char* next = text;
   while (*next == ' ') ++next;
-  if (*next == '\0') throw std::runtime_error(std::string(text) + ": not an int");
+  if (*next == '\0') throw std::runtime_error(joined({text, ": not an int"}));
 
   bool negative = false;
   if (*next == '-') {
@@ -26,7 +27,7 @@ void string_util::str2int(const char* text, T& result) {
   if (*next == '+' || *next == '-') ++next;
 
   T magnitude = 0;
-  // As many digits as any number of this type may have need no check.
+  // The first digits cannot overflow; only those after them are checked.
   for (int i = 0; i < std::numeric_limits<T>::digits10 && *next >= '0' && *next <= '9';
        ++i, ++next) {
     magnitude = static_cast<T>(magnitude * 10 + static_cast<T>(*next - '0'));
@@ -38,9 +39,8 @@ void string_util::str2int(const char* text, T& result) {
     if (digit > maxabs - magnitude) throw std::runtime_error("str2int:: overflow");
     magnitude += digit;
   }
-  if (*next != '\0') throw std::runtime_error(std::string(text) + ": _not an int");
-  // Zero less the magnitude rather than a unary minus, which would draw a warning in the unsigned
-  // case.
+  if (*next != '\0') throw std::runtime_error(joined({text, ": _not an int"}));
+  // Not a unary minus, which compilers warn about for unsigned types.
   result = negative ? static_cast<T>(0 - magnitude) : magnitude;
 }
 

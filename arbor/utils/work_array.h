@@ -1,5 +1,5 @@
-// An array for the time of a call, of a length that is known when it is made. A short one takes no
-// allocation: in a small node of a tree, allocations would cost more than the work.
+// An array for the duration of a call, whose length is known when it is made. A short one needs no
+// allocation: in a small node of a tree, allocations would take more time than the work.
 //
 //   work_array<float, 64> weights(classes);  // zeros
 //   weights[class_code] += weight;
@@ -18,11 +18,13 @@ namespace strata::util {
 
 enum class first_values { zeros, any };
 
-// T is a plain number or a record of some; up to `Short` of them stand in the object itself.
+// T is a number or a plain record of numbers. Up to `Short` elements are stored in the object
+// itself.
 template <class T, std::size_t Short>
 class work_array : private nocopy {
  public:
-  // Throws std::bad_alloc.
+  // Makes an array of `length` elements: zeros, or with first_values::any without defined values,
+  // to be written before they are read. Throws std::bad_alloc.
   explicit work_array(unsigned long long length, first_values values = first_values::zeros)
       : count(allocatable<T>(length)) {
     if (count > Short) {

@@ -3,11 +3,26 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <new>
 #include <random>
 #include <set>
-#include <string>
 
-#include "arbor/utils/datatype.h"
+#include "tests/support/columns.h"
+
+static unsigned int allocations = 0;
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* storage = std::malloc(size)) return storage;
+  throw std::bad_alloc();
+}
+void operator delete(void* storage) noexcept {
+  std::free(storage);
+}
+void operator delete(void* storage, std::size_t /*size*/) noexcept {
+  std::free(storage);
+}
 
 namespace arbor::tests {
 namespace {
@@ -39,7 +54,11 @@ TYPED_TEST(ValueSet, GivesEveryValueOnceInOrderAndIsEmptyAfterwards) {
       const int number =
           distance * static_cast<int>(random() % static_cast<unsigned int>(different));
       model.insert(value_of<TypeParam>(number));
-      builder.insert(value_of<TypeParam>(number));
+      if (draw % 500 == 499) {
+        builder.insert_all({value_of<TypeParam>(number)});
+      } else {
+        builder.insert(value_of<TypeParam>(number));
+      }
     }
     const std::unique_ptr<std::vector<datatype<TypeParam>>> values(builder.get());
     EXPECT_EQ(*values, std::vector<datatype<TypeParam>>(model.begin(), model.end()));
@@ -47,15 +66,33 @@ TYPED_TEST(ValueSet, GivesEveryValueOnceInOrderAndIsEmptyAfterwards) {
   }
 }
 
-TEST(ValueSetOfNumbers, TellsTheZeroWithoutASignWheneverThereIsOne) {
-  for (const unsigned int others : {0U, 300U}) {  // after so many repeats are absorbed as they come
-    strata::adt::set<datatype<double>> builder;
-    for (unsigned int i = 1; i <= others; ++i) builder.insert(i);
-    for (const double zero : {-0.0, 0.0, -0.0}) builder.insert(zero);
-    const std::unique_ptr<std::vector<datatype<double>>> values(builder.get());
-    EXPECT_EQ(values->size(), others + 1);
-    EXPECT_FALSE(std::signbit(values->front().value));
+// Infinity displaces a zero from its slot; after 256 of that the builder is compacted.
+TEST(ValueSetOfNumbers, KeepsTheZeroThatWasInsertedFirst) {
+  for (const double first : {0.0, -0.0}) {
+    for (const int between : {0, 1, 300}) {
+      for (const bool all_at_once : {false, true}) {
+        strata::adt::set<datatype<double>> builder;
+        for (int i = 0; i <= between; ++i) builder.insert(i % 2 == 0 ? first : HUGE_VAL);
+        if (all_at_once) builder.insert_all({-first, HUGE_VAL});
+        builder.insert(-first);
+        const std::unique_ptr<std::vector<datatype<double>>> values(builder.get());
+        EXPECT_EQ(values->size(), between > 0 || all_at_once ? 2U : 1U);
+        EXPECT_EQ(std::signbit(values->front().value), std::signbit(first)) << between;
+      }
+    }
   }
+}
+
+TEST(ValueSetOfTexts, TakesRepeatsWithoutAnAllocation) {
+  const auto domain = make_domain("string", {});
+  const std::string text(100, 'x');
+  for (const std::string& more : {text, text + "y"}) {
+    domain->insert(more.c_str());
+    const unsigned int before = allocations;
+    for (int i = 0; i < 1000; ++i) domain->insert(text.c_str());
+    EXPECT_EQ(allocations, before);
+  }
+  EXPECT_EQ(domain->size_of_known(), 2U);
 }
 
 }  // namespace
