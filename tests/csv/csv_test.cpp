@@ -1,11 +1,9 @@
-#include "arbor/csv/csv_reader.h"
-
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "arbor/csv/csv_cell.h"
-#include "arbor/csv/table_error.h"
-#include "tests/support/columns.h"
-#include "tests/support/temporary_file.h"
+#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/message_text.h"
+#include "tests/support/tables.h"
 
 namespace arbor::tests {
 namespace {
@@ -13,22 +11,21 @@ namespace {
 // Each row as "line:cell|cell", an empty cell without quotes as "-"; an error as its message behind
 // the path.
 texts rows_of(const std::string& contents) {
-  const temporary_file csv(contents);
-  tree::input_file file(csv.path());
   texts rows;
-  const std::string error = message_of([&] {
-    tree::read_csv(file, [&](const tree::csv_row& row) {
-      std::string text = std::to_string(row.line());
-      for (std::size_t i = 0; i < row.size(); ++i) {
-        const tree::cell_text cell = row.cell(i);
-        EXPECT_EQ(cell.begin[cell.length], '\0');
-        text +=
-            (i == 0 ? ":" : "|") + (row.is_empty(i) ? "-" : std::string(cell.begin, cell.length));
-      }
-      rows.push_back(text);
-    });
+  const auto add = [&](const tree::csv_row& row) {
+    std::string text;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const tree::cell_text cell = row.cell(i);
+      EXPECT_EQ(cell.begin[cell.length], '\0');
+      text += (i == 0 ? ":" : "|") + (row.is_empty(i) ? "-" : std::string(cell.begin, cell.length));
+    }
+    rows.push_back(std::to_string(row.line()) + text);
+  };
+  const std::string error = refusal(contents, [&](const std::string& path) {
+    tree::input_file file(path);
+    tree::read_csv(file, add);
   });
-  if (!error.empty()) rows.push_back(error.substr(csv.path().size()));
+  if (!error.empty()) rows.push_back(error);
   return rows;
 }
 
@@ -59,10 +56,8 @@ TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
       {"a,b\n1,2\"\n", {"1:a|b", ":2" + quote}},
       {"\"a\nb\",c\n\"1\"2,3\n", {"1:a\nb|c", ":3" + quote}},
       {"a\n\"b\n\nc", {"1:a", ":2: a quote that is never closed"}},
-      {std::string("a\nb\0c\n", 6), {"1:a", ":2" + zero}},
-  };
-  for (const auto& [contents, rows] : files)
-    EXPECT_EQ(rows_of(contents), rows) << contents.substr(0, 50);
+      {std::string("a\nb\0c\n", 6), {"1:a", ":2" + zero}}};
+  for (const auto& [contents, rows] : files) EXPECT_EQ(rows_of(contents), rows);
 }
 
 TEST(CsvReader, ReadsLinesWhereverItsBufferEnds) {
@@ -70,15 +65,16 @@ TEST(CsvReader, ReadsLinesWhereverItsBufferEnds) {
   texts rows;
   for (int line = 1; line <= 30000; ++line) {
     const std::string number = std::to_string(line * 7919LL % 1000003);
-    contents +=
-        (line % 11 == 0 ? "\"" + number + "\"" : number) + (line % 3 == 0 ? ",x\r\n" : ",x\n");
+    contents += line % 11 == 0 ? "\"" + number + "\"" : number;
+    contents += line % 3 == 0 ? ",x\r\n" : ",x\n";
     rows.push_back(std::to_string(line) + ":" + number + "|x");
   }
   EXPECT_EQ(rows_of(contents), rows);
 }
 
 TEST(CsvReader, PassesOnWhatItsUserThrows) {
-  for (const char* contents : {"a,b\n1,2\n", "\"a\",b\n\"1\",2\n"}) {  // from either of its readers
+  for (const char* contents :
+       {"a,b\n1,2\n", "\"a\",b\n\"1\",2\n"}) {  // by either way to take lines
     const temporary_file csv(contents);
     tree::input_file file(csv.path());
     int rows = 0;
@@ -87,19 +83,30 @@ TEST(CsvReader, PassesOnWhatItsUserThrows) {
   }
 }
 
-TEST(CsvReader, NamesTheFileThatCannotBeRead) {
-  EXPECT_EQ(message_of([] { tree::input_file("/a\tb"); }),
-            "/a\\tb: cannot be opened: No such file or directory");
-  tree::input_file folder("/");
-  EXPECT_EQ(message_of([&] { tree::read_csv(folder, [](const tree::csv_row&) {}); }),
-            "/: cannot be read: Is a directory");
-}
-
 TEST(CsvCell, IsReadAsTheTextAgain) {
   EXPECT_EQ(tree::csv_cell(" a b'"), " a b'");
-  EXPECT_EQ(tree::csv_cell("\""), "\"\"\"\"");
-  for (const std::string text : {"a,b", "\"a\"", "a\nb", "a\rb"})
+  for (const std::string text : {"a,b", "\"a\"", "\"", "a\nb", "a\rb"})
     EXPECT_EQ(rows_of(tree::csv_cell(text) + ",\n"), texts{"1:" + text + "|-"});
+}
+
+TEST(MessageText, ShowsAnyTextOnOneLine) {
+  const std::string x(59, 'x');
+  EXPECT_EQ(tree::in_quotes("a\"\n\r\t\x1F\x7F\xC3\xBC"), "\"a\\\"\\n\\r\\t\\x1F\\x7F\xC3\xBC\"");
+  EXPECT_EQ(tree::in_quotes(x + "y"), "\"" + x + "y\"");
+  EXPECT_EQ(tree::in_quotes(x + "yz"), "\"" + x + "y...\"");
+  EXPECT_EQ(tree::in_quotes(x + "\xC3\xBC"), "\"" + x + "...\"");
+  EXPECT_EQ(tree::counted(1, "leaf", "leaves") + tree::counted(0, "row"), "1 leaf0 rows");
+  EXPECT_EQ(tree::shell_word("it's"), "'it'\\''s'");
+}
+
+TEST(MessageText, ProposesTheNearestName) {
+  const texts nearest =
+      listed("Siez,size,szi,,klasse,class,abcclass,,weihgth,weight,xeight,weight");
+  for (std::size_t i = 0; i < nearest.size(); i += 2) {
+    const std::string question = "; did you mean \"" + nearest[i + 1] + "\"?";
+    EXPECT_EQ(tree::did_you_mean(nearest[i], {"class", "weight", "size", "sizs"}),
+              nearest[i + 1].empty() ? "" : question);
+  }
 }
 
 }  // namespace
