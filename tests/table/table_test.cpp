@@ -28,123 +28,149 @@ std::string described(const column& source) {
   return text;
 }
 
-texts columns_of(const table& loaded) {
-  texts columns;
-  for (const auto& column : loaded.columns) columns.push_back(described(*column));
-  return columns;
+// What becomes of a file of these lines, between which "/" stands: its message if it is refused,
+// else the columns but the class, and the remarks with the texts to declare. The class is added.
+std::string outcome(const std::string& lines, const std::string& options) {
+  std::string csv;
+  std::istringstream in(lines);
+  for (std::string line; std::getline(in, line, '/');)
+    csv += line + (csv.empty() ? ",c\n" : csv.find(",x\n") == std::string::npos ? ",x\n" : ",y\n");
+  std::string result;
+  const std::string refused = refusal(csv, [&](const std::string& path) {
+    const table loaded = tree::load_table(path, options_of(options));
+    for (const auto& column : loaded.columns)
+      result += column->is_class() ? "" : described(*column) + "; ";
+    for (const tree::table_remark& remark : loaded.remarks) {
+      result += "# " + remark.text + " ";
+      for (const std::string& text : remark.to_declare) result += "'" + text + "' ";
+    }
+  });
+  return refused.empty() ? result.substr(0, result.size() - 1) : refused;
 }
 
-// The column of a table that has these cells below one another.
-std::string column_of(const texts& cells) {
-  std::string csv = "a,c\n";
-  for (const std::string& cell : cells) csv += cell + ",x\n";
-  return described(*load_csv(csv).columns[0]);
+// A line each: the file's lines | options => outcome, which goes on in indented lines.
+const std::string files_and_outcomes = R"(
+i,f,s,late,none/1,1.5,x,1,?/-2,2,1,2.5,/,?,,1,? | => integer continuous: 1 -2 ?;
+ float continuous: 1.5 2 ?; string discrete: x 1 ?; float continuous: 1 2.5 1; null ignore:;
+ # column "none" has no known value and is ignored
+a/+/1 | => string discrete: + 1;
+a/nan/1 | => string discrete: nan 1;
+a/2147483648/1 | => float continuous: 2147483648 1;
+a/1.50/007/b/e | => string discrete: 1.50 007 b e;
+a/""//b | => string discrete:  ? b;
+a/0.1/1e-45/-3e-45/inf/3.4028235e38/-1e99 | => float continuous: 0.1 1e-45 -3e-45 inf
+ 3.4028235e+38 -inf;
+a/1.5/0/-0.0/0 | => float continuous: 1.5 0 0 0;
+a/1.5/-0.0/0/-1 | => float continuous: 1.5 -0 -0 -1;
+a/+1/-0.0/0 | => float continuous: 1 -0 -0;
+a/-0/0 | => integer continuous: 0 0;
+a,b/01,3/NA,/1,4 | type a string kind b discrete unknown NA unknown '' => string discrete: 01 NA 1;
+ integer discrete: 3 ? 4;
+a/?/NA//"" | kind a ignore unknown NA unknown '' unknown "" => string ignore: ? NA NA NA;
+a/NA/1/2.5/7/NA | => string discrete: NA 1 2.5 7 NA;
+ # column "a" is of texts, but all its values are numbers except "NA" in 2 cells '?' '' 'NA'
+a/it's/1/2e0/""/7 | unknown NA => string discrete: it's 1 2e0  7; # column "a" is of texts, but all
+ its values are numbers except "it's" in 1 cell, "" in 1 cell 'NA' 'it's' '""'
+a/N	A/1/2 | => string discrete: N	A 1 2;
+ # column "a" is of texts, but all its values are numbers except "N\tA" in 1 cell
+a/NA/1/2 | kind a ignore => string ignore: NA 1 2;
+a/1/2/3/4/r/s/t | => string discrete: 1 2 3 4 r s t; # column "a" is of texts, but all its values
+ are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell '?' '' 'r' 's' 't'
+a/1/2/3/4/5/r/s/t/u | => string discrete: 1 2 3 4 5 r s t u;
+a/1 | => integer continuous: 1; # column "c" is the class and has a single value: nothing can be
+ gained
+a/16777216/16777217/+16777217/0.1/0.10 | => float continuous: 16777216 16777216 16777216 0.1 0.1;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/1e-60/2e-60/1e-60/-1e-60/3 | => float continuous: 0 0 0 0 3;
+ # column "a" loses 2 distinct numbers: as float they are equal to others
+a/+10000000100/+10000000200 | => float continuous: 1e+10 1e+10;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/0x1000001/16777216/16777217 | => float continuous: 16777216 16777216 16777216;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/1.5/inf/1e39/-1e39 | => float continuous: 1.5 inf inf -inf;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/12345678901234567890/12345678901234567891/1.2345678901234567891e19 | => float continuous:
+ 1.2345679e+19 1.2345679e+19 1.2345679e+19;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+size/1 | class siez => : there is no column "siez" for the class; did you mean "size"?
+size/1 | weights kg => : there is no column "kg" for the weights
+size/1 | type zzz float => : there is no column "zzz" for the type
+size/1 | kind zzz ignore => : there is no column "zzz" for the kind
+size/1 | type size flaot => the type: column "size": "flaot" is none of integer, uinteger, float,
+ double, string; did you mean "float"?
+size/1 | kind size class => the kind: column "size": "class" is none of discrete, continuous, ignore
+size/1 | kind c ignore => : column "c" is the class, which is its kind; the kind is for attributes
+w,a/1,1 | weights w kind w ignore => : column "w" is the weights, which is its kind; the kind is for
+ attributes
+size/1 | class size weights size => : "size" cannot be both the class and the weights
+w/1 | weights w => : no column beside the class and the weights
+a/1.5 | type a integer => :2: column "a": "1.5" is not of the type integer that was chosen for the
+ column
+a/nan | type a float => :2: column "a": "nan" is not of the type float that was chosen for the
+ column
+a/1 | type a double => : column "a": Continuous column 'a' requires a numeric data type; the numeric
+ data types are integer, uinteger and float
+a/red | kind a continuous => : column "a": Continuous column 'a' requires a numeric data type; "red"
+ is no number
+a/? | kind a discrete => : column "a": Null set of column values can only be used for ignore column
+ type; it has no known value, and can only be ignored
+w,a/0,1 | weights w => : every row has the weight 0
+w,a/3e38,1/3e38,2 | weights w => : the weights add up to more than a float can hold
+w,a/1,1/-1,1 | weights w => :3: column "w": "-1" is no weight; a weight is a finite number from 0
+ up, and 0 leaves the row out
+a,,b | => :1: column 2 has no name
+"a
+",b,b | => :2: two columns have the name "b"
+a | => : no rows below the column names
+a/1,2 | => :2: 3 cells, but the first row names 2 columns; a cell with a comma in it needs quotes
+"a
+1",b/1 | => :3: 2 cells, but the first row names 3 columns
+"a
+",b/1,x/"2
+",? | class b => :5: column "b": "?" is the unknown value; the class of every row must be known, or
+ the row be left out
+)";
+
+TEST(Table, IsWhatTheCellsAndTheOptionsMakeOfIt) {
+  std::istringstream in(files_and_outcomes.substr(1));
+  std::string line;
+  std::string next;
+  std::getline(in, line);
+  while (!line.empty()) {
+    // Within quotes a line goes on, too.
+    for (next.clear(); std::getline(in, next) && (next[0] == ' ' || line.find("=>") == line.npos);)
+      line += (next[0] == ' ' ? "" : "\n") + next;
+    const std::size_t options = line.find(" | ");
+    const std::size_t expected = line.find("=> ");
+    EXPECT_EQ(outcome(line.substr(0, options), line.substr(options + 3, expected - options - 3)),
+              line.substr(expected + 3));
+    line.swap(next);
+  }
 }
 
-void expect_refusal(const std::string& csv, const std::string& options,
-                    const std::string& message) {
-  EXPECT_EQ(refusal(csv, [&](const auto& path) { tree::load_table(path, options_of(options)); }),
-            message);
-}
-
-TEST(Table, HoldsTheNarrowestTypeOfEachColumn) {
-  EXPECT_THAT(columns_of(load_csv("i,f,s,late,none,c\n1,1.5,x,1,?,a\n-2,2,1,2.5,,b\n,?,,1,?,a\n")),
-              ElementsAre("integer continuous: 1 -2 ?", "float continuous: 1.5 2 ?",
-                          "string discrete: x 1 ?", "float continuous: 1 2.5 1",
-                          "null ignore:", "string class: a b a"));
-  // A sign alone and a not-a-number are texts; an integer out of range is a float.
-  EXPECT_EQ(column_of({"+", "1"}), "string discrete: + 1");
-  EXPECT_EQ(column_of({"nan", "1"}), "string discrete: nan 1");
-  EXPECT_EQ(column_of({"2147483648", "1"}), "float continuous: 2147483648 1");
-  // What looks like a narrower type at first loses nothing of the texts.
-  EXPECT_EQ(column_of({"007", "1.50", "end"}), "string discrete: 007 1.50 end");
-  // The empty text in quotes is not the empty cell.
-  EXPECT_EQ(column_of({"\"\"", "", "b"}), "string discrete:  ? b");
-  // Floats of which thirty decimals show too much or nothing.
-  EXPECT_EQ(column_of({"0.1", "1e-45", "-3e-45", "inf", "3.4028235e38", "-1e99"}),
-            "float continuous: 0.1 1e-45 -3e-45 inf 3.4028235e+38 -inf");
-}
-
-TEST(Table, KeepsTheZeroThatComesFirst) {
-  EXPECT_EQ(column_of({"1.5", "0", "-0.0", "0"}), "float continuous: 1.5 0 0 0");
-  EXPECT_EQ(column_of({"1.5", "-0.0", "0", "-1"}), "float continuous: 1.5 -0 -0 -1");
-  EXPECT_EQ(column_of({"+1", "-0.0", "0"}), "float continuous: 1 -0 -0");
-  EXPECT_EQ(column_of({"-0", "0"}), "integer continuous: 0 0");
-}
-
-TEST(Table, IsReadByTheOptions) {
-  const std::string chosen =
-      "class play type code string kind size discrete kind note ignore unknown NA unknown '' "
-      "unknown \"\"";
-  const table typed =
-      load_csv("code,play,size,note\n01,y,3,?\nNA,n,,\"\"\n1,y,4,NA\n", options_of(chosen));
-  EXPECT_THAT(columns_of(typed), ElementsAre("string discrete: 01 NA 1", "string class: y n y",
-                                             "integer discrete: 3 ? 4", "string ignore: ? NA NA"));
-  EXPECT_EQ(typed.class_index, 1U);
-  // Where "?" may be a known text, the unknown value has one that no cell becomes.
-  const table empty = load_csv("a,b,c\n\"\",1,x\n,2,x\n?,,x\n\x7F?,,x\n", options_of("unknown ''"));
-  EXPECT_EQ(empty.columns[0]->get_o_set()->size_of_known(), 3U);
-  EXPECT_EQ(tree::unknown_cells(*empty.columns[1], empty.cases), 2U);
-  const auto range = tree::occurring_range(*empty.columns[1], {{1, 1}, {3, 1}});
-  EXPECT_EQ(range.first * 10 + range.second, 23U);
-  EXPECT_EQ(tree::occurring_range(*empty.columns[1], {{3, 1}}).second, 0U);
-}
-
-TEST(Table, LeavesOutRowsOfWeightZeroWholly) {
-  tree::load_options options = options_of("weights w");
+TEST(Table, HasTheWeightsAndCodesOfItsRows) {
+  tree::load_options options = options_of("class b weights w");
   std::size_t rows_read = 0;
   options.progress = [&](std::size_t rows) { EXPECT_EQ(rows, ++rows_read); };
-  const table loaded = load_csv("a,c,w\nodd,?,0\n1,x,0.5\n2,y,2\n", options);
-  EXPECT_EQ(rows_read, 3U);
-  EXPECT_THAT(columns_of(loaded),
-              ElementsAre("integer continuous: 1 2", "string class: x y", "float weights: 0.5 2"));
-  ASSERT_EQ(loaded.cases.size(), 2U);
+  const table loaded = load_csv("a,b,w\nodd,?,0\n1,x,0.5\n?,y,2\n2,x,1\n", options);
+  EXPECT_EQ(rows_read, 4U);
+  EXPECT_EQ(loaded.class_index, 1U);
+  ASSERT_EQ(loaded.cases.size(), 3U);
   EXPECT_EQ(loaded.cases[1].first, 1U);
-  EXPECT_EQ(loaded.total_weight, 2.5F);
-  EXPECT_THAT(tree::class_weights(loaded.class_column(), loaded.cases), ElementsAre(0.5F, 2.0F));
-  for (const std::string bad : {"-1", "x", "?", "1e39", "inf", "nan"}) {
-    expect_refusal("a,w,c\n1,1,x\n1," + bad + ",x\n", "weights w",
-                   ":3: column \"w\": \"" + bad +
-                       "\" is no weight; a weight is a finite number from 0 up, and 0 leaves the "
-                       "row out");
-  }
-  expect_refusal("a,w,c\n1,0,x\n", "weights w", ": every row has the weight 0");
-  expect_refusal("w,a,c\n3e38,1,x\n3e38,2,y\n", "weights w",
-                 ": the weights add up to more than a float can hold");
+  EXPECT_EQ(loaded.total_weight, 3.5F);
+  EXPECT_THAT(tree::class_weights(loaded.class_column(), loaded.cases), ElementsAre(1.5F, 2.0F));
+  EXPECT_EQ(described(*loaded.columns[2]), "float weights: 0.5 2 1");
+  EXPECT_EQ(tree::unknown_cells(*loaded.columns[0], loaded.cases), 1U);
+  const auto range = tree::occurring_range(*loaded.columns[0], {{1, 1}, {2, 1}});
+  EXPECT_EQ(range.first * 10 + range.second, 23U);
+  EXPECT_EQ(tree::occurring_range(*loaded.columns[0], {{1, 1}}).second, 0U);
+  for (const std::string weight : {"-1", "x", "?", "1e39", "inf", "nan"})
+    EXPECT_NE(outcome("w,a/1,1/" + weight + ",1", "weights w"), "") << weight;
 }
 
-TEST(Table, HasRemarksOnFewTextsAmongNumbersAndOnNumbersThatMerge) {
-  const std::string but = "column \"a\" is of texts, but all its values are numbers except ";
-  const std::string one =
-      "column \"a\" loses 1 distinct number: as float it is equal to another one";
-  const std::string two = "loses 2 distinct numbers: as float they are equal to others";
-  const std::vector<std::pair<std::string, texts>> tables{
-      {"a,c\nNA,x\n1,x\n2.5,x\n7,y\nNA,x\n", {but + "\"NA\" in 2 cells ?  NA"}},
-      {"a,c\nit's,x\n1,x\n2e0,y\n\"\",x\n7,x\n",
-       {but + "\"it's\" in 1 cell, \"\" in 1 cell ?  it's \"\""}},
-      {"a,c\nN\tA,x\n1,x\n2,y\n", {but + "\"N\\tA\" in 1 cell"}},
-      {"a,c\nNA,x\n1,y\n", {}},
-      {"a,c\n1,x\n2,x\n3,x\n4,y\nr,x\ns,x\nt,x\n",
-       {but + "\"r\" in 1 cell, \"s\" in 1 cell, \"t\" in 1 cell ?  r s t"}},
-      {"a,c\n1,x\n2,x\n3,x\n4,x\n5,y\nr,x\ns,x\nt,x\nu,x\n", {}},
-      {"a,c\n1,1\n2,2\n3,x\n", {}},
-      {"a,b,c\n?,1,x\n",
-       {"column \"a\" has no known value and is ignored",
-        "column \"c\" is the class and has a single value: nothing can be gained"}},
-      // 16777216 and 16777217 are one float, and so are numbers too small for one; 0.1 is 0.10.
-      {"a,b,c\n16777216,1e-60,x\n16777217,2e-60,x\n16777217.0,1e-60,x\n0.1,-1e-60,x\n0.10,3,y\n",
-       {one, "column \"b\" " + two}},
-      {"a,c\n12345678901234567890,x\n12345678901234567891,y\n1.2345678901234567891e19,x\n", {one}},
-      {"a,c\n1.5,x\n1e39,x\ninf,y\n-1e39,y\n-inf,y\n", {"column \"a\" " + two}},
-      {"a,c\n0x1000001,x\n16777216,y\n16777217,x\n", {one}}};
-  for (const auto& [csv, expected] : tables) {
-    texts remarks;
-    for (const tree::table_remark& remark : load_csv(csv).remarks) {
-      remarks.push_back(remark.text);
-      for (const std::string& text : remark.to_declare) remarks.back() += " " + text;
-    }
-    EXPECT_EQ(remarks, expected) << csv;
-  }
+TEST(Table, TakesNoKnownTextForTheUnknownOne) {
+  const table loaded = load_csv("a,c\n\"\",x\n,x\n?,x\n\x7F?,x\n", options_of("unknown ''"));
+  EXPECT_EQ(loaded.columns[0]->get_o_set()->size_of_known(), 3U);
 }
 
 // Whether a cell is of a data type; of numbers, what equals no number is not.
@@ -201,57 +227,6 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
               record_of(make_column("discrete", type, cells).get()))
         << "round " << round << ", " << type;
   }
-}
-
-TEST(Table, RefusesWhatIsNoTableNamingThePlace) {
-  const std::string counts = ", but the first row names 2 columns";
-  const std::string unknown =
-      ": column \"c\": \"?\" is the unknown value; the class of every row must be known, or the "
-      "row be left out";
-  expect_refusal("", "", ": empty; a table begins with a row of column names");
-  expect_refusal("a,c\n", "", ": no rows below the column names");
-  expect_refusal("a;c\nx\n", "",
-                 ":1: only one column, \"a;c\"; a table has several, between commas");
-  expect_refusal("a,c\n\"1\n2\",x\n1\n", "", ":4: 1 cell" + counts);
-  expect_refusal("a,c\n1,2,3\n", "",
-                 ":2: 3 cells" + counts + "; a cell with a comma in it needs quotes");
-  expect_refusal("a,c\r\n1,2\r\n3,?\r\n", "", ":3" + unknown);
-  expect_refusal("\"a\n\",c\n1,x\n\"2\n\r\n\r\",?\n", "", ":7" + unknown);
-  expect_refusal("a,,c\n", "", ":1: column 2 has no name");
-  expect_refusal("\"a\n\",b,b\n", "", ":2: two columns have the name \"b\"");
-  expect_refusal("w,c\n1,x\n", "weights w", ": no column beside the class and the weights");
-}
-
-TEST(Table, RefusesOptionsThatDoNotGoWithIt) {
-  const std::string numeric = " requires a numeric data type; ";
-  const std::vector<std::pair<std::string, std::string>> refused{
-      {"class paly", ": there is no column \"paly\" for the class; did you mean \"play\"?"},
-      {"weights w", ": there is no column \"w\" for the weights"},
-      {"type zzz float", ": there is no column \"zzz\" for the type"},
-      {"kind zzz ignore", ": there is no column \"zzz\" for the kind"},
-      {"type size flaot",
-       "the type: column \"size\": \"flaot\" is none of integer, uinteger, float, double, string; "
-       "did you mean \"float\"?"},
-      {"kind size class",
-       "the kind: column \"size\": \"class\" is none of discrete, continuous, ignore"},
-      {"kind play ignore",
-       ": column \"play\" is the class, which is its kind; the kind is for attributes"},
-      {"weights weight kind weight ignore",
-       ": column \"weight\" is the weights, which is its kind; the kind is for attributes"},
-      {"class play weights play", ": \"play\" cannot be both the class and the weights"},
-      {"type weight integer",
-       ":2: column \"weight\": \"1.5\" is not of the type integer that was chosen for the column"},
-      {"type odd float",
-       ":2: column \"odd\": \"nan\" is not of the type float that was chosen for the column"},
-      {"type weight double", ": column \"weight\": Continuous column 'weight'" + numeric +
-                                 "the numeric data types are integer, uinteger and float"},
-      {"kind odd continuous",
-       ": column \"odd\": Continuous column 'odd'" + numeric + "\"nan\" is no number"},
-      {"kind none discrete",
-       ": column \"none\": Null set of column values can only be used for ignore column type; it "
-       "has no known value, and can only be ignored"}};
-  for (const auto& [options, message] : refused)
-    expect_refusal("size,none,odd,weight,play\n1,?,nan,1.5,x\n", options, message);
 }
 
 TEST(ValueText, IsThatOfAnyBytes) {
