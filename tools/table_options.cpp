@@ -46,6 +46,15 @@ float number_value(const std::string& option, const std::string& given, float mo
   return static_cast<float>(value);
 }
 
+// The options that make the texts of a remark mean unknown, if there are some.
+std::string advice(const tree::table_remark& remark) {
+  if (remark.to_declare.empty()) return "";
+  std::string options;
+  for (const std::string& text : remark.to_declare)
+    options += " --unknown " + tree::shell_word(text);
+  return "; if that means unknown, say" + options;
+}
+
 }  // namespace
 
 void table_options::add_to(CLI::App& to) {
@@ -89,6 +98,10 @@ tree::load_options table_options::chosen() const {
   options.unknown_texts = unknown_texts;
   options.types = name_values("--type", types);
   options.kinds = name_values("--kind", kinds);
+  options.class_from = "--class";
+  options.weights_from = "--weights";
+  options.types_from = "--type";
+  options.kinds_from = "--kind";
   return options;
 }
 
@@ -100,8 +113,8 @@ tree::table read_table(const std::string& path, tree::load_options options) {
   };
   tree::table table = tree::load_table(path, options);
   progress.clear();
-  for (const std::string& remark : table.remarks)
-    std::cerr << "arbor: " << table.name << ": " << remark << '\n';
+  for (const tree::table_remark& remark : table.remarks)
+    std::cerr << "arbor: " << table.name << ": " << remark.text << advice(remark) << '\n';
   return table;
 }
 

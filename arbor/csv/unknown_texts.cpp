@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "arbor/table/domain_text.h"
-
 namespace arbor::tree {
 
 namespace {
@@ -21,12 +19,12 @@ unknown_texts::unknown_texts(std::vector<std::string> chosen) : all(std::move(ch
   }
 }
 
-std::string unknown_texts::domain_text() const {
-  for (const std::string& text : all) {
-    const bool means_empty_cell = text.empty() || text == quoted_empty;
-    if (!means_empty_cell) return to_domain_text(text);
-  }
-  return "\x7F?";
+std::string unknown_texts::declared(const std::string& text) {
+  return text.empty() ? quoted_empty : text;
+}
+
+bool unknown_texts::is_empty_cell(const std::string& declared) {
+  return declared.empty() || declared == quoted_empty;
 }
 
 bool unknown_texts::contain(const csv_row& row, std::size_t cell) const {

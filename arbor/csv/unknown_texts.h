@@ -1,4 +1,7 @@
 // Which cells of a CSV file are unknown.
+//
+//   unknown_texts unknowns({"NA", ""});
+//   const char* text = unknowns.known_text(row, 0);  // null for NA and for the empty cell
 #ifndef ARBOR_CSV_UNKNOWN_TEXTS_H
 #define ARBOR_CSV_UNKNOWN_TEXTS_H
 
@@ -6,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/csv_row.h"
 
 namespace arbor::tree {
 
 class unknown_texts {
  public:
-  // The texts that stand for the unknown value; an empty one for the empty cell, two quotes for the
-  // quoted empty one. None at all: "?" and the empty cell without quotes.
+  // The texts that stand for the unknown value: an empty one for the empty cell, two quotes for the
+  // empty cell in quotes. None at all means "?" and the empty cell without quotes.
   explicit unknown_texts(std::vector<std::string> chosen);
 
   bool is_unknown(const csv_row& row, std::size_t cell) const {
@@ -26,12 +29,15 @@ class unknown_texts {
     return is_unknown(row, cell) ? nullptr : row.text(cell);
   }
 
-  // The text for the unknown value in a domain of texts (see domain_text.h): one of those in use,
-  // or, when that might be a known text too, one that no cell becomes.
-  std::string domain_text() const;
-
   // Those in use; there is at least one.
   const std::vector<std::string>& texts() const { return all; }
+
+  // How a text is written here: as it is, or as two quotes if it is empty, since the empty text
+  // stands for the empty cell without quotes.
+  static std::string declared(const std::string& text);
+
+  // Whether a text that is written like this stands for an empty cell, with or without quotes.
+  static bool is_empty_cell(const std::string& declared);
 
  private:
   bool contain(const csv_row& row, std::size_t cell) const;

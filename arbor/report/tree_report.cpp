@@ -10,7 +10,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/report/json_writer.h"
 #include "arbor/report/text_table.h"
-#include "arbor/table/shortest_text.h"
+#include "arbor/table/value_text.h"
 #include "arbor/table/table.h"
 
 namespace arbor::tree {

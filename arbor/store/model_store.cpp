@@ -25,7 +25,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/store/file_replacement.h"
-#include "arbor/table/table.h"
+#include "arbor/table/value_text.h"
 #include "arbor/utils/file_device.h"
 #include "arbor/utils/ibinstream.h"
 #include "arbor/utils/memory_device.h"

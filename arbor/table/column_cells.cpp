@@ -20,7 +20,7 @@ void column_cells::add_unknown() {
   }
 }
 
-// What is no plain integer of few digits, or comes after such a cell.
+// For any text but the plain integers of few digits that the first form holds.
 bool column_cells::add_other(cell_text text) {
   plain_number number = read_plain_number(text);
   int integer = 0;
@@ -93,6 +93,12 @@ void column_cells::keep_as_texts() {
     }
   });
   kept = form::texts;
+}
+
+void column_cells::recode_texts(const std::vector<unsigned int>& codes) {
+  narrow.for_each_block([&](std::uint32_t* keys, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) keys[i] = codes[keys[i]];
+  });
 }
 
 }  // namespace arbor::tree

@@ -11,7 +11,7 @@
 //   numbers   plain numbers, eight bytes a row; in place of any other text its code in the dictionary
 //   texts     codes in the dictionary, four bytes a row
 //
-// From each of them the text of every cell can be told again.
+// Each form still tells the text of every cell.
 #ifndef ARBOR_TABLE_COLUMN_CELLS_H
 #define ARBOR_TABLE_COLUMN_CELLS_H
 
@@ -28,29 +28,33 @@ namespace arbor::tree {
 class column_cells {
  public:
   enum class form { integers, numbers, texts };
-  // Which cells may be kept as numbers: all that are plain, unless the point of the process's
-  // locale is another one, so that those with a "." are no numbers; or integers alone.
+  // Which cells may be kept as numbers: all plain numbers, or integers alone. Where the point of the
+  // process's locale is not ".", `all` means integers, since a text with a "." is no number then.
   enum class plain { none, integers, all };
 
   explicit column_cells(plain may_be_kept);
 
   void add_unknown();
-  // Returns whether the text is in the dictionary, and was not before.
+  // Returns whether the text has been added to the dictionary, where it was not before.
   bool add(cell_text text);
 
   form kept_as() const { return kept; }
-  // The dictionary: all texts, or those that are no plain number.
+  // The dictionary: all texts, or those that are not kept as numbers.
   const text_dictionary& texts() const { return dictionary; }
-  // In how many cells each text of the dictionary occurs, by code.
+  // In how many cells each text of the dictionary occurs, by code; entry 0 has no meaning.
   std::vector<std::size_t> text_counts();
   std::size_t unknown_cells() const { return unknown; }
-  // How many cells are kept as plain numbers, and whether some are no integers of 32 bits.
+  // How many cells are kept as plain numbers, and whether some of them are not integers of 32 bits.
   std::size_t plain_numbers();
   bool has_fractions() const { return fractions; }
 
-  // Brings the cells into a later form.
+  // Brings the cells into a later form. Those that are kept in one later than that stay.
   void keep_as_numbers();
   void keep_as_texts();
+
+  // Replaces each text's code in the dictionary by entry [code] of `codes`, of cells that are kept
+  // as texts. Entry 0 is the code of the unknown value.
+  void recode_texts(const std::vector<unsigned int>& codes);
 
   // By row: of integers the keys, of texts the codes, 0 for the unknown value.
   cell_blocks<std::uint32_t>& keys() { return narrow; }

@@ -1,9 +1,9 @@
 // Turns the cells of one column of a file into a column of codes.
 //
-//   column_loader loader(options);
+//   column_loader loader(settings);
 //   for each row: if (!loader.add(text)) ...   // or add_unknown()
 //   loader.make_column();
-//   table.columns.push_back(loader.take());
+//   table.columns.push_back(loader.take(unknown_texts, table.remarks));
 #ifndef ARBOR_TABLE_COLUMN_LOADER_H
 #define ARBOR_TABLE_COLUMN_LOADER_H
 
@@ -13,6 +13,8 @@
 
 #include "arbor/model/column.h"
 #include "arbor/table/column_cells.h"
+#include "arbor/table/column_survey.h"
+#include "arbor/table/table.h"
 
 namespace arbor::tree {
 
@@ -20,9 +22,9 @@ class column_loader {
  public:
   struct settings {
     std::string name;
-    std::string
-        kind;  // empty: continuous for numbers, discrete for texts, ignore without known values
-    std::string data_type;  // empty: the narrowest that all cells fit
+    // Empty: continuous for numbers, discrete for texts, ignore without known values.
+    std::string kind;
+    std::string data_type;  // empty: the narrowest that holds all cells
     std::string null_text;  // the domain's text of the unknown value, in a column of texts
   };
 
@@ -34,40 +36,31 @@ class column_loader {
   // type.
   void add_unknown() { cells.add_unknown(); }
   bool add(cell_text text) {
-    // Plain numbers are kept as such only if they are of the chosen data type, and other texts need
-    // one look each.
-    return !cells.add(text) || chosen.data_type.empty() || accepts(text.begin);
+    // Plain numbers are kept as such only if they are of the chosen data type, and any other text
+    // has to be read only once.
+    return !cells.add(text) || chosen.data_type.empty() || accept(text.begin);
   }
 
-  // Makes the column, and lets go of the cells. Throws std::runtime_error with NEW_COLUMN's
-  // message, and what would do, if that refuses.
+  // Makes the column, and lets go of the cells. Throws std::runtime_error with NEW_COLUMN's message,
+  // and what would be accepted, if that refuses.
   void make_column();
 
-  // The column, complete; what a person should know about it is added to `remarks`, a line each.
-  // `unknown_texts` are those that were taken for the unknown value.
+  // The column, complete. What a person should know about it is added to `remarks`. `unknown_texts`
+  // are those that were taken for the unknown value.
   std::unique_ptr<impls::column> take(const std::vector<std::string>& unknown_texts,
-                                      std::vector<std::string>& remarks);
+                                      std::vector<table_remark>& remarks);
 
  private:
-  // A text among numbers, and how often it occurs.
-  struct odd_text {
-    std::string text;
-    std::size_t cells;
-  };
-
-  bool accepts(const char* text) const;
-  std::string narrowest_type();
-  std::string remark_on_odd_texts(const std::vector<std::string>& unknown_texts) const;
-  std::string advice(const std::string& kind) const;
+  bool accept(const char* text);
+  std::unique_ptr<impls::o_set> make_domain();
+  std::string kind() const;
+  std::string advice() const;
+  table_remark remark_on_other_texts(const std::vector<std::string>& unknown_texts) const;
 
   settings chosen;
   column_cells cells;
-  std::string data_type;
+  column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
-  std::size_t number_cells = 0;
-  std::vector<odd_text>
-      odd_texts;  // the texts among them, if those are few: what would make numbers of the column
-  bool may_be_numbers = true;
   std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
 };
 

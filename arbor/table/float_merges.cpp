@@ -8,61 +8,157 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <unordered_set>
 
 namespace arbor::tree {
 
 namespace {
 
-// Of what is no plain number. Plain ones have their own number, which is none of these: they have
-// no digits and yet some behind the point.
-constexpr std::uint64_t infinity = 2;
-constexpr std::uint64_t negative_infinity = 4;
-constexpr std::uint64_t zero = 6;
+// Identities of what is not a plain number. Plain ones are their own identity, and none of them is
+// one of these: a number without digits that has some behind the point.
+constexpr std::uint64_t infinite_identity = 2;
+constexpr std::uint64_t negative_infinite_identity = 4;
+constexpr std::uint64_t zero_identity = 6;
 
-}  // namespace
+constexpr const char* blanks = " \t\n\v\f\r";
 
-std::uint64_t number_identity(plain_number number) {
-  const plain_number shortest = shortened(number);
-  return shortest == 0 ? zero : static_cast<std::uint64_t>(shortest);
-}
+// A number as its significant digits, without zeros at either end, times ten to the power of an
+// exponent.
+struct decimal {
+  bool negative = false;
+  std::string digits;  // none: zero
+  long long exponent = 0;
+};
 
-std::uint64_t number_identity(const char* text) {
-  std::string digits;      // the significant ones
-  long long exponent = 0;  // of a point behind them
+// Reads what strtod takes for a number. Returns the end of what is written in decimal digits.
+const char* read_decimal(const char* text, decimal& number) {
+  const char* c = text + std::strspn(text, blanks);
+  number.negative = *c == '-';
+  if (*c == '-' || *c == '+') ++c;
   bool behind_point = false;
-  const char* c = text + std::strspn(text, " \t\n\v\f\r+-");
   for (; (*c >= '0' && *c <= '9') || *c == '.'; ++c) {
     if (*c == '.') {
       behind_point = true;
-    } else {
-      if (*c != '0' || !digits.empty()) digits += *c;
-      if (behind_point) --exponent;
+      continue;
     }
+    if (*c != '0' || !number.digits.empty()) number.digits += *c;
+    if (behind_point) --number.exponent;
   }
   if (*c == 'e' || *c == 'E') {
     // Far beyond what a text can be long enough to make up for.
     constexpr long most = 1000000000;
-    exponent += std::clamp(std::strtol(c + 1, nullptr, 10), -most, most);
-  } else if (*c != '\0') {
-    // Hexadecimal digits or infinity. A finite double is the same number in seventeen decimal
-    // digits.
-    const double value = std::strtod(text, nullptr);
-    if (!std::isfinite(value)) return value > 0 ? infinity : negative_infinity;
-    return number_identity(fmt::format("{:.17g}", value).c_str());
+    char* end = nullptr;
+    number.exponent += std::clamp(std::strtol(c + 1, &end, 10), -most, most);
+    c = end;
   }
-  const std::size_t end = digits.find_last_not_of('0') + 1;
-  exponent += static_cast<long long>(digits.size() - end);
-  digits.resize(end);
-  if (digits.empty()) return zero;  // whatever its exponent and sign
-  const bool negative = text[std::strspn(text, " \t\n\v\f\r")] == '-';
-  const plain_number plain = plain_number_of(negative, digits, exponent);
+  const std::size_t end = number.digits.find_last_not_of('0') + 1;
+  number.exponent += static_cast<long long>(number.digits.size() - end);
+  number.digits.resize(end);
+  return c;
+}
+
+std::uint64_t identity_of(const decimal& number) {
+  if (number.digits.empty()) return zero_identity;  // whatever its exponent and sign
+  const plain_number plain = plain_number_of(number.negative, number.digits, number.exponent);
   if (plain != no_plain_number) return static_cast<std::uint64_t>(plain);
-  if (negative) digits += '-';
-  digits += 'e' + std::to_string(exponent);
+  const std::string text =
+      fmt::format("{}{}e{}", number.digits, number.negative ? "-" : "", number.exponent);
   std::uint64_t hash = 0xCBF29CE484222325U;  // FNV-1a
-  for (const char digit : digits)
-    hash = (hash ^ static_cast<unsigned char>(digit)) * 0x100000001B3U;
-  return hash | 1U;  // the infinities, zero and what has not been seen have numbers of their own
+  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+  return hash | 1U;  // odd, unlike the identities above and 0
+}
+
+class merge_counter {
+ public:
+  // For codes up to `distinct`.
+  explicit merge_counter(std::size_t distinct) : first_seen(distinct + 1, 0) {}
+
+  // Takes the identity of a number and the code that the number got.
+  void add(unsigned int code, std::uint64_t number) {
+    if (first_seen[code] == number) return;
+    if (first_seen[code] == 0) {
+      first_seen[code] = number;
+    } else {
+      others.insert(number);
+    }
+  }
+
+  // How many distinct numbers there are beyond one for each code.
+  std::size_t count() const { return others.size(); }
+
+ private:
+  std::vector<std::uint64_t> first_seen;  // by code; 0 before any
+  std::unordered_set<std::uint64_t> others;
+};
+
+bool may_merge(const text_dictionary& texts, const std::vector<double>& text_numbers) {
+  for (unsigned int code = 1; code <= texts.size(); ++code) {
+    if (may_merge_as_float(texts.text(code), text_numbers[code - 1])) return true;
+  }
+  return false;
+}
+
+bool may_merge(cell_blocks<plain_number>& entries) {
+  const auto may_merge_entry = [](plain_number entry) {
+    return !column_cells::is_unknown(entry) && !column_cells::is_text(entry) &&
+           may_merge_as_float(entry);
+  };
+  bool may = false;
+  entries.for_each_block([&](const plain_number* block, std::size_t count) {
+    may = may || std::any_of(block, block + count, may_merge_entry);
+  });
+  return may;
+}
+
+std::vector<std::uint64_t> identities_of(const text_dictionary& texts) {
+  std::vector<std::uint64_t> identities{0};
+  for (unsigned int code = 1; code <= texts.size(); ++code)
+    identities.push_back(number_identity(texts.text(code)));
+  return identities;
+}
+
+}  // namespace
+
+std::size_t lost_numbers(column_cells& cells, const std::vector<double>& text_numbers,
+                         std::size_t distinct) {
+  if (!may_merge(cells.texts(), text_numbers) && !may_merge(cells.numbers())) return 0;
+  merge_counter merges(distinct);
+  const std::vector<std::uint64_t> of_texts = identities_of(cells.texts());
+  const auto identity = [&](plain_number entry) {
+    return column_cells::is_text(entry) ? of_texts[column_cells::text_code(entry)]
+                                        : number_identity(entry);
+  };
+  cells.numbers().for_each_block_with(
+      cells.keys(),
+      [&](const plain_number* entries, const std::uint32_t* codes, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+          if (!column_cells::is_unknown(entries[i])) merges.add(codes[i], identity(entries[i]));
+        }
+      });
+  return merges.count();
+}
+
+std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& text_numbers,
+                       const std::vector<unsigned int>& codes) {
+  if (!may_merge(texts, text_numbers)) return 0;
+  merge_counter merges(codes.size());
+  for (unsigned int text = 1; text <= texts.size(); ++text)
+    merges.add(codes[text], number_identity(texts.text(text)));
+  return merges.count();
+}
+
+std::uint64_t number_identity(plain_number number) {
+  const plain_number shortest = shortened(number);
+  return shortest == 0 ? zero_identity : static_cast<std::uint64_t>(shortest);
+}
+
+std::uint64_t number_identity(const char* text) {
+  decimal number;
+  if (*read_decimal(text, number) == '\0') return identity_of(number);
+  // Hexadecimal digits or infinity. A finite double is the same number in seventeen decimal digits.
+  const double value = std::strtod(text, nullptr);
+  if (!std::isfinite(value)) return value > 0 ? infinite_identity : negative_infinite_identity;
+  return number_identity(fmt::format("{:.17g}", value).c_str());
 }
 
 bool may_merge_as_float(const char* text, double value) {
@@ -78,8 +174,8 @@ bool may_merge_as_float(const char* text, double value) {
 }
 
 bool may_merge_as_float(plain_number number) {
-  return has_more_digits_than(std::numeric_limits<float>::digits10,
-                              number);  // and none is out of range
+  // No plain number is out of range.
+  return has_more_digits_than(std::numeric_limits<float>::digits10, number);
 }
 
 }  // namespace arbor::tree

@@ -4,46 +4,34 @@
 #define ARBOR_TABLE_FLOAT_MERGES_H
 
 #include <cstdint>
-#include <unordered_set>
 #include <vector>
 
+#include "arbor/table/column_cells.h"
 #include "arbor/table/plain_number.h"
+#include "arbor/table/text_dictionary.h"
 
 namespace arbor::tree {
 
-// Whether another decimal number than this one, read as `value`, may be the same float. Up to six
-// significant digits tell floats apart, unless they are out of the range of full precision
+// How many distinct numbers there are beyond one for each code. `text_numbers` are the numbers of
+// the dictionary's texts, entry i that of code i + 1.
+//
+// Of cells that are kept as numbers and have their codes, up to `distinct`, in `cells.keys()`.
+std::size_t lost_numbers(column_cells& cells, const std::vector<double>& text_numbers,
+                         std::size_t distinct);
+// Of texts that have got the codes `codes`, entry c that of the text with code c.
+std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& text_numbers,
+                       const std::vector<unsigned int>& codes);
+
+// Whether a number other than this one, read as `value`, may be the same float. Numbers of up to six
+// significant digits are different floats, unless they are out of the range of full precision
 // (std::numeric_limits<float>::digits10).
 bool may_merge_as_float(const char* text, double value);
 bool may_merge_as_float(plain_number number);
 
-// The decimal number that a text tells, as a number of 64 bits: the same for all ways to write it,
-// and hardly that of another one, however many digits they have. Never 0.
+// A number of 64 bits for the decimal number that a text stands for: the same for all ways to write
+// it, and hardly ever that of another one, however many digits they have. Never 0.
 std::uint64_t number_identity(const char* text);
 std::uint64_t number_identity(plain_number number);
-
-class float_merges {
- public:
-  // For a column whose codes are at most `known_values`.
-  explicit float_merges(std::size_t known_values) : first_seen(known_values + 1, 0) {}
-
-  // Takes the identity of a row's number and the code that it got.
-  void add(unsigned int code, std::uint64_t number) {
-    if (first_seen[code] == number) return;
-    if (first_seen[code] == 0) {
-      first_seen[code] = number;
-    } else {
-      others.insert(number);
-    }
-  }
-
-  // How many distinct numbers there are beyond one for each code.
-  std::size_t count() const { return others.size(); }
-
- private:
-  std::vector<std::uint64_t> first_seen;  // by code; 0 before any. The others that got a code:
-  std::unordered_set<std::uint64_t> others;
-};
 
 }  // namespace arbor::tree
 

@@ -4,22 +4,8 @@
 #include <limits>
 
 #include "arbor/model/code_readers.h"
-#include "arbor/table/domain_text.h"
-#include "arbor/table/shortest_text.h"
 
 namespace arbor::tree {
-
-std::string value_text(const impls::column& column, unsigned int code) {
-  const bool is_text = column.get_o_set()->get_datatype() == "string";
-  return is_text ? to_cell_text(column.get_value(code)) : shortest_value(column, code);
-}
-
-bool code_of_text(const impls::column& column, const char* text, unsigned int& code) {
-  impls::o_set& domain = *column.get_o_set();
-  if (domain.get_datatype() == "string")
-    return domain.get_order(to_domain_text(text).c_str(), code);
-  return domain.get_order(text, code);
-}
 
 bool is_attribute(const impls::column& column) {
   return !column.is_class() && !column.is_weights();

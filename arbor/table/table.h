@@ -10,25 +10,24 @@
 
 namespace arbor::tree {
 
+// What a person should know about how a table was read.
+struct table_remark {
+  std::string text;  // of one line
+  // Not empty: if certain texts of the table mean the unknown value, then it should be read again
+  // with these unknown_texts (see load_options): those in use and these texts.
+  std::vector<std::string> to_declare;
+};
+
 struct table {
   std::string name;  // of the file it was read from, as messages show it
-  std::vector<std::unique_ptr<impls::column>>
-      columns;                       // in the order of the file, the class among them
-  std::size_t class_index = 0;       // which of the columns is the class
-  impls::w_sequence cases;           // every row, in the order of the file, with its weight
-  float total_weight = 0;            // of all cases
-  std::vector<std::string> remarks;  // what a person should know about how it was read, a line each
+  std::vector<std::unique_ptr<impls::column>> columns;  // in the order of the file
+  std::size_t class_index = 0;                          // which of the columns is the class
+  impls::w_sequence cases;  // every row, in the order of the file, with its weight
+  float total_weight = 0;   // of all cases
+  std::vector<table_remark> remarks;
 
   impls::column& class_column() const { return *columns[class_index]; }
 };
-
-// The text of a code: of a text as it stood in the table, of a number the shortest; that of an
-// unknown value for code 0.
-std::string value_text(const impls::column& column, unsigned int code);
-
-// The reverse, for a text as it stands in a table: whether the column's domain holds it, setting
-// `code` then. Throws std::runtime_error for a text that is not of the data type.
-bool code_of_text(const impls::column& column, const char* text, unsigned int& code);
 
 // Whether a column is rated: neither the class nor the weights.
 bool is_attribute(const impls::column& column);

@@ -22,19 +22,25 @@
 namespace arbor::tree {
 
 struct load_options {
-  std::string class_name;  // empty: the last column but that of the weights
-  std::string
-      weights_name;  // the column of the cases' weights, finite numbers from 0 up; empty: every case weighs 1
+  // Empty: the last column but that of the weights.
+  std::string class_name;
+  // The column of the cases' weights, finite numbers from 0 up. Empty: every case weighs 1.
+  std::string weights_name;
+  // The texts of the unknown value, see unknown_texts.h. None: "?" and the empty cell.
+  std::vector<std::string> unknown_texts;
+  // By column name: integer, uinteger, float, double or string.
+  std::map<std::string, std::string> types;
+  // By attribute name: discrete, continuous or ignore.
+  std::map<std::string, std::string> kinds;
 
-  std::vector<std::string>
-      unknown_texts;  // of the unknown value, see unknown_texts.h; none: "?" and the empty cell
+  // What messages call the four choices, so that a person knows where each one was made.
+  std::string class_from = "the class";
+  std::string weights_from = "the weights";
+  std::string types_from = "the type";
+  std::string kinds_from = "the kind";
 
-  std::map<std::string, std::string>
-      types;                          // by column name: integer, uinteger, float, double or string
-  std::string types_from = "--type";  // who chose the types, to name if a column is missing
-  std::map<std::string, std::string> kinds;  // by attribute name: discrete, continuous or ignore
-
-  std::function<void(std::size_t rows)> progress;  // told at each row how many have been read
+  // Called at each row with the number of rows read so far. May be empty.
+  std::function<void(std::size_t rows)> progress;
 };
 
 // Reads the file, "-" for standard input, from its beginning to its end. A row of weight 0 is as if
@@ -47,8 +53,8 @@ struct load_options {
 //
 // Numbers are read in the process's locale.
 //
-// Throws table_error when the file cannot be read, is no such table, or does not go together with
-// the options, and std::bad_alloc when memory is short.
+// Throws table_error when the file cannot be read, is not such a table, or does not go together
+// with the options, and std::bad_alloc when memory is short.
 table load_table(const std::string& path, const load_options& options);
 
 }  // namespace arbor::tree

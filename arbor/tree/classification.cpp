@@ -5,7 +5,7 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "arbor/table/shortest_text.h"
+#include "arbor/table/value_text.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "arbor/model/code_readers.h"
-#include "arbor/table/shortest_text.h"
+#include "arbor/table/value_text.h"
 #include "arbor/tree/crew.h"
 #include "arbor/tree/division.h"
 #include "arbor/tree/pruning.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "arbor/table/shortest_text.h"
+#include "arbor/table/value_text.h"
 
 namespace arbor::tree {
 

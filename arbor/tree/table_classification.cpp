@@ -7,8 +7,7 @@
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/csv_table.h"
 #include "arbor/csv/table_error.h"
-#include "arbor/table/shortest_text.h"
-#include "arbor/table/table.h"
+#include "arbor/table/value_text.h"
 
 namespace arbor::tree {
 

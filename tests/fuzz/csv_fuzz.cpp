@@ -3,6 +3,7 @@
 #include "arbor/csv/csv_reader.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/table/table_loader.h"
+#include "arbor/table/value_text.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "tests/fuzz/fuzz.h"
@@ -100,7 +101,7 @@ static std::string told(const memory_file& file, const load_options& options) {
     }
     for (const auto& [row, weight] : rows.cases)
       all += std::to_string(row) + ":" + std::to_string(weight) + "\n";
-    for (const std::string& remark : rows.remarks) all += remark + "\n";
+    for (const table_remark& remark : rows.remarks) all += remark.text + "\n";
   });
   check(refused.find('\n') == std::string::npos, "a message is one line");
   const std::size_t name = refused.find(file.path());

@@ -9,6 +9,7 @@
 #include "arbor/csv/table_error.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
+#include "arbor/table/value_text.h"
 #include "arbor/tree/classification.h"
 #include "tests/fuzz/fuzz.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "arbor/report/json_writer.h"
-#include "arbor/table/shortest_text.h"
+#include "arbor/table/value_text.h"
 #include "arbor/table/table_loader.h"
 #include "tests/support/columns.h"
 #include "tests/support/temporary_file.h"

@@ -65,7 +65,7 @@ std::string told(const table& rows) {
     for (const auto& weighted : rows.cases)
       text += x->size() == 0 ? "" : "," + x->get_row_value(weighted.first);
   }
-  for (const std::string& remark : rows.remarks) text += '\n' + remark;
+  for (const tree::table_remark& remark : rows.remarks) text += '\n' + remark.text;
   return text;
 }
 

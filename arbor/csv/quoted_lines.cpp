@@ -1,0 +1,100 @@
+#include "arbor/csv/quoted_lines.h"
+
+#include <new>
+#include <string_view>
+
+namespace arbor::tree {
+
+namespace {
+
+// By how many bytes the parser's buffer of a cell grows. Its own step of 128 bytes moves a long
+// cell very often.
+constexpr std::size_t cell_step = 1U << 18U;
+
+int keep_blanks(unsigned char /*character*/) {
+  return 0;
+}
+
+}  // namespace
+
+quoted_lines::quoted_lines(row_delivery& to) : rows(to) {
+  if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI | CSV_EMPTY_IS_NULL | CSV_REPALL_NL) != 0)
+    throw std::bad_alloc();
+  csv_set_space_func(&parser, keep_blanks);
+  csv_set_blk_size(&parser, cell_step);
+}
+
+void quoted_lines::take(const char* bytes, std::size_t count) {
+  const bool whole = csv_parse(&parser, bytes, count, on_cell, on_line_end, this) == count;
+  check(whole,
+        "a quote inside a cell, or one that was not closed; quote whole cells and double the "
+        "quotes in them");
+}
+
+bool quoted_lines::take_newline() {
+  line_ended = false;
+  take("\n", 1);
+  return line_ended;
+}
+
+void quoted_lines::finish() {
+  check(csv_fini(&parser, on_cell, on_line_end, this) == 0, "a quote that is never closed");
+}
+
+void quoted_lines::on_cell(void* text, std::size_t length, void* lines) {
+  auto* const self = static_cast<quoted_lines*>(lines);
+  self->run([&] { self->add_cell(static_cast<const char*>(text), length); });
+}
+
+void quoted_lines::on_line_end(int terminator, void* lines) {
+  auto* const self = static_cast<quoted_lines*>(lines);
+  self->run([&] { self->end_line(terminator); });
+}
+
+// `text` is null for an empty cell without quotes.
+void quoted_lines::add_cell(const char* text, std::size_t length) {
+  if (row.size() == 0) rows.begin_row();
+  const std::string_view cell(text == nullptr ? "" : text, length);
+  if (cell.find('\0') != std::string_view::npos) {
+    rows.fail(
+        "a zero byte in the text; a table is text in UTF-8 or another encoding that has none");
+  }
+  row.add_cell(cells.size(), cells.size() + length, text == nullptr);
+  cells.append(cell);
+  cells += '\0';
+  rows.pass_lines(line_ends(cell.data(), length));
+  after_cr = false;
+}
+
+// `terminator` is CR, LF or, at the end of a file without one, -1. A CRLF comes as two of them, and
+// an empty line as one without cells.
+void quoted_lines::end_line(int terminator) {
+  line_ended = true;
+  const bool ends_crlf = terminator == CSV_LF && after_cr;
+  after_cr = terminator == CSV_CR;
+  if (ends_crlf) return;
+  cells.append(readable_behind_cell, '\0');
+  rows.end_line(row, cells.data());
+  cells.clear();
+}
+
+// The parser is written in C, so that no exception may leave a function that it calls: it is kept
+// until the parser has returned.
+template <class Step>
+void quoted_lines::run(Step step) noexcept {
+  if (thrown) return;
+  try {
+    step();
+  } catch (...) {
+    thrown = std::current_exception();
+  }
+}
+
+void quoted_lines::check(bool done, const char* complaint) {
+  if (thrown) std::rethrow_exception(thrown);
+  if (done) return;
+  if (csv_error(&parser) != CSV_EPARSE) throw std::bad_alloc();
+  rows.fail(complaint);
+}
+
+}  // namespace arbor::tree

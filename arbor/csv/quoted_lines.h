@@ -1,0 +1,56 @@
+// Takes lines of a CSV file apart that may have quotes in them, with the parser of libcsv. Internal
+// to the reader.
+#ifndef ARBOR_CSV_QUOTED_LINES_H
+#define ARBOR_CSV_QUOTED_LINES_H
+
+#include <csv.h>
+
+#include <exception>
+#include <string>
+
+#include "arbor/csv/csv_row.h"
+#include "arbor/csv/row_delivery.h"
+
+namespace arbor::tree {
+
+// Throws table_error, naming the line, for a quote that is misplaced or never closed and for a zero
+// byte.
+class quoted_lines {
+ public:
+  explicit quoted_lines(row_delivery& to);
+  ~quoted_lines() { csv_free(&parser); }
+  quoted_lines(const quoted_lines&) = delete;
+  quoted_lines& operator=(const quoted_lines&) = delete;
+
+  // Takes the next bytes, wherever in a line they begin and end.
+  void take(const char* bytes, std::size_t count);
+
+  // Takes an LF. Returns whether it has ended a line; within quotes it is part of a cell.
+  bool take_newline();
+
+  // Nothing comes any more.
+  void finish();
+
+ private:
+  // The functions that the parser calls, with this object as `lines`.
+  static void on_cell(void* text, std::size_t length, void* lines);
+  static void on_line_end(int terminator, void* lines);
+
+  void add_cell(const char* text, std::size_t length);
+  void end_line(int terminator);
+  template <class Step>
+  void run(Step step) noexcept;
+  void check(bool done, const char* complaint);
+
+  row_delivery& rows;
+  ::csv_parser parser{};
+  csv_row row;
+  std::string cells;          // of the row, a NUL behind each
+  bool line_ended = false;    // since this was last set to false
+  bool after_cr = false;      // whether the last line ended in a CR, of which an LF may be a part
+  std::exception_ptr thrown;  // while the parser ran
+};
+
+}  // namespace arbor::tree
+
+#endif

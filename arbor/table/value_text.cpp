@@ -1,0 +1,144 @@
+#include "arbor/table/value_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+
+#include "arbor/utils/number_text.h"
+#include "arbor/utils/string_util.h"
+
+namespace arbor::tree {
+
+namespace {
+
+using impls::column;
+
+constexpr char escape = '\x7F';
+constexpr std::string_view hexadecimal_digits = "0123456789ABCDEF";
+
+bool needs_escape(char c) {
+  return static_cast<unsigned char>(c) >= 0x7F;
+}
+
+// The floats from -infinity to infinity are numbered by their bits: negative ones downwards from
+// -1, the others upwards.
+float numbered_float(int number) {
+  const unsigned int pattern = number < 0 ? 0x80000000U | static_cast<unsigned int>(-1 - number)  //
+                                          : static_cast<unsigned int>(number);
+  float value = 0;
+  std::memcpy(&value, &pattern, sizeof value);
+  return value;
+}
+
+// The float of a code, found by comparing: that is exact where printing is not.
+float compared_float(impls::o_set& domain, unsigned int code) {
+  constexpr int number_of_infinity = 0x7F800000;
+  int low = -number_of_infinity - 1;  // the number of -infinity
+  int high = number_of_infinity;
+  while (low < high) {
+    const int middle = static_cast<int>(low + (0LL + high - low) / 2);
+    if (domain.leq(code, shortest_text(numbered_float(middle))) == 1) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return numbered_float(low);
+}
+
+template <class Integer>
+bool read_integer(const char* text, double& number) {
+  try {
+    Integer value = 0;
+    strata::util::string_util::str2int(text, value);
+    number = static_cast<double>(value);
+    return true;
+  } catch (const std::runtime_error&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+std::string to_domain_text(std::string_view cell) {
+  if (std::none_of(cell.begin(), cell.end(), needs_escape)) return std::string(cell);
+  std::string result;
+  result.reserve(cell.size());
+  for (const char c : cell) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (needs_escape(c)) {
+      result += {escape, hexadecimal_digits[byte >> 4U], hexadecimal_digits[byte & 0xFU]};
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string to_cell_text(std::string_view domain_text) {
+  std::string result;
+  result.reserve(domain_text.size());
+  for (std::size_t i = 0; i < domain_text.size(); ++i) {
+    unsigned int byte = 0;
+    const char* hex = domain_text.data() + i + 1;
+    if (domain_text[i] == escape && i + 2 < domain_text.size() &&
+        std::from_chars(hex, hex + 2, byte, 16).ptr == hex + 2) {
+      result += static_cast<char>(byte);
+      i += 2;
+    } else {
+      result += domain_text[i];
+    }
+  }
+  return result;
+}
+
+std::string shortest_text(float value) {
+  std::array<char, 32> buffer{};
+  return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
+}
+
+std::string shortest_value(const column& column, unsigned int code) {
+  impls::o_set& domain = *column.get_o_set();
+  std::string printed = column.get_value(code);
+  double value = 0;
+  if (domain.get_datatype() != "float" || code == 0 || code > domain.size_of_known())
+    return printed;
+  if (!strata::util::read_number(printed.c_str(), value) || std::isnan(value)) return printed;
+  std::string shortest = shortest_text(static_cast<float>(value));
+  return column.get_index(shortest.c_str()) == code ? shortest
+                                                    : shortest_text(compared_float(domain, code));
+}
+
+std::string value_text(const column& column, unsigned int code) {
+  const bool is_text = column.get_o_set()->get_datatype() == "string";
+  return is_text ? to_cell_text(column.get_value(code)) : shortest_value(column, code);
+}
+
+bool code_of_text(const column& column, const char* text, unsigned int& code) {
+  impls::o_set& domain = *column.get_o_set();
+  if (domain.get_datatype() == "string")
+    return domain.get_order(to_domain_text(text).c_str(), code);
+  return domain.get_order(text, code);
+}
+
+bool number_of_text(const column& column, const char* text, double& number) {
+  const std::string data_type = column.get_o_set()->get_datatype();
+  if (data_type == "integer") return read_integer<int>(text, number);
+  if (data_type == "uinteger") return read_integer<unsigned int>(text, number);
+  double value = 0;
+  if (!strata::util::read_number(text, value) || std::isnan(value)) return false;
+  number = data_type == "float" ? static_cast<double>(static_cast<float>(value)) : value;
+  return true;
+}
+
+std::string cut_threshold(const column& column, const column::splitting_desc& split) {
+  std::string threshold = column.find_threshold(split.low_code, split.high_code);
+  const unsigned int code = column.get_index(threshold.c_str());
+  const bool separates = split.low_code <= code && code < split.high_code;
+  return separates ? threshold : shortest_value(column, split.low_code);
+}
+
+}  // namespace arbor::tree

@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include "arbor/csv/csv_cell.h"
+#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/message_text.h"
+#include "tests/support/tables.h"
+
+namespace arbor::tests {
+namespace {
+
+// Each row as "line:cell|cell", an empty cell without quotes as "-"; an error as its message behind
+// the path.
+texts rows_of(const std::string& contents) {
+  texts rows;
+  const auto add = [&](const tree::csv_row& row) {
+    std::string text;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const tree::cell_text cell = row.cell(i);
+      EXPECT_EQ(cell.begin[cell.length], '\0');
+      text += (i == 0 ? ":" : "|") + (row.is_empty(i) ? "-" : std::string(cell.begin, cell.length));
+    }
+    rows.push_back(std::to_string(row.line()) + text);
+  };
+  const std::string error = refusal(contents, [&](const std::string& path) {
+    tree::input_file file(path);
+    tree::read_csv(file, add);
+  });
+  if (!error.empty()) rows.push_back(error);
+  return rows;
+}
+
+TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
+  const std::string quote =
+      ": a quote inside a cell, or one that was not closed; quote whole cells and double the "
+      "quotes in them";
+  const std::string zero =
+      ": a zero byte in the text; a table is text in UTF-8 or another encoding that has none";
+  const std::string empty = ": an empty line; only the end of a table may have some";
+  const std::string large(200000, 'x');
+  const std::vector<std::pair<std::string, texts>> files{
+      {"", {}},
+      {"a,b\n1,2\n", {"1:a|b", "2:1|2"}},
+      {"a,b\r\n1,2", {"1:a|b", "2:1|2"}},
+      {"a\rb,\r\n\"c\"\r\rd\n", {"1:a", "2:b|-", "3:c", ":4" + empty}},
+      {"\xEF\xBB\xBF\"a\",b\n\xEF\xBB\xBF\n", {"1:a|b", "2:\xEF\xBB\xBF"}},
+      {" a ,\tb\n", {"1: a |\tb"}},
+      {"\"x,\"\"y\"\"\nz\",2\n3,4\n", {"1:x,\"y\"\nz|2", "3:3|4"}},
+      {"\"\r\n\",\"\r\"\r\n3\n", {"1:\r\n|\r", "4:3"}},
+      {"a,b\r\n\"1\",2\r\n3,\"\n4\"\r\n5,6\r\n", {"1:a|b", "2:1|2", "3:3|\n4", "5:5|6"}},
+      {",\"\",\n,,", {"1:-||-", "2:-|-|-"}},
+      {"a,\"" + large + "\n" + large + "\"\nb,c\n", {"1:a|" + large + "\n" + large, "3:b|c"}},
+      {"a," + large + ",\"b\"\nc\n", {"1:a|" + large + "|b", "2:c"}},
+      {"a\nb\n\n\r\n\n", {"1:a", "2:b"}},
+      {"a\r\n\r\n\r\nb\r\n", {"1:a", ":2" + empty}},
+      {"a\n\n\n\"b\"\n", {"1:a", ":2" + empty}},
+      {"a,b\n1,2\"\n", {"1:a|b", ":2" + quote}},
+      {"\"a\nb\",c\n\"1\"2,3\n", {"1:a\nb|c", ":3" + quote}},
+      {"a\n\"b\n\nc", {"1:a", ":2: a quote that is never closed"}},
+      {std::string("a\nb\0c\n", 6), {"1:a", ":2" + zero}}};
+  for (const auto& [contents, rows] : files) EXPECT_EQ(rows_of(contents), rows);
+}
+
+TEST(CsvReader, ReadsLinesWhereverItsBufferEnds) {
+  std::string contents;
+  texts rows;
+  for (int line = 1; line <= 30000; ++line) {
+    const std::string number = std::to_string(line * 7919LL % 1000003);
+    contents += line % 11 == 0 ? "\"" + number + "\"" : number;
+    contents += line % 3 == 0 ? ",x\r\n" : ",x\n";
+    rows.push_back(std::to_string(line) + ":" + number + "|x");
+  }
+  EXPECT_EQ(rows_of(contents), rows);
+}
+
+TEST(CsvReader, PassesOnWhatItsUserThrows) {
+  for (const char* contents :
+       {"a,b\n1,2\n", "\"a\",b\n\"1\",2\n"}) {  // by either way to take lines
+    const temporary_file csv(contents);
+    tree::input_file file(csv.path());
+    int rows = 0;
+    EXPECT_THROW(tree::read_csv(file, [&](const tree::csv_row&) { throw ++rows; }), int);
+    EXPECT_EQ(rows, 1);
+  }
+}
+
+TEST(CsvCell, IsReadAsTheTextAgain) {
+  EXPECT_EQ(tree::csv_cell(" a b'"), " a b'");
+  for (const std::string text : {"a,b", "\"a\"", "\"", "a\nb", "a\rb"})
+    EXPECT_EQ(rows_of(tree::csv_cell(text) + ",\n"), texts{"1:" + text + "|-"});
+}
+
+TEST(MessageText, ShowsAnyTextOnOneLine) {
+  const std::string x(59, 'x');
+  EXPECT_EQ(tree::in_quotes("a\"\n\r\t\x1F\x7F\xC3\xBC"), "\"a\\\"\\n\\r\\t\\x1F\\x7F\xC3\xBC\"");
+  EXPECT_EQ(tree::in_quotes(x + "y"), "\"" + x + "y\"");
+  EXPECT_EQ(tree::in_quotes(x + "yz"), "\"" + x + "y...\"");
+  EXPECT_EQ(tree::in_quotes(x + "\xC3\xBC"), "\"" + x + "...\"");
+  EXPECT_EQ(tree::counted(1, "leaf", "leaves") + tree::counted(0, "row"), "1 leaf0 rows");
+  EXPECT_EQ(tree::shell_word("it's"), "'it'\\''s'");
+}
+
+TEST(MessageText, ProposesTheNearestName) {
+  const texts nearest =
+      listed("Siez,size,szi,,klasse,class,abcclass,,weihgth,weight,xeight,weight");
+  for (std::size_t i = 0; i < nearest.size(); i += 2) {
+    const std::string question = "; did you mean \"" + nearest[i + 1] + "\"?";
+    EXPECT_EQ(tree::did_you_mean(nearest[i], {"class", "weight", "size", "sizs"}),
+              nearest[i + 1].empty() ? "" : question);
+  }
+}
+
+}  // namespace
+}  // namespace arbor::tests

@@ -1,0 +1,258 @@
+#include <gmock/gmock.h>
+
+#include <array>
+#include <random>
+#include <set>
+
+#include "arbor/table/value_text.h"
+#include "arbor/utils/memory_device.h"
+#include "arbor/utils/number_text.h"
+#include "tests/support/tables.h"
+
+namespace arbor::tests {
+namespace {
+
+using testing::ElementsAre;
+using tree::table;
+
+// A column as "type kind: value value ...", each of which the column finds again.
+std::string described(const column& source) {
+  std::string text = source.get_o_set()->get_datatype() + " " + source.get_type() + ":";
+  for (unsigned int row = 0; row < source.size(); ++row) {
+    const unsigned int code = source.get_row_index(row);
+    const std::string value = tree::value_text(source, code);
+    unsigned int found = 0;
+    EXPECT_TRUE(tree::code_of_text(source, value.c_str(), found) && found == code) << value;
+    text += " " + value;
+  }
+  return text;
+}
+
+// What becomes of a file of these lines, between which "/" stands: its message if it is refused,
+// else the columns but the class, and the remarks with the texts to declare. The class is added.
+std::string outcome(const std::string& lines, const std::string& options) {
+  std::string csv;
+  std::istringstream in(lines);
+  for (std::string line; std::getline(in, line, '/');)
+    csv += line + (csv.empty() ? ",c\n" : csv.find(",x\n") == std::string::npos ? ",x\n" : ",y\n");
+  std::string result;
+  const std::string refused = refusal(csv, [&](const std::string& path) {
+    const table loaded = tree::load_table(path, options_of(options));
+    for (const auto& column : loaded.columns)
+      result += column->is_class() ? "" : described(*column) + "; ";
+    for (const tree::table_remark& remark : loaded.remarks) {
+      result += "# " + remark.text + " ";
+      for (const std::string& text : remark.to_declare) result += "'" + text + "' ";
+    }
+  });
+  return refused.empty() ? result.substr(0, result.size() - 1) : refused;
+}
+
+// A line each: the file's lines | options => outcome, which goes on in indented lines.
+const std::string files_and_outcomes = R"(
+i,f,s,late,none/1,1.5,x,1,?/-2,2,1,2.5,/,?,,1,? | => integer continuous: 1 -2 ?;
+ float continuous: 1.5 2 ?; string discrete: x 1 ?; float continuous: 1 2.5 1; null ignore:;
+ # column "none" has no known value and is ignored
+a/+/1 | => string discrete: + 1;
+a/nan/1 | => string discrete: nan 1;
+a/2147483648/1 | => float continuous: 2147483648 1;
+a/1.50/007/b/e | => string discrete: 1.50 007 b e;
+a/""//b | => string discrete:  ? b;
+a/0.1/1e-45/-3e-45/inf/3.4028235e38/-1e99 | => float continuous: 0.1 1e-45 -3e-45 inf
+ 3.4028235e+38 -inf;
+a/1.5/0/-0.0/0 | => float continuous: 1.5 0 0 0;
+a/1.5/-0.0/0/-1 | => float continuous: 1.5 -0 -0 -1;
+a/+1/-0.0/0 | => float continuous: 1 -0 -0;
+a/-0/0 | => integer continuous: 0 0;
+a,b/01,3/NA,/1,4 | type a string kind b discrete unknown NA unknown '' => string discrete: 01 NA 1;
+ integer discrete: 3 ? 4;
+a/?/NA//"" | kind a ignore unknown NA unknown '' unknown "" => string ignore: ? NA NA NA;
+a/NA/1/2.5/7/NA | => string discrete: NA 1 2.5 7 NA;
+ # column "a" is of texts, but all its values are numbers except "NA" in 2 cells '?' '' 'NA'
+a/it's/1/2e0/""/7 | unknown NA => string discrete: it's 1 2e0  7; # column "a" is of texts, but all
+ its values are numbers except "it's" in 1 cell, "" in 1 cell 'NA' 'it's' '""'
+a/N	A/1/2 | => string discrete: N	A 1 2;
+ # column "a" is of texts, but all its values are numbers except "N\tA" in 1 cell
+a/NA/1/2 | kind a ignore => string ignore: NA 1 2;
+a/1/2/3/4/r/s/t | => string discrete: 1 2 3 4 r s t; # column "a" is of texts, but all its values
+ are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell '?' '' 'r' 's' 't'
+a/1/2/3/4/5/r/s/t/u | => string discrete: 1 2 3 4 5 r s t u;
+a/1 | => integer continuous: 1; # column "c" is the class and has a single value: nothing can be
+ gained
+a/16777216/16777217/+16777217/0.1/0.10 | => float continuous: 16777216 16777216 16777216 0.1 0.1;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/1e-60/2e-60/1e-60/-1e-60/3 | => float continuous: 0 0 0 0 3;
+ # column "a" loses 2 distinct numbers: as float they are equal to others
+a/+10000000100/+10000000200 | => float continuous: 1e+10 1e+10;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/0x1000001/16777216/16777217 | => float continuous: 16777216 16777216 16777216;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/1.5/inf/1e39/-1e39 | => float continuous: 1.5 inf inf -inf;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+a/12345678901234567890/12345678901234567891/1.2345678901234567891e19 | => float continuous:
+ 1.2345679e+19 1.2345679e+19 1.2345679e+19;
+ # column "a" loses 1 distinct number: as float it is equal to another one
+size/1 | class siez => : there is no column "siez" for the class; did you mean "size"?
+size/1 | weights kg => : there is no column "kg" for the weights
+size/1 | type zzz float => : there is no column "zzz" for the type
+size/1 | kind zzz ignore => : there is no column "zzz" for the kind
+size/1 | type size flaot => the type: column "size": "flaot" is none of integer, uinteger, float,
+ double, string; did you mean "float"?
+size/1 | kind size class => the kind: column "size": "class" is none of discrete, continuous, ignore
+size/1 | kind c ignore => : column "c" is the class, which is its kind; the kind is for attributes
+w,a/1,1 | weights w kind w ignore => : column "w" is the weights, which is its kind; the kind is for
+ attributes
+size/1 | class size weights size => : "size" cannot be both the class and the weights
+w/1 | weights w => : no column beside the class and the weights
+a/1.5 | type a integer => :2: column "a": "1.5" is not of the type integer that was chosen for the
+ column
+a/nan | type a float => :2: column "a": "nan" is not of the type float that was chosen for the
+ column
+a/1 | type a double => : column "a": Continuous column 'a' requires a numeric data type; the numeric
+ data types are integer, uinteger and float
+a/red | kind a continuous => : column "a": Continuous column 'a' requires a numeric data type; "red"
+ is no number
+a/? | kind a discrete => : column "a": Null set of column values can only be used for ignore column
+ type; it has no known value, and can only be ignored
+w,a/0,1 | weights w => : every row has the weight 0
+w,a/3e38,1/3e38,2 | weights w => : the weights add up to more than a float can hold
+w,a/1,1/-1,1 | weights w => :3: column "w": "-1" is no weight; a weight is a finite number from 0
+ up, and 0 leaves the row out
+a,,b | => :1: column 2 has no name
+"a
+",b,b | => :2: two columns have the name "b"
+a | => : no rows below the column names
+a/1,2 | => :2: 3 cells, but the first row names 2 columns; a cell with a comma in it needs quotes
+"a
+1",b/1 | => :3: 2 cells, but the first row names 3 columns
+"a
+",b/1,x/"2
+",? | class b => :5: column "b": "?" is the unknown value; the class of every row must be known, or
+ the row be left out
+)";
+
+TEST(Table, IsWhatTheCellsAndTheOptionsMakeOfIt) {
+  std::istringstream in(files_and_outcomes.substr(1));
+  std::string line;
+  std::string next;
+  std::getline(in, line);
+  while (!line.empty()) {
+    // Within quotes a line goes on, too.
+    for (next.clear(); std::getline(in, next) && (next[0] == ' ' || line.find("=>") == line.npos);)
+      line += (next[0] == ' ' ? "" : "\n") + next;
+    const std::size_t options = line.find(" | ");
+    const std::size_t expected = line.find("=> ");
+    EXPECT_EQ(outcome(line.substr(0, options), line.substr(options + 3, expected - options - 3)),
+              line.substr(expected + 3));
+    line.swap(next);
+  }
+}
+
+TEST(Table, HasTheWeightsAndCodesOfItsRows) {
+  tree::load_options options = options_of("class b weights w");
+  std::size_t rows_read = 0;
+  options.progress = [&](std::size_t rows) { EXPECT_EQ(rows, ++rows_read); };
+  const table loaded = load_csv("a,b,w\nodd,?,0\n1,x,0.5\n?,y,2\n2,x,1\n", options);
+  EXPECT_EQ(rows_read, 4U);
+  EXPECT_EQ(loaded.class_index, 1U);
+  ASSERT_EQ(loaded.cases.size(), 3U);
+  EXPECT_EQ(loaded.cases[1].first, 1U);
+  EXPECT_EQ(loaded.total_weight, 3.5F);
+  EXPECT_THAT(tree::class_weights(loaded.class_column(), loaded.cases), ElementsAre(1.5F, 2.0F));
+  EXPECT_EQ(described(*loaded.columns[2]), "float weights: 0.5 2 1");
+  EXPECT_EQ(tree::unknown_cells(*loaded.columns[0], loaded.cases), 1U);
+  const auto range = tree::occurring_range(*loaded.columns[0], {{1, 1}, {2, 1}});
+  EXPECT_EQ(range.first * 10 + range.second, 23U);
+  EXPECT_EQ(tree::occurring_range(*loaded.columns[0], {{1, 1}}).second, 0U);
+  for (const std::string weight : {"-1", "x", "?", "1e39", "inf", "nan"})
+    EXPECT_NE(outcome("w,a/1,1/" + weight + ",1", "weights w"), "") << weight;
+}
+
+TEST(Table, TakesNoKnownTextForTheUnknownOne) {
+  const table loaded = load_csv("a,c\n\"\",x\n,x\n?,x\n\x7F?,x\n", options_of("unknown ''"));
+  EXPECT_EQ(loaded.columns[0]->get_o_set()->size_of_known(), 3U);
+}
+
+// Whether a cell is of a data type; of numbers, what equals no number is not.
+bool fits(const std::string& type, const std::string& cell) {
+  if (type != "string" && (cell == "+" || cell == "nan")) return false;
+  return message_of([&] { make_domain(type, {cell}); }).empty();
+}
+
+std::vector<unsigned char> record_of(column* written) {
+  strata::inpout::memory_device device;
+  strata::inpout::obinstream(device) << written;
+  return device.bytes();
+}
+
+TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
+  const texts odd = listed(
+      " 7,+5,007,1e3,0x10,0.0,1.0,.5,5.,16777217,1e-60,-2147483648,2147483648,nan,inf,1e-05,+,"
+      "0.00001,--1,123456789,123456780,4294967296,1 ,/1,1:,abcdefgh,abcdefghi,-3.25,"
+      "1234567890123456789.5");
+  const texts types = listed("integer,uinteger,float,double,string,,,");
+  std::mt19937 random(5);
+  const auto draw = [&](std::size_t end) { return random() % end; };
+  for (int round = 0; round < 250; ++round) {
+    // Regular cells of one sort, with unknown and odd ones from some row on, if at all.
+    const std::string chosen = types[draw(types.size())];
+    const std::size_t rows = round < 3 ? 70000 : 1 + draw(600);
+    const std::size_t sort = draw(6);
+    const std::size_t range = std::array{3, 300, 70000, 2147483647}[draw(4)];
+    const std::size_t first_odd = draw(3) == 0 ? rows : draw(rows);
+    texts cells;
+    std::set<std::string> distinct;
+    std::string csv = "x,c\n";
+    while (cells.size() < rows) {
+      std::string cell = std::to_string(draw(range));
+      if (sort == 1 && cell != "0") cell = "-" + cell;
+      if (sort == 2) cell += "." + std::to_string(draw(100));
+      if (sort == 3) cell = "text " + cell;
+      if (sort == 4) cell = "0." + std::to_string(draw(range)) + cell;
+      if (cells.size() >= first_odd && draw(50) == 0) cell = odd[draw(odd.size())];
+      if (draw(40) == 0 || (!chosen.empty() && !fits(chosen, cell))) cell = "?";
+      csv += cell + ",x\n";
+      cells.push_back(cell);
+      if (cell != "?") distinct.insert(cell);
+    }
+    if (distinct.empty()) continue;
+    std::string type = chosen;
+    for (const std::string narrower : {"string", "float", "integer"}) {
+      const auto fits_it = [&](const std::string& cell) { return fits(narrower, cell); };
+      if (chosen.empty() && std::all_of(distinct.begin(), distinct.end(), fits_it)) type = narrower;
+    }
+    const std::string options = "kind x discrete" + (chosen.empty() ? "" : " type x " + chosen);
+    const table loaded = load_csv(csv, options_of(options));
+    EXPECT_EQ(record_of(loaded.columns[0].get()),
+              record_of(make_column("discrete", type, cells).get()))
+        << "round " << round << ", " << type;
+  }
+}
+
+TEST(ValueText, IsThatOfAnyBytes) {
+  std::string bytes;
+  for (int byte = 1; byte < 256; ++byte) {
+    bytes += static_cast<char>(byte);
+    const std::string end = bytes.substr(bytes.size() - std::min<std::size_t>(bytes.size(), 3));
+    const auto column = make_column("discrete", "string", {tree::to_domain_text(end), "a"});
+    EXPECT_EQ(described(*column), "string discrete: " + end + " a");
+  }
+  for (const std::string text : {"\x7F", "\x7FG1", "a\x7F\x31G", "a\x7F\x34"})
+    EXPECT_EQ(tree::to_cell_text(text), text);
+}
+
+TEST(ValueText, IsANumberAsTheDomainHoldsIt) {
+  const texts cases = listed(
+      "integer, +7,7,integer,7.0,no,integer,4e9,no,uinteger,4294967295,4294967295,uinteger,-0,no,"
+      "float,0.1,0.100000001490116119384765625,float,x,no,float,nan,no,float,,no,double,0.5,0.5");
+  for (std::size_t i = 0; i < cases.size(); i += 3) {
+    double number = -1;
+    const bool is_number = tree::number_of_text(*make_column("discrete", cases[i], {"1"}),
+                                                cases[i + 1].c_str(), number);
+    EXPECT_EQ(is_number ? strata::util::number_text(number) : "no", cases[i + 2]);
+    EXPECT_EQ(is_number, number != -1);
+  }
+}
+
+}  // namespace
+}  // namespace arbor::tests
