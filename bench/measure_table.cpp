@@ -156,7 +156,7 @@ json grow(const std::string& path, unsigned int max_depth) {
   json result = measure(
       "grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth)); });
   const tree::confusion_matrix said = tree::classify_cases(grown, held, held.cases);
-  const tree::tree_size size = tree::measure(grown);
+  const tree::tree_size size = tree::size_of(grown);
   result["nodes"] = size.nodes;
   result["leaves"] = size.leaves;
   result["accuracy"] = 1 - said.errors() / said.total();

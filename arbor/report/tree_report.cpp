@@ -203,7 +203,7 @@ std::string tree_as_json(const decision_tree& tree) {
 }
 
 std::string size_line(const decision_tree& tree) {
-  const tree_size size = measure(tree);
+  const tree_size size = size_of(tree);
   return fmt::format("{}, {}, depth {}", counted(size.nodes, "node"),
                      counted(size.leaves, "leaf", "leaves"), size.depth);
 }

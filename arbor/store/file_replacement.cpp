@@ -20,7 +20,7 @@ namespace arbor::tree {
 
 namespace {
 
-// What a signal handler removes before the process ends as it would have; null for nothing.
+// The file that the signal handler removes; null for none.
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 const char* volatile to_remove = nullptr;
 
@@ -28,7 +28,7 @@ constexpr std::array<int, 5> ending_signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SI
 
 void remove_and_end(int signal) {
   if (to_remove != nullptr) unlink(to_remove);
-  static_cast<void>(raise(signal));  // with the default action, which SA_RESETHAND has restored
+  static_cast<void>(raise(signal));  // ends the process: SA_RESETHAND has restored the default
 }
 
 [[noreturn]] void fail(const std::string& path, const char* what) {
@@ -47,7 +47,7 @@ std::string folder_of(const std::string& path) {
   return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// Keeps signals from coming between two steps that belong together.
+// Blocks signals between two steps that belong together.
 class signals_held {
  public:
   signals_held() {
@@ -63,16 +63,15 @@ class signals_held {
   sigset_t before{};
 };
 
-// The file that a path leads to, over links if it exists.
+// The path without links, if it exists.
 std::string resolved(const std::string& path) {
   const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
   if (real == nullptr && errno == ENOMEM)
-    throw std::bad_alloc();  // or a link would be replaced by the file
+    throw std::bad_alloc();  // the path itself would replace a link by the file
   return real == nullptr ? path : real.get();
 }
 
-// The access that the file is to have: that of the present one, else what the process gives to new
-// files.
+// The access rights of the present file; without one, those that the process gives to new files.
 mode_t wanted_mode(const std::string& path) {
   struct stat present {};
   if (stat(path.c_str(), &present) == 0) {
@@ -105,7 +104,7 @@ file_replacement::file_replacement(const std::string& path)
     struct sigaction present {};
     sigaction(signal, nullptr, &present);
     if (present.sa_handler == SIG_DFL)
-      sigaction(signal, &action, nullptr);  // who ignores one goes on ignoring it
+      sigaction(signal, &action, nullptr);  // a signal that is ignored stays ignored
   }
 }
 
@@ -117,14 +116,14 @@ file_replacement::~file_replacement() {
 
 void file_replacement::commit() {
   const std::string folder_path =
-      folder_of(target);  // nothing may throw once the file has its name
+      folder_of(target);  // before the rename, after which nothing may throw
   sync(temporary, O_WRONLY);
   const signals_held held;
   if (std::rename(temporary.c_str(), target.c_str()) != 0) fail(target, "cannot be replaced");
   committed = true;
   to_remove = nullptr;
-  // The file is there whatever comes of this: some folders cannot be opened, and some file systems
-  // sync none.
+  // Failures are ignored: the file has its name, some folders cannot be opened, and some file
+  // systems do not sync folders.
   const int folder = open(folder_path.c_str(), O_RDONLY | O_DIRECTORY);
   if (folder < 0) return;
   fsync(folder);

@@ -1,4 +1,4 @@
-// Replaces a file as a whole or not at all.
+// Replaces a file either as a whole or not at all.
 //
 //   file_replacement file("golf.model");
 //   write(file.temporary_path());
@@ -10,14 +10,14 @@
 
 namespace arbor::tree {
 
-// Whatever happens before `commit` has returned, std::bad_alloc for one, the file that was there
-// stays as it was; the temporary file beside it goes with this object, and when a signal ends the
-// process (SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ). One exists at a time. A link to a file that
-// is there is followed, and the access rights of a file that is there are kept.
+// Until `commit` has returned, the present file stays as it is, whatever happens. The temporary file
+// beside it is removed with this object, and also when a signal ends the process (SIGINT, SIGTERM,
+// SIGHUP, SIGQUIT, SIGXFSZ). Only one object may exist at a time. A link to an existing file is
+// followed, and the access rights of an existing file are kept.
 class file_replacement {
  public:
-  // Creates the temporary file, empty, in the folder of the file. Throws table_error, also for what
-  // is there and is no regular file.
+  // Creates the temporary file, empty, in the folder of the file. Throws table_error, also if
+  // `path` exists and is no regular file, and std::bad_alloc.
   explicit file_replacement(const std::string& path);
   ~file_replacement();
   file_replacement(const file_replacement&) = delete;
@@ -25,8 +25,8 @@ class file_replacement {
 
   const std::string& temporary_path() const { return temporary; }
 
-  // Makes sure that what the temporary file holds is on the disk, and gives it the name of the
-  // file. Throws table_error.
+  // Brings the contents of the temporary file to the disk, and renames it to the file. Throws
+  // table_error; the present file is unchanged then.
   void commit();
 
  private:

@@ -1,4 +1,4 @@
-// Decision trees in files.
+// Saves decision trees to model files and loads them.
 //
 //   save_model("golf.model", tree);
 //   decision_tree tree = load_model("golf.model");
@@ -11,13 +11,13 @@
 
 namespace arbor::tree {
 
-// Replaces the file, whole or not at all. Throws table_error or std::bad_alloc; what was there
-// before is there still, then. The same tree always gives the same bytes.
+// Replaces the file as a whole. Throws table_error or std::bad_alloc; a file that was there is then
+// unchanged. The same tree always gives the same bytes.
 void save_model(const std::string& path, const decision_tree& tree);
 
-// Throws table_error for what cannot be read, is no model, or is damaged. A tree that is returned
-// is sound: every index, code and number in it may be used without a check. Memory is taken in
-// proportion to the file; std::bad_alloc tells of its lack.
+// Throws table_error if the file cannot be read, is no model, or is damaged, and std::bad_alloc for
+// a lack of memory, which is taken in proportion to the file. A tree that is returned is sound:
+// every index, code and number in it may be used without a check.
 decision_tree load_model(const std::string& path);
 
 }  // namespace arbor::tree

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numeric>
 #include <stdexcept>
+#include <utility>
 
 #include "arbor/table/value_text.h"
 #include "arbor/utils/number_text.h"
+#include "arbor/utils/string_util.h"
 
 namespace arbor::tree {
 
@@ -17,7 +20,7 @@ using impls::o_set;
 
 constexpr unsigned int every_branch = 0;  // no branch has this number
 
-// The child of a test that stands for a branch; null when every branch is to be gone down.
+// The child on a branch of a test; null if the case goes down every branch.
 const tree_node* child_on(const decision_tree& tree, const tree_node& test, unsigned int branch) {
   const auto first = tree.nodes.begin() + test.first_child;
   const auto last = first + test.child_count;
@@ -26,8 +29,20 @@ const tree_node* child_on(const decision_tree& tree, const tree_node& test, unsi
   return branch == every_branch || child == last || child->branch != branch ? nullptr : &*child;
 }
 
-// Adds up the distributions of all leaves that a case comes to; `branch_of` tells the branch of a
-// node's index.
+// Divides by the sum. Where so many shares have been multiplied that the sum is 0 or no number, the
+// classes of the root are all that is known.
+std::vector<double> normalized(std::vector<double> weights, const std::vector<float>& root) {
+  double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
+  if (!(sum > 0) || !std::isfinite(sum)) {
+    weights.assign(root.begin(), root.end());
+    sum = std::accumulate(weights.begin(), weights.end(), 0.0);
+  }
+  for (double& weight : weights) weight /= sum;
+  return weights;
+}
+
+// Adds up the distributions of all leaves that a case reaches. `branch_of` returns the branch that
+// it takes at a test, given by its index.
 template <class BranchOf>
 std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_of) {
   std::vector<double> result(tree.nodes.front().class_weights.size(), 0.0);
@@ -49,16 +64,7 @@ std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_o
       }
     }
   }
-  double sum = std::accumulate(result.begin(), result.end(), 0.0);
-  if (!(sum > 0) || !std::isfinite(sum)) {
-    // So many shares have been multiplied that nothing, or no number, has come down. All that is
-    // known is the root.
-    const std::vector<float>& root = tree.nodes.front().class_weights;
-    result.assign(root.begin(), root.end());
-    sum = std::accumulate(result.begin(), result.end(), 0.0);
-  }
-  for (double& probability : result) probability /= sum;
-  return result;
+  return normalized(std::move(result), tree.nodes.front().class_weights);
 }
 
 const column& column_named(const table& rows, const std::string& name) {
@@ -68,13 +74,19 @@ const column& column_named(const table& rows, const std::string& name) {
   throw std::runtime_error("the table has no column of the name " + name);
 }
 
-// A number as the domain of a continuous attribute holds it. What it takes for an integer without
-// being a number, a sign alone, is 0.
-double number_of(const column& attribute, const char* text) {
+// Numbers as the domain of a continuous attribute holds them.
+template <class Integer>
+double read_integer(const char* text) {
+  Integer number = 0;
+  strata::util::string_util::str2int(text, number);
+  return static_cast<double>(number);
+}
+
+double read_float(const char* text) {
   double number = 0;
-  strata::util::read_number(text, number);
-  const bool is_float = attribute.get_o_set()->get_datatype() == "float";
-  return is_float ? static_cast<double>(static_cast<float>(number)) : number;
+  if (!strata::util::read_number(text, number) || std::isnan(number))
+    throw std::runtime_error("not a number");
+  return static_cast<double>(static_cast<float>(number));
 }
 
 // The greatest code of a column whose value is not above a threshold.
@@ -110,8 +122,9 @@ row_classifier::row_classifier(const decision_tree& grown, const table& rows)
     }
   }
   for (const tree_node& node : tree.nodes) {
-    const bool cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
-    thresholds.push_back(cut ? last_code_up_to(*columns[node.attribute], node.split.threshold) : 0);
+    const bool is_cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
+    thresholds.push_back(is_cut ? last_code_up_to(*columns[node.attribute], node.split.threshold)
+                                : 0);
   }
 }
 
@@ -144,23 +157,28 @@ double row_classifier::weight_at(unsigned int row, std::size_t node) const {
 
 text_classifier::text_classifier(const decision_tree& grown)
     : tree(grown), values(grown.attributes.size()) {
+  for (const auto& attribute : tree.attributes) readers.push_back(reader_for(*attribute));
   for (const tree_node& node : tree.nodes) {
-    const bool cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
-    thresholds.push_back(
-        cut ? number_of(*tree.attributes[node.attribute], node.split.threshold.c_str()) : 0);
+    const bool is_cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
+    thresholds.push_back(is_cut ? readers[node.attribute](node.split.threshold.c_str()) : 0);
   }
 }
 
-text_classifier::value text_classifier::read(const column& attribute, const char* text) {
-  if (text == nullptr) return {};
+text_classifier::number_reader text_classifier::reader_for(const column& attribute) {
+  const std::string data_type = attribute.get_o_set()->get_datatype();
+  if (data_type == "integer") return read_integer<int>;
+  if (data_type == "uinteger") return read_integer<unsigned int>;
+  return read_float;
+}
+
+text_classifier::value text_classifier::read(std::size_t attribute, const char* text) const {
   value result;
-  if (attribute.is_continuous()) {
-    attribute.get_o_set()->leq(text, text);  // throws if the text is not of the data type
+  if (text == nullptr) return result;
+  if (tree.attributes[attribute]->is_continuous()) {
+    result.number = readers[attribute](text);
     result.known = true;
-    result.number = number_of(attribute, text);
-    if (std::isnan(result.number)) throw std::runtime_error("not a number");
   } else {
-    result.known = code_of_text(attribute, text, result.code);
+    result.known = code_of_text(*tree.attributes[attribute], text, result.code);
   }
   return result;
 }
@@ -168,9 +186,12 @@ text_classifier::value text_classifier::read(const column& attribute, const char
 std::vector<double> text_classifier::operator()(const std::vector<const char*>& texts) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     try {
-      values[i] = read(*tree.attributes[i], texts[i]);
+      values[i] = read(i, texts[i]);
     } catch (const std::runtime_error&) {
-      throw unfit_text(i);
+      // The tree's domains keep the text that stood for the unknown value when it was grown.
+      if (std::strcmp(texts[i], tree.attributes[i]->get_o_set()->get_null()) != 0)
+        throw unfit_text(i);
+      values[i] = {};
     }
   }
   return distribution_of(tree, [&](std::size_t index) {
@@ -184,13 +205,23 @@ std::vector<double> text_classifier::operator()(const std::vector<const char*>& 
 
 confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
                                 const impls::w_sequence& cases) {
-  const row_classifier say(tree, rows);
+  const row_classifier classify(tree, rows);
   confusion_matrix result;
   for (const auto& [row, weight] : cases) {
-    result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(say(row)),
+    result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(classify(row)),
                static_cast<double>(weight));
   }
   return result;
+}
+
+impls::w_sequence cases_at_node(const decision_tree& tree, const table& rows, std::size_t node) {
+  const row_classifier classifier(tree, rows);
+  impls::w_sequence cases;
+  for (const auto& [row, weight] : rows.cases) {
+    const float weight_here = weight * static_cast<float>(classifier.weight_at(row, node));
+    if (weight_here > 0) cases.push_back({row, weight_here});
+  }
+  return cases;
 }
 
 }  // namespace arbor::tree

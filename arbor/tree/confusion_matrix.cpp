@@ -2,14 +2,14 @@
 
 namespace arbor::tree {
 
-void confusion_matrix::add(std::size_t actual, std::size_t said, double weight) {
-  cells[{actual, said}] += weight;
+void confusion_matrix::add(std::size_t actual, std::size_t predicted, double weight) {
+  cells[{actual, predicted}] += weight;
   all += weight;
-  if (actual != said) wrong += weight;
+  if (actual != predicted) wrong += weight;
 }
 
-double confusion_matrix::at(std::size_t actual, std::size_t said) const {
-  const auto found = cells.find({actual, said});
+double confusion_matrix::at(std::size_t actual, std::size_t predicted) const {
+  const auto found = cells.find({actual, predicted});
   return found == cells.end() ? 0 : found->second;
 }
 

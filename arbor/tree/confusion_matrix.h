@@ -1,4 +1,8 @@
-// How often a class was said of which class.
+// How often each class was predicted for cases of each actual class.
+//
+//   confusion_matrix matrix;
+//   matrix.add(0, 1, 2.5);  // cases of class 0, weighing 2.5, were predicted to be of class 1
+//   double rate = matrix.errors() / matrix.total();
 #ifndef ARBOR_TREE_CONFUSION_MATRIX_H
 #define ARBOR_TREE_CONFUSION_MATRIX_H
 
@@ -8,15 +12,16 @@
 
 namespace arbor::tree {
 
-// Counts weights, and only pairs that occur: there may be as many classes as cases.
+// Adds up weights. Only pairs that occur take memory: there may be as many classes as cases.
 class confusion_matrix {
  public:
-  void add(std::size_t actual, std::size_t said, double weight);
+  void add(std::size_t actual, std::size_t predicted, double weight);
 
-  double at(std::size_t actual, std::size_t said) const;
+  double at(std::size_t actual, std::size_t predicted) const;
   double total() const { return all; }
+  // The weight of the cases whose predicted class is not the actual one.
   double errors() const { return wrong; }
-  // The pairs (actual, said) with their weights, in order.
+  // The pairs (actual, predicted) with their weights, in ascending order.
   const std::map<std::pair<std::size_t, std::size_t>, double>& pairs() const { return cells; }
 
  private:

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <utility>
 
 namespace arbor::tree {
 
@@ -35,25 +34,12 @@ std::vector<std::size_t> node_depths(const decision_tree& tree) {
   return depths;
 }
 
-tree_size measure(const decision_tree& tree) {
+tree_size size_of(const decision_tree& tree) {
   tree_size size;
   size.nodes = tree.nodes.size();
   for (const tree_node& node : tree.nodes) size.leaves += node.is_leaf() ? 1 : 0;
   for (const std::size_t depth : node_depths(tree)) size.depth = std::max(size.depth, depth);
   return size;
-}
-
-std::vector<tree_node> without_unreachable(std::vector<tree_node> nodes) {
-  std::vector<tree_node> kept;
-  kept.push_back(std::move(nodes.front()));
-  for (std::size_t i = 0; i < kept.size(); ++i) {
-    const unsigned int first_child = kept[i].first_child;
-    kept[i].first_child = static_cast<unsigned int>(kept.size());
-    for (unsigned int child = 0; child < kept[i].child_count; ++child) {
-      kept.push_back(std::move(nodes[first_child + child]));
-    }
-  }
-  return kept;
 }
 
 }  // namespace arbor::tree

@@ -1,4 +1,7 @@
-// A decision tree, apart from the table that it was grown on.
+// A decision tree, independent of the table that it was grown on.
+//
+//   const tree_node& root = tree.nodes.front();
+//   if (!root.is_leaf()) use(*tree.attributes[root.attribute], tree.nodes[root.first_child]);
 #ifndef ARBOR_TREE_DECISION_TREE_H
 #define ARBOR_TREE_DECISION_TREE_H
 
@@ -10,55 +13,59 @@
 
 namespace arbor::tree {
 
+// A test or a leaf.
 struct tree_node {
   static constexpr unsigned int no_attribute = std::numeric_limits<unsigned int>::max();
 
-  unsigned int attribute =
-      no_attribute;                     // which of the tree's attributes it tests; none for a leaf
-  impls::column::partition_desc split;  // of a test: its threshold, and the number of its branches
-  unsigned int first_child =
-      0;  // of a test: its children stand together, in the order of their branches
-  unsigned int child_count = 0;  // branches without training cases have no child
+  // The index of the tested attribute in the tree; no_attribute for a leaf.
+  unsigned int attribute = no_attribute;
+  // Of a test: its threshold (the domain's null text for a discrete one) and the number of branches
+  // that it might have.
+  impls::column::partition_desc split;
+  // Of a test: its children are child_count nodes from this one on, in the order of their branches.
+  // A branch without training cases has no child.
+  unsigned int first_child = 0;
+  unsigned int child_count = 0;
 
-  unsigned int branch =
-      0;            // of its parent: the value's code; below or at a threshold 1, above it 2
-  float share = 0;  // of its parent's unknown cases, by which their weight is multiplied
-  std::vector<float>
-      class_weights;  // of its training cases, entry c that of the class with code c + 1
+  // The number of the parent's branch that leads here: for a discrete test the code of the value,
+  // for a continuous one 1 up to the threshold and 2 above it. 0 for the root.
+  unsigned int branch = 0;
+  // That branch's share of the known weight, by which the weight of unknown cases is multiplied.
+  float share = 0;
+  // The weight of the training cases by class; entry c is that of the class with code c + 1.
+  std::vector<float> class_weights;
 
   bool is_leaf() const { return attribute == no_attribute; }
 };
 
-// The columns hold no rows; they keep the names and the domains.
+// The columns hold no rows, only names and domains.
 struct decision_tree {
   std::unique_ptr<impls::column> class_column;
   std::vector<std::unique_ptr<impls::column>> attributes;  // those that some node tests
   std::vector<tree_node> nodes;  // the root first, every child behind its parent
 };
 
-// The class of the greatest weight, as an entry of `class_weights`; of equal ones the first.
+// The entry of the class with the greatest weight; of equal ones the first.
 std::size_t heaviest_class(const std::vector<float>& class_weights);
 
-// The sum of weights, and what of it is not the heaviest class.
+// The weight of a node's training cases, and of those that are not of its heaviest class.
 struct leaf_weight {
   double cases;
   double errors;
 };
 leaf_weight weigh(const tree_node& node);
 
-// Of each node, its parent (the root is its own) and how many tests stand above it.
+// The parent of each node; the root is its own parent.
 std::vector<std::size_t> node_parents(const decision_tree& tree);
+// The number of tests above each node.
 std::vector<std::size_t> node_depths(const decision_tree& tree);
 
 struct tree_size {
   std::size_t nodes = 0;
   std::size_t leaves = 0;
-  std::size_t depth = 0;  // of tests above the deepest leaf
+  std::size_t depth = 0;  // the number of tests above the deepest leaf
 };
-tree_size measure(const decision_tree& tree);
-
-// The root's nodes anew, without those that nothing leads to, in the order of their levels.
-std::vector<tree_node> without_unreachable(std::vector<tree_node> nodes);
+tree_size size_of(const decision_tree& tree);
 
 }  // namespace arbor::tree
 

@@ -5,8 +5,7 @@
 //   decision_tree tree = grow_tree(golf, golf.cases, options);
 //
 // Top-down induction by gain ratio: J. R. Quinlan, "Induction of decision trees", Machine Learning
-// 1 (1986). A node's test is the attribute with the best gain ratio among those whose gain is at
-// least the average of all that split.
+// 1 (1986). test_choice.h says which attribute a node tests, pruning.h which tests are kept.
 #ifndef ARBOR_TREE_GROWER_H
 #define ARBOR_TREE_GROWER_H
 
@@ -19,25 +18,25 @@
 namespace arbor::tree {
 
 struct grow_options {
-  float min_weight = 2;  // the least weight of a branch
-  unsigned int max_depth =
-      std::numeric_limits<unsigned int>::max();  // of tests one below the other
-  bool prune = true;                             // see pruning.h
-  float confidence = 0.25F;                      // of pruning
-  unsigned int threads =
-      0;  // that work side by side, 0 for one on each core; the tree is the same for any number
-  // Told now and then which share of the cases has come to a leaf; by any of the threads, one at a
-  // time.
+  // The least weight of two branches of a discrete split, or of both sides of a threshold.
+  float min_weight = 2;
+  // The most tests on the way from the root to a leaf.
+  unsigned int max_depth = std::numeric_limits<unsigned int>::max();
+  bool prune = true;         // see pruning.h
+  float confidence = 0.25F;  // of pruning
+  // The number of threads, 0 for one on each core. The tree is the same for any number.
+  unsigned int threads = 0;
+  // Called now and then with the share (0 to 1) of the cases' weight that has come to a leaf; by
+  // any of the threads, one at a time. May be empty.
   std::function<void(double settled)> progress;
 };
 
-// Grows a tree on `cases`, rows of `training` with the weights that they have there, of which there
-// is at least one. A node becomes a leaf when its cases are of one class, weigh less than twice
-// `min_weight`, lie `max_depth` deep, or have no split. Cases whose value is unknown go down every
-// branch, until less than a thousandth of them is left. The same cases in the same order always
-// give the same tree.
+// Grows a tree on `cases`, at least one: rows of `training` with the weights that they have there.
+// A node becomes a leaf when its cases are of one class, weigh less than twice `min_weight`, are at
+// `max_depth`, or have no split. Cases whose value is unknown go down every branch, until less than
+// a thousandth of them is left. The same cases in the same order always give the same tree.
 //
-// What a thread throws, std::bad_alloc for one, is thrown on here once all threads have ended.
+// Anything that a thread throws, such as std::bad_alloc, is rethrown once all threads have ended.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options);
 

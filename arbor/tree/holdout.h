@@ -1,4 +1,6 @@
-// Keeps some cases back, to try a tree on cases that it was not grown on.
+// Divides cases into training cases and held-back ones, on which a tree is tried.
+//
+//   const divided_cases cases = hold_out(golf.cases, 0.3, 1);
 #ifndef ARBOR_TREE_HOLDOUT_H
 #define ARBOR_TREE_HOLDOUT_H
 
@@ -13,9 +15,9 @@ struct divided_cases {
   impls::w_sequence held_back;
 };
 
-// Keeps back `share` (0 to 1) of the cases, to the nearest whole number, chosen at random; the
-// others, and those kept back, stay in their order. A seed always gives the same choice among as
-// many cases, on every machine.
+// Holds back `share` (0 to 1) of the cases, rounded to a whole number of them and chosen at random.
+// Both parts keep the order of the cases. The choice depends on the seed and the number of cases
+// alone and is the same on every machine.
 divided_cases hold_out(const impls::w_sequence& cases, double share, std::uint64_t seed);
 
 }  // namespace arbor::tree

@@ -1,34 +1,100 @@
 #include "arbor/tree/pruning.h"
 
-#include "arbor/tree/binomial_limit.h"
+#include <cmath>
+#include <initializer_list>
 
 namespace arbor::tree {
 
+namespace {
+
+// The continued fraction of the incomplete beta function (NIST Digital Library of Mathematical
+// Functions, 8.17.22), by the method of W. J. Lentz, Applied Optics 15 (1976), 668-671.
+double beta_fraction(double a, double b, double x) {
+  constexpr double tiny = 1e-300;  // stands in for 0 as a divisor
+  constexpr double precision = 1e-14;
+  constexpr int most_steps = 10000;
+  const auto not_zero = [](double value) { return std::fabs(value) < tiny ? tiny : value; };
+  double c = 1;
+  double d = 1 / not_zero(1 - (a + b) * x / (a + 1));
+  double fraction = d;
+  for (int m = 1; m < most_steps; ++m) {
+    double change = 1;
+    const double even = m * (b - m) * x / ((a + 2 * m - 1) * (a + 2 * m));
+    const double odd = -(a + m) * (a + b + m) * x / ((a + 2 * m) * (a + 2 * m + 1));
+    for (const double coefficient : {even, odd}) {
+      d = 1 / not_zero(1 + coefficient * d);
+      c = not_zero(1 + coefficient / c);
+      change = c * d;
+      fraction *= change;
+    }
+    if (std::fabs(change - 1) < precision) break;
+  }
+  return fraction;
+}
+
+// The regularised incomplete beta function I_x(a, b).
+double incomplete_beta(double a, double b, double x) {
+  const double factor = std::exp(std::lgamma(a + b) - std::lgamma(a) - std::lgamma(b) +
+                                 a * std::log(x) + b * std::log1p(-x));
+  // Above the mean, the fraction of the complement converges faster.
+  if (x > (a + 1) / (a + b + 2)) return 1 - factor * beta_fraction(b, a, 1 - x) / b;
+  return factor * beta_fraction(a, b, x) / a;
+}
+
+}  // namespace
+
+double binomial_upper_limit(double errors, double cases, double confidence) {
+  if (errors >= cases) return 1;
+  if (errors <= 0) return 1 - std::pow(confidence, 1 / cases);
+  double low = errors / cases;
+  double high = 1;
+  for (int halvings = 0; halvings < 40; ++halvings) {
+    const double middle = (low + high) / 2;
+    const double up_to_errors = incomplete_beta(cases - errors, errors + 1, 1 - middle);
+    (up_to_errors > confidence ? low : high) = middle;
+  }
+  return low;
+}
+
+namespace {
+
+double errors_as_leaf(const leaf_weight& leaf, float confidence) {
+  return leaf.cases *
+         binomial_upper_limit(leaf.errors, leaf.cases, static_cast<double>(confidence));
+}
+
+// The errors that a test's children promise. Unknown cases go down several branches, and their
+// shares may add up to more than one; the errors are scaled so that each case counts once.
+double errors_as_test(const std::vector<tree_node>& nodes, const tree_node& test,
+                      const std::vector<double>& promised_errors) {
+  double errors = 0;
+  double cases_below = 0;
+  for (std::size_t child = test.first_child; child < test.first_child + test.child_count; ++child) {
+    errors += promised_errors[child];
+    cases_below += weigh(nodes[child]).cases;
+  }
+  if (cases_below > 0) errors *= weigh(test).cases / cases_below;
+  return errors;
+}
+
+}  // namespace
+
 void prune(std::vector<tree_node>& nodes, float confidence) {
   std::vector<double> promised_errors(nodes.size(), 0.0);
-  // Children stand behind their parents, so that backwards every subtree is done before it is
-  // judged.
+  // Children stand behind their parents, so going backwards finishes every subtree before its test
+  // is judged.
   for (std::size_t i = nodes.size(); i-- > 0;) {
     tree_node& node = nodes[i];
-    const leaf_weight leaf = weigh(node);
-    const double as_leaf =
-        leaf.cases * binomial_upper_limit(leaf.errors, leaf.cases, static_cast<double>(confidence));
-    double as_test = 0;
-    double below = 0;
-    for (std::size_t child = node.first_child; child < node.first_child + node.child_count;
-         ++child) {
-      as_test += promised_errors[child];
-      below += weigh(nodes[child]).cases;
-    }
-    // The shares of unknown cases may add up to more than one; their errors are to count once all
-    // the same.
-    if (below > 0) as_test *= leaf.cases / below;
-    if (!node.is_leaf() && as_leaf <= as_test) {
+    promised_errors[i] = errors_as_leaf(weigh(node), confidence);
+    if (node.is_leaf()) continue;
+    const double as_test = errors_as_test(nodes, node, promised_errors);
+    if (promised_errors[i] <= as_test) {
       node.attribute = tree_node::no_attribute;
       node.child_count = 0;
       node.split.reset();
+    } else {
+      promised_errors[i] = as_test;
     }
-    promised_errors[i] = node.is_leaf() ? as_leaf : as_test;
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "arbor/table/value_text.h"
+#include "arbor/tree/threshold.h"
 
 namespace arbor::tree {
 
@@ -10,15 +11,14 @@ namespace {
 
 using impls::column;
 
-split_rating described(const column::splitting_desc& best, const column& attribute) {
+split_rating split_rating_of(const column::splitting_desc& best, const column& attribute) {
   split_rating result;
   result.gain = best.gain;
   result.split_info = best.split_info;
   result.gain_ratio = best.split_info > 0 ? best.gain / best.split_info : 0;
   result.branches = best.branches;
   if (attribute.is_continuous()) {
-    const unsigned int code = attribute.get_index(cut_threshold(attribute, best).c_str());
-    result.threshold = shortest_value(attribute, code);
+    result.threshold = shortest_value(attribute, threshold_code(attribute, cut_of(best)));
   }
   return result;
 }
@@ -36,8 +36,8 @@ const char* why_no_split(const column& attribute, unsigned int values) {
 std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases,
                                               float min_weight) {
   std::vector<attribute_rating> ratings;
-  auto& unchanged = const_cast<impls::w_sequence&>(
-      cases);  // a measure that is to copy the cases leaves them alone
+  // A measure that may copy the cases does not reorder them.
+  auto& unchanged = const_cast<impls::w_sequence&>(cases);
   const float weight = total_weight(cases);
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
@@ -52,7 +52,7 @@ std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w
     attribute->quality_measure(&rated.class_column(), weight, &unchanged, code_range, min_weight,
                                nullptr, best, true);
     if (best.gain != column::splitting_desc::no_split) {
-      rating.split = described(best, *attribute);
+      rating.split = split_rating_of(best, *attribute);
     } else {
       rating.no_split_reason = why_no_split(*attribute, rating.values);
     }

@@ -13,18 +13,22 @@ namespace arbor::tree {
 
 namespace {
 
-class classifying {
+class file_classifier {
  public:
-  classifying(const std::string& path, const decision_tree& of_tree,
-              const classification_options& chosen, std::ostream& to)
+  file_classifier(const std::string& path, const decision_tree& of_tree,
+                  const classification_options& chosen, std::ostream& to)
       : file(path, unknown_texts(chosen.unknown_texts)),
         tree(of_tree),
         options(chosen),
         out(to),
-        say(of_tree) {}
+        distribution_of(of_tree) {}
 
   classification_result run() {
-    file.read([&] { find_columns(); }, [&](const csv_row& row) { classify(row); });
+    const auto begin = [&] {
+      find_columns();
+      write_names();
+    };
+    file.read(begin, [&](const csv_row& row) { classify(row); });
     return std::move(result);
   }
 
@@ -40,8 +44,11 @@ class classifying {
       result.matrix.emplace();
     }
     if (!options.weights_name.empty())
-      weights_cell = file.cell_named(options.weights_name, "--weights");
-    for (const std::string& name : names) out << csv_cell(name) << ',';
+      weights_cell = file.cell_named(options.weights_name, options.weights_from);
+  }
+
+  void write_names() {
+    for (const std::string& name : file.names()) out << csv_cell(name) << ',';
     out << unused_name("predicted");
     if (!options.all_probabilities) out << ',' << unused_name("probability");
     for (unsigned int c = 1; options.all_probabilities && c <= class_count(); ++c) {
@@ -50,8 +57,7 @@ class classifying {
     out << '\n';
   }
 
-  // A name for a column more: the table may have one of that name, say because it was classified
-  // before.
+  // A name for a new column. The table may have one of that name, if it was classified before.
   std::string unused_name(std::string name) const {
     const std::vector<std::string>& names = file.names();
     while (std::find(names.begin(), names.end(), name) != names.end()) name += "_2";
@@ -64,18 +70,21 @@ class classifying {
     const double weight = weights_cell ? static_cast<double>(file.weight(row, *weights_cell)) : 1;
     texts.clear();
     for (const std::size_t cell : cells) texts.push_back(file.known_text(row, cell));
-    const std::vector<double> distribution = distribution_of(row, weight);
-    const std::size_t said = likeliest_class(distribution);
-    if (result.matrix && weight > 0 && file.known_text(row, class_cell) != nullptr) {
-      result.matrix->add(class_of(file.known_text(row, class_cell)), said, weight);
-    }
+    const std::vector<double> distribution = distribution_at(row, weight);
+    const std::size_t predicted = likeliest_class(distribution);
+    const char* const actual = result.matrix ? file.known_text(row, class_cell) : nullptr;
+    if (actual != nullptr && weight > 0) result.matrix->add(class_of(actual), predicted, weight);
+    write(row, distribution, predicted);
+  }
+
+  void write(const csv_row& row, const std::vector<double>& distribution, std::size_t predicted) {
     for (std::size_t cell = 0; cell < row.size(); ++cell) {
       const std::string text = row.text(cell);
       out << (text.empty() && !row.is_empty(cell) ? "\"\"" : csv_cell(text)) << ',';
     }
-    out << csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(said) + 1));
+    out << csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(predicted) + 1));
     if (!options.all_probabilities)
-      out << ',' << shortest_text(static_cast<float>(distribution[said]));
+      out << ',' << shortest_text(static_cast<float>(distribution[predicted]));
     for (std::size_t c = 0; options.all_probabilities && c < distribution.size(); ++c) {
       out << ',' << shortest_text(static_cast<float>(distribution[c]));
     }
@@ -83,12 +92,12 @@ class classifying {
     if (!out) throw table_error(std::string("the rows cannot be written: ") + std::strerror(errno));
   }
 
-  // A row that weighs nothing may hold anything, as when the tree was grown: what does not fit is
-  // unknown then.
-  std::vector<double> distribution_of(const csv_row& row, double weight) {
+  // A row of weight 0 may hold anything, as it may when a tree is grown: a text that does not fit
+  // is then an unknown value.
+  std::vector<double> distribution_at(const csv_row& row, double weight) {
     while (true) {
       try {
-        return say(texts);
+        return distribution_of(texts);
       } catch (const unfit_text& unfit) {
         const auto& attribute = *tree.attributes[unfit.attribute];
         if (weight > 0) {
@@ -103,7 +112,7 @@ class classifying {
 
   unsigned int class_count() const { return tree.class_column->get_distinct() - 1; }
 
-  // The entry of a class, behind the last for one that the model does not know.
+  // The entry of a class in the matrix; behind the last for a class that the model does not have.
   std::size_t class_of(const char* text) const {
     try {
       unsigned int code = 0;
@@ -118,7 +127,7 @@ class classifying {
   const decision_tree& tree;
   const classification_options& options;
   std::ostream& out;
-  text_classifier say;
+  text_classifier distribution_of;
   std::vector<std::size_t> cells;  // by attribute of the tree
   std::size_t class_cell = 0;
   std::optional<std::size_t> weights_cell;
@@ -130,7 +139,7 @@ class classifying {
 
 classification_result classify_table(const std::string& path, const decision_tree& tree,
                                      const classification_options& options, std::ostream& out) {
-  return classifying(path, tree, options, out).run();
+  return file_classifier(path, tree, options, out).run();
 }
 
 }  // namespace arbor::tree

@@ -1,4 +1,4 @@
-// Classifies the rows of a CSV file, one by one, so that the file may be of any length.
+// Classifies the rows of a CSV file one by one, so that the file may be of any length.
 #ifndef ARBOR_TREE_TABLE_CLASSIFICATION_H
 #define ARBOR_TREE_TABLE_CLASSIFICATION_H
 
@@ -13,24 +13,28 @@
 namespace arbor::tree {
 
 struct classification_options {
-  std::string
-      weights_name;  // the column of weights, for the matrix, in which 0 leaves a row out; empty: all weigh 1
+  // The column of the rows' weights in the matrix; a row of weight 0 is left out of it. Empty if
+  // every row weighs 1.
+  std::string weights_name;
+  // What asked for that column, for the message that it is missing.
+  std::string weights_from = "the weights";
   std::vector<std::string> unknown_texts;  // see unknown_texts.h
-  bool all_probabilities = false;          // a column for each class
+  bool all_probabilities = false;          // a column for each class instead of one
+  // Called with the number of rows after each row. May be empty.
   std::function<void(std::size_t rows)> progress;
 };
 
 struct classification_result {
   std::size_t rows = 0;
-  // Of the rows whose class the table tells. The entry behind the last of the tree's classes is for
-  // all others. None when the table has no column of the class's name.
+  // Of the rows whose class is known. The entry behind the last of the tree's classes counts all
+  // other classes. Absent if the table has no column with the class's name.
   std::optional<confusion_matrix> matrix;
 };
 
-// Writes the table's cells as they are and, behind them, the columns "predicted" and "probability"
+// Writes the table's cells unchanged and, behind them, the columns "predicted" and "probability"
 // or, with all probabilities, "predicted" and one "P(class)" for each class. Columns are found by
-// their names. Throws table_error for a column that is missing and a text that is not of the data
-// type of the tree's attribute; rows before it are written.
+// name. Throws table_error if a column is missing or a cell is not of the data type of the tree's
+// attribute; the rows before it are then written.
 classification_result classify_table(const std::string& path, const decision_tree& tree,
                                      const classification_options& options, std::ostream& out);
 

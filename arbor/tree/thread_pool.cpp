@@ -1,4 +1,4 @@
-#include "arbor/tree/crew.h"
+#include "arbor/tree/thread_pool.h"
 
 #include <algorithm>
 #include <system_error>
@@ -10,53 +10,53 @@ unsigned int machine_threads() {
   return std::max(1U, std::thread::hardware_concurrency());
 }
 
-crew::crew(unsigned int threads) {
+thread_pool::thread_pool(unsigned int threads) {
   try {
-    for (unsigned int i = 1; i < threads; ++i) helpers.emplace_back([this] { help(); });
+    for (unsigned int i = 1; i < threads; ++i) workers.emplace_back([this] { run_worker(); });
   } catch (const std::system_error&) {
-    return;
+    return;  // those that have started do all the work
   } catch (...) {
-    dismiss();
+    stop();
     throw;
   }
 }
 
-crew::~crew() {
-  dismiss();
+thread_pool::~thread_pool() {
+  stop();
 }
 
-void crew::dismiss() {
+void thread_pool::stop() {
   {
     const std::lock_guard<std::mutex> lock(mutex);
-    closing = true;
+    stopping = true;
   }
   changed.notify_all();
-  for (std::thread& helper : helpers) helper.join();
+  for (std::thread& worker : workers) worker.join();
 }
 
-void crew::each(std::size_t count, const std::function<void(std::size_t)>& work) {
+void thread_pool::for_each(std::size_t count, const std::function<void(std::size_t)>& work) {
   std::unique_lock<std::mutex> lock(mutex);
   task = &work;
   next = 0;
   end = count;
   if (count > 1) changed.notify_all();
   take_part(lock);
-  changed.wait(lock, [this] { return begun == 0; });
+  changed.wait(lock, [this] { return running == 0; });
   if (thrown) std::rethrow_exception(std::exchange(thrown, nullptr));
 }
 
-void crew::help() {
+void thread_pool::run_worker() {
   std::unique_lock<std::mutex> lock(mutex);
-  while (!closing) {
+  while (!stopping) {
     take_part(lock);
-    changed.wait(lock, [this] { return closing || next < end; });
+    changed.wait(lock, [this] { return stopping || next < end; });
   }
 }
 
-void crew::take_part(std::unique_lock<std::mutex>& lock) {
+void thread_pool::take_part(std::unique_lock<std::mutex>& lock) {
   while (next < end) {
     const std::size_t number = next++;
-    ++begun;
+    ++running;
     lock.unlock();
     std::exception_ptr failure;
     try {
@@ -65,13 +65,13 @@ void crew::take_part(std::unique_lock<std::mutex>& lock) {
       failure = std::current_exception();
     }
     lock.lock();
-    --begun;
+    --running;
     if (failure) {
       thrown = failure;
       next = end;
     }
   }
-  if (begun == 0) changed.notify_all();
+  if (running == 0) changed.notify_all();
 }
 
 }  // namespace arbor::tree

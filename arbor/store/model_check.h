@@ -1,0 +1,19 @@
+// Checks a tree that was read from a file, so that everything behind may trust it. Internal to the
+// store.
+#ifndef ARBOR_STORE_MODEL_CHECK_H
+#define ARBOR_STORE_MODEL_CHECK_H
+
+#include "arbor/tree/decision_tree.h"
+
+namespace arbor::tree {
+
+// Each throws std::runtime_error with what is wrong, as in "a leaf has branches".
+void check_class_column(const impls::column& column);
+void check_attribute(const impls::column& column);
+// Every index, code and number of the nodes, of which there is at least one. The columns have
+// passed the checks above.
+void check_nodes(const decision_tree& tree);
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,21 @@
+// The record of a tree: its bytes in a model file. Internal to the store.
+#ifndef ARBOR_STORE_MODEL_RECORD_H
+#define ARBOR_STORE_MODEL_RECORD_H
+
+#include <vector>
+
+#include "arbor/tree/decision_tree.h"
+
+namespace arbor::tree {
+
+// The same tree always gives the same bytes.
+std::vector<unsigned char> model_record(const decision_tree& tree);
+
+// The tree of a record, checked: every index, code and number in it may be used without another
+// check. Throws std::runtime_error with what is wrong, and for a lack of storage std::bad_alloc or
+// strata::util::no_storage. Memory is taken in proportion to the record.
+decision_tree read_model_record(std::vector<unsigned char> record);
+
+}  // namespace arbor::tree
+
+#endif

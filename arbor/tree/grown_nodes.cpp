@@ -1,0 +1,70 @@
+#include "arbor/tree/grown_nodes.h"
+
+#include <iterator>
+#include <utility>
+
+namespace arbor::tree {
+
+void grown_nodes::add_child(unsigned int branch) {
+  nodes.emplace_back().branch = branch;
+  cuts.emplace_back();
+}
+
+void grown_nodes::graft(std::size_t node, grown_nodes part) {
+  // The part's root takes the place of `node`, the others follow all present nodes.
+  const auto moved_by = static_cast<unsigned int>(nodes.size() - 1);
+  for (tree_node& moved : part.nodes) moved.first_child += moved_by;
+  part.nodes.front().branch = nodes[node].branch;
+  part.nodes.front().share = nodes[node].share;
+  nodes[node] = std::move(part.nodes.front());
+  cuts[node] = part.cuts.front();
+  nodes.insert(nodes.end(), std::make_move_iterator(part.nodes.begin() + 1),
+               std::make_move_iterator(part.nodes.end()));
+  cuts.insert(cuts.end(), part.cuts.begin() + 1, part.cuts.end());
+}
+
+namespace {
+
+std::string split_text(const impls::column& attribute, cut place) {
+  return attribute.is_continuous() ? threshold_text(attribute, place)
+                                   : attribute.get_o_set()->get_null();
+}
+
+std::vector<tree_node> reachable_nodes(const table& training, grown_nodes grown) {
+  std::vector<tree_node> kept;
+  std::vector<std::size_t> sources{0};  // by kept node: its present number
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    tree_node& node = kept.emplace_back(std::move(grown.nodes[sources[i]]));
+    if (!node.is_leaf())
+      node.split.threshold = split_text(*training.columns[node.attribute], grown.cuts[sources[i]]);
+    const unsigned int first_child = node.first_child;
+    node.first_child = static_cast<unsigned int>(sources.size());
+    for (unsigned int child = 0; child < node.child_count; ++child)
+      sources.push_back(first_child + child);
+  }
+  return kept;
+}
+
+}  // namespace
+
+decision_tree to_tree(const table& training, grown_nodes grown) {
+  decision_tree tree;
+  tree.nodes = reachable_nodes(training, std::move(grown));
+  tree.class_column.reset(training.class_column().clone(true));
+  std::vector<unsigned int> attribute_of(training.columns.size(), tree_node::no_attribute);
+  for (const tree_node& node : tree.nodes) {
+    if (!node.is_leaf()) attribute_of[node.attribute] = 0;
+  }
+  for (unsigned int i = 0; i < attribute_of.size(); ++i) {
+    if (attribute_of[i] == tree_node::no_attribute) continue;
+    attribute_of[i] = static_cast<unsigned int>(tree.attributes.size());
+    std::unique_ptr<impls::column> attribute(training.columns[i]->clone(true));
+    tree.attributes.push_back(std::move(attribute));
+  }
+  for (tree_node& node : tree.nodes) {
+    if (!node.is_leaf()) node.attribute = attribute_of[node.attribute];
+  }
+  return tree;
+}
+
+}  // namespace arbor::tree

@@ -1,0 +1,33 @@
+// The nodes of a growing tree or of a part of one, and how they become a decision_tree.
+#ifndef ARBOR_TREE_GROWN_NODES_H
+#define ARBOR_TREE_GROWN_NODES_H
+
+#include <vector>
+
+#include "arbor/table/table.h"
+#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/threshold.h"
+
+namespace arbor::tree {
+
+struct grown_nodes {
+  // The root first, every child behind its parent. While the tree grows the attributes are indices
+  // of the table's columns, and thresholds have no texts.
+  std::vector<tree_node> nodes = std::vector<tree_node>(1);
+  // By node: of a continuous test, where it cuts.
+  std::vector<cut> cuts = std::vector<cut>(1);
+
+  // Appends a node for a branch of the last test.
+  void add_child(unsigned int branch);
+
+  // Puts another part, grown from one node's cases, in the place of that node.
+  void graft(std::size_t node, grown_nodes part);
+};
+
+// Makes the tree of the nodes reachable from the root (pruning leaves others behind), renumbered
+// breadth-first, with the texts of their thresholds and the columns that some node tests.
+decision_tree to_tree(const table& training, grown_nodes grown);
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,68 @@
+// The cases of a node while a tree grows, and the rows that their codes are read from.
+//
+// The rows are those of the table, or a copy of a few of them. Each column is read several times
+// for every node. Where a node's cases are scattered over a large table, each of these reads would
+// fetch a whole cache line for a few bytes; a copy puts the rows side by side.
+#ifndef ARBOR_TREE_NODE_CASES_H
+#define ARBOR_TREE_NODE_CASES_H
+
+#include <memory>
+#include <vector>
+
+#include "arbor/table/table.h"
+#include "arbor/utils/nocopy.h"
+#include "arbor/utils/pair.h"
+
+namespace arbor::tree {
+
+// Whether a tree may test a column.
+bool is_testable(const impls::column& column);
+
+class case_rows : private strata::util::nocopy {
+ public:
+  // The rows of a table, which must outlive this object.
+  explicit case_rows(const table& whole);
+
+  // A copy of the rows of `cases`, numbered in their order. Only the class and the columns that a
+  // tree may test are copied, and they use the domains of `from`. Requires from->can_be_copied().
+  case_rows(std::shared_ptr<const case_rows> from, const impls::w_sequence& cases);
+
+  // In the order of the table.
+  const std::vector<const impls::column*>& columns() const { return all_columns; }
+  impls::column& class_column() const { return *classes; }
+  // The number of rows.
+  std::size_t size() const { return weights.size(); }
+  // The weight of a row in the table.
+  float weight(unsigned int row) const { return weights[row].second; }
+  // Whether all columns that would be copied are of the library's own classes. A copy of any other
+  // class would lose what the class overrides.
+  bool can_be_copied() const { return copyable; }
+
+ private:
+  bool is_read(const impls::column& column) const;
+
+  std::shared_ptr<const case_rows> source;  // of a copy: the owner of the domains
+  std::vector<const impls::column*> all_columns;
+  impls::column* classes;
+  bool copyable = true;
+  std::vector<std::unique_ptr<impls::column>> copies;
+  impls::w_sequence copied_weights;
+  const impls::w_sequence& weights;
+};
+
+// Bounds [first, second) of known codes.
+using code_range = strata::util::pair<unsigned int, unsigned int>;
+
+struct node_cases {
+  std::shared_ptr<const case_rows> rows;  // the row numbers of `cases` refer to these
+  std::shared_ptr<const impls::w_sequence> cases;
+  std::vector<code_range> ranges;  // by column of the table: bounds of the codes among the cases
+  unsigned int depth = 0;          // the number of tests above the node
+};
+
+// Gives a node a copy of its rows where its cases are so scattered that the copy pays.
+void gather_rows(node_cases& node);
+
+}  // namespace arbor::tree
+
+#endif

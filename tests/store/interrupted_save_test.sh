@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Saves a model over an older one while each system call of the save kills the program, or is refused for want of space.
+# The file must be the older or the newer model, whole. Usage: interrupted_save_test.sh ARBOR
+set -euo pipefail
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+model=$work/saved/golf.model
+printf 'a,c\n1,x\n1,x\n5,y\n5,y\n' >"$work/table.csv"
+export ASAN_OPTIONS=detect_leaks=0  # the leak checker traces too, and a process has one tracer
+
+save() {  # under strace, with the options given
+  rm -rf "$work/saved"
+  mkdir "$work/saved"
+  echo "an older model" >"$model"
+  { strace -f -s 300 -o "$work/calls" "$@" "${program[@]}" >"$work/said" 2>&1; } 2>/dev/null
+}
+fail() { echo "$*"; cat "$work/said"; exit 1; }
+
+program=("$1" grow "$work/table.csv" --threads 1 --model "$model")
+save || fail "a process cannot be traced here, or not be saved"
+cp "$model" "$work/newer"
+# "NAME N" for the Nth call of each name, from where the program first asks for the model.
+sed -E 's/^[0-9]+ +//' "$work/calls" | awk -F'(' -v saved="$work/saved" '
+  !/^[a-z]/ || /^execve/ { next } { ++count[$1] } index($0, saved) { begun = 1 }
+  begun && !/^(write.1,|exit|brk|m[a-z]*map|mprotect|futex)/ { print $1, count[$1] }' >"$work/save"
+order=$(grep -E '^(p?write|f.*sync|rename)' "$work/save" | cut -d' ' -f1 | uniq | tr '\n' ' ')
+[ "$order" = "write fsync rename fsync " ] || fail "the bytes have to be on the disk before the name: $order"
+
+while read -r name number; do
+  for fault in signal=SIGKILL error=ENOSPC; do
+    status=0
+    save -e inject="$name:$fault:when=$number" || status=$?
+    left=older
+    ! cmp -s "$model" "$work/newer" || left=newer
+    [ $left = newer ] || [ "$(cat "$model")" = "an older model" ] || fail "$name $number $fault: neither model is whole"
+    [ $fault = error=ENOSPC ] || { [ $status = 137 ] || fail "$name $number was not killed"; continue; }
+    grep -q INJECTED "$work/calls" || fail "$name $number was not refused"
+    [[ $status$left = 0newer || $status$left = 2older ]] || fail "$name $number refused: status $status, $left model"
+    [ "$name" = unlink ] || [ "$(ls "$work/saved")" = golf.model ] || fail "$name $number refused: a file is left"
+  done
+done <"$work/save"
