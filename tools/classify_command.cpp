@@ -55,6 +55,7 @@ void classify_command::run() {
   progress_line progress;
   tree::classification_options options;
   options.weights_name = chosen.weights_name;
+  options.weights_from = "--weights";
   options.unknown_texts = chosen.unknown_texts;
   options.all_probabilities = all_probabilities;
   options.progress = [&](std::size_t rows) {

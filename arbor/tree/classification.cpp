@@ -193,4 +193,14 @@ confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
   return result;
 }
 
+impls::w_sequence cases_at_node(const decision_tree& tree, const table& rows, std::size_t node) {
+  const row_classifier classifier(tree, rows);
+  impls::w_sequence cases;
+  for (const auto& [row, weight] : rows.cases) {
+    const float weight_here = weight * static_cast<float>(classifier.weight_at(row, node));
+    if (weight_here > 0) cases.push_back({row, weight_here});
+  }
+  return cases;
+}
+
 }  // namespace arbor::tree

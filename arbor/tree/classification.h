@@ -85,6 +85,11 @@ class text_classifier {
 confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
                                 const impls::w_sequence& cases);
 
+// The cases of a table that come to a node, in the order of the rows: each with the weight of its
+// row, multiplied by the part of it that comes down. Cases of no weight are left out. `node` is an
+// index of the tree's nodes; the table is as for row_classifier.
+impls::w_sequence cases_at_node(const decision_tree& tree, const table& rows, std::size_t node);
+
 }  // namespace arbor::tree
 
 #endif

@@ -41,7 +41,7 @@ class classifying {
       result.matrix.emplace();
     }
     if (!options.weights_name.empty())
-      weights_cell = file.cell_named(options.weights_name, "--weights");
+      weights_cell = file.cell_named(options.weights_name, options.weights_from);
     for (const std::string& name : names) out << csv_cell(name) << ',';
     out << unused_name("predicted");
     if (!options.all_probabilities) out << ',' << unused_name("probability");

@@ -13,8 +13,10 @@
 namespace arbor::tree {
 
 struct classification_options {
-  std::string
-      weights_name;  // the column of weights, for the matrix, in which 0 leaves a row out; empty: all weigh 1
+  // The column of the rows' weights in the matrix, where 0 leaves a row out; empty if each weighs 1.
+  std::string weights_name;
+  // What asked for that column, as the message says that it is missing.
+  std::string weights_from = "the weights";
   std::vector<std::string> unknown_texts;  // see unknown_texts.h
   bool all_probabilities = false;          // a column for each class
   std::function<void(std::size_t rows)> progress;
