@@ -22,7 +22,7 @@ std::string class_text(const decision_tree& tree, std::size_t entry) {
   return value_text(*tree.class_column, static_cast<unsigned int>(entry) + 1);
 }
 
-std::string threshold_text(const column& tested, const tree_node& test) {
+std::string test_threshold(const column& tested, const tree_node& test) {
   return shortest_value(tested, tested.get_index(test.split.threshold.c_str()));
 }
 

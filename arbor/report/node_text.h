@@ -19,7 +19,7 @@ std::string weight_text(double weight);
 std::string class_text(const decision_tree& tree, std::size_t entry);
 
 // The threshold of a test of a continuous attribute.
-std::string threshold_text(const impls::column& tested, const tree_node& test);
+std::string test_threshold(const impls::column& tested, const tree_node& test);
 
 // The branch of the test above that a node is on: the value of a discrete attribute, "<=" or ">".
 std::string branch_value(const impls::column& tested, const tree_node& child);

@@ -31,7 +31,7 @@ std::string box(const decision_tree& tree, std::size_t index) {
 std::string ellipse(const decision_tree& tree, std::size_t index) {
   const tree_node& test = tree.nodes[index];
   const impls::column& tested = *tree.attributes[test.attribute];
-  const std::string threshold = tested.is_continuous() ? " " + threshold_text(tested, test) : "";
+  const std::string threshold = tested.is_continuous() ? " " + test_threshold(tested, test) : "";
   std::string result =
       fmt::format("  n{} [label={}]\n", index, dot_text(printable(tested.get_name())));
   for (std::size_t i = test.first_child; i < test.first_child + test.child_count; ++i) {

@@ -33,7 +33,7 @@ void branch_to_json(json_writer& json, const decision_tree& tree, std::size_t pa
 void test_to_json(json_writer& json, const decision_tree& tree, const tree_node& test) {
   const impls::column& tested = *tree.attributes[test.attribute];
   json.member("attribute", tested.get_name());
-  if (tested.is_continuous()) json.member("threshold", threshold_text(tested, test));
+  if (tested.is_continuous()) json.member("threshold", test_threshold(tested, test));
   json.key("children").open('[');
   for (std::size_t child = test.first_child; child < test.first_child + test.child_count; ++child)
     json.value(child);

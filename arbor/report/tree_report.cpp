@@ -19,7 +19,7 @@ std::string branch_text(const decision_tree& tree, const tree_node& test, const 
   const std::string name = printable(tested.get_name());
   const std::string value = printable(branch_value(tested, child));
   if (!tested.is_continuous()) return name + " = " + value;
-  return name + " " + value + " " + threshold_text(tested, test);
+  return name + " " + value + " " + test_threshold(tested, test);
 }
 
 // The bars in front of a line. They end at some depth, or the text of a deep tree would grow with
