@@ -6,31 +6,30 @@
 #include <iostream>
 
 #include "arbor/csv/table_error.h"
-#include "arbor/report/tree_report.h"
+#include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
-#include "arbor/tree/table_classification.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help =
-    R"(Prints the table with the predicted class and its probability behind each row, as CSV.
-Columns are found by their names. A value that is unknown, or that no training case of a
-test had, goes down every branch; say with --unknown what was said of the table that the
-tree was grown on. Where the table has the class too, errors and confusion
-matrix are told: on standard error, or with --output on standard output.
+constexpr const char* classify_help =
+    R"(Prints the table as CSV, with the predicted class and its probability at the end
+of each row. Columns are found by their names. Where the value that a test needs
+is unknown, or did not occur in training, the row goes down every branch. Use
+--unknown as for the table that the tree was grown on.
+
+If the table has the class too, the errors and the confusion matrix are printed:
+on standard error, or with --output on standard output.
 
 Examples:
   arbor classify golf.model tomorrow.csv
-  arbor classify birds.model more.csv --output said.csv --probability
+  arbor classify birds.model more.csv --output predicted.csv --probability)";
 
-Exit status: 0, or 2 with one line on standard error that says what is wrong.)";
-
-void report(const tree::decision_tree& model, const tree::classification_result& result,
-            std::ostream& out) {
+void print_errors_of_rows(const tree::decision_tree& model,
+                          const tree::classification_result& result, std::ostream& out) {
   if (!result.matrix || result.matrix->total() == 0) return;
   out << tree::error_line("classified", *result.matrix) << "\n\n"
       << tree::matrix_as_text(model, *result.matrix);
@@ -39,44 +38,59 @@ void report(const tree::decision_tree& model, const tree::classification_result&
 }  // namespace
 
 classify_command::classify_command(CLI::App& app)
-    : command(app, "classify", "Tell what a saved tree says of the rows of a table", help) {
-  parser.add_option("MODEL", model_path, "A file that arbor grow has saved")->type_name("");
+    : command(app, "classify", "Predict the class of each row with a saved tree", classify_help) {
+  parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
-  parser.add_option("--output", output_path, "Where the rows go (default: standard output)")
+  parser
+      .add_option("--output", output_path, "File to write the rows to (default: standard output)")
       ->type_name("FILE");
-  parser.add_flag("--probability", all_probabilities, "Tell the probability of every class");
+  parser.add_flag("--probability", all_probabilities, "Print the probability of every class");
   table.add_cell_options_to(parser);
 }
 
 void classify_command::run() {
-  const tree::load_options chosen = table.chosen();
-  if (table_path.empty()) throw usage_error("name a model and a table");
+  const tree::classification_options options = chosen_options();
+  refuse_if(table_path.empty(), "name a model and a table");
   const tree::decision_tree model = tree::load_model(model_path);
-  progress_line progress;
+  if (output_path.empty()) {
+    print_errors_of_rows(model, classify(model, options, std::cout), std::cerr);
+    return;
+  }
+  const tree::classification_result result = classify_into_file(model, options);
+  std::cout << result.rows << " rows classified\n";
+  print_errors_of_rows(model, result, std::cout);
+}
+
+tree::classification_options classify_command::chosen_options() const {
+  const tree::load_options load = table.chosen();
   tree::classification_options options;
-  options.weights_name = chosen.weights_name;
+  options.weights_name = load.weights_name;
   options.weights_from = "--weights";
-  options.unknown_texts = chosen.unknown_texts;
+  options.unknown_texts = load.unknown_texts;
   options.all_probabilities = all_probabilities;
+  return options;
+}
+
+tree::classification_result classify_command::classify(const tree::decision_tree& model,
+                                                       tree::classification_options options,
+                                                       std::ostream& out) const {
+  progress_line progress;
   options.progress = [&](std::size_t rows) {
     if (progress.due()) progress.show(std::to_string(rows) + " rows classified");
   };
-  if (output_path.empty()) {
-    const tree::classification_result result =
-        tree::classify_table(table_path, model, options, std::cout);
-    progress.clear();
-    report(model, result, std::cerr);
-    return;
-  }
+  return tree::classify_table(table_path, model, options, out);
+}
+
+// The old file, if there is one, stays until all rows are written.
+tree::classification_result classify_command::classify_into_file(
+    const tree::decision_tree& model, const tree::classification_options& options) const {
   tree::file_replacement file(output_path);
   std::ofstream out(file.temporary_path(), std::ios::binary);
-  const tree::classification_result result = tree::classify_table(table_path, model, options, out);
-  progress.clear();
+  tree::classification_result result = classify(model, options, out);
   out.close();
   if (!out) throw tree::table_error(output_path + ": cannot be written: " + std::strerror(errno));
   file.commit();
-  std::cout << result.rows << " rows classified\n";
-  report(model, result, std::cout);
+  return result;
 }
 
 }  // namespace arbor::tools

@@ -1,7 +1,10 @@
-// arbor classify: what a saved tree says of the rows of a table.
+// arbor classify: predicts the class of each row of a table with a saved tree.
 #ifndef ARBOR_TOOLS_CLASSIFY_COMMAND_H
 #define ARBOR_TOOLS_CLASSIFY_COMMAND_H
 
+#include <ostream>
+
+#include "arbor/tree/table_classification.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
 
@@ -13,6 +16,13 @@ class classify_command : public command {
   void run() override;
 
  private:
+  tree::classification_options chosen_options() const;
+  tree::classification_result classify(const tree::decision_tree& model,
+                                       tree::classification_options options,
+                                       std::ostream& out) const;
+  tree::classification_result classify_into_file(const tree::decision_tree& model,
+                                                 const tree::classification_options& options) const;
+
   table_options table;
   std::string model_path;
   std::string table_path;

@@ -27,31 +27,44 @@ std::vector<std::string> command_names(const CLI::App& app) {
   return names;
 }
 
-// Complains of the first argument that neither `app` nor the command chosen has taken.
-void refuse_extras(const CLI::App& app) {
-  const std::vector<CLI::App*> chosen = app.get_subcommands();
+// The arguments that neither `app` nor the chosen command has taken.
+std::vector<std::string> extra_arguments(const CLI::App& app) {
   std::vector<std::string> extras = app.remaining(true);
-  extras.erase(std::remove(extras.begin(), extras.end(), "--"),
-               extras.end());  // what follows it has been taken
+  extras.erase(std::remove(extras.begin(), extras.end(), "--"), extras.end());
+  return extras;
+}
+
+void refuse_unknown_option(const CLI::App& chosen, const std::vector<std::string>& extras) {
   const auto is_option = [](const std::string& extra) {
     return extra.size() > 1 && extra[0] == '-';
   };
   const auto option = std::find_if(extras.begin(), extras.end(), is_option);
-  if (option != extras.end()) {
-    const std::string name = option->substr(0, option->find('='));
-    throw usage_error("there is no option " + in_quotes(name) +
-                      did_you_mean(name, option_names(chosen.empty() ? app : *chosen.front())));
-  }
-  if (chosen.empty() && extras.empty())
-    throw usage_error("no command; \"arbor --help\" tells which there are");
-  if (chosen.empty()) {
-    throw usage_error("there is no command " + in_quotes(extras.front()) +
-                      did_you_mean(extras.front(), command_names(app)));
-  }
+  if (option == extras.end()) return;
+  const std::string name = option->substr(0, option->find('='));
+  throw usage_error("there is no option " + in_quotes(name) +
+                    did_you_mean(name, option_names(chosen)));
+}
+
+void refuse_unknown_command(const CLI::App& app, const std::vector<std::string>& extras) {
+  if (extras.empty()) throw usage_error("no command; \"arbor --help\" lists the commands");
+  throw usage_error("there is no command " + in_quotes(extras.front()) +
+                    did_you_mean(extras.front(), command_names(app)));
+}
+
+// An unknown option is the likeliest cause of any other extra argument, so it is reported first.
+void refuse_extras(const CLI::App& app) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  const std::vector<std::string> extras = extra_arguments(app);
+  refuse_unknown_option(chosen.empty() ? app : *chosen.front(), extras);
+  if (chosen.empty()) refuse_unknown_command(app, extras);
   if (!extras.empty()) throw usage_error(in_quotes(extras.front()) + " is one argument too many");
 }
 
 }  // namespace
+
+void refuse_if(bool wrong, const std::string& message) {
+  if (wrong) throw usage_error(message);
+}
 
 bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
   app.allow_extras();
@@ -63,7 +76,7 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
     return false;
   } catch (const CLI::ArgumentMismatch& mismatch) {
     const std::string message = mismatch.what();  // begins with the name of the option
-    throw usage_error(message.substr(0, message.find(':')) + " takes one value, once");
+    throw usage_error(message.substr(0, message.find(':')) + " takes exactly one value");
   } catch (const CLI::ParseError& error) {
     throw usage_error(error.what());
   }
@@ -73,7 +86,9 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
 
 command::command(CLI::App& app, const char* name, const char* description, const char* help)
     : parser(*app.add_subcommand(name, description)) {
-  parser.footer(help);
+  parser.group("Commands");
+  parser.footer(help + std::string("\n\nExit status: 0, or 2 after an error, which standard error "
+                                   "describes in one line."));
 }
 
 }  // namespace arbor::tools

@@ -1,4 +1,4 @@
-// The command line, read by CLI11, with this program's own words for what is wrong with it.
+// The command line: parsed by CLI11, with this program's own messages for what is wrong with it.
 #ifndef ARBOR_TOOLS_COMMAND_LINE_H
 #define ARBOR_TOOLS_COMMAND_LINE_H
 
@@ -8,32 +8,42 @@
 
 namespace arbor::tools {
 
+// A mistake in the arguments. what() is one line for the person who wrote them.
 class usage_error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Reads the arguments into the options of `app` and its commands. Returns false when help or the
-// version was asked for and has been printed. Throws usage_error for an unknown command or option,
-// naming the nearest one, for too many arguments and for an option without its value.
+// Throws usage_error with the message if `wrong` is true.
+void refuse_if(bool wrong, const std::string& message);
+
+// Parses the arguments into the options of `app` and its commands. Returns false when help or the
+// version was asked for; it has been printed on standard output then. Throws usage_error for an
+// unknown command or option, naming the nearest one, for too many arguments, and for an option
+// without its value.
 bool parse_command_line(CLI::App& app, int argc, const char* const* argv);
 
 // What "arbor NAME ..." does.
 class command {
  public:
-  // Adds the command to `app`; `help` comes behind its options.
+  // Adds a command to `app`, which must outlive it. `description` is one line; `help` is shown below
+  // the options. Neither may be wider than 80 columns.
   command(CLI::App& app, const char* name, const char* description, const char* help);
   virtual ~command() = default;
   command(const command&) = delete;
   command& operator=(const command&) = delete;
 
+  // Whether the command line names this command.
   bool chosen() const { return parser.parsed(); }
 
-  // Prints the results on standard output, all else on standard error. Throws usage_error for an
-  // option's value that is none, and whatever else is wrong as an exception whose text is one line.
+  // Prints results on standard output, and all else on standard error. Throws usage_error for an
+  // unusable value of an option and other exceptions for other failures; their text is one line.
   virtual void run() = 0;
 
  protected:
+  // Whether an option is on the command line: given("--depth").
+  bool given(const std::string& option) const { return parser.count(option) > 0; }
+
   CLI::App& parser;
 };
 

@@ -2,6 +2,7 @@
 #ifndef ARBOR_TOOLS_GROW_COMMAND_H
 #define ARBOR_TOOLS_GROW_COMMAND_H
 
+#include "arbor/tree/grower.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
 
@@ -13,6 +14,10 @@ class grow_command : public command {
   void run() override;
 
  private:
+  tree::grow_options chosen_options() const;
+  unsigned int chosen_threads() const;
+  void check_model_path() const;
+
   table_options table;
   std::string table_path;
   std::string model_path;

@@ -5,19 +5,19 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "tools/classify_command.h"
 #include "tools/grow_command.h"
+#include "tools/help_format.h"
 #include "tools/rate_command.h"
 #include "tools/show_command.h"
 
 namespace {
 
-using namespace arbor::tools;
-
 constexpr int failure = 2;
 
-constexpr const char* help = R"("arbor COMMAND --help" tells more of a command.
+constexpr const char* program_help = R"("arbor COMMAND --help" describes a command.
 
 Examples:
   arbor rate golf.csv --class play
@@ -27,14 +27,15 @@ Examples:
 
 int run(int argc, const char* const* argv) {
   CLI::App app("Decision trees from tables.", "arbor");
+  app.formatter(std::make_shared<arbor::tools::help_format>());
   app.set_version_flag("--version", "arbor " ARBOR_VERSION);
-  app.footer(help);
-  std::vector<std::unique_ptr<command>> commands;
-  commands.push_back(std::make_unique<rate_command>(app));
-  commands.push_back(std::make_unique<grow_command>(app));
-  commands.push_back(std::make_unique<show_command>(app));
-  commands.push_back(std::make_unique<classify_command>(app));
-  if (parse_command_line(app, argc, argv)) {
+  app.footer(program_help);
+  std::vector<std::unique_ptr<arbor::tools::command>> commands;
+  commands.push_back(std::make_unique<arbor::tools::rate_command>(app));
+  commands.push_back(std::make_unique<arbor::tools::grow_command>(app));
+  commands.push_back(std::make_unique<arbor::tools::show_command>(app));
+  commands.push_back(std::make_unique<arbor::tools::classify_command>(app));
+  if (arbor::tools::parse_command_line(app, argc, argv)) {
     for (const auto& command : commands) {
       if (command->chosen()) command->run();
     }

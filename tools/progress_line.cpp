@@ -10,8 +10,8 @@ progress_line::progress_line()
     : on_terminal(isatty(STDERR_FILENO) == 1), last(std::chrono::steady_clock::now()) {}
 
 bool progress_line::due() {
-  constexpr unsigned int asked_per_look = 64;  // at the clock
-  if (!on_terminal || ++asked % asked_per_look != 0) return false;
+  constexpr unsigned int calls_per_look = 64;  // a look at the clock costs more than a call
+  if (!on_terminal || ++calls % calls_per_look != 0) return false;
   return std::chrono::steady_clock::now() - last >= std::chrono::milliseconds(100);
 }
 

@@ -2,7 +2,6 @@
 #ifndef ARBOR_TOOLS_RATE_COMMAND_H
 #define ARBOR_TOOLS_RATE_COMMAND_H
 
-#include "arbor/tree/rating.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
 
@@ -20,10 +19,6 @@ class rate_command : public command {
   std::string format = "text";
   std::string sort = "ratio";
 };
-
-// Prints ratings in a format: text, csv or json.
-void print_ratings(const tree::table& rated, const impls::w_sequence& cases,
-                   const std::vector<tree::attribute_rating>& ratings, const std::string& format);
 
 }  // namespace arbor::tools
 

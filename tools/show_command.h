@@ -1,13 +1,11 @@
-// arbor show: a saved tree as text, graph, JSON or picture, and what its tests chose among.
+// arbor show: a saved tree as text, graph, JSON or picture, and the attributes that a test of it
+// could have chosen.
 #ifndef ARBOR_TOOLS_SHOW_COMMAND_H
 #define ARBOR_TOOLS_SHOW_COMMAND_H
 
+#include "arbor/tree/decision_tree.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
-
-namespace arbor::tree {
-struct decision_tree;
-}
 
 namespace arbor::tools {
 
@@ -17,8 +15,11 @@ class show_command : public command {
   void run() override;
 
  private:
-  void refuse_together(const std::vector<const char*>& options) const;
-  void rate(const tree::decision_tree& model, std::size_t node) const;
+  void check_combination() const;
+  void rate_at_node(const tree::decision_tree& model) const;
+  std::size_t chosen_node(const tree::decision_tree& model) const;
+  tree::load_options options_of(const tree::decision_tree& model) const;
+  void draw_picture(const std::string& graph) const;
 
   table_options table;
   std::string model_path;

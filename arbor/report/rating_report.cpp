@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/message_text.h"
@@ -33,7 +34,7 @@ struct class_weight {
   float weight = 0;
 };
 
-// In the order of their codes.
+// By code.
 std::vector<class_weight> named_class_weights(const table& described,
                                               const impls::w_sequence& cases) {
   std::vector<class_weight> result;
@@ -48,7 +49,7 @@ double unknown_share(const impls::w_sequence& cases, const attribute_rating& rat
   return static_cast<double>(rating.unknown_cells) / static_cast<double>(cases.size());
 }
 
-// A value in a list, in quotes if it would not be told apart without.
+// A value in a list, in quotes where a reader could not see where it begins or ends.
 std::string listed(const std::string& value) {
   const bool plain = !value.empty() && value.find_first_of(" ,\"\n\r\t") == std::string::npos;
   return plain ? printable(value) : in_quotes(value);
@@ -60,30 +61,79 @@ std::string split_as_text(const attribute_rating& rating) {
   return fmt::format("{} branches", rating.split->branches);
 }
 
+// Keeps the heaviest classes, heaviest first, if there are more than `most`. Returns how many were
+// removed.
+std::size_t keep_heaviest(std::vector<class_weight>& classes, std::size_t most) {
+  if (classes.size() <= most) return 0;
+  const std::size_t removed = classes.size() - most;
+  const auto heavier = [](const class_weight& a, const class_weight& b) {
+    return a.weight > b.weight;
+  };
+  std::stable_sort(classes.begin(), classes.end(), heavier);
+  classes.resize(most);
+  return removed;
+}
+
+// " no 5, yes 9"
+std::string class_list(std::vector<class_weight> classes) {
+  constexpr std::size_t most_classes = 20;
+  const std::size_t removed = keep_heaviest(classes, most_classes);
+  std::string list;
+  for (const auto& [value, weight] : classes) {
+    list += (list.empty() ? " " : ", ") + listed(value) + " " + shortest_text(weight);
+  }
+  if (removed > 0) list += fmt::format(", and {} lighter ones", removed);
+  return list;
+}
+
+// A number of a split to six decimals, or a dash.
+std::string decimal(const attribute_rating& rating, float split_rating::*member) {
+  return rating.split ? fmt::format("{:.6f}", (*rating.split).*member) : "-";
+}
+
+void table_to_json(json_writer& json, const table& rated, const impls::w_sequence& cases) {
+  json.open('{');
+  json.member("name", rated.name);
+  json.member("rows", cases.size());
+  json.member("attributes", attribute_count(rated));
+  json.member("unknown_cells", unknown_attribute_cells(rated, cases));
+  json.member("weight", total_weight(cases));
+  json.member("class", rated.class_column().get_name());
+  json.key("classes").open('[');
+  for (const auto& [value, weight] : named_class_weights(rated, cases)) {
+    json.open('{').member("value", value).member("weight", weight).close();
+  }
+  json.close().close();
+}
+
+void rating_to_json(json_writer& json, const impls::w_sequence& cases,
+                    const attribute_rating& rating) {
+  const auto of_split = [&rating](auto split_rating::*member) {
+    return rating.split ? std::optional((*rating.split).*member) : std::nullopt;
+  };
+  json.open('{');
+  json.member("attribute", rating.name);
+  json.member("kind", rating.kind);
+  json.member("type", rating.data_type);
+  json.member("values", rating.values);
+  json.member("unknown", static_cast<float>(unknown_share(cases, rating)));
+  json.member("gain", of_split(&split_rating::gain));
+  json.member("split_info", of_split(&split_rating::split_info));
+  json.member("gain_ratio", of_split(&split_rating::gain_ratio));
+  json.member("branches", of_split(&split_rating::branches));
+  json.member("threshold", rating.split ? rating.split->threshold : std::nullopt);
+  json.member("no_split", rating.split ? std::nullopt : std::optional(rating.no_split_reason));
+  json.close();
+}
+
 }  // namespace
 
 std::string table_line(const table& described, const impls::w_sequence& cases) {
-  constexpr std::size_t most_classes = 20;
-  std::vector<class_weight> classes = named_class_weights(described, cases);
-  const std::size_t left_out = classes.size() > most_classes ? classes.size() - most_classes : 0;
-  if (left_out > 0) {
-    const auto heavier = [](const class_weight& a, const class_weight& b) {
-      return a.weight > b.weight;
-    };
-    std::stable_sort(classes.begin(), classes.end(), heavier);
-    classes.resize(most_classes);
-  }
-  std::string line =
-      fmt::format("{}: {}, {}, {}; class {}:", described.name, counted(cases.size(), "row"),
-                  counted(attribute_count(described), "attribute"),
-                  counted(unknown_attribute_cells(described, cases), "unknown cell"),
-                  in_quotes(described.class_column().get_name()));
-  for (std::size_t i = 0; i < classes.size(); ++i) {
-    line += fmt::format("{} {} {}", i == 0 ? "" : ",", listed(classes[i].value),
-                        shortest_text(classes[i].weight));
-  }
-  if (left_out > 0) line += fmt::format(", and {} lighter ones", left_out);
-  return line;
+  return fmt::format("{}: {}, {}, {}; class {}:{}", described.name, counted(cases.size(), "row"),
+                     counted(attribute_count(described), "attribute"),
+                     counted(unknown_attribute_cells(described, cases), "unknown cell"),
+                     in_quotes(described.class_column().get_name()),
+                     class_list(named_class_weights(described, cases)));
 }
 
 std::string ratings_as_text(const impls::w_sequence& cases,
@@ -91,14 +141,11 @@ std::string ratings_as_text(const impls::w_sequence& cases,
   std::vector<std::vector<std::string>> rows{{"attribute", "kind", "type", "values", "unknown",
                                               "gain", "split info", "gain ratio", "split"}};
   for (const attribute_rating& rating : ratings) {
-    const auto number = [&](float split_rating::*member) {
-      return rating.split ? fmt::format("{:.6f}", (*rating.split).*member) : "-";
-    };
-    rows.push_back({printable(rating.name), rating.kind, rating.data_type,
-                    std::to_string(rating.values),
-                    fmt::format("{:.1f}%", 100 * unknown_share(cases, rating)),
-                    number(&split_rating::gain), number(&split_rating::split_info),
-                    number(&split_rating::gain_ratio), split_as_text(rating)});
+    rows.push_back(
+        {printable(rating.name), rating.kind, rating.data_type, std::to_string(rating.values),
+         fmt::format("{:.1f}%", 100 * unknown_share(cases, rating)),
+         decimal(rating, &split_rating::gain), decimal(rating, &split_rating::split_info),
+         decimal(rating, &split_rating::gain_ratio), split_as_text(rating)});
   }
   return aligned(rows, "lllrrrrrl");
 }
@@ -126,39 +173,9 @@ std::string ratings_as_csv(const impls::w_sequence& cases,
 std::string ratings_as_json(const table& rated, const impls::w_sequence& cases,
                             const std::vector<attribute_rating>& ratings) {
   json_writer json;
-  json.open('{').key("table").open('{');
-  json.member("name", rated.name);
-  json.member("rows", cases.size());
-  json.member("attributes", attribute_count(rated));
-  json.member("unknown_cells", unknown_attribute_cells(rated, cases));
-  json.member("weight", total_weight(cases));
-  json.member("class", rated.class_column().get_name());
-  json.key("classes").open('[');
-  for (const auto& [value, weight] : named_class_weights(rated, cases)) {
-    json.open('{').member("value", value).member("weight", weight).close();
-  }
-  json.close().close().key("ratings").open('[');
-  for (const attribute_rating& rating : ratings) {
-    json.open('{');
-    json.member("attribute", rating.name);
-    json.member("kind", rating.kind);
-    json.member("type", rating.data_type);
-    json.member("values", rating.values);
-    json.member("unknown", static_cast<float>(unknown_share(cases, rating)));
-    const auto member_or_null = [&json](const char* name, bool is_there, const auto& value) {
-      json.key(name);
-      is_there ? json.value(value) : json.value(nullptr);
-    };
-    const bool splits = rating.split.has_value();
-    const auto& split = splits ? *rating.split : split_rating();
-    member_or_null("gain", splits, split.gain);
-    member_or_null("split_info", splits, split.split_info);
-    member_or_null("gain_ratio", splits, split.gain_ratio);
-    member_or_null("branches", splits, split.branches);
-    member_or_null("threshold", split.threshold.has_value(), split.threshold.value_or(""));
-    member_or_null("no_split", !splits, rating.no_split_reason);
-    json.close();
-  }
+  table_to_json(json.open('{').key("table"), rated, cases);
+  json.key("ratings").open('[');
+  for (const attribute_rating& rating : ratings) rating_to_json(json, cases, rating);
   return json.close().close().text();
 }
 

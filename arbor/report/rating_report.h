@@ -1,4 +1,9 @@
 // The ratings of a table's attributes, for a person or for a program.
+//
+//   std::cout << table_line(golf, golf.cases) << "\n\n"
+//             << ratings_as_text(golf.cases, rate_attributes(golf, golf.cases, 2));
+//
+// `cases` are always the ones that were rated: rows of the table with their weights, at least one.
 #ifndef ARBOR_REPORT_RATING_REPORT_H
 #define ARBOR_REPORT_RATING_REPORT_H
 
@@ -9,19 +14,17 @@
 
 namespace arbor::tree {
 
-// All of these tell of the cases that were rated, rows of the table with their weights.
-
-// One line: rows, attributes, unknown cells, and the classes with their weights, the heaviest of
-// them if many.
+// One line: how many rows, attributes and unknown cells there are, and the weight of each class; of
+// more than twenty classes only the heaviest.
 std::string table_line(const table& described, const impls::w_sequence& cases);
 
-// A line for each rating under a line of headings, in columns; gains to six decimals.
+// A line of headings and a line for each rating, aligned in columns; gains to six decimals.
 std::string ratings_as_text(const impls::w_sequence& cases,
                             const std::vector<attribute_rating>& ratings);
 
 // Comma-separated values (RFC 4180, LF) with a row of names: attribute, kind, type, values, unknown
 // (the share of rows, 0 to 1), gain, split_info, gain_ratio, branches, threshold, no_split. What
-// does not apply is empty. Floats are in their shortest form.
+// does not apply is empty. Floats have their shortest form.
 std::string ratings_as_csv(const impls::w_sequence& cases,
                            const std::vector<attribute_rating>& ratings);
 

@@ -6,7 +6,7 @@ namespace arbor::tree {
 
 namespace {
 
-// Characters, as far as UTF-8 tells them.
+// In characters: the bytes that do not continue a character of UTF-8.
 std::size_t display_width(const std::string& text) {
   const auto begins_character = [](char c) {
     return (static_cast<unsigned char>(c) & 0xC0U) != 0x80;

@@ -1,4 +1,6 @@
-// Words and columns of reports.
+// Rows of cells as lines whose columns are aligned.
+//
+//   aligned({{"attribute", "gain"}, {"outlook", "0.25"}}, "lr")
 #ifndef ARBOR_REPORT_TEXT_TABLE_H
 #define ARBOR_REPORT_TEXT_TABLE_H
 
@@ -7,8 +9,9 @@
 
 namespace arbor::tree {
 
-// The rows, a line each, with their cells under each other. `sides` tells for each column whether
-// it is flush left ('l') or right ('r').
+// A line for each row, without spaces at its end. `sides` has a letter for each column: its cells
+// are flush left ('l') or right ('r'). No row may have more cells than that. Widths are counted in
+// characters of UTF-8.
 std::string aligned(const std::vector<std::vector<std::string>>& rows, const std::string& sides);
 
 }  // namespace arbor::tree

@@ -7,6 +7,8 @@
 #include <iterator>
 
 #include "arbor/csv/table_error.h"
+#include "arbor/report/tree_graph.h"
+#include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/value_text.h"

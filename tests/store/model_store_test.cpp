@@ -14,6 +14,8 @@
 #include <iterator>
 
 #include "arbor/csv/table_error.h"
+#include "arbor/report/tree_graph.h"
+#include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/table/table_loader.h"

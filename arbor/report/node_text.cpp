@@ -1,0 +1,42 @@
+#include "arbor/report/node_text.h"
+
+#include <fmt/format.h>
+
+#include "arbor/csv/message_text.h"
+#include "arbor/table/value_text.h"
+#include "arbor/table/table.h"
+
+namespace arbor::tree {
+
+using impls::column;
+
+std::string weight_text(double weight) {
+  std::string text = fmt::format("{:.2f}", weight);
+  while (text.back() == '0') text.pop_back();
+  if (text.back() == '.') text.pop_back();
+  return text;
+}
+
+std::string class_text(const decision_tree& tree, std::size_t entry) {
+  if (entry + 1 == tree.class_column->get_distinct()) return "(another)";
+  return value_text(*tree.class_column, static_cast<unsigned int>(entry) + 1);
+}
+
+std::string test_threshold(const column& tested, const tree_node& test) {
+  return shortest_value(tested, tested.get_index(test.split.threshold.c_str()));
+}
+
+std::string branch_value(const column& tested, const tree_node& child) {
+  if (!tested.is_continuous()) return value_text(tested, child.branch);
+  return child.branch == 1 ? "<=" : ">";
+}
+
+std::string leaf_text(const decision_tree& tree, const tree_node& node) {
+  const leaf_weight weight = weigh(node);
+  const std::string errors = weight_text(weight.errors);
+  const std::string majority = printable(class_text(tree, heaviest_class(node.class_weights)));
+  return fmt::format("{} ({}{})", majority, weight_text(weight.cases),
+                     errors == "0" ? "" : "/" + errors);
+}
+
+}  // namespace arbor::tree
