@@ -16,7 +16,7 @@ namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help =
+constexpr const char* classify_help =
     R"(Prints the table with the predicted class and its probability behind each row, as CSV.
 Columns are found by their names. A value that is unknown, or that no training case of a
 test had, goes down every branch; say with --unknown what was said of the table that the
@@ -39,7 +39,7 @@ void report(const tree::decision_tree& model, const tree::classification_result&
 }  // namespace
 
 classify_command::classify_command(CLI::App& app)
-    : command(app, "classify", "Tell what a saved tree says of the rows of a table", help) {
+    : command(app, "classify", "Tell what a saved tree says of the rows of a table", classify_help) {
   parser.add_option("MODEL", model_path, "A file that arbor grow has saved")->type_name("");
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   parser.add_option("--output", output_path, "Where the rows go (default: standard output)")

@@ -18,7 +18,7 @@ namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help =
+constexpr const char* grow_help =
     R"(The table is read as by "arbor rate". Each node tests the attribute with the best gain
 ratio among those whose gain is at least the average; branches that promise no fewer errors
 than a leaf are pruned.
@@ -36,7 +36,7 @@ constexpr unsigned int most_threads = 1024;  // beyond, a mistake is likelier th
 }  // namespace
 
 grow_command::grow_command(CLI::App& app)
-    : command(app, "grow", "Grow a decision tree on a table and save it", help) {
+    : command(app, "grow", "Grow a decision tree on a table and save it", grow_help) {
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   parser.add_option("--model", model_path, "Where the tree is saved (default: nowhere)")
       ->type_name("FILE");

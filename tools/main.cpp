@@ -17,7 +17,7 @@ using namespace arbor::tools;
 
 constexpr int failure = 2;
 
-constexpr const char* help = R"("arbor COMMAND --help" tells more of a command.
+constexpr const char* program_help = R"("arbor COMMAND --help" tells more of a command.
 
 Examples:
   arbor rate golf.csv --class play
@@ -28,7 +28,7 @@ Examples:
 int run(int argc, const char* const* argv) {
   CLI::App app("Decision trees from tables.", "arbor");
   app.set_version_flag("--version", "arbor " ARBOR_VERSION);
-  app.footer(help);
+  app.footer(program_help);
   std::vector<std::unique_ptr<command>> commands;
   commands.push_back(std::make_unique<rate_command>(app));
   commands.push_back(std::make_unique<grow_command>(app));

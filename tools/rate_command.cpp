@@ -9,7 +9,7 @@ namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help =
+constexpr const char* rate_help =
     R"(The table is a CSV file whose first row names the columns. A column holds integers,
 else floats, else strings, whichever its values all fit. Attributes of numbers are
 continuous: a split has two branches, at the best threshold. Attributes of strings are
@@ -34,7 +34,7 @@ tree::rating_order order_named(const std::string& name) {
 }  // namespace
 
 rate_command::rate_command(CLI::App& app)
-    : command(app, "rate", "Tell how good a split each attribute of a table would make", help) {
+    : command(app, "rate", "Tell how good a split each attribute of a table would make", rate_help) {
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   table.add_to(parser);
   parser

@@ -18,7 +18,7 @@ namespace arbor::tools {
 
 namespace {
 
-constexpr const char* help =
+constexpr const char* show_help =
     R"(A leaf shows its class and, in brackets, the weight of its training cases and, behind a
 stroke, the weight of those of other classes. A test shows its number in square brackets,
 which --node takes to rate every attribute on the rows of a table that come to the test.
@@ -53,7 +53,7 @@ void draw(const std::string& graph, const std::string& path) {
 }  // namespace
 
 show_command::show_command(CLI::App& app)
-    : command(app, "show", "Show a saved tree, as text, graph, JSON or picture", help) {
+    : command(app, "show", "Show a saved tree, as text, graph, JSON or picture", show_help) {
   parser.add_option("MODEL", model_path, "A file that arbor grow has saved")->type_name("");
   parser
       .add_option("--format", format,
