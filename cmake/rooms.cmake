@@ -15,3 +15,11 @@ target_link_libraries(arbor_tree
 foreach(room csv table tree store report)
   add_subdirectory(arbor/${room})
 endforeach()
+
+# In unity builds a room is one translation unit.
+get_target_property(sources arbor_tree SOURCES)
+foreach(source ${sources})
+  cmake_path(GET source PARENT_PATH room)
+  set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${room})
+endforeach()
+set_target_properties(arbor_tree PROPERTIES UNITY_BUILD_MODE GROUP)

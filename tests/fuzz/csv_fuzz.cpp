@@ -1,5 +1,5 @@
-// A CSV file as a table: it is refused in words, or every cell of it has a code, quotes around
-// cells make no difference, and a tree grown on it says the same of a row and of its texts.
+// A CSV file as a table: it is refused with a message, or each of its cells has a code, quotes
+// around cells make no difference, and a tree grown on it classifies a row as it does its texts.
 #include "arbor/csv/csv_reader.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/table/table_loader.h"
@@ -11,8 +11,8 @@
 using namespace arbor::fuzz;
 using namespace arbor::tree;
 
-// Of columns named a, b and c, as those of most inputs are.
-static load_options options_off(input& in) {
+// For columns named a, b and c, as those of most inputs are.
+static load_options options_from(input& in) {
   static const char* const types[] = {"integer", "uinteger", "float", "double", "string"};
   static const char* const kinds[] = {"discrete", "continuous", "ignore"};
   static const char* const unknowns[] = {"?", "", "\"\"", "NA", "0", "\x7F\xFF"};
@@ -37,11 +37,10 @@ static std::string quoted(const memory_file& file) {
   input_file source(file.path());
   read_csv(source, [&](const csv_row& row) {
     for (std::size_t cell = 0; cell < row.size(); ++cell) {
-      if (!row.is_empty(cell)) result += '"';
-      for (const char* c = row.text(cell); *c != '\0'; ++c)
-        result += std::string(*c == '"' ? 2 : 1, *c);
-      if (!row.is_empty(cell)) result += '"';
-      result += cell + 1 == row.size() ? '\n' : ',';
+      std::string text;
+      for (const char* c = row.text(cell); *c != '\0'; ++c) text.append(*c == '"' ? 2 : 1, *c);
+      if (!row.is_empty(cell)) text = '"' + text + '"';
+      result += text + (cell + 1 == row.size() ? '\n' : ',');
     }
   });
   return result;
@@ -72,31 +71,31 @@ static void check_tree(const table& rows) {
   const row_classifier of_row(tree, rows);
   text_classifier of_texts(tree);
   for (const auto& weighted : rows.cases) {
-    std::vector<std::string> texts(rows.columns.size());
+    std::vector<std::string> texts;
     std::vector<const char*> values;
+    texts.reserve(tree.attributes.size());
     for (const auto& attribute : tree.attributes) {
       std::size_t i = 0;
       while (rows.columns[i]->get_name() != attribute->get_name()) ++i;
       const unsigned int code = rows.columns[i]->get_row_index(weighted.first);
-      texts[i] = value_text(*rows.columns[i], code);
-      values.push_back(code == 0 ? nullptr : texts[i].c_str());
+      texts.push_back(value_text(*rows.columns[i], code));
+      values.push_back(code == 0 ? nullptr : texts.back().c_str());
     }
-    check(of_row(weighted.first) == of_texts(values),
-          "a tree says the same of a row and of its texts");
+    check(of_row(weighted.first) == of_texts(values), "a row is classified as its texts");
   }
   for (const auto& attribute : tree.attributes) thaw(attribute->get_o_set());
   thaw(tree.class_column->get_o_set());
 }
 
-// All of a table as text, or what it was refused with.
-static std::string told(const memory_file& file, const load_options& options) {
+// All of a table as text, or the message that it was refused with.
+static std::string loaded(const memory_file& file, const load_options& options) {
   std::string all;
   const std::string refused = refusal<table_error>([&] {
     const table rows = load_table(file.path(), options);
     check_codes(rows);
     if (rows.class_column().get_distinct() > 1) check_tree(rows);
     for (const auto& column : rows.columns) {
-      for (const unsigned char byte : record_of(column.get())) all += static_cast<char>(byte);
+      all += record_of(column.get());
       thaw(column->get_o_set());
     }
     for (const auto& [row, weight] : rows.cases)
@@ -110,10 +109,10 @@ static std::string told(const memory_file& file, const load_options& options) {
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   input in{data, size};
-  const load_options options = options_off(in);
+  const load_options options = options_from(in);
   const memory_file file(in.rest());
-  const std::string plain = told(file, options);
+  const std::string plain = loaded(file, options);
   refusal<table_error>(
-      [&] { check_same(told(memory_file(quoted(file)), options), plain, "a table in quotes"); });
+      [&] { check_same(loaded(memory_file(quoted(file)), options), plain, "a table in quotes"); });
   return 0;
 }

@@ -1,4 +1,4 @@
-// What the fuzz targets share: values off the input, checks, files in memory, and records.
+// What the fuzz targets share: values from the input, checks, files in memory, and records.
 //
 //   extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
 //     arbor::fuzz::input in{data, size};
@@ -14,24 +14,19 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "arbor/model/column.h"
-#include "arbor/utils/memory_device.h"
+#include "tests/support/columns.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
 
 namespace arbor::fuzz {
 
-using byte_list = std::vector<unsigned char>;
+using tests::column, tests::o_set, tests::record_of;
 
-// Aborts unless a rule holds, which is how a fuzzer takes note of an input.
+// Aborts unless a rule holds: that is how a fuzzer notices a fault.
 inline void check(bool holds, const std::string& rule) {
   if (holds) return;
-  std::fprintf(stderr, "fault: not so that %s\n", rule.c_str());
+  std::fprintf(stderr, "fault: it does not hold that %s\n", rule.c_str());
   std::abort();
 }
 inline void check_same(const std::string& actual, const std::string& expected,
@@ -50,7 +45,7 @@ std::string refusal(Call call) {
   }
 }
 
-// Values off the front of the input; zeros when that is used up.
+// Values from the front of the input; zeros when that is used up.
 struct input {
   bool empty() const { return size == 0; }
   unsigned int byte() { return empty() ? 0 : (--size, *data++); }
@@ -81,42 +76,30 @@ struct memory_file {
   const int descriptor = memfd_create("fuzz", 0);
 };
 
-// A frozen domain keeps its values for ever, and a fuzzer has not room for that: an insertion makes
-// it let go of them.
-inline void thaw(impls::o_set* domain) {
+// A frozen domain never releases its values, which would fill the memory of a fuzzer. An insertion
+// makes it release them.
+inline void thaw(o_set* domain) {
   refusal([&] { domain->insert(domain->get_null()); });
 }
 struct thawing_delete {
-  void operator()(impls::o_set* domain) const { thaw(domain), delete domain; }
-  void operator()(impls::column* column) const { thaw(column->get_o_set()), delete column; }
+  void operator()(o_set* domain) const { thaw(domain), delete domain; }
+  void operator()(column* column) const { thaw(column->get_o_set()), delete column; }
 };
 template <class T>
 using owner = std::unique_ptr<T, thawing_delete>;
 
+// Null if the record is refused.
 template <class Record>
-byte_list record_of(const Record& source) {
-  strata::inpout::memory_device device;
-  strata::inpout::obinstream out(device);
-  out << source;
-  return device.bytes();
-}
-
-// The record at the front of `bytes`; null, as its target has to be, if it is refused or tells of
-// nothing.
-template <class Record>
-owner<Record> record_in(const byte_list& bytes) {
-  strata::inpout::memory_device device(bytes);
-  strata::inpout::ibinstream in(device);
-  auto* target = reinterpret_cast<Record*>(&device);
-  if (!refusal([&] { in >> target; }).empty())
-    check(target == nullptr, "a refused record leaves its target null");
-  return owner<Record>(target);
+owner<Record> accepted_record(const std::string& bytes) {
+  owner<Record> result;
+  refusal([&] { result.reset(tests::read_record<Record>(bytes).release()); });
+  return result;
 }
 
 template <class Record>
 void check_record(Record* source) {
-  const byte_list bytes = record_of(source);
-  const auto again = record_in<Record>(bytes);
+  const std::string bytes = record_of(source);
+  const auto again = accepted_record<Record>(bytes);
   check(again != nullptr && record_of(again.get()) == bytes,
         "a record is read back to the same bytes");
 }

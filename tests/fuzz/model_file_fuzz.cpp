@@ -1,6 +1,5 @@
-// A model file: whatever is accepted says something of every case, can be shown in every form, and
-// is saved again to the same bytes. The first byte of the input tells whether the rest is a file or
-// what a sound envelope holds.
+// A model file: whatever is accepted can classify, is shown in every form, and is saved again to the
+// same bytes. The first byte of the input chooses whether the rest is a file or only its payload.
 #include <zlib.h>
 
 #include <fstream>
@@ -27,7 +26,7 @@ static std::string in_envelope(const std::string& payload) {
   return "ArborDT\n" + std::string(device.bytes().begin(), device.bytes().end()) + payload;
 }
 
-// A case with the value `code` of every attribute, of none with code 0.
+// Classifies a case with the value `code` of every attribute; code 0 is the unknown value.
 static void classify(const decision_tree& tree, unsigned int code) {
   std::vector<std::string> texts;
   for (const auto& attribute : tree.attributes) texts.push_back(value_text(*attribute, code));
@@ -45,13 +44,12 @@ static void classify(const decision_tree& tree, unsigned int code) {
 static std::string used(const std::string& bytes) {
   const decision_tree tree = load_model(memory_file(bytes).path());
   for (unsigned int code = 0; code < 4; ++code) refusal<unfit_text>([&] { classify(tree, code); });
-  const std::string text =
-      tree_as_text(tree, depth_of_lines(tree, 5)) + tree_as_dot(tree, whole_depth);
-  check(!first_lines(text + tree_as_json(tree), 5).empty(), "a tree is shown");
+  first_lines(tree_as_text(tree, depth_of_lines(tree, 5)), 5);
+  check(tree_as_dot(tree, whole_depth) + tree_as_json(tree) != "", "a tree is shown");
   static const std::string path = "/dev/shm/arbor_fuzz_" + std::to_string(getpid());
   save_model(path, tree);
   std::ifstream file(path, std::ios::binary);
-  unlink(path.c_str());
+  std::remove(path.c_str());
   thaw(tree.class_column->get_o_set());
   for (const auto& attribute : tree.attributes) thaw(attribute->get_o_set());
   return {std::istreambuf_iterator<char>(file), {}};

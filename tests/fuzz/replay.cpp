@@ -1,6 +1,5 @@
-// Runs a fuzz target once on every file of the folders given, so that the inputs that found faults,
-// and those that reach far, are ordinary tests. A fault aborts; the last file named is the one that
-// it is in.
+// Runs a fuzz target once on every file of the given folders, so that the inputs that found faults,
+// and those that reach far, are ordinary tests. A fault aborts; the last file printed is the cause.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -19,7 +18,7 @@ int main(int count, char** folders) {
   for (const auto& path : files) {
     std::cout << path.string() << std::endl;
     std::ifstream file(path, std::ios::binary);
-    const arbor::fuzz::byte_list bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::vector<unsigned char> bytes{std::istreambuf_iterator<char>(file), {}};
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
   }
   return files.empty() ? 1 : 0;

@@ -1,4 +1,4 @@
-"""Makes small changes to the library, one at a time, and tells which of them the tests notice.
+"""Makes small changes to the sources, one at a time, and reports which of them the tests notice.
 
 See script/mutate for its use. Every worker has a copy of the sources and two builds of it: one quick to make, and one
 under AddressSanitizer and UBSan for the changes that the first lets live. A change that does not compile counts for
@@ -22,179 +22,133 @@ import time
 from mutants import mutants_of
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-COPIED = ["CMakeLists.txt", "LICENSE", "README.md", "arbor", "cmake", "examples", "tests"]
+COPIED = ["CMakeLists.txt", "LICENSE", "README.md", "arbor", "cmake", "data", "examples", "tests", "tools"]
 QUICK = "-O0 -w -D_GLIBCXX_ASSERTIONS"
 BUILDS = {"quick": QUICK, "sanitize": QUICK + " -fsanitize=address,undefined -fno-sanitize-recover=all"}
-BUILD_SECONDS = 300
-MEMORY = 6 << 30  # bytes of a quick test; a sanitizer reserves more than there is
-
-
-EQUIVALENT = ROOT / "tests/mutation/equivalent.txt"
+TESTS = {  # the tests that can notice a change, the fastest first
+    "core": ["core_test", "record_fuzz", "domain_fuzz", "allocation_test"],
+    "rooms": ["rooms_test", "csv_fuzz", "model_file_fuzz", "text_fuzz", "program_test", "rooms_allocation_test"],
+    "tools": ["program_test"],
+}
 SURVIVORS = ROOT / "build/mutate/survivors.txt"
 
 
-def changes_in(file):
-    """The changes that a file lists, as (path, line before, line after); "any change" stands for every one."""
-    named = set()
-    path = before = None
-    for line in file.read_text().splitlines():
-        if line.startswith("arbor/"):
-            path = line.partition(":")[0]
-        elif line.startswith("- "):
-            before = line[2:]
-        elif line.startswith("+"):
-            named.add((path, before, line[2:]))
-    return named
+def suite_of(path):
+    return "tools" if path.startswith("tools/") else "core" if path.startswith(("arbor/utils", "arbor/model")) else "rooms"
 
 
-def is_named(mutant, named):
-    return any((mutant.path, mutant.before, after) in named for after in (mutant.after, "any change"))
+def named(mutant, entries):
+    """The entries "PATH: TEXT" whose text is in the changed lines, as they were or as they are."""
+    return [e for e in entries if e[0] == mutant.path and (e[1] in mutant.before or e[1] in mutant.after)]
+
+
+def entries_of(file):
+    return [tuple(line.split("  # ")[0].split(": ", 1)) for line in file.read_text().splitlines() if line[:1] not in "#"]
 
 
 class Worker:
-    """A copy of the sources, in which one file at a time differs."""
-
     def __init__(self, place):
-        self.source = place / "source"
-        self.builds = {name: place / name for name in BUILDS}
-        self.place = place
-        self.patience = {}  # seconds that a program may run
+        self.place, self.source = place, place / "source"
+        self.patience = {}  # seconds that a test may run, by build and name
+        for name in COPIED:  # what differs, so that an earlier run's builds stay of use
+            for origin in [p for p in [ROOT / name, *(ROOT / name).rglob("*")] if p.is_file()]:
+                target = self.source / origin.relative_to(ROOT)
+                target.parent.mkdir(parents=True, exist_ok=True)
+                if not target.exists() or target.read_bytes() != origin.read_bytes():
+                    shutil.copy(origin, target)
 
-    def prepare(self):
-        for name in COPIED:
-            self.copy(ROOT / name)
-        for name, flags in BUILDS.items():
-            definitions = [f"-DCMAKE_CXX_FLAGS={flags}", "-DCMAKE_BUILD_TYPE=None", "-DARBOR_PROGRAM=OFF",
-                           "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]  # fmt: skip
-            command = ["cmake", "-G", "Ninja", "-S", self.source, "-B", self.builds[name], *definitions]
-            subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
-            if not self.build(name):
-                sys.exit(f"the {name} build fails without any change")
-            for command in self.tests(name, ""):
-                begin = time.monotonic()
-                if not self.passes(name, command, 600):
-                    sys.exit(f"{command[0]} fails without any change")
-                self.patience[name, command[0]] = 10 + 5 * (time.monotonic() - begin)
+    def prepare(self, build, suite):
+        command = ["cmake", "-G", "Ninja", "-S", self.source, "-B", self.place / build, "-DARBOR_CORPUS=ON",
+                   "-DCMAKE_BUILD_TYPE=None", f"-DCMAKE_CXX_FLAGS={BUILDS[build]}"]  # fmt: skip
+        if not self.runs(command, 600) or not self.builds(build, suite):
+            sys.exit(f"the {build} build fails without any change")
+        for test in TESTS[suite]:
+            begin = time.monotonic()
+            if not self.passes(build, test, 600):
+                sys.exit(f"{test} fails without any change")
+            self.patience[build, test] = 10 + 5 * (time.monotonic() - begin)
 
-    def copy(self, origin):
-        """Copies what differs, so that an earlier run's builds stay of use."""
-        if origin.is_dir():
-            for child in origin.iterdir():
-                self.copy(child)
-            return
-        target = self.source / origin.relative_to(ROOT)
-        target.parent.mkdir(parents=True, exist_ok=True)
-        if not target.exists() or target.read_bytes() != origin.read_bytes():
-            shutil.copyfile(origin, target)
+    def builds(self, build, suite):
+        return self.runs(["cmake", "--build", self.place / build, "-j", "1", "--target", *TESTS[suite]], 900)
 
-    def build(self, name):
-        command = ["cmake", "--build", self.builds[name], "-j", "1"]
-        return self.runs(command, BUILD_SECONDS)
+    def passes(self, build, test, seconds):
+        folder = self.place / build / "tests"
+        corpus = self.source / "tests/fuzz/corpus" / test
+        limit = 6 << 30 if build == "quick" else resource.RLIM_INFINITY  # bytes; a sanitizer reserves more than there is
+        return self.runs([folder / "fuzz" / test, corpus] if corpus.exists() else [folder / test], seconds, limit)
 
-    def tests(self, name, path):
-        """The commands of all tests, those nearest to the path first."""
-        layer = path.split("/")[1] if path else ""
-        tests = sorted(self.builds[name].glob("tests/*_test"), key=lambda p: (not p.name.startswith(layer), p.name))
-        replays = sorted(self.builds[name].glob("tests/fuzz/*_fuzz"))
-        return [[p] for p in tests] + [[p, self.source / "tests/fuzz/corpus" / p.name] for p in replays]
-
-    def passes(self, name, command, seconds):
-        limit = MEMORY if name == "quick" else resource.RLIM_INFINITY
-        return self.runs(command, seconds, lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-
-    def runs(self, command, seconds, before=None):
-        suppressions = f"suppressions={self.source}/tests/support/leaks.supp:print_suppressions=0"
-        environment = {**os.environ, "GTEST_FAIL_FAST": "1", "LSAN_OPTIONS": suppressions, "TMPDIR": str(self.place)}
+    def runs(self, command, seconds, memory=resource.RLIM_INFINITY):
+        environment = {**os.environ, "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1", "TMPDIR": str(self.place),
+                       "LSAN_OPTIONS": f"suppressions={self.source}/tests/support/leaks.supp"}  # fmt: skip
         try:
-            done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL,
-                                  timeout=seconds, env=environment, preexec_fn=before, cwd=self.place)  # fmt: skip
-            return done.returncode == 0
+            return subprocess.run(
+                command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL, timeout=seconds,
+                env=environment, cwd=self.place, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (memory, memory)),
+            ).returncode == 0  # fmt: skip
         except subprocess.TimeoutExpired:
             return False
 
     def verdict(self, mutant):
+        suite = suite_of(mutant.path)
+        for build in BUILDS:
+            if (build, TESTS[suite][-1]) not in self.patience:
+                self.prepare(build, suite)
         changed = self.source / mutant.path
         source = changed.read_text()
-        changed.write_text(mutant.applied_to(source))
+        changed.write_text(source[: mutant.start] + mutant.text + source[mutant.end :])
         try:
-            for name in BUILDS:
-                if not self.build(name):
-                    return "not compiled" if name == "quick" else "killed"
-                for command in self.tests(name, mutant.path):
-                    if not self.passes(name, command, self.patience[name, command[0]]):
-                        return "killed"
+            for build in BUILDS:
+                if not self.builds(build, suite):
+                    return "not compiled"
+                if not all(self.passes(build, test, self.patience[build, test]) for test in TESTS[suite]):
+                    return "killed"
             return "survived"
         finally:
             changed.write_text(source)
 
 
-def chosen(arguments):
-    files = sorted(p for layer in ("utils", "model") for p in (ROOT / "arbor" / layer).iterdir())
-    mutants = []
-    for file in files:
-        path = str(file.relative_to(ROOT))
-        mutants += mutants_of(path, file.read_text())
-    random.Random(arguments.seed).shuffle(mutants)
-    if arguments.again:
-        listed = changes_in(SURVIVORS)
-        mutants = [m for m in mutants if is_named(m, listed)]
-    places = arguments.places
-    if places:
-        mutants = [m for m in mutants if m.path in places or f"{m.path}:{m.line}" in places]
-    return mutants[: arguments.count]
-
-
 def run(arguments):
-    mutants, named = chosen(arguments), changes_in(EQUIVALENT)
+    files = sorted(p for room in ("arbor", "tools") for p in (ROOT / room).rglob("*.*") if p.suffix in (".h", ".cpp"))
+    everything = [m for p in files for m in mutants_of(str(p.relative_to(ROOT)), p.read_text())]
+    equivalent = entries_of(ROOT / "tests/mutation/equivalent.txt")
+    for entry in set(equivalent).difference(*([*named(m, equivalent)] for m in everything)):
+        print("equivalent.txt names no change that can be made:", *entry)
+    mutants = [m for m in everything if not arguments.again or named(m, entries_of(SURVIVORS))]
+    places = tuple(arguments.places) or ("",)
+    mutants = [m for m in mutants if m.path.startswith(places) or f"{m.path}:{m.line}" in places]
+    random.Random(arguments.seed).shuffle(mutants)
     end = time.monotonic() + 60 * arguments.minutes
-    idle = queue.SimpleQueue()
-    workers = [Worker(ROOT / "build/mutate" / str(number)) for number in range(os.cpu_count())]
-    tallies = collections.defaultdict(collections.Counter)
-    survivors = []  # as they are printed
+    idle, tallies, survivors = queue.SimpleQueue(), collections.defaultdict(collections.Counter), []
+    for number in range(os.cpu_count()):
+        idle.put(Worker(ROOT / "build/mutate" / str(number)))
 
-    def judged(mutant):
+    def judge(mutant):
         if time.monotonic() > end:
             return
         worker = idle.get()
-        try:
-            verdict = worker.verdict(mutant)
-        finally:
-            idle.put(worker)
-        if verdict == "survived" and is_named(mutant, named):
+        verdict = worker.verdict(mutant)
+        idle.put(worker)
+        if verdict == "survived" and named(mutant, equivalent):
             verdict = "equivalent"
         tallies[mutant.path][verdict] += 1
         if verdict == "survived":
-            survivors.append(f"{mutant.path}:{mutant.line}\n- {mutant.before}\n+ {mutant.after}\n")
-            print(survivors[-1], end="", flush=True)
+            survivors.append(f"{mutant.path}: {mutant.after}\n")
+            print(f"{mutant.path}:{mutant.line}\n- {mutant.before}\n+ {mutant.after}\n", flush=True)
 
-    with concurrent.futures.ThreadPoolExecutor(len(workers)) as pool:
-        list(pool.map(Worker.prepare, workers))
-        for worker in workers:
-            idle.put(worker)
-        list(pool.map(judged, mutants))
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        list(pool.map(judge, mutants[: arguments.count]))
     SURVIVORS.write_text("".join(survivors))
-    return report(tallies, len(mutants))
-
-
-def report(tallies, chosen_count):
     total = sum(tallies.values(), collections.Counter())
-    print(f"\n{'file':<36}{'killed':>8}{'of':>8}{'share':>8}{'equivalent':>12}{'not compiled':>14}")
     for path, tally in [*sorted(tallies.items()), ("all", total)]:
-        of = tally["killed"] + tally["survived"]
-        share = f"{tally['killed'] / of:.0%}" if of else "-"
-        print(f"{path:<36}{tally['killed']:>8}{of:>8}{share:>8}{tally['equivalent']:>12}{tally['not compiled']:>14}")
-    print(f"{sum(total.values())} of {chosen_count} changes tried")
-    return total["survived"]
+        share = tally["killed"] / max(1, tally["killed"] + tally["survived"])
+        print(f"{path:<40}{share:>5.0%} killed;", ", ".join(f"{count} {verdict}" for verdict, count in tally.items()))
+    return 1 if survivors else 0
 
 
-def main():
-    parser = argparse.ArgumentParser(prog="script/mutate", description=__doc__.partition("\n")[0])
-    parser.add_argument("places", nargs="*", help="only these files, or lines as FILE:LINE; by default all of the library")
-    parser.add_argument("--minutes", type=float, default=20, help="how long to begin new changes (%(default)s)")
-    parser.add_argument("--seed", type=int, default=1, help="of the order in which they are tried (%(default)s)")
-    parser.add_argument("--again", action="store_true", help="only what survived in the last run")
-    parser.add_argument("--count", type=int, help="how many to try at most")
-    sys.exit(1 if run(parser.parse_args()) else 0)
-
-
-main()
+parser = argparse.ArgumentParser(prog="script/mutate", description=__doc__.partition("\n")[0])
+parser.add_argument("places", nargs="*", help="only these files or folders, or lines as FILE:LINE; by default all")
+parser.add_argument("--minutes", type=float, default=20, help="how long to begin new changes (%(default)s)")
+parser.add_argument("--seed", type=int, default=1, help="of the order in which they are tried (%(default)s)")
+parser.add_argument("--again", action="store_true", help="only what survived in the last run")
+parser.add_argument("--count", type=int, help="how many to try at most")
+sys.exit(run(parser.parse_args()))

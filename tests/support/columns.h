@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "arbor/model/column.h"
+#include "arbor/utils/memory_device.h"
 
 namespace arbor::tests {
 
@@ -42,6 +43,31 @@ inline std::unique_ptr<column> make_column(const std::string& kind, const std::s
   domain.release();  // the column has adopted it
   for (const std::string& row : rows) result->push_back(row.c_str());
   return result;
+}
+
+// The record of a domain, a column (both by pointer) or a split.
+template <class Source>
+std::string record_of(const Source& source) {
+  strata::inpout::memory_device device;
+  strata::inpout::obinstream out(device);
+  out << source;
+  return {device.bytes().begin(), device.bytes().end()};
+}
+
+// The domain or column whose record begins `bytes`, null if it is that of none. Throws what the
+// record is refused with, and std::logic_error if the caller's pointer is not null then.
+template <class Record>
+std::unique_ptr<Record> read_record(const std::string& bytes) {
+  strata::inpout::memory_device device({bytes.begin(), bytes.end()});
+  strata::inpout::ibinstream in(device);
+  auto* target = reinterpret_cast<Record*>(&device);
+  try {
+    in >> target;
+  } catch (...) {
+    if (target != nullptr) throw std::logic_error("a pointer is left after a failed read");
+    throw;
+  }
+  return std::unique_ptr<Record>(target);
 }
 
 // What `call` is refused with; empty when it is not.

@@ -1,0 +1,84 @@
+// The records of domains, columns and splits: whatever is accepted can be used and saved again. The
+// first byte of the input chooses one of them.
+#include "arbor/model/extract_rows.h"
+#include "tests/fuzz/fuzz.h"
+
+using namespace arbor::fuzz;
+using split = column::partition_desc;
+
+static void check_domain(const std::string& bytes) {
+  const auto domain = accepted_record<o_set>(bytes);
+  if (domain == nullptr) return;
+  check_record(domain.get());
+  check_same(record_of(owner<o_set>(domain->clone()).get()), record_of(domain.get()), "a clone");
+  const unsigned int known = domain->size_of_known();
+  for (unsigned int code = 0, found = 0; code <= known; ++code) {
+    const std::string text = domain->get_value(code);
+    refusal([&] {
+      check(!domain->get_order(text.c_str(), found) || found <= known, "a code found exists");
+    });
+    refusal([&] { domain->find_mid(code, known - code); });
+    refusal([&] { domain->leq(code, text); });
+  }
+  check_same(domain->get_value(known + 1), domain->get_null(), "the text of a code too high");
+  thaw(domain.get());  // sorts the values again
+  check(domain->size_of_known() <= known, "an insertion of the unknown value adds no other");
+  check_record(domain.get());
+}
+
+static void check_column(const std::string& bytes) {
+  const auto accepted = accepted_record<column>(bytes);
+  if (accepted == nullptr) return;
+  check_record(accepted.get());
+  const std::string whole = record_of(accepted.get());
+  const owner<column> copy(accepted->clone(false)), part(accepted->clone(true));
+  check_same(record_of(copy.get()), whole, "a clone");
+  refusal([&] { accepted->find_threshold(1, accepted->get_distinct() - 1); });
+
+  arbor::impls::w_sequence cases;
+  std::vector<unsigned int> codes;
+  for (unsigned int row = 0; row < accepted->size(); ++row) {
+    accepted->get_row_value(row);
+    check(!accepted->less_than(row, row), "no value comes before itself");
+    cases.push_back({row, 1});
+    codes.push_back(accepted->get_row_index(row));
+  }
+  refusal([&] {
+    const auto extract = arbor::impls::extract_rows(*accepted, cases);
+    check_same(record_of(extract.get()), whole, "an extract of all rows");
+  });
+  // Codes beyond the domain are refused.
+  if (refusal([&] { part->append_codes(codes.data(), accepted->size()); }).empty())
+    check_same(record_of(part.get()), whole, "a column of the same codes");
+  for (unsigned int branch = 0; branch < 4; ++branch) {
+    float share = 0;
+    strata::util::pair<unsigned int, unsigned int> range{0, 0};
+    refusal([&] {
+      delete accepted->partition(cases.begin(), cases.end(), branch, 9, share, range,
+                                 {accepted->get_value(branch), 2});
+    });
+  }
+}
+
+static bool load(const std::string& bytes, split& target) {
+  strata::inpout::memory_device device({bytes.begin(), bytes.end()});
+  strata::inpout::ibinstream in(device);
+  return refusal([&] { in >> target; }).empty();
+}
+
+static void check_split(const std::string& bytes) {
+  split target{"older", 7}, again;
+  if (!load(bytes, target))
+    check_same(target.threshold + std::to_string(target.branches), "older7", "a refused split");
+  check(load(record_of(target), again) && record_of(again) == record_of(target),
+        "a split is read back");
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  input in{data, size};
+  const unsigned int kind = in.below(3);
+  if (kind == 0) check_domain(in.rest());
+  if (kind == 1) check_column(in.rest());
+  if (kind == 2) check_split(in.rest());
+  return 0;
+}
