@@ -91,7 +91,7 @@ std::string first_lines(const std::string& text, std::size_t lines) {
 }
 
 std::string size_line(const decision_tree& tree) {
-  const tree_size size = measure(tree);
+  const tree_size size = size_of(tree);
   return fmt::format("{}, {}, depth {}", counted(size.nodes, "node"),
                      counted(size.leaves, "leaf", "leaves"), size.depth);
 }

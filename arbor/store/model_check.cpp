@@ -3,7 +3,7 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "arbor/table/table.h"
+#include "arbor/table/value_text.h"
 
 namespace arbor::tree {
 
