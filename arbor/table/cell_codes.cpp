@@ -95,15 +95,16 @@ std::vector<std::uint32_t> keys_of_texts(const text_dictionary& texts, KeyOfText
   return keys;
 }
 
-// Zero and its negative are one value, and a domain that gets both keeps zero.
+// Zero and its negative are one value: the one in the first row that has either.
 void join_zeros(cell_blocks<std::uint32_t>& keys) {
-  bool has_zero = false;
-  keys.for_each_block([&](const std::uint32_t* k, std::size_t count) {
-    has_zero = has_zero || std::find(k, k + count, zero_key) != k + count;
-  });
-  if (!has_zero) return;
-  keys.for_each_block([](std::uint32_t* k, std::size_t count) {
-    std::replace(k, k + count, negative_zero_key, zero_key);
+  const auto is_zero = [](std::uint32_t k) { return k == zero_key || k == negative_zero_key; };
+  std::uint32_t first = unknown_key;
+  keys.for_each_block([&](std::uint32_t* k, std::size_t count) {
+    if (first == unknown_key) {
+      const std::uint32_t* const found = std::find_if(k, k + count, is_zero);
+      if (found != k + count) first = *found;
+    }
+    std::replace_if(k, k + count, is_zero, first);
   });
 }
 
