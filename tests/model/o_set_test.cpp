@@ -59,24 +59,28 @@ TEST(Domain, IsMadeByTheExactNameOfItsDataTypeAndHoldsTheNullTextOnceInserted) {
 
 TEST(Domain, NumbersRandomValuesInOrderAlsoWhenAskedInBetween) {
   std::mt19937 random(4);
-  for (const std::string& name : listed("integer,uinteger,float,double,string")) {
-    const auto before = [&](const auto& a, const auto& b) {
-      return name == "string" ? a < b : std::stod(a) < std::stod(b);
-    };
-    std::set<std::string, decltype(before)> model(before);
-    const auto domain = make_domain(name, {"?"});
-    for (int insertion = 1; insertion <= 1500; ++insertion) {
-      const int number = static_cast<int>(random() % 2000) - (name == "uinteger" ? 0 : 1000);
-      const std::string text =
-          strata::util::number_text(number / (name == "float" || name == "double" ? 8.0 : 1.0));
-      domain->insert(text.c_str());
-      model.insert(text);
-      if (insertion % 500 != 0) continue;
-      ASSERT_EQ(known_texts(*domain), texts(model.begin(), model.end())) << name;
-      int code = 0;
-      for (const std::string& known : model)
-        ASSERT_EQ(code_of(*domain, known), ++code) << name << " " << known;
-      EXPECT_EQ(code_of(*domain, "2000") + code_of(*domain, "999999"), -2);
+  // How many different values, and their distance: multiples of 1339 meet in one slot of the cache.
+  for (const auto& [different, distance] :
+       {std::pair{50U, 1}, {3, 1339}, {3000, 1}, {2900, -2678}}) {
+    for (const std::string& name : listed("integer,uinteger,float,double,string")) {
+      const auto before = [text = name == "string"](const auto& a, const auto& b) {
+        return text ? a < b : std::stod(a) < std::stod(b);
+      };
+      std::set<std::string, decltype(before)> model(before);
+      const auto domain = make_domain(name, {"?"});
+      for (int insertion = 1; insertion <= 4000; ++insertion) {
+        const int number = distance * static_cast<int>(random() % different);
+        const std::string text = name == "uinteger"  ? std::to_string(std::abs(number))
+                                 : name == "integer" ? std::to_string(number)
+                                                     : strata::util::number_text(number / 8.0);
+        domain->insert(text.c_str());
+        model.insert(text);
+        if (insertion % 2000 != 0) continue;
+        ASSERT_EQ(known_texts(*domain), texts(model.begin(), model.end())) << name;
+        int code = 0;
+        for (const std::string& known : model) ASSERT_EQ(code_of(*domain, known), ++code) << known;
+        EXPECT_EQ(code_of(*domain, "4001") + code_of(*domain, "99999999"), -2);
+      }
     }
   }
 }

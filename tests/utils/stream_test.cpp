@@ -111,23 +111,28 @@ TEST(FileDevice, NamesTheFileThatFails) {
 TEST(FileDevice, KnowsWhatIsLeftAsLongAsTheSizeTells) {
   struct reader : file_device {
     explicit reader(const std::string& path) : file_device(path, mode::read) {}
-    // Reads `count` bytes as far as there are any. Returns how many are left then.
-    unsigned long long after(unsigned int count) {
+    // Reads `count` bytes as far as there are any.
+    reader& after(unsigned int count) {
       message_of([&] { read(text, count); });
-      return remaining();
+      return *this;
     }
     char text[16];
   };
   const temporary_file file("eleven byte"), none("");
   constexpr unsigned long long unknown = -1;
-  reader whole(file.path()), growing(file.path());
-  EXPECT_EQ(whole.after(4), 7U);
-  EXPECT_EQ(whole.after(8) + reader(none.path()).after(0), 0U);
-  EXPECT_EQ(growing.after(4), 7U);
+  reader whole(file.path()), growing(file.path()), shrunk(file.path());
+  EXPECT_EQ(whole.after(4).remaining(), 7U);
+  EXPECT_EQ(reader(file.path()).after(12).remaining(), 0U);
+  EXPECT_EQ(reader(none.path()).remaining(), 0U);
+  whole.after(8);
   std::ofstream(file.path(), std::ios::app) << ", more";
-  EXPECT_TRUE(growing.after(7) == unknown && growing.after(5) == unknown);
-  EXPECT_TRUE(growing.after(1) == 0 && whole.after(6) == 0 && whole.text[5] == 'e');
-  EXPECT_TRUE(reader("/dev/zero").after(2) == unknown && reader("/proc/stat").after(2) == unknown);
+  for (const unsigned int count : {11U, 5U})
+    EXPECT_EQ(growing.after(count).remaining(), unknown) << "there is more";
+  EXPECT_TRUE(growing.after(1).remaining() == 0 && whole.after(6).text[5] == 'e');
+  std::ofstream(file.path(), std::ios::trunc) << "x";
+  EXPECT_EQ(shrunk.after(2).remaining() + whole.remaining(), 0U);
+  for (const char* sizeless : {"/dev/zero", "/proc/stat"})
+    EXPECT_EQ(reader(sizeless).after(2).remaining(), unknown);
 }
 
 }  // namespace arbor::tests
