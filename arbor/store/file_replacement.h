@@ -10,10 +10,10 @@
 
 namespace arbor::tree {
 
-// Until `commit` has returned, the present file stays as it is, whatever happens. The temporary file
-// beside it is removed with this object, and also when a signal ends the process (SIGINT, SIGTERM,
-// SIGHUP, SIGQUIT, SIGXFSZ). Only one object may exist at a time. A link to an existing file is
-// followed, and the access rights of an existing file are kept.
+// Until `commit` has returned, the present file stays as it is, whatever happens. The temporary
+// file beside it is removed with this object, and also when a signal ends the process (SIGINT,
+// SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ). Only one object may exist at a time. A link to an existing
+// file is followed, and the access rights of an existing file are kept.
 class file_replacement {
  public:
   // Creates the temporary file, empty, in the folder of the file. Throws table_error, also if

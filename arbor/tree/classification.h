@@ -63,8 +63,8 @@ class text_classifier {
   explicit text_classifier(const decision_tree& tree);
 
   // `texts` has an entry for each attribute of the tree: the text as it stands in a table, null for
-  // the unknown value. Throws unfit_text for the first text that does not fit, and for one that
-  // reads as not a number.
+  // the unknown value. Throws unfit_text for the first text that is not of the data type or reads
+  // as not a number, unless it is the text of the unknown value in the attribute's domain.
   std::vector<double> operator()(const std::vector<const char*>& texts);
 
  private:
