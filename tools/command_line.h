@@ -26,8 +26,8 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv);
 // What "arbor NAME ..." does.
 class command {
  public:
-  // Adds a command to `app`, which must outlive it. `description` is one line; `help` is shown below
-  // the options. Neither may be wider than 80 columns.
+  // Adds a command to `app`, which must outlive it. `description` is one line; `help` is shown
+  // below the options. Neither may be wider than 80 columns.
   command(CLI::App& app, const char* name, const char* description, const char* help);
   virtual ~command() = default;
   command(const command&) = delete;

@@ -1,7 +1,8 @@
 // Writes JSON piece by piece, with numbers that read back to the same float.
 //
 //   json_writer json;
-//   json.open('{').member("name", "golf").key("classes").open('[').value("no").value("yes").close().close();
+//   json.open('{').member("name", "golf");
+//   json.key("classes").open('[').value("no").value("yes").close().close();
 //   std::string text = json.text();
 //
 // The text grows as it is written. A document in memory would hold the whole report a second time,

@@ -15,9 +15,9 @@ namespace arbor::tree {
 // The depth that shows a tree of any size.
 constexpr std::size_t whole_depth = std::numeric_limits<std::size_t>::max();
 
-// A line for each branch, indented by the depth of its test. A leaf follows after a colon: its class
-// and, in brackets, the weight of its training cases and after a slash the weight of those of other
-// classes. A test shows its number in square brackets; the root is number 0:
+// A line for each branch, indented by the depth of its test. A leaf follows after a colon: its
+// class and, in brackets, the weight of its training cases and after a slash the weight of those of
+// other classes. A test shows its number in square brackets; the root is number 0:
 //
 //   outlook = overcast: yes (4)
 //   outlook = sunny [3]
