@@ -14,6 +14,7 @@
 #include <tuple>
 #include <utility>
 
+#include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
