@@ -208,7 +208,7 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
       std::string cell = std::to_string(draw(range));
       if (sort == 1 && cell != "0") cell = "-" + cell;
       if (sort == 2) cell += "." + std::to_string(draw(100));
-      if (sort == 3 && chosen.size() < 5) cell = "text " + cell;
+      if (sort == 3 && chosen.size() < 5 && draw(9) > 0) cell = "text " + cell;
       if (sort == 4) cell = "0." + std::to_string(draw(range)) + cell;
       if (cells.size() >= first_odd && draw(50) == 0) cell = odd[draw(odd.size())];
       while (!chosen.empty() && distinct.count(cell) == 0 && !fits(chosen, cell))
@@ -219,8 +219,8 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
       if (cell != "?") distinct.insert(cell);
     }
     if (distinct.empty()) continue;
-    std::string type = chosen;
-    for (const std::string narrower : {"string", "float", "integer"}) {
+    std::string type = chosen.empty() ? "string" : chosen;
+    for (const std::string narrower : {"float", "integer"}) {
       const auto fits_it = [&](const std::string& cell) { return fits(narrower, cell); };
       if (chosen.empty() && std::all_of(distinct.begin(), distinct.end(), fits_it)) type = narrower;
     }
