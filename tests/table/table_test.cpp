@@ -168,6 +168,13 @@ TEST(Table, HasTheWeightsAndCodesOfItsRows) {
     EXPECT_NE(outcome("w,a/1,1/" + weight + ",1", "weights w"), "") << weight;
 }
 
+TEST(Table, NeedsNamesOfSeveralColumns) {
+  const auto load = [](const std::string& path) { tree::load_table(path, {}); };
+  EXPECT_EQ(refusal("", load), ": empty; a table begins with a row of column names");
+  EXPECT_EQ(refusal("a;c\nx\n", load),
+            ":1: only one column, \"a;c\"; a table has several, between commas");
+}
+
 TEST(Table, TakesNoKnownTextForTheUnknownOne) {
   const table loaded = load_csv("a,c\n\"\",x\n,x\n?,x\n\x7F?,x\n", options_of("unknown ''"));
   EXPECT_EQ(loaded.columns[0]->get_o_set()->size_of_known(), 3U);
