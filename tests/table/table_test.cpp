@@ -6,7 +6,6 @@
 
 #include "arbor/table/value_text.h"
 #include "arbor/utils/memory_device.h"
-#include "arbor/utils/number_text.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -249,19 +248,6 @@ TEST(ValueText, IsThatOfAnyBytes) {
   }
   for (const std::string text : {"\x7F", "\x7FG1", "a\x7F\x31G", "a\x7F\x34"})
     EXPECT_EQ(tree::to_cell_text(text), text);
-}
-
-TEST(ValueText, IsANumberAsTheDomainHoldsIt) {
-  const texts cases = listed(
-      "integer, +7,7,integer,7.0,no,integer,4e9,no,uinteger,4294967295,4294967295,uinteger,-0,no,"
-      "float,0.1,0.100000001490116119384765625,float,x,no,float,nan,no,float,,no,double,0.5,0.5");
-  for (std::size_t i = 0; i < cases.size(); i += 3) {
-    double number = -1;
-    const bool is_number = tree::number_of_text(*make_column("discrete", cases[i], {"1"}),
-                                                cases[i + 1].c_str(), number);
-    EXPECT_EQ(is_number ? strata::util::number_text(number) : "no", cases[i + 2]);
-    EXPECT_EQ(is_number, number != -1);
-  }
 }
 
 }  // namespace
