@@ -1,4 +1,4 @@
-// The options that every command has that loads a table.
+// The options of all commands that load a table.
 #ifndef ARBOR_TOOLS_TABLE_OPTIONS_H
 #define ARBOR_TOOLS_TABLE_OPTIONS_H
 
@@ -15,11 +15,11 @@ class table_options {
   // Adds the options to a command. The object must stay where it is until the command line has been
   // read.
   void add_to(CLI::App& command);
-  // Adds only those that tell what is unknown and what weighs how much, for tables whose types and
-  // class a model tells.
+  // Adds only the options for unknown texts and weights, for tables whose types and class are those
+  // of a model.
   void add_cell_options_to(CLI::App& command);
 
-  // What was chosen. Throws usage_error for an option's value that is none.
+  // What was chosen. Throws usage_error for a value that an option does not take.
   tree::load_options chosen() const;
 
  private:
@@ -31,11 +31,11 @@ class table_options {
   std::vector<std::string> kinds;
 };
 
-// Loads a table, showing progress and what there is to remark on standard error. Throws usage_error
-// without a path.
+// Loads a table, and shows its progress and its remarks on standard error. Throws usage_error when
+// the path is empty.
 tree::table read_table(const std::string& path, tree::load_options options);
 
-// Reads an option's finite number from 0 up, and from 0 to 1. Throws usage_error.
+// Each reads an option's value, a finite number from 0 up and one from 0 to 1. Throws usage_error.
 float weight_value(const std::string& option, const std::string& given);
 float share_value(const std::string& option, const std::string& given);
 

@@ -1,4 +1,5 @@
-// The text of a cell as the CSV reader hands it out, and its characters eight at a time.
+// The text of a cell as the CSV reader hands it out, and ways to read eight of its characters at a
+// time.
 #ifndef ARBOR_CSV_CELL_TEXT_H
 #define ARBOR_CSV_CELL_TEXT_H
 
@@ -7,9 +8,8 @@
 
 namespace arbor::tree {
 
-// NUL-terminated, with no other zero byte in it. Eight bytes can be read from each of its
-// characters and from its end on, whatever they are, so that a loop over eight characters at a time
-// needs no other end.
+// NUL-terminated, without other zero bytes. Eight bytes can be read from each of its characters on,
+// and from its end on, so that a loop over eight characters at a time needs no special case there.
 struct cell_text {
   const char* begin;
   std::size_t length;
@@ -27,7 +27,8 @@ inline std::uint64_t eight_characters(const char* text) {
   return characters;
 }
 
-// The last `length` of them, 1 to 8, are the first of `characters`; zero bytes stand before.
+// Eight characters that end with the first `length` ones, 1 to 8, of `characters`, after zero
+// bytes.
 inline std::uint64_t first_characters_at_end(std::uint64_t characters, std::size_t length) {
   return characters << (64 - 8 * length);
 }

@@ -1,4 +1,6 @@
-// A text as a cell of comma-separated values.
+// Writes a text as a cell of comma-separated values.
+//
+//   csv_cell("red, blue")  // "red, blue", in quotes
 #ifndef ARBOR_CSV_CSV_CELL_H
 #define ARBOR_CSV_CSV_CELL_H
 
@@ -6,7 +8,8 @@
 
 namespace arbor::tree {
 
-// In quotes, with those in it doubled, if it needs them (RFC 4180).
+// The text in quotes, with the quotes in it doubled, if it has a comma, a quote or a newline; else
+// as it is (RFC 4180).
 std::string csv_cell(const std::string& text);
 
 }  // namespace arbor::tree

@@ -48,10 +48,10 @@ void csv_table::check_width(const csv_row& row) const {
               row.size() > column_names.size() ? "; a cell with a comma in it needs quotes" : ""));
 }
 
-std::size_t csv_table::cell_named(const std::string& column, const std::string& option) const {
+std::size_t csv_table::cell_named(const std::string& column, const std::string& purpose) const {
   const auto found = std::find(column_names.begin(), column_names.end(), column);
   if (found == column_names.end()) {
-    fail(fmt::format("there is no column {} for {}{}", in_quotes(column), option,
+    fail(fmt::format("there is no column {} for {}{}", in_quotes(column), purpose,
                      did_you_mean(column, column_names)));
   }
   return static_cast<std::size_t>(found - column_names.begin());

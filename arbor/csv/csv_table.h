@@ -1,5 +1,4 @@
-// A CSV file as rows of cells under named columns, and the words for what is wrong with a place in
-// it.
+// A CSV file as rows of cells under named columns, and messages that name a place in it.
 //
 //   csv_table file("golf.csv", unknown_texts({}));
 //   file.read([&] { play = file.cell_named("play", "class"); },
@@ -17,14 +16,15 @@
 
 namespace arbor::tree {
 
-// All that is thrown is a table_error naming the place.
+// Whatever is thrown is a table_error that names the place.
 class csv_table {
  public:
   csv_table(const std::string& path, unknown_texts chosen)
       : file(path), unknown(std::move(chosen)) {}
 
-  // Reads the file, once, to its end: the column names, and then each row, which has as many cells.
-  // Throws when there are no names, when one is empty or there twice, and for any other row.
+  // Reads the file to its end, once: first the column names, after which it calls `when_named`, and
+  // then each row, which it hands to `use`. Throws when there are no names, when a name is empty or
+  // occurs twice, and for a row that has not as many cells as there are names.
   void read(const std::function<void()>& when_named,
             const std::function<void(const csv_row&)>& use);
 
@@ -32,21 +32,21 @@ class csv_table {
   const std::vector<std::string>& names() const { return column_names; }
   const unknown_texts& unknowns() const { return unknown; }
 
-  // The position of a column. Throws with the nearest name when there is none; `option` is what the
-  // name was given for.
-  std::size_t cell_named(const std::string& column, const std::string& option) const;
+  // The position of a column, from 0. Throws when there is no such column; the message proposes the
+  // nearest name and says what the column is needed for: `purpose`, "the class" for example.
+  std::size_t cell_named(const std::string& column, const std::string& purpose) const;
 
   // The text of a cell, null if it is unknown.
   const char* known_text(const csv_row& row, std::size_t cell) const {
     return unknown.known_text(row, cell);
   }
 
-  // The weight that a cell tells: a finite number from 0 up. Throws for anything else.
+  // The number in a cell of weights, finite and from 0 up. Throws for anything else.
   float weight(const csv_row& row, std::size_t cell) const;
 
   [[noreturn]] void fail(const std::string& what) const;
   [[noreturn]] void fail_at(unsigned long long line, const std::string& what) const;
-  // The message begins with the place and the text of the cell.
+  // The message names the column, quotes the cell and goes on with "is" and `what`.
   [[noreturn]] void fail(const csv_row& row, std::size_t cell, const std::string& what) const;
 
  private:

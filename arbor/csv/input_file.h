@@ -13,15 +13,15 @@ namespace arbor::tree {
 
 class input_file {
  public:
-  // Opens `path`, "-" for standard input, wherever it stands. Throws table_error when it cannot be
-  // opened.
+  // Opens the file at `path`; "-" is standard input, from its current position on. Throws
+  // table_error when it cannot be opened.
   explicit input_file(const std::string& path);
 
-  // Fills `buffer` with the next bytes, at most `size`; fewer than `size` only at the end. Throws
-  // table_error.
+  // Reads the next bytes into `buffer`, and returns how many: `size`, or fewer at the end. Throws
+  // table_error when the file cannot be read.
   std::size_t read(char* buffer, std::size_t size);
 
-  // How messages name it.
+  // How messages name the file.
   const std::string& name() const { return display_name; }
 
  private:

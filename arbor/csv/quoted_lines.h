@@ -47,7 +47,7 @@ class quoted_lines {
   csv_row row;
   std::string cells;          // of the row, a NUL behind each
   bool line_ended = false;    // since this was last set to false
-  bool after_cr = false;      // whether the last line ended in a CR, of which an LF may be a part
+  bool after_cr = false;      // whether a line has ended in a CR, to which an LF may belong
   std::exception_ptr thrown;  // while the parser ran
 };
 

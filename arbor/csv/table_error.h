@@ -1,4 +1,5 @@
-// What is wrong with a table or with what was asked of it, said to a person.
+// The exception for what is wrong with a table, or with what was asked of it. Its message is for
+// people.
 #ifndef ARBOR_CSV_TABLE_ERROR_H
 #define ARBOR_CSV_TABLE_ERROR_H
 
@@ -6,8 +7,8 @@
 
 namespace arbor::tree {
 
-// what() is one line that names the file, and the line and column where there is one, quotes the
-// text, and says what would do.
+// what() is one line. It names the file, and the line and the column where there is one, quotes the
+// text, and names what would be accepted.
 class table_error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -1,5 +1,5 @@
-// A number for each row of a table, kept in blocks: growing moves none of them, leaves at most a
-// block unused, and they can be freed block by block while something else is made of them.
+// A number for each row of a table, kept in blocks: adding one moves no other, at most one block is
+// partly unused, and blocks can be freed one by one while something else is made of them.
 //
 //   cell_blocks<unsigned int> codes;
 //   codes.push_back(7);
@@ -43,7 +43,7 @@ class cell_blocks {
     }
   }
 
-  // Calls use(first, count) for each block and frees it then; no row is left.
+  // Calls use(first, count) for each block and then frees the block. The sequence ends up empty.
   template <class Use>
   void consume(Use use) {
     std::size_t left = size();

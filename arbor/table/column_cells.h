@@ -8,10 +8,10 @@
 // they will as codes:
 //
 //   integers  plain integers, four bytes a row
-//   numbers   plain numbers, eight bytes a row; in place of any other text its code in the dictionary
+//   numbers   plain numbers or, for other texts, their codes in the dictionary, eight bytes a row
 //   texts     codes in the dictionary, four bytes a row
 //
-// Each form still tells the text of every cell.
+// In each form the text of every cell is still known.
 #ifndef ARBOR_TABLE_COLUMN_CELLS_H
 #define ARBOR_TABLE_COLUMN_CELLS_H
 
@@ -28,8 +28,9 @@ namespace arbor::tree {
 class column_cells {
  public:
   enum class form { integers, numbers, texts };
-  // Which cells may be kept as numbers: all plain numbers, or integers alone. Where the point of the
-  // process's locale is not ".", `all` means integers, since a text with a "." is no number then.
+  // Which cells may be kept as numbers: all plain numbers, or integers alone. Where the point of
+  // the process's locale is not ".", `all` means integers, since a text with a "." is no number
+  // then.
   enum class plain { none, integers, all };
 
   explicit column_cells(plain may_be_kept);

@@ -22,8 +22,8 @@ std::size_t lost_numbers(column_cells& cells, const std::vector<double>& text_nu
 std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& text_numbers,
                        const std::vector<unsigned int>& codes);
 
-// Whether a number other than this one, read as `value`, may be the same float. Numbers of up to six
-// significant digits are different floats, unless they are out of the range of full precision
+// Whether a number other than this one, read as `value`, may be the same float. Numbers of up to
+// six significant digits are different floats, unless they are out of the range of full precision
 // (std::numeric_limits<float>::digits10).
 bool may_merge_as_float(const char* text, double value);
 bool may_merge_as_float(plain_number number);

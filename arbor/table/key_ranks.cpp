@@ -11,8 +11,8 @@ namespace {
 
 using key = std::uint32_t;
 
-// In sums of two, four and eight bits; the processors that the library is built for need not be
-// able to count.
+// Adds up the bits in groups of two, four and eight: not every processor that the library is built
+// for has an instruction that counts bits.
 key bit_count(std::uint64_t bits) {
   bits -= bits >> 1U & 0x5555555555555555U;
   bits = (bits & 0x3333333333333333U) + (bits >> 2U & 0x3333333333333333U);
@@ -20,9 +20,9 @@ key bit_count(std::uint64_t bits) {
                           56U);
 }
 
-// Where the keys are dense, a bit for each key from the least to the greatest tells whether it is
-// there, and the rank of a key is the number of bits up to its own. The words take no more than
-// four bytes a row, so that what is read at random stays in the processor's caches for most tables.
+// For dense keys. Each key from the least to the greatest has a bit, which is set if the key
+// occurs; the rank of a key is the number of set bits up to its own. The words take at most four
+// bytes a row, so that for most tables they stay in the processor's caches.
 class presence_ranks {
  public:
   presence_ranks(key least, key greatest)
@@ -46,6 +46,7 @@ class presence_ranks {
     return keys;
   }
 
+  // Of a key that occurs.
   key rank(key k) const {
     const word& w = words[(k - first) / 64];
     return w.before + bit_count(w.bits << (63 - (k - first) % 64));
@@ -54,7 +55,7 @@ class presence_ranks {
  private:
   struct word {
     std::uint64_t bits;
-    key before;  // keys in the words before this one
+    key before;  // how many keys there are in the words before this one
   };
 
   key first;
@@ -66,8 +67,7 @@ struct row_key {
   std::uint32_t row;
 };
 
-// Counting sort by eleven bits of the keys at a time, the lowest first; each pass keeps the order
-// of the one before.
+// A radix sort: one counting sort for each eleven bits of the keys, the lowest first.
 void sort_by_key(std::vector<row_key>& rows) {
   constexpr unsigned int digit_bits = 11;
   std::vector<row_key> sorted(rows.size());
@@ -136,13 +136,14 @@ std::vector<std::uint32_t> rank_keys(cell_blocks<std::uint32_t>& keys) {
   keys.for_each_block([&](const key* k, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
       greatest = std::max(greatest, k[i]);
-      least = std::min(least, k[i] - 1);  // the unknown one is beyond all others then
+      least = std::min(least, k[i] - 1);  // less 1, the unknown key is the greatest number
     }
   });
   if (greatest == unknown_key) return {};
   ++least;
-  constexpr std::size_t keys_per_row =
-      16;  // of which a bit each, and the counts, take less than the sorting would
+  // With so many keys a row, the bits and counts of all keys still take less memory and time than
+  // sorting the rows.
+  constexpr std::size_t keys_per_row = 16;
   return (greatest - least) / keys_per_row <= keys.size() ? rank_dense(keys, least, greatest)
                                                           : rank_sparse(keys);
 }

@@ -76,7 +76,7 @@ std::vector<datatype<Number>> numbers_of(const std::vector<std::uint32_t>& keys,
                                          NumberOfKey number_of_key) {
   std::vector<datatype<Number>> numbers;
   numbers.reserve(keys.size());
-  for (const std::uint32_t key : keys) numbers.emplace_back(number_of_key(key));
+  for (const std::uint32_t k : keys) numbers.emplace_back(number_of_key(k));
   return numbers;
 }
 

@@ -1,9 +1,9 @@
-// Numbers in their plain form, which nearly all numbers in tables have: an optional "-", digits
-// without needless zeros before them, and maybe a point and more digits; not "-0".
+// Numbers in plain form, as nearly all numbers in tables are written: an optional "-", digits
+// without needless zeros before them, and perhaps a point and more digits; not "-0".
 //
-// A plain number is its text in another form: the one tells the other. The cells of a column are
-// therefore kept as numbers while they are plain, and yet nothing of their texts is lost if a later
-// cell makes texts of them all.
+// A plain number and its text can each be made from the other: 1.50 is not 1.5. The cells of a
+// column can therefore be kept as numbers while they are plain, and if a later cell makes a column
+// of texts of it, their texts are still known.
 #ifndef ARBOR_TABLE_PLAIN_NUMBER_H
 #define ARBOR_TABLE_PLAIN_NUMBER_H
 
@@ -15,8 +15,8 @@
 
 namespace arbor::tree {
 
-// Whether the text is a plain integer of at most eight digits, and which: eight digits at a time,
-// since to look for the end of the digits takes the processor longer than what is done with them.
+// Whether the text is a plain integer of at most eight digits, and which one. All digits are read
+// at once: a loop that looks for their end takes longer than the arithmetic.
 inline bool read_plain_integer(cell_text text, int& value) {
   constexpr std::uint64_t each = 0x0101010101010101U;
   const bool negative = *text.begin == '-';
@@ -26,8 +26,8 @@ inline bool read_plain_integer(cell_text text, int& value) {
   if ((characters & 0xFFU) == '0' && (count > 1 || negative)) return false;
   const std::uint64_t digits = first_characters_at_end(characters ^ '0' * each, count);
   if ((((digits + (0x7F - 9) * each) | digits) & 0x80 * each) != 0) return false;
-  const std::uint64_t pairs =
-      digits * 10 + (digits >> 8U);  // each second byte is a number of two digits
+  // Every second byte is a number of two digits.
+  const std::uint64_t pairs = digits * 10 + (digits >> 8U);
   const std::uint64_t upper = (pairs & 0x000000FF000000FFU) * (1000000ULL << 32U | 100U);
   const std::uint64_t lower = (pairs >> 16U & 0x000000FF000000FFU) * (10000ULL << 32U | 1U);
   const int magnitude = static_cast<int>((upper + lower) >> 32U);
@@ -35,13 +35,13 @@ inline bool read_plain_integer(cell_text text, int& value) {
   return true;
 }
 
-// A plain number of at most 17 digits, at most 31 of them behind the point (zeros before the others
-// do not count): the digits without the point, times 32, plus how many stand behind it; negative
-// for a negative number.
+// A plain number of at most 17 digits, not counting zeros before the others, at most 31 of them
+// behind the point: the digits without the point, times 32, plus how many are behind the point. It
+// is negative for a negative number.
 using plain_number = std::int64_t;
 
-// What is no such number; and the end of the digits that one has. Those from there up to 2^58 are
-// free for other use, see column_cells.h.
+// Stands for no such number; and the end of the range of the digits. Digits from there up to 2^58
+// are free for other use, see column_cells.h.
 constexpr plain_number no_plain_number = std::numeric_limits<plain_number>::min();
 constexpr std::uint64_t plain_digits_end = 100000000000000000U;
 
@@ -52,19 +52,19 @@ constexpr plain_number plain_integer(int value) {
 // The number of a text, no_plain_number if there is none.
 plain_number read_plain_number(cell_text text);
 
-// The shortest one that is equal to the number of these digits, without zeros at either end, times
-// ten to the power of `exponent`.
+// The shortest plain number that is equal to these digits, which have no zeros at either end, times
+// ten to the power of `exponent`; no_plain_number if there is none.
 plain_number plain_number_of(bool negative, const std::string& digits, long long exponent);
 
-// Whether it is an integer of 32 bits, but the least of these, and which.
+// Whether the number is an integer of 32 bits, but the least one, and which one.
 bool is_plain_integer(plain_number number, int& value);
 
 std::string text_of(plain_number number);
 
-// As strtod reads the text in a locale whose point is ".".
+// The double that strtod reads from the text in a locale whose point is ".".
 double value_of(plain_number number);
 
-// The same for all plain numbers of the same value: the one that ends in no needless zero.
+// The plain number of the same value that has no needless zero at its end.
 plain_number shortened(plain_number number);
 
 // Whether the number has more than `count` digits, zeros before the others not counted.

@@ -13,7 +13,7 @@ bool is_attribute(const impls::column& column) {
 
 std::size_t unknown_cells(const impls::column& column, const impls::w_sequence& cases) {
   std::size_t count = 0;
-  // A column without known values keeps no rows; the base tells the unknown code for any.
+  // A column without known values keeps no rows; its code of any row is 0.
   impls::with_codes(column, [&](auto code_of) {
     for (const auto& weighted : cases) count += code_of(weighted.first) == 0 ? 1 : 0;
   });
@@ -22,8 +22,8 @@ std::size_t unknown_cells(const impls::column& column, const impls::w_sequence& 
 
 strata::util::pair<unsigned int, unsigned int> occurring_range(const impls::column& column,
                                                                const impls::w_sequence& cases) {
-  unsigned int before_least =
-      std::numeric_limits<unsigned int>::max();  // as it stays when all codes are 0
+  // One less than the least code. Code 0 becomes the greatest number there, which changes nothing.
+  unsigned int before_least = std::numeric_limits<unsigned int>::max();
   unsigned int greatest = 0;
   impls::with_codes(column, [&](auto code_of) {
     for (const auto& weighted : cases) {

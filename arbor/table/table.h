@@ -29,22 +29,22 @@ struct table {
   impls::column& class_column() const { return *columns[class_index]; }
 };
 
-// Whether a column is rated: neither the class nor the weights.
+// Whether a column is an attribute: neither the class nor the weights.
 bool is_attribute(const impls::column& column);
 
-// In how many of the cases the value is unknown.
+// How many of the cases have the unknown value.
 std::size_t unknown_cells(const impls::column& column, const impls::w_sequence& cases);
 
-// The bounds [first, second) of the known codes among cases, (0, 0) when there are none.
+// The bounds [first, second) of the known codes that occur among the cases, (0, 0) when none do.
 strata::util::pair<unsigned int, unsigned int> occurring_range(const impls::column& column,
                                                                const impls::w_sequence& cases);
 
-// The sum of the cases' weights, added up in double so that many light ones count for what they
-// are.
+// The sum of the cases' weights, added up in double so that many light ones are not lost in the
+// rounding.
 float total_weight(const impls::w_sequence& cases);
 
-// The weight of each class among cases of a table, entry c that of the class with code c + 1;
-// likewise added up.
+// The weight of each class among the cases, entry c that of the class with code c + 1, added up in
+// the same way. The class of each case is known.
 std::vector<float> class_weights(const impls::column& classes, const impls::w_sequence& cases);
 
 }  // namespace arbor::tree

@@ -19,7 +19,7 @@ class text_dictionary {
  public:
   // The number of a text, which is added unless it is there.
   unsigned int code_of(cell_text text);
-  // The same for a text that nothing need be readable behind.
+  // The same for a text behind which no more bytes need be readable.
   unsigned int code_of(const std::string& text);
 
   // How many there are.
@@ -43,8 +43,8 @@ class text_dictionary {
 
   std::vector<entry> entries;
   std::string characters;  // the texts, a NUL behind each
-  std::vector<unsigned int>
-      slots;  // codes, each in the first free slot from that of its key on; 0 where none is
+  // Codes, each in the first free slot from that of its key on; 0 is a free slot.
+  std::vector<unsigned int> slots;
   unsigned int slot_bits = 0;
 };
 
@@ -60,9 +60,9 @@ inline unsigned int text_dictionary::code_of(cell_text text) {
   return add(text, key, slot);
 }
 
-// Texts of up to eight characters are their keys. The low byte of the key of a shorter one is zero
-// and no byte of that of eight characters, so that a longer text, whose key is a hash with a low
-// byte of 1 and a zero byte behind it, has the key of none of them.
+// The key of a text of up to eight characters is the text itself. With fewer than eight its low
+// byte is zero, with eight no byte is. The key of a longer text is a hash whose low byte is 1 and
+// whose next byte is zero, so that it is never the key of a short one.
 inline std::uint64_t text_dictionary::key_of(cell_text text) {
   constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
   if (text.length <= 8) {

@@ -5,10 +5,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <stdexcept>
 
 #include "arbor/utils/number_text.h"
-#include "arbor/utils/string_util.h"
 
 namespace arbor::tree {
 
@@ -47,18 +45,6 @@ float compared_float(impls::o_set& domain, unsigned int code) {
     }
   }
   return numbered_float(low);
-}
-
-template <class Integer>
-bool read_integer(const char* text, double& number) {
-  try {
-    Integer value = 0;
-    strata::util::string_util::str2int(text, value);
-    number = static_cast<double>(value);
-    return true;
-  } catch (const std::runtime_error&) {
-    return false;
-  }
 }
 
 }  // namespace
@@ -122,16 +108,6 @@ bool code_of_text(const column& column, const char* text, unsigned int& code) {
   if (domain.get_datatype() == "string")
     return domain.get_order(to_domain_text(text).c_str(), code);
   return domain.get_order(text, code);
-}
-
-bool number_of_text(const column& column, const char* text, double& number) {
-  const std::string data_type = column.get_o_set()->get_datatype();
-  if (data_type == "integer") return read_integer<int>(text, number);
-  if (data_type == "uinteger") return read_integer<unsigned int>(text, number);
-  double value = 0;
-  if (!strata::util::read_number(text, value) || std::isnan(value)) return false;
-  number = data_type == "float" ? static_cast<double>(static_cast<float>(value)) : value;
-  return true;
 }
 
 std::string cut_threshold(const column& column, const column::splitting_desc& split) {

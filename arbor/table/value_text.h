@@ -43,11 +43,6 @@ std::string value_text(const impls::column& column, unsigned int code);
 // then sets `code`. Throws std::runtime_error for a text that is not of the data type.
 bool code_of_text(const impls::column& column, const char* text, unsigned int& code);
 
-// Reads a text as it stands in a file, once, as a number of a column of numbers: the value that the
-// column's domain would hold, whether it is there or not. Returns false, with `number` unchanged,
-// when the text is not of the data type or stands for no number ("nan").
-bool number_of_text(const impls::column& column, const char* text, double& number);
-
 // A threshold for a rated continuous split: the text of a value from the low code to below the high
 // one. It is the one that find_threshold gives, unless that is outside: the middle of neighbouring
 // floats may round to the upper one, and the middle of a number and infinity is infinite. Then it
