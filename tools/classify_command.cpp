@@ -39,7 +39,8 @@ void report(const tree::decision_tree& model, const tree::classification_result&
 }  // namespace
 
 classify_command::classify_command(CLI::App& app)
-    : command(app, "classify", "Tell what a saved tree says of the rows of a table", classify_help) {
+    : command(app, "classify", "Tell what a saved tree says of the rows of a table",
+              classify_help) {
   parser.add_option("MODEL", model_path, "A file that arbor grow has saved")->type_name("");
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   parser.add_option("--output", output_path, "Where the rows go (default: standard output)")

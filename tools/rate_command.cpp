@@ -34,7 +34,8 @@ tree::rating_order order_named(const std::string& name) {
 }  // namespace
 
 rate_command::rate_command(CLI::App& app)
-    : command(app, "rate", "Tell how good a split each attribute of a table would make", rate_help) {
+    : command(app, "rate", "Tell how good a split each attribute of a table would make",
+              rate_help) {
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   table.add_to(parser);
   parser

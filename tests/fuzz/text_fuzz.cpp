@@ -1,5 +1,5 @@
-// Texts of numbers and cells: reading, printing and reading again gives the same, and every fast way
-// agrees with the general one.
+// Texts of numbers and cells: reading, printing and reading again gives the same, and every fast
+// way agrees with the general one.
 #include <cmath>
 #include <cstring>
 
