@@ -99,20 +99,22 @@ void fail_in(const std::string& data_type, column::_type kind) {
     strata::inpout::ibinstream in(device);
     return x->bin_in(in), "";
   });
+  struct parted {
+    owned_column x;
+    float share = untouched;
+    strata::util::pair<unsigned int, unsigned int> range{untouched, untouched};
+  };
   for (const unsigned int branch : {0U, 1U, 2U, 3U}) {
-    check([&](owned_column& x) {
-      float share = untouched;
-      strata::util::pair<unsigned int, unsigned int> range{untouched, untouched};
-      std::unique_ptr<w_sequence> part;
-      try {
-        part.reset(x->partition(cases.begin(), cases.end(), branch, 13.5F, share, range, {one, 2}));
-      } catch (...) {
-        EXPECT_TRUE(share == untouched && range.first == untouched && range.second == untouched);
-        throw;
-      }
-      return std::to_string(part->size()) + " " + std::to_string(share) + " " +
-             std::to_string(range.second);
-    });
+    const auto part = [&](parted& p) {
+      const std::unique_ptr<w_sequence> cases_there(
+          p.x->partition(cases.begin(), cases.end(), branch, 13.5F, p.share, p.range, {one, 2}));
+      return std::to_string(cases_there->size());
+    };
+    fail_each(
+        "partition", [&] { return parted{make()}; }, part,
+        [](const parted& p) {
+          return std::to_string(p.share) + " " + std::to_string(p.range.first + p.range.second);
+        });
   }
 }
 

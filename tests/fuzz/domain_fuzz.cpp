@@ -10,13 +10,9 @@ using namespace arbor::fuzz;
 
 template <class T>
 static T value_of(const std::string& text) {
-  if constexpr (std::is_same_v<T, std::string>) {
-    return text;
-  } else if constexpr (std::is_integral_v<T>) {
-    return static_cast<T>(std::strtoll(text.c_str(), nullptr, 10));
-  } else {
-    return static_cast<T>(std::strtod(text.c_str(), nullptr));
-  }
+  if constexpr (std::is_same_v<T, std::string>) return text;
+  if constexpr (std::is_integral_v<T>) return T(std::strtoll(text.c_str(), nullptr, 10));
+  if constexpr (std::is_floating_point_v<T>) return T(std::strtod(text.c_str(), nullptr));
 }
 
 // Rounded down between integers, to a float between floats.
@@ -51,13 +47,9 @@ static void run(const std::string& type, input& in) {
   const auto insert = [&](const std::string& text) {
     if (!refusal([&] { domain->insert(text.c_str()); }).empty()) return;
     const T value = value_of<T>(text);
-    if (text == "?") {
-      has_unknown = true;
-    } else if (value == value) {
-      values.insert(value);
-    } else {
-      ++nans;
-    }
+    if (text == "?") has_unknown = true;
+    if (text != "?" && value == value) values.insert(value);
+    if (text != "?" && value != value) ++nans;
   };
   while (!in.empty()) {
     const unsigned int step = in.below(10);

@@ -1,5 +1,5 @@
-// A model file: whatever is accepted can classify, is shown in every form, and is saved again to the
-// same bytes. The first byte of the input chooses whether the rest is a file or only its payload.
+// A model file: whatever is accepted can classify, is shown in every form, and is saved again to
+// the same bytes. The first byte of the input chooses whether the rest is a file or its payload.
 #include <zlib.h>
 
 #include <fstream>

@@ -1,7 +1,6 @@
-"""The small changes that can be made to a C++ source: each is one slip that a programmer could make.
-
-The source is read as text, in the spelling of clang-format: an operator between spaces is a binary one.
-"""
+# The small changes that can be made to a C++ source: each is one slip that a programmer could make.
+#
+# The source is read as text, in the spelling of clang-format: an operator between spaces is a binary one.
 
 import re
 from typing import NamedTuple
@@ -35,8 +34,8 @@ RULES = [  # what is replaced, and by what
 ]  # fmt: skip
 
 
+# The spans of the whole statements that stand on lines of their own, blocks left out.
 def statements(code):
-    """The spans of the whole statements that stand on lines of their own, blocks left out."""
     start, depth, offset, fresh = None, 0, 0, True
     for line in code.splitlines(keepends=True):
         text = line.strip()

@@ -1,23 +1,11 @@
-"""Makes small changes to the sources, one at a time, and reports which of them the tests notice.
+# Makes small changes to the sources, one at a time, and reports which of them the tests notice.
+#
+# See script/mutate for its use. Every worker has a copy of the sources and two builds of it: one quick to make, and one
+# under AddressSanitizer and UBSan for the changes that the first lets live. A change that does not compile counts for
+# nothing; one that makes a test fail, crash or run for ever is killed. A survivor is a gap in the tests, unless it is
+# named in equivalent.txt, which says why nobody can tell it from the source as it was.
 
-See script/mutate for its use. Every worker has a copy of the sources and two builds of it: one quick to make, and one
-under AddressSanitizer and UBSan for the changes that the first lets live. A change that does not compile counts for
-nothing; one that makes a test fail, crash or run for ever is killed. A survivor is a gap in the tests, unless it is
-named in equivalent.txt, which says why nobody can tell it from the source as it was.
-"""
-
-import argparse
-import collections
-import concurrent.futures
-import os
-import pathlib
-import queue
-import random
-import resource
-import shutil
-import subprocess
-import sys
-import time
+import argparse, collections, concurrent.futures, os, pathlib, queue, random, resource, shutil, subprocess, sys, time
 
 from mutants import mutants_of
 
@@ -30,20 +18,15 @@ TESTS = {  # the tests that can notice a change, the fastest first
     "rooms": ["rooms_test", "csv_fuzz", "model_file_fuzz", "text_fuzz", "program_test", "rooms_allocation_test"],
     "tools": ["program_test"],
 }
-SURVIVORS = ROOT / "build/mutate/survivors.txt"
 
 
 def suite_of(path):
     return "tools" if path.startswith("tools/") else "core" if path.startswith(("arbor/utils", "arbor/model")) else "rooms"
 
 
+# The entries (path, text) whose text is in the changed lines, as they were or as they are.
 def named(mutant, entries):
-    """The entries "PATH: TEXT" whose text is in the changed lines, as they were or as they are."""
     return [e for e in entries if e[0] == mutant.path and (e[1] in mutant.before or e[1] in mutant.after)]
-
-
-def entries_of(file):
-    return [tuple(line.split("  # ")[0].split(": ", 1)) for line in file.read_text().splitlines() if line[:1] not in "#"]
 
 
 class Worker:
@@ -110,15 +93,15 @@ class Worker:
 def run(arguments):
     files = sorted(p for room in ("arbor", "tools") for p in (ROOT / room).rglob("*.*") if p.suffix in (".h", ".cpp"))
     everything = [m for p in files for m in mutants_of(str(p.relative_to(ROOT)), p.read_text())]
-    equivalent = entries_of(ROOT / "tests/mutation/equivalent.txt")
+    lines = (ROOT / "tests/mutation/equivalent.txt").read_text().splitlines()[1:]
+    equivalent = [tuple(line.split("  # ")[0].split(": ", 1)) for line in lines]
     for entry in set(equivalent).difference(*([*named(m, equivalent)] for m in everything)):
         print("equivalent.txt names no change that can be made:", *entry)
-    mutants = [m for m in everything if not arguments.again or named(m, entries_of(SURVIVORS))]
     places = tuple(arguments.places) or ("",)
-    mutants = [m for m in mutants if m.path.startswith(places) or f"{m.path}:{m.line}" in places]
+    mutants = [m for m in everything if m.path.startswith(places) or f"{m.path}:{m.line}" in places]
     random.Random(arguments.seed).shuffle(mutants)
     end = time.monotonic() + 60 * arguments.minutes
-    idle, tallies, survivors = queue.SimpleQueue(), collections.defaultdict(collections.Counter), []
+    idle, tallies = queue.SimpleQueue(), collections.defaultdict(collections.Counter)
     for number in range(os.cpu_count()):
         idle.put(Worker(ROOT / "build/mutate" / str(number)))
 
@@ -132,23 +115,20 @@ def run(arguments):
             verdict = "equivalent"
         tallies[mutant.path][verdict] += 1
         if verdict == "survived":
-            survivors.append(f"{mutant.path}: {mutant.after}\n")
             print(f"{mutant.path}:{mutant.line}\n- {mutant.before}\n+ {mutant.after}\n", flush=True)
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         list(pool.map(judge, mutants[: arguments.count]))
-    SURVIVORS.write_text("".join(survivors))
     total = sum(tallies.values(), collections.Counter())
     for path, tally in [*sorted(tallies.items()), ("all", total)]:
         share = tally["killed"] / max(1, tally["killed"] + tally["survived"])
         print(f"{path:<40}{share:>5.0%} killed;", ", ".join(f"{count} {verdict}" for verdict, count in tally.items()))
-    return 1 if survivors else 0
+    return 1 if total["survived"] else 0
 
 
-parser = argparse.ArgumentParser(prog="script/mutate", description=__doc__.partition("\n")[0])
+parser = argparse.ArgumentParser(prog="script/mutate", description="Makes small changes, and reports which the tests notice.")
 parser.add_argument("places", nargs="*", help="only these files or folders, or lines as FILE:LINE; by default all")
 parser.add_argument("--minutes", type=float, default=20, help="how long to begin new changes (%(default)s)")
 parser.add_argument("--seed", type=int, default=1, help="of the order in which they are tried (%(default)s)")
-parser.add_argument("--again", action="store_true", help="only what survived in the last run")
 parser.add_argument("--count", type=int, help="how many to try at most")
 sys.exit(run(parser.parse_args()))
