@@ -10,12 +10,13 @@ namespace arbor::impls {
 
 namespace {
 
-// A domain that has the values of another one, which it does not own.
+// A domain that has the values of another one, which it does not own. Borrowed from a borrowed one,
+// it goes to the owner of the values itself.
 class borrowed_domain : public o_set {
  public:
-  explicit borrowed_domain(o_set& of_source)
-      : o_set(of_source.get_datatype(), of_source.admits_null(), of_source.get_null()),
-        source(of_source) {
+  explicit borrowed_domain(o_set& lender)
+      : o_set(lender.get_datatype(), lender.admits_null(), lender.get_null()),
+        source(owner_of(lender)) {
     contains_null_ = source.contains_null();
   }
 
@@ -41,6 +42,11 @@ class borrowed_domain : public o_set {
   }
 
  private:
+  static o_set& owner_of(o_set& lender) {
+    auto* const borrowed = dynamic_cast<borrowed_domain*>(&lender);
+    return borrowed == nullptr ? lender : borrowed->source;
+  }
+
   o_set& source;
 };
 

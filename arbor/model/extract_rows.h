@@ -13,7 +13,8 @@
 namespace arbor::impls {
 
 // A column of the same kind and name with the rows of `cases` alone, in their order. Its domain
-// passes every question on to that of `source`, which must outlive it.
+// passes every question on to that of `source`, or of the column that `source` itself was copied
+// from: that domain must outlive it, `source` need not.
 //
 // `source` is of one of the library's own classes (see is_library_column), and so is the copy. What
 // a derived class overrides would be lost. Throws std::runtime_error if a code of these rows is not

@@ -110,11 +110,4 @@ bool code_of_text(const column& column, const char* text, unsigned int& code) {
   return domain.get_order(text, code);
 }
 
-std::string cut_threshold(const column& column, const column::splitting_desc& split) {
-  std::string threshold = column.find_threshold(split.low_code, split.high_code);
-  const unsigned int code = column.get_index(threshold.c_str());
-  const bool separates = split.low_code <= code && code < split.high_code;
-  return separates ? threshold : shortest_value(column, split.low_code);
-}
-
 }  // namespace arbor::tree

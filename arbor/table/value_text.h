@@ -43,13 +43,6 @@ std::string value_text(const impls::column& column, unsigned int code);
 // then sets `code`. Throws std::runtime_error for a text that is not of the data type.
 bool code_of_text(const impls::column& column, const char* text, unsigned int& code);
 
-// A threshold for a rated continuous split: the text of a value from the low code to below the high
-// one. It is the one that find_threshold gives, unless that is outside: the middle of neighbouring
-// floats may round to the upper one, and the middle of a number and infinity is infinite. Then it
-// is the low value.
-std::string cut_threshold(const impls::column& column,  // moves to arbor/tree with the grower
-                          const impls::column::splitting_desc& split);
-
 }  // namespace arbor::tree
 
 #endif

@@ -18,22 +18,19 @@ case_rows::case_rows(const table& whole) : classes(&whole.class_column()), weigh
   }
 }
 
-case_rows::case_rows(std::shared_ptr<const case_rows> from, const impls::w_sequence& cases)
-    : source(std::move(from)),
-      classes(source->classes),
-      copied_weights(cases.size()),
-      weights(copied_weights) {
-  for (const impls::column* column : source->all_columns) {
-    if (!source->is_read(*column)) {
+case_rows::case_rows(const case_rows& from, const impls::w_sequence& cases)
+    : classes(from.classes), copied_weights(cases.size()), weights(copied_weights) {
+  for (const impls::column* column : from.all_columns) {
+    if (!from.is_read(*column)) {
       all_columns.push_back(column);
       continue;
     }
     copies.push_back(impls::extract_rows(*column, cases));
-    if (column == source->classes) classes = copies.back().get();
+    if (column == from.classes) classes = copies.back().get();
     all_columns.push_back(copies.back().get());
   }
   for (std::size_t i = 0; i < cases.size(); ++i) {
-    copied_weights[i] = {static_cast<unsigned int>(i), source->weight(cases[i].first)};
+    copied_weights[i] = {static_cast<unsigned int>(i), from.weight(cases[i].first)};
   }
 }
 
@@ -51,7 +48,7 @@ void gather_rows(node_cases& node) {
   auto renumbered = std::make_shared<impls::w_sequence>(cases);
   for (std::size_t i = 0; i < cases.size(); ++i)
     (*renumbered)[i].first = static_cast<unsigned int>(i);
-  node.rows = std::make_shared<const case_rows>(node.rows, cases);
+  node.rows = std::make_shared<const case_rows>(*node.rows, cases);
   node.cases = std::move(renumbered);
 }
 

@@ -24,8 +24,9 @@ class case_rows : private strata::util::nocopy {
   explicit case_rows(const table& whole);
 
   // A copy of the rows of `cases`, numbered in their order. Only the class and the columns that a
-  // tree may test are copied, and they use the domains of `from`. Requires from->can_be_copied().
-  case_rows(std::shared_ptr<const case_rows> from, const impls::w_sequence& cases);
+  // tree may test are copied, and they use the domains of the table. Requires
+  // from.can_be_copied().
+  case_rows(const case_rows& from, const impls::w_sequence& cases);
 
   // In the order of the table.
   const std::vector<const impls::column*>& columns() const { return all_columns; }
@@ -41,7 +42,6 @@ class case_rows : private strata::util::nocopy {
  private:
   bool is_read(const impls::column& column) const;
 
-  std::shared_ptr<const case_rows> source;  // of a copy: the owner of the domains
   std::vector<const impls::column*> all_columns;
   impls::column* classes;
   bool copyable = true;

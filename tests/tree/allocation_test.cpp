@@ -5,6 +5,9 @@
 #include <iterator>
 
 #include "arbor/report/rating_report.h"
+#include "arbor/report/evaluation_report.h"
+#include "arbor/report/tree_graph.h"
+#include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/table_loader.h"

@@ -149,7 +149,7 @@ TEST(NodeCases, CopiesRowsOfACopyWithTheirValuesAndWeights) {
   const table whole = loaded("text,w,c\na,1,x\nb,2,y\n?,3,x\nd,4,y\n", options);
   auto rows = std::make_shared<const tree::case_rows>(whole);
   for (const w_sequence& cases : {w_sequence{{3, 1}, {2, 1}, {1, 1}}, {{2, 1}, {0, 1}}})
-    rows = std::make_shared<const tree::case_rows>(rows, cases);
+    rows = std::make_shared<const tree::case_rows>(*rows, cases);
   EXPECT_EQ(rows->size(), 2U);
   for (const auto& [row, text, weight] : {std::tuple{0U, "b", 2.0F}, {1U, "d", 4.0F}}) {
     EXPECT_EQ(rows->columns()[0]->get_row_value(row), text);
