@@ -1,8 +1,9 @@
 #include "arbor/model/extract_rows.h"
 
+#include <algorithm>
+#include <array>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "arbor/model/code_readers.h"
 
@@ -81,13 +82,16 @@ std::unique_ptr<column> empty_column_like(const column& source) {
 }  // namespace
 
 std::unique_ptr<column> extract_rows(const column& source, const w_sequence& cases) {
-  std::vector<unsigned int> codes;
-  codes.reserve(cases.size());
-  with_codes(source, [&](auto code_of) {
-    for (const auto& taken : cases) codes.push_back(code_of(taken.first));
-  });
   std::unique_ptr<column> extract = empty_column_like(source);
-  extract->append_codes(codes.data(), static_cast<unsigned int>(codes.size()));
+  extract->reserve(static_cast<unsigned int>(cases.size()));
+  std::array<unsigned int, 1024> codes;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  with_codes(source, [&](auto code_of) {
+    for (std::size_t first = 0; first < cases.size(); first += codes.size()) {
+      const std::size_t count = std::min(codes.size(), cases.size() - first);
+      for (std::size_t i = 0; i < count; ++i) codes[i] = code_of(cases[first + i].first);
+      extract->append_codes(codes.data(), static_cast<unsigned int>(count));
+    }
+  });
   return extract;
 }
 

@@ -79,79 +79,88 @@ void rate_sorted_cases(const Cases& cases, cut_problem node, column::splitting_d
   find_best_cut<0, weight>(node, cases.size(), case_sweep<Cases>(cases), result);
 }
 
-// Moves a cut over packed cases of two classes, code by code. With one weight and two classes the
-// number of cases up to a place, and that of the second class among them, say all there is to know
-// about it. Nothing here branches on a case: codes and classes are hard to foresee.
-class two_class_sweep {
+// Where each code ends among packed cases of two classes. With one weight and two classes the number
+// of cases up to there, and that of the second class among them, say all there is to know about a cut.
+// Nothing here or in the sweep branches on a case: codes and classes are hard to foresee.
+class code_ends {
  public:
-  explicit two_class_sweep(const packed_cases& sorted)
+  explicit code_ends(const packed_cases& sorted)
       : cases(sorted),
-        cases_up_to(cases.size(), strata::util::first_values::any),
-        second_up_to(cases.size(), strata::util::first_values::any) {
+        each(sorted.weight()),
+        cases_up_to(sorted.size(), strata::util::first_values::any),
+        second_up_to(sorted.size(), strata::util::first_values::any) {
     unsigned int second_class = 0;
     for (std::size_t i = 0; i < cases.size(); ++i) {
       second_class += cases.class_code(i) == 2 ? 1 : 0;
       // Unless the code ends here, the next case overwrites the entry.
-      cases_up_to[code_count] = static_cast<unsigned int>(i + 1);
-      second_up_to[code_count] = second_class;
+      cases_up_to[count] = static_cast<unsigned int>(i + 1);
+      second_up_to[count] = second_class;
       const bool last = i + 1 == cases.size();
-      code_count += last || cases.code(i) != cases.code(i + 1) ? 1 : 0;
+      count += last || cases.code(i) != cases.code(i + 1) ? 1 : 0;
     }
   }
 
-  // How many different codes there are.
-  std::size_t codes() const { return code_count; }
-  unsigned int all_weight() const { return weight(code_count - 1); }
-  unsigned int second_class_weight() const { return second_weight(code_count - 1); }
+  std::size_t size() const { return count; }
+  unsigned int code(std::size_t i) const { return cases.code(cases_up_to[i] - 1); }
+  // The weight of the cases up to the i-th end, and of those of the second class.
+  unsigned int weight(std::size_t i) const { return cases_up_to[i] * each; }
+  unsigned int second_weight(std::size_t i) const { return second_up_to[i] * each; }
+
+ private:
+  const packed_cases& cases;
+  unsigned int each;
+  std::size_t count = 0;
+  strata::util::work_array<unsigned int, 64> cases_up_to;
+  strata::util::work_array<unsigned int, 64> second_up_to;
+};
+
+// Moves a cut from code to code.
+class two_class_sweep {
+ public:
+  explicit two_class_sweep(const code_ends& of_codes) : ends(of_codes) {}
 
   template <class Search>
   bool move_next(Search& search) {
-    if (next + 1 >= code_count) return false;
-    search.set_left(search.as_weight(weight(next) - second_weight(next)),
-                    search.as_weight(second_weight(next)));
+    if (next + 1 >= ends.size()) return false;
+    const unsigned int second = ends.second_weight(next);
+    search.set_left(search.as_weight(ends.weight(next) - second), search.as_weight(second));
     ++next;
     return true;
   }
 
   std::size_t place() const { return next - 1; }
-  unsigned int low_code(std::size_t place) const { return cases.code(cases_up_to[place] - 1); }
-  unsigned int high_code(std::size_t place) const { return cases.code(cases_up_to[place]); }
+  unsigned int low_code(std::size_t place) const { return ends.code(place); }
+  unsigned int high_code(std::size_t place) const { return ends.code(place + 1); }
 
   // As in case_sweep.
   template <class Search>
   bool inside_run(const Search& search) {
-    const unsigned int since = weight(next) - rated_weight;
-    const unsigned int second_since = second_weight(next) - rated_second;
+    const unsigned int since = ends.weight(next) - rated_weight;
+    const unsigned int second_since = ends.second_weight(next) - rated_second;
     const bool one_class = (second_since == 0) | (second_since == since);
-    const bool inside = one_class & !search.right_too_light(search.as_weight(weight(next)));
-    rated_weight = inside ? rated_weight : weight(next - 1);
-    rated_second = inside ? rated_second : second_weight(next - 1);
+    const bool inside = one_class & !search.right_too_light(search.as_weight(ends.weight(next)));
+    rated_weight = inside ? rated_weight : ends.weight(next - 1);
+    rated_second = inside ? rated_second : ends.second_weight(next - 1);
     return inside;
   }
 
  private:
-  // The weight of the cases up to the i-th code, and of those of the second class.
-  unsigned int weight(std::size_t i) const { return cases_up_to[i] * cases.weight(); }
-  unsigned int second_weight(std::size_t i) const { return second_up_to[i] * cases.weight(); }
-
-  const packed_cases& cases;
-  strata::util::work_array<unsigned int, 64> cases_up_to;  // by code
-  strata::util::work_array<unsigned int, 64> second_up_to;
-  std::size_t code_count = 0;
+  const code_ends& ends;
   std::size_t next = 0;           // the first code on the right side
   unsigned int rated_weight = 0;  // up to the last cut that was rated
   unsigned int rated_second = 0;
 };
 
 void rate_two_classes(const packed_cases& cases, cut_problem node, column::splitting_desc& result) {
-  two_class_sweep codes(cases);
-  if (codes.codes() < 2) return;
-  const unsigned int second = codes.second_class_weight();
-  const std::array<float, 2> class_weights{static_cast<float>(codes.all_weight() - second),
+  const code_ends ends(cases);
+  if (ends.size() < 2) return;
+  const unsigned int weight = ends.weight(ends.size() - 1);
+  const unsigned int second = ends.second_weight(ends.size() - 1);
+  const std::array<float, 2> class_weights{static_cast<float>(weight - second),
                                            static_cast<float>(second)};
   node.class_weights = class_weights.data();
   node.unknown_weight = cases.unknown_weight();
-  find_best_cut<2, unsigned int>(node, codes.codes(), codes, result);
+  find_best_cut<2, unsigned int>(node, ends.size(), two_class_sweep(ends), result);
 }
 
 // Sorts a copy of the cases beside the caller's sequence, in the form that serves best.

@@ -239,16 +239,18 @@ void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
 // Finds the best cut of a node with at most `cuts` cuts. `result` holds the no-split mark; gain,
 // split information and the codes on either side of the cut are set if there is one.
 //
-// `codes` as in `sweep`, with low_code(place) and high_code(place).
+// `codes` as in `sweep`, with low_code(place) and high_code(place). It is copied, so that its state
+// can stay in registers.
 template <unsigned int Classes, class Weight, class Codes>
-void find_best_cut(const cut_problem& node, std::size_t cuts, Codes&& codes,
+void find_best_cut(const cut_problem& node, std::size_t cuts, const Codes& codes,
                    column::splitting_desc& result) {
   if (!node.splittable()) return;
   with_cut_search<Classes, Weight>(node, cuts, [&](auto& search) {
-    sweep(codes, search);
+    Codes cut = codes;
+    sweep(cut, search);
     if (!search.conclude(result)) return;
-    result.low_code = codes.low_code(search.best_place());
-    result.high_code = codes.high_code(search.best_place());
+    result.low_code = cut.low_code(search.best_place());
+    result.high_code = cut.high_code(search.best_place());
   });
 }
 
