@@ -3,7 +3,7 @@
 //   arbor_measure_table load people.csv    # reads the table
 //   arbor_measure_table rate people.csv    # rates its attributes
 //   arbor_measure_table grow people.csv    # grows a tree on it, without pruning
-//   arbor_measure_table grow people.csv 8  # the same, with no more than 8 tests one below the other
+//   arbor_measure_table grow people.csv 8  # the same, with at most 8 tests on a path
 //
 // The runs of a phase are printed in seconds of processor time and, as "clock", of the clock. Its
 // memory is that of the whole process during its first run, in bytes: "before" is what was resident
