@@ -4,7 +4,7 @@
 // SLIQ, SPRINT and RainForest were measured on it.
 //
 //   agrawal people({7, 0.05, 1});
-//   const person next = people.next();  // next.group is that of function 7, wrong for one in twenty
+//   const person next = people.next();  // next.group: by function 7, 5% are wrong
 #ifndef ARBOR_BENCH_AGRAWAL_H
 #define ARBOR_BENCH_AGRAWAL_H
 

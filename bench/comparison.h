@@ -1,5 +1,5 @@
-// A unit of work beside its bare loop: the plainest loop by hand over the same arrays that computes
-// the same.
+// Compares a unit of work with its bare loop: the plainest loop by hand over the same arrays that
+// computes the same.
 //
 //   compare("sum : bare sum/1,000 numbers", {aim::ratio, 1.3}, [] {
 //     const auto numbers = std::make_shared<std::vector<int>>(1000, 1);
@@ -21,7 +21,7 @@
 namespace arbor::bench {
 
 struct comparison {
-  std::size_t items = 0;  // that one call of either works through: times are told per item
+  std::size_t items = 0;  // that one call of either works through; times are per item
   std::function<void()> unit;
   std::function<void()>
       bare;  // empty when there is none to compare with: the time itself is the result then

@@ -1,10 +1,10 @@
-// Takes the library to its limits, and tells what each costs.
+// Takes the library to its limits, and prints what each costs.
 //
 //   arbor_limits           # all of them
 //   arbor_limits column    # those whose name has this text in it
 //
-// Every limit is met in a process of its own, so that the memory told, the most that was resident,
-// is its alone.
+// Every limit has a process of its own, so that the peak of resident memory is that of the limit
+// alone.
 
 #include <fmt/format.h>
 #include <sys/resource.h>
@@ -54,7 +54,7 @@ double seconds(const std::function<void()>& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Tells a step of a limit and how long it took, or what it was refused with.
+// Prints a step of a limit and how long it took, or the message that refused it.
 void step(const std::string& name, const std::function<void()>& work) {
   std::string refusal;
   const double taken = seconds([&] {

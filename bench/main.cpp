@@ -1,4 +1,4 @@
-// Times every unit of work beside its bare loop. script/bench runs this and reports the ratios; by
+// Times every unit of work and its bare loop. script/bench runs this and reports the ratios; by
 // itself it takes the options of Google Benchmark.
 
 #include <benchmark/benchmark.h>

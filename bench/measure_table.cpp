@@ -3,11 +3,11 @@
 //   arbor_measure_table load people.csv    # reads the table
 //   arbor_measure_table rate people.csv    # rates its attributes
 //   arbor_measure_table grow people.csv    # grows a tree on it, without pruning
-//   arbor_measure_table grow people.csv 8  # the same, with no more than 8 tests one below the other
+//   arbor_measure_table grow people.csv 8  # the same, with at most 8 tests on a path
 //
-// A phase's runs are told in seconds of processor time, those of the clock beside them. Its memory
-// is that of its first run, of the whole process, in bytes: "before" what was resident before it,
-// "peak" the most while it ran.
+// The runs of a phase are printed in seconds of processor time and, as "clock", of the clock. Its
+// memory is that of the whole process during its first run, in bytes: "before" is what was resident
+// before it, "peak" the most while it ran.
 
 #include <algorithm>
 #include <chrono>
@@ -46,7 +46,7 @@ tree::grow_options chosen_growing(unsigned int max_depth) {
   return options;
 }
 
-// An entry of /proc/self/status that is told in kB, as bytes.
+// An entry of /proc/self/status in bytes; the file has it in kB.
 std::size_t process_bytes(const std::string& entry) {
   std::ifstream status("/proc/self/status");
   std::string name;
@@ -155,11 +155,11 @@ json grow(const std::string& path, unsigned int max_depth) {
   tree::decision_tree grown;
   json result = measure(
       "grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth)); });
-  const tree::confusion_matrix said = tree::classify_cases(grown, held, held.cases);
+  const tree::confusion_matrix matrix = tree::classify_cases(grown, held, held.cases);
   const tree::tree_size size = tree::size_of(grown);
   result["nodes"] = size.nodes;
   result["leaves"] = size.leaves;
-  result["accuracy"] = 1 - said.errors() / said.total();
+  result["accuracy"] = 1 - matrix.errors() / matrix.total();
   return result;
 }
 

@@ -1,4 +1,4 @@
-// Rating a split beside tallying (or sorting) the cases by hand.
+// Rating a split, compared with adding up class weights (or sorting the cases) by hand.
 //
 // The bare loops work in arrays that were made beforehand; what a measure allocates is its own.
 
@@ -8,7 +8,7 @@
 
 #include "bench/benches.h"
 #include "bench/comparison.h"
-#include "bench/tallied_values.h"
+#include "bench/value_weights.h"
 
 namespace arbor::bench {
 
@@ -16,7 +16,7 @@ namespace {
 
 using std::string;
 
-// A node, what rates it and what the rating says, and the arrays of the bare loops.
+// A node, the columns that rate it, their rating, and the arrays of the bare loops.
 struct node_rating {
   column* rated;
   column* target;
@@ -44,18 +44,18 @@ struct node_rating {
 };
 
 template <class Codes>
-[[gnu::noinline]] void bare_tally(const w_sequence& cases, Codes codes,
-                                  const unsigned char* classes, std::size_t stride,
-                                  std::vector<float>& table) {
+[[gnu::noinline]] void bare_class_weights(const w_sequence& cases, Codes codes,
+                                          const unsigned char* classes, std::size_t stride,
+                                          std::vector<float>& table) {
   std::fill(table.begin(), table.end(), 0.0F);
   float* const weights = table.data();
   for (const auto& [row, weight] : cases) weights[codes[row] * stride + classes[row]] += weight;
   keep(weights);
 }
 
-void bare_tally(node_rating& node) {
+void bare_class_weights(node_rating& node) {
   with_codes(*node.rated, [&](auto codes) {
-    bare_tally(node.cases, codes, class_codes(*node.target), node.stride, node.table);
+    bare_class_weights(node.cases, codes, class_codes(*node.target), node.stride, node.table);
   });
 }
 
@@ -94,7 +94,7 @@ void bare_sort(node_rating& node, std::vector<float>& left) {
 void expect_gain(node_rating& node, double gain) {
   node.rate();
   expect(std::abs(static_cast<double>(node.result.gain) - gain) < 0.01 && gain > 0.05,
-         "the gain is that of the tally");
+         "the gain is that of its definition");
 }
 
 string values(unsigned int known) {
@@ -145,13 +145,14 @@ std::shared_ptr<node_rating> make_node(sample& table, const string& kind, const 
 void add_discrete(sample& table) {
   for (const circumstances& c : combinations(
            {2, 20, 1000, 100000}, {row_order::rows, row_order::scattered, row_order::shuffled})) {
-    // How much a measure hides of the misses of shuffled rows is the processor's affair.
+    // How much of the cache misses of shuffled rows a measure can hide depends on the processor.
     const aim wanted = c.order == row_order::shuffled ? aim{} : aim{aim::ratio, 1.3};
-    compare("discrete measure : bare tally/" + c.text(), wanted, [=, &table] {
+    compare("discrete measure : bare class weights/" + c.text(), wanted, [=, &table] {
       const auto node = make_node(table, "discrete", c);
-      bare_tally(*node);
-      expect_gain(*node, tallied_values(node->table, node->stride).gain_by_value());
-      return comparison{node->cases.size(), [=] { node->rate(); }, [=] { bare_tally(*node); }};
+      bare_class_weights(*node);
+      expect_gain(*node, value_weights(node->table, node->stride).gain_by_value());
+      return comparison{node->cases.size(), [=] { node->rate(); },
+                        [=] { bare_class_weights(*node); }};
     });
   }
 }
@@ -159,33 +160,39 @@ void add_discrete(sample& table) {
 std::shared_ptr<node_rating> make_rainforest_node(sample& table, const circumstances& c,
                                                   std::size_t cases) {
   auto node = make_node(table, "continuous", c, cases);
-  bare_tally(*node);
-  expect(cases / c.known > 2, "class weights are tallied rather than cases sorted");
-  expect_gain(*node, tallied_values(node->table, node->stride).gain_at_threshold());
+  bare_class_weights(*node);
+  expect(cases / c.known > 2, "class weights are added up rather than cases sorted");
+  expect_gain(*node, value_weights(node->table, node->stride).gain_at_threshold());
   return node;
 }
 
 void add_rainforest(sample& table) {
   for (const circumstances& c :
        combinations({100, 10000, 130000}, {row_order::rows, row_order::scattered})) {
-    // With many values the sweep outweighs the tally; it is told below.
+    // With many values most of the time is that of the sweep, which is measured below.
     const aim wanted = c.known > 10000 ? aim{} : aim{aim::ratio, 1.3};
-    compare("continuous measure by class weights : bare tally/" + c.text(), wanted, [=, &table] {
-      const auto node = make_rainforest_node(table, c, sample::cases);
-      return comparison{node->cases.size(), [=] { node->rate(); }, [=] { bare_tally(*node); }};
-    });
+    compare("continuous measure by class weights : bare class weights/" + c.text(), wanted,
+            [=, &table] {
+              const auto node = make_rainforest_node(table, c, sample::cases);
+              return comparison{node->cases.size(), [=] { node->rate(); },
+                                [=] { bare_class_weights(*node); }};
+            });
   }
-  // The sweep is what the measure takes beyond the bare tally, per code that occurs. It has the
-  // greatest share in the smallest nodes that are measured this way, those of three cases a value.
+  // The sweep is what the measure takes beyond the bare class weights, per code that occurs. It has
+  // the greatest share in the smallest nodes that are measured this way, those of three cases a
+  // value.
   for (const circumstances& c : combinations({10000, 130000, 333333}, {row_order::rows})) {
     const aim wanted =
         c.weights == weighing::uneven ? aim{} : aim{aim::sweep, c.classes == 2 ? 6.0 : 20.0};
-    compare("continuous measure by class weights - bare tally, 3 cases a value/" + c.text(), wanted,
-            [=, &table] {
+    compare("continuous measure by class weights - bare class weights, 3 cases a value/" + c.text(),
+            wanted, [=, &table] {
               const auto node = make_rainforest_node(table, c, 3 * c.known + 1);
-              const std::size_t codes = tallied_values(node->table, node->stride).count();
-              return comparison{
-                  node->cases.size(), [=] { node->rate(); }, [=] { bare_tally(*node); }, {}, codes};
+              const std::size_t codes = value_weights(node->table, node->stride).count();
+              return comparison{node->cases.size(),
+                                [=] { node->rate(); },
+                                [=] { bare_class_weights(*node); },
+                                {},
+                                codes};
             });
   }
 }
@@ -198,8 +205,8 @@ void add_sorting(sample& table) {
     compare("continuous measure by sorting : bare counting sort and a pass/" + c.text(), wanted,
             [=, &table] {
               const auto node = make_node(table, "continuous", c);
-              bare_tally(*node);
-              const tallied_values expected(node->table, node->stride);
+              bare_class_weights(*node);
+              const value_weights expected(node->table, node->stride);
               expect_gain(*node, expected.gain_at_threshold());
               const auto left = std::make_shared<std::vector<float>>(node->stride);
               bare_sort(*node, *left);

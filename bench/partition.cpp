@@ -1,5 +1,5 @@
-// Taking the cases of a branch beside copying them by hand: half of the cases, in no order that a
-// processor could guess.
+// Taking the cases of a branch, compared with copying them by hand: half of the cases, in no order
+// that a processor could guess.
 
 #include <functional>
 #include <memory>
@@ -27,7 +27,7 @@ template <class Codes, class Takes>
     const unsigned int taken = takes(codes[c.first]) ? 1 : 0;
     count += taken;
     weight += static_cast<float>(taken) *
-              c.second;  // not a conditional, of which compilers make a branch
+              c.second;  // not a conditional, which compilers turn into a branch
   }
   taken_cases result{std::unique_ptr<weighted_case[]>(new weighted_case[count + 1]), count, weight};
   weighted_case* end = result.cases.get();

@@ -1,4 +1,5 @@
-// Saving a column into a file and reloading it beside writing and reading the same bytes by hand.
+// Saving a column into a file and reloading it, compared with writing and reading the same bytes by
+// hand.
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -47,10 +47,10 @@ def summary(name, repetitions):
     for key in ("unit_ns", "bare_ns", "ratio", "sweep_ns"):
         if key in repetitions[0]:
             result[key] = statistics.median(r[key] for r in repetitions)
-    told = next(key for key, _ in RESULTS if key in result)
-    low, _, high = statistics.quantiles((r[told] for r in repetitions), n=4, method="inclusive")
-    result |= {"result": told, "spread_percent": 100 * (high - low) / abs(result[told]),
-               "aim": repetitions[0].get("aim_" + told)}
+    result_key = next(key for key, _ in RESULTS if key in result)
+    low, _, high = statistics.quantiles((r[result_key] for r in repetitions), n=4, method="inclusive")
+    result |= {"result": result_key, "spread_percent": 100 * (high - low) / abs(result[result_key]),
+               "aim": repetitions[0].get("aim_" + result_key)}
     return result
 
 
@@ -63,15 +63,15 @@ def table(summaries):
     for group, members in groups.items():
         print(f"\n{group}\n  {'':{width}} {'unit ns':>8} {'bare ns':>8} {'result':>14} {'aim':>7}  {'spread':>6}")
         for s in members:
-            told = s[s["result"]]
-            aim, missed = ("", " ") if s["aim"] is None else (f"({s['aim']:g})", "!" if told > s["aim"] else " ")
+            value = s[s["result"]]
+            aim, missed = ("", " ") if s["aim"] is None else (f"({s['aim']:g})", "!" if value > s["aim"] else " ")
             bare = f"{s['bare_ns']:.4g}" if "bare_ns" in s else ""
-            print(f"  {name_of(s):{width}} {s['unit_ns']:8.4g} {bare:>8} {dict(RESULTS)[s['result']].format(told):>14} "
+            print(f"  {name_of(s):{width}} {s['unit_ns']:8.4g} {bare:>8} {dict(RESULTS)[s['result']].format(value):>14} "
                   f"{aim:>7}{missed} {s['spread_percent']:5.1f}%")
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="script/bench", description="Times every unit of work beside its bare loop.")
+    parser = argparse.ArgumentParser(prog="script/bench", description="Times every unit of work and its bare loop.")
     parser.add_argument("binary", help=argparse.SUPPRESS)
     parser.add_argument("--quick", action="store_true", help="3 short repetitions in place of 12")
     parser.add_argument("--filter", metavar="REGEX", default=".", help="only benchmarks whose name matches")

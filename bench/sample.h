@@ -44,7 +44,7 @@ enum class weighing { unit, uneven };
 
 class sample {
  public:
-  static constexpr unsigned int cases = 1000000;  // of a node, unless said otherwise
+  static constexpr unsigned int cases = 1000000;  // of a node, unless another number is named
   static constexpr unsigned int rows = 3 * cases;
 
   sample();
@@ -56,7 +56,7 @@ class sample {
 
   static w_sequence node(row_order order, weighing weights);
 
-  // A column of three values, the second of which half of the rows have.
+  // A column of three values; half of the rows have the second.
   column* skewed();
 
  private:

@@ -1,5 +1,5 @@
 // From text to codes: reading numbers, filling a domain, looking values up, appending rows. There
-// is no aim here; the loops by hand tell how much of the time is the task's own.
+// is no aim here; the loops by hand show how much of the time the task itself takes.
 
 #include <algorithm>
 #include <array>

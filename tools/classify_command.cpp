@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "arbor/csv/message_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
@@ -65,7 +66,7 @@ tree::classification_options classify_command::chosen_options() const {
   const tree::load_options load = table.chosen();
   tree::classification_options options;
   options.weights_name = load.weights_name;
-  options.weights_from = "--weights";
+  options.weights_from = load.weights_from;
   options.unknown_texts = load.unknown_texts;
   options.all_probabilities = all_probabilities;
   return options;
@@ -88,7 +89,10 @@ tree::classification_result classify_command::classify_into_file(
   std::ofstream out(file.temporary_path(), std::ios::binary);
   tree::classification_result result = classify(model, options, out);
   out.close();
-  if (!out) throw tree::table_error(output_path + ": cannot be written: " + std::strerror(errno));
+  if (!out) {
+    throw tree::table_error(tree::printable(output_path) +
+                            ": cannot be written: " + std::strerror(errno));
+  }
   file.commit();
   return result;
 }

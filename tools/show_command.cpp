@@ -111,7 +111,7 @@ std::size_t show_command::chosen_node(const tree::decision_tree& model) const {
 tree::load_options show_command::options_of(const tree::decision_tree& model) const {
   tree::load_options options = table.chosen();
   options.class_name = model.class_column->get_name();
-  options.types_from = "the model";
+  options.class_from = options.types_from = options.kinds_from = "the model";
   options.types[options.class_name] = model.class_column->get_o_set()->get_datatype();
   for (const auto& attribute : model.attributes) {
     options.types[attribute->get_name()] = attribute->get_o_set()->get_datatype();

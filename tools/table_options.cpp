@@ -46,13 +46,13 @@ float number_value(const std::string& option, const std::string& given, float mo
   return static_cast<float>(value);
 }
 
-// The options that make the texts of a remark mean unknown, if there are some.
+// The options that declare the texts of a remark as unknown, if it names some.
 std::string advice(const tree::table_remark& remark) {
   if (remark.to_declare.empty()) return "";
   std::string options;
   for (const std::string& text : remark.to_declare)
     options += " --unknown " + tree::shell_word(text);
-  return "; if that means unknown, say" + options;
+  return "; if that means unknown, use" + options;
 }
 
 }  // namespace
@@ -73,13 +73,13 @@ void table_options::add_to(CLI::App& to) {
 }
 
 void table_options::add_cell_options_to(CLI::App& to) {
-  command = &to;
+  parser = &to;
   to.add_option("--weights", weights_name,
-                "The column of weights; 0 leaves a row out (default: all rows weigh 1)")
+                "The column of weights; rows of weight 0 are left out (default: all rows weigh 1)")
       ->type_name("NAME");
   to.add_option("--unknown", unknown_texts,
-                "What means unknown, '' the empty cell, '\"\"' one in quotes; repeatable (default: "
-                "? and '')")
+                "A text that stands for the unknown value; '' is the empty cell, '\"\"' the quoted "
+                "empty one; repeatable (default: ? and '')")
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false);
@@ -87,7 +87,7 @@ void table_options::add_cell_options_to(CLI::App& to) {
 
 tree::load_options table_options::chosen() const {
   for (const char* option : {"--class", "--weights"}) {
-    const CLI::Option* named = command->get_option_no_throw(option);
+    const CLI::Option* named = parser->get_option_no_throw(option);
     if (named != nullptr && named->count() > 0 && named->as<std::string>().empty()) {
       throw usage_error(std::string(option) + ": the name of the column is empty");
     }

@@ -12,8 +12,8 @@ namespace arbor::tools {
 
 class table_options {
  public:
-  // Adds the options to a command. The object must stay where it is until the command line has been
-  // read.
+  // Adds the options to a command. This object must stay at its address until the command line has
+  // been parsed.
   void add_to(CLI::App& command);
   // Adds only the options for unknown texts and weights, for tables whose types and class are those
   // of a model.
@@ -23,7 +23,7 @@ class table_options {
   tree::load_options chosen() const;
 
  private:
-  CLI::App* command = nullptr;
+  CLI::App* parser = nullptr;  // of the command that has the options
   std::string class_name;
   std::string weights_name;
   std::vector<std::string> unknown_texts;
@@ -35,11 +35,10 @@ class table_options {
 // the path is empty.
 tree::table read_table(const std::string& path, tree::load_options options);
 
-// Each reads an option's value, a finite number from 0 up and one from 0 to 1. Throws usage_error.
+// Each reads the value `given` to an option and throws usage_error, naming the option, if it is not
+// a finite number from 0 up, a number from 0 to 1, or a whole number from 0 to 4294967295.
 float weight_value(const std::string& option, const std::string& given);
 float share_value(const std::string& option, const std::string& given);
-
-// Reads an option's whole number from 0 up. Throws usage_error.
 unsigned int whole_value(const std::string& option, const std::string& given);
 
 }  // namespace arbor::tools

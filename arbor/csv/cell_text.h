@@ -3,6 +3,7 @@
 #ifndef ARBOR_CSV_CELL_TEXT_H
 #define ARBOR_CSV_CELL_TEXT_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -15,7 +16,7 @@ struct cell_text {
   std::size_t length;
 };
 
-constexpr std::size_t readable_behind_cell = 8;
+constexpr std::size_t readable_after_cell = 8;
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
               "the first of eight characters is the lowest byte");

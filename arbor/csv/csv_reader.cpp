@@ -1,8 +1,8 @@
 // Two readers take turns, line by line. The parser of libcsv knows quotes; but it looks at each
 // byte in turn, calls a function for it, and would take most of the time of loading. Plain lines,
-// which most tables consist of, are therefore taken apart eight bytes at a time. The parser gets a
-// line that is not plain, and the lines after it until one of them ends outside of quotes: then
-// both readers stand at the beginning of a row, and either can go on.
+// which most tables consist of, are therefore divided eight bytes at a time. The parser gets a line
+// that is not plain, and the lines after it until one of them ends outside of quotes: then both
+// readers stand at the beginning of a row, and either can go on.
 
 #include "arbor/csv/csv_reader.h"
 
@@ -68,7 +68,7 @@ class csv_reading {
   row_delivery rows;
   plain_lines plain{rows};
   quoted_lines quoted{rows};
-  std::vector<char> buffer = std::vector<char>(capacity + readable_behind_cell);
+  std::vector<char> buffer = std::vector<char>(capacity + readable_after_cell);
   bool at_row = true;  // whether a row begins here, or an empty line
 };
 

@@ -12,13 +12,13 @@
 
 namespace arbor::tree {
 
-// Hands every row of `file`, from where it stands to its end, to `use`, the header row like any
-// other.
+// Hands every row of `file`, from its current position to its end, to `use`, the header row like
+// any other.
 //
-// Separators, quotes and newlines may stand in quoted cells; rows end in LF or CRLF; a UTF-8 byte
+// Quoted cells may contain separators, quotes and newlines; rows end in LF or CRLF; a UTF-8 byte
 // order mark at the beginning is skipped, and so are empty lines at the end. Throws table_error for
-// a quote inside an unquoted cell or behind a quoted one, a quote that is never closed, a zero
-// byte, and an empty line between rows. What `use` throws is passed on.
+// a quote inside an unquoted cell or after a quoted one, a quote that is never closed, a zero byte,
+// and an empty line between rows. What `use` throws is passed on.
 void read_csv(input_file& file, const std::function<void(const csv_row&)>& use);
 
 }  // namespace arbor::tree

@@ -1,13 +1,14 @@
 // A CSV file as rows of cells under named columns, and messages that name a place in it.
 //
 //   csv_table file("golf.csv", unknown_texts({}));
-//   file.read([&] { play = file.cell_named("play", "class"); },
+//   file.read([&] { play = file.cell_named("play", "the class"); },
 //             [&](const csv_row& row) { use(file.known_text(row, play)); });
 #ifndef ARBOR_CSV_CSV_TABLE_H
 #define ARBOR_CSV_CSV_TABLE_H
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arbor/csv/csv_reader.h"
@@ -16,15 +17,16 @@
 
 namespace arbor::tree {
 
-// Whatever is thrown is a table_error that names the place.
+// Its functions throw table_error, whose message names the file and, where there is one, the line.
 class csv_table {
  public:
+  // Opens the file at `path`; "-" is standard input. `chosen` are the texts that are unknown in it.
   csv_table(const std::string& path, unknown_texts chosen)
       : file(path), unknown(std::move(chosen)) {}
 
   // Reads the file to its end, once: first the column names, after which it calls `when_named`, and
   // then each row, which it hands to `use`. Throws when there are no names, when a name is empty or
-  // occurs twice, and for a row that has not as many cells as there are names.
+  // occurs twice, and for a row with more or fewer cells than there are names.
   void read(const std::function<void()>& when_named,
             const std::function<void(const csv_row&)>& use);
 
@@ -44,6 +46,7 @@ class csv_table {
   // The number in a cell of weights, finite and from 0 up. Throws for anything else.
   float weight(const csv_row& row, std::size_t cell) const;
 
+  // Each throws table_error with `what`, after the file's name and, if given, the line.
   [[noreturn]] void fail(const std::string& what) const;
   [[noreturn]] void fail_at(unsigned long long line, const std::string& what) const;
   // The message names the column, quotes the cell and goes on with "is" and `what`.

@@ -5,6 +5,7 @@
 #ifndef ARBOR_CSV_INPUT_FILE_H
 #define ARBOR_CSV_INPUT_FILE_H
 
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <string>

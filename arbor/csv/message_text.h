@@ -6,6 +6,7 @@
 #ifndef ARBOR_CSV_MESSAGE_TEXT_H
 #define ARBOR_CSV_MESSAGE_TEXT_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,21 +16,21 @@ namespace arbor::tree {
 // The text on one line: control characters as \n, \t, \r or \xNN. Other bytes stay as they are.
 std::string printable(std::string_view text);
 
-// The printable text in double quotes, each quote in it behind a backslash. A text of more than 60
+// The printable text in double quotes, each quote in it after a backslash. A text of more than 60
 // bytes is cut off.
 std::string in_quotes(std::string_view text);
 
-// A number of things: "1 leaf", "2 leaves". Without `many` the plural of `one` has an s at its end.
+// A number of things: "1 leaf", "2 leaves". Without `many`, the plural is `one` and an "s".
 std::string counted(std::size_t count, const std::string& one, const std::string& many = "");
 
 // The text as a word of a shell's command line, in single quotes.
 std::string shell_word(const std::string& text);
 
-// A question to add to a message, which names the one of `names` that is most like `mistyped`,
-// upper and lower case being alike; empty when none is similar.
+// A question to add to a message. It proposes the one of `names` that is most similar to
+// `mistyped`, regardless of case; empty when none is similar.
 std::string did_you_mean(const std::string& mistyped, const std::vector<std::string>& names);
 
-// Throws table_error when `choice` is none of `choices`. The message begins with `before`.
+// Throws table_error unless `choice` is one of `choices`. The message begins with `before`.
 void check_choice(const std::string& before, const std::string& choice,
                   const std::vector<std::string>& choices);
 

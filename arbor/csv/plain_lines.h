@@ -1,5 +1,5 @@
-// Takes plain lines of a CSV file apart: those without quotes and zero bytes, in which a CR stands
-// only before the LF. Their cells are simply what stands between commas. Internal to the reader.
+// Divides plain lines of a CSV file into cells at each comma. A plain line has no quotes and no
+// zero bytes, and a CR only before the LF. Internal to the reader.
 #ifndef ARBOR_CSV_PLAIN_LINES_H
 #define ARBOR_CSV_PLAIN_LINES_H
 
@@ -13,8 +13,8 @@ class plain_lines {
   explicit plain_lines(row_delivery& to) : rows(to) {}
 
   // Takes whole lines from the beginning of `bytes`, which is the beginning of a line. Returns how
-  // many of the `count` bytes they are; the line that comes then is not plain or is incomplete.
-  // Writes NULs behind cells. Eight bytes more than `count` must be readable.
+  // many of the `count` bytes they are; the next line is not plain or is incomplete. Writes a NUL
+  // after each cell. Eight bytes more than `count` must be readable.
   std::size_t take(char* bytes, std::size_t count);
 
  private:

@@ -73,7 +73,7 @@ void quoted_lines::end_line(int terminator) {
   const bool ends_crlf = terminator == CSV_LF && after_cr;
   after_cr = terminator == CSV_CR;
   if (ends_crlf) return;
-  cells.append(readable_behind_cell, '\0');
+  cells.append(readable_after_cell, '\0');
   rows.end_line(row, cells.data());
   cells.clear();
 }

@@ -1,5 +1,5 @@
-// Takes lines of a CSV file apart that may have quotes in them, with the parser of libcsv. Internal
-// to the reader.
+// Divides lines of a CSV file that may have quotes in them into cells, with the parser of libcsv.
+// Internal to the reader.
 #ifndef ARBOR_CSV_QUOTED_LINES_H
 #define ARBOR_CSV_QUOTED_LINES_H
 
@@ -28,7 +28,7 @@ class quoted_lines {
   // Takes an LF. Returns whether it has ended a line; within quotes it is part of a cell.
   bool take_newline();
 
-  // Nothing comes any more.
+  // Call at the end of the file.
   void finish();
 
  private:
@@ -45,7 +45,7 @@ class quoted_lines {
   row_delivery& rows;
   ::csv_parser parser{};
   csv_row row;
-  std::string cells;          // of the row, a NUL behind each
+  std::string cells;          // of the row, a NUL after each
   bool line_ended = false;    // since this was last set to false
   bool after_cr = false;      // whether a line has ended in a CR, to which an LF may belong
   std::exception_ptr thrown;  // while the parser ran

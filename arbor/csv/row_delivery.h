@@ -1,5 +1,5 @@
 // Hands the rows of a CSV file to their user, counts the lines, and refuses empty lines between
-// rows. Internal to the reader: whatever takes lines apart ends each of them here.
+// rows. Internal to the reader: both ways to divide a line into cells end each line here.
 #ifndef ARBOR_CSV_ROW_DELIVERY_H
 #define ARBOR_CSV_ROW_DELIVERY_H
 
@@ -12,13 +12,14 @@ namespace arbor::tree {
 
 class row_delivery {
  public:
-  // Keeps both references. `file_name` is how messages name the file.
+  // Keeps both references, which must outlive this object. `file_name` is how messages name the
+  // file.
   row_delivery(const std::string& file_name, const std::function<void(const csv_row&)>& use)
       : name(file_name), use_row(use) {}
 
   // A row begins on the line that is being read. Throws if empty lines came before.
   void begin_row();
-  // So many lines end within a cell.
+  // Counts lines that end within a cell.
   void pass_lines(unsigned long long count) { line += count; }
   // The line ends. `row` has the cells of the row that has begun, or none if the line is empty; it
   // is finished with these characters, handed over and cleared.

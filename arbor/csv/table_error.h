@@ -1,5 +1,5 @@
-// The exception for what is wrong with a table, or with what was asked of it. Its message is for
-// people.
+// The exception for what is wrong with a table or a model file, or with what was asked of it. Its
+// message is for people.
 #ifndef ARBOR_CSV_TABLE_ERROR_H
 #define ARBOR_CSV_TABLE_ERROR_H
 

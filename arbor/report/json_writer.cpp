@@ -67,7 +67,7 @@ json_writer& json_writer::scalar(const std::string& as_json) {
   return *this;
 }
 
-// Separates a value from the one before it; behind a key it stays on the line.
+// Separates a value from the one before it; after a key it stays on the line.
 void json_writer::begin_value() {
   if (!follows_key && !open_brackets.empty()) {
     if (!is_first) written += ',';

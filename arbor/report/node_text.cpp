@@ -4,7 +4,6 @@
 
 #include "arbor/csv/message_text.h"
 #include "arbor/table/value_text.h"
-#include "arbor/table/table.h"
 
 namespace arbor::tree {
 

@@ -33,7 +33,7 @@ void draw(const std::string& graph, const std::string& path) {
   const auto before = std::signal(SIGPIPE, SIG_IGN);
   const bool drawn = pipe_into("dot -Tsvg >" + shell_word(file.temporary_path()), graph);
   static_cast<void>(std::signal(SIGPIPE, before));
-  if (!drawn) throw table_error(path + ": Graphviz could not draw the picture");
+  if (!drawn) throw table_error(printable(path) + ": Graphviz could not draw the picture");
   file.commit();
 }
 

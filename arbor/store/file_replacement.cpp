@@ -39,7 +39,7 @@ void sync(const std::string& path, int flags) {
   const int descriptor = open(path.c_str(), flags);
   const bool synced = descriptor >= 0 && fsync(descriptor) == 0;
   if (descriptor >= 0) close(descriptor);
-  if (!synced) fail(path, "cannot be brought to the disk");
+  if (!synced) fail(path, "cannot be flushed to the disk");
 }
 
 std::string folder_of(const std::string& path) {
@@ -77,7 +77,7 @@ mode_t wanted_mode(const std::string& path) {
   if (stat(path.c_str(), &present) == 0) {
     if (!S_ISREG(present.st_mode)) {
       throw table_error(printable(path) +
-                        ": is there and is no regular file, and will not be replaced by one");
+                        ": is not a regular file and will not be replaced by one");
     }
     return present.st_mode & 07777U;
   }
@@ -93,7 +93,7 @@ file_replacement::file_replacement(const std::string& path)
   const mode_t mode = wanted_mode(target);
   const signals_held held;
   const int descriptor = mkstemp(temporary.data());
-  if (descriptor < 0) fail(target, "no file can be written beside it");
+  if (descriptor < 0) fail(target, "no file can be created in its folder");
   fchmod(descriptor, mode);
   close(descriptor);
   to_remove = temporary.c_str();

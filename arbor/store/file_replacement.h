@@ -11,7 +11,7 @@
 namespace arbor::tree {
 
 // Until `commit` has returned, the present file stays as it is, whatever happens. The temporary
-// file beside it is removed with this object, and also when a signal ends the process (SIGINT,
+// file in its folder is removed with this object, and also when a signal ends the process (SIGINT,
 // SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ). Only one object may exist at a time. A link to an existing
 // file is followed, and the access rights of an existing file are kept.
 class file_replacement {
@@ -25,8 +25,8 @@ class file_replacement {
 
   const std::string& temporary_path() const { return temporary; }
 
-  // Brings the contents of the temporary file to the disk, and renames it to the file. Throws
-  // table_error; the present file is unchanged then.
+  // Flushes the temporary file to the disk, and renames it to the file. Throws table_error; the
+  // present file is unchanged then.
   void commit();
 
  private:

@@ -15,8 +15,8 @@ using impls::column;
   throw std::runtime_error(what);
 }
 
-// Checks that every value can be looked up, which needs them in order. The texts of the smallest
-// doubles do not tell them apart, so these are not checked.
+// Checks that every value can be looked up, which needs them in order. Domains of doubles are not
+// checked: the smallest ones have the same text.
 void check_domain(const column& checked) {
   const unsigned int codes = checked.get_distinct();
   if (checked.get_o_set()->get_datatype() == "double") return;
@@ -29,7 +29,7 @@ void check_domain(const column& checked) {
 }
 
 void check_column(const column& checked) {
-  if (checked.size() != 0) refuse("a column of it has rows");
+  if (checked.size() != 0) refuse("a column has rows");
   check_domain(checked);
 }
 
@@ -95,7 +95,8 @@ void check_class_column(const column& checked) {
 
 void check_attribute(const column& checked) {
   check_column(checked);
-  if (!checked.is_discrete() && !checked.is_continuous()) refuse("an attribute is none");
+  if (!checked.is_discrete() && !checked.is_continuous())
+    refuse("an attribute is neither discrete nor continuous");
 }
 
 void check_nodes(const decision_tree& tree) {

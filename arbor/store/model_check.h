@@ -1,5 +1,5 @@
-// Checks a tree that was read from a file, so that everything behind may trust it. Internal to the
-// store.
+// Checks a tree that was read from a file, so that the rest of the program may trust it. Internal
+// to the store.
 #ifndef ARBOR_STORE_MODEL_CHECK_H
 #define ARBOR_STORE_MODEL_CHECK_H
 

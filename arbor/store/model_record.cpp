@@ -2,7 +2,7 @@
 //
 //   class column, its record without rows
 //   attribute count u32 | for each attribute its column's record without rows
-//   node count u32 | for each node, the root first and every child behind its parent:
+//   node count u32 | for each node, the root first and every child after its parent:
 //     tested attribute u32 (all ones: a leaf) | split, record of a partition_desc |
 //     first child u32 | child count u32 | branch u32 | share f32 | for each class its weight f32
 

@@ -12,8 +12,8 @@ namespace arbor::tree {
 std::vector<unsigned char> model_record(const decision_tree& tree);
 
 // The tree of a record, checked: every index, code and number in it may be used without another
-// check. Throws std::runtime_error with what is wrong, and for a lack of storage std::bad_alloc or
-// strata::util::no_storage. Memory is taken in proportion to the record.
+// check. Throws std::runtime_error with what is wrong, and std::bad_alloc or
+// strata::util::no_storage if memory is short. Uses memory in proportion to the record.
 decision_tree read_model_record(std::vector<unsigned char> record);
 
 }  // namespace arbor::tree

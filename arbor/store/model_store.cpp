@@ -56,8 +56,8 @@ void write_file(const std::string& path, const std::vector<unsigned char>& recor
   device.close();
 }
 
-// All bytes of a model file. A file that does not begin with the magic gives none: it may be of any
-// length, and need not be read.
+// All bytes of a model file. For a file that does not begin with the magic, none: it may be of any
+// length and is not read further.
 std::vector<unsigned char> read_file(input_file& file) {
   std::vector<unsigned char> bytes;
   std::array<char, 1U << 16U> part{};
@@ -69,7 +69,7 @@ std::vector<unsigned char> read_file(input_file& file) {
   return bytes;
 }
 
-// Takes the head off the bytes of a file, whose record is left. Throws std::runtime_error.
+// Checks the head of a file's bytes and removes it; the record is left. Throws std::runtime_error.
 void check_head(std::vector<unsigned char>& bytes) {
   if (bytes.size() < magic.size()) throw std::runtime_error("not a model of arbor grow");
   if (bytes.size() < head_bytes) throw std::runtime_error("damaged: it ends too early");

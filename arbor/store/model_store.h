@@ -15,8 +15,9 @@ namespace arbor::tree {
 // unchanged. The same tree always gives the same bytes.
 void save_model(const std::string& path, const decision_tree& tree);
 
-// Throws table_error if the file cannot be read, is no model, or is damaged, and std::bad_alloc for
-// a lack of memory, which is taken in proportion to the file. A tree that is returned is sound:
+// `path` may be "-" for standard input. Throws table_error if the file cannot be read, is not a
+// model, or is damaged, and std::bad_alloc if memory is short; it uses memory in proportion to the
+// file. A tree that is returned is sound:
 // every index, code and number in it may be used without a check.
 decision_tree load_model(const std::string& path);
 

@@ -4,8 +4,8 @@
 //   for each row: cells.add(text);   // or add_unknown()
 //   for (unsigned int code = 1; code <= cells.texts().size(); ++code) ...
 //
-// They are kept in the first of three forms that holds them all, so that they take little more than
-// they will as codes:
+// They are kept in the first of three forms that holds them all, so that they take little more
+// memory than their codes will:
 //
 //   integers  plain integers, four bytes a row
 //   numbers   plain numbers or, for other texts, their codes in the dictionary, eight bytes a row
@@ -49,7 +49,7 @@ class column_cells {
   std::size_t plain_numbers();
   bool has_fractions() const { return fractions; }
 
-  // Brings the cells into a later form. Those that are kept in one later than that stay.
+  // Converts the cells to this form, unless they already have it or a later one.
   void keep_as_numbers();
   void keep_as_texts();
 

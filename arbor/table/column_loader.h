@@ -41,8 +41,8 @@ class column_loader {
     return !cells.add(text) || chosen.data_type.empty() || accept(text.begin);
   }
 
-  // Makes the column, and lets go of the cells. Throws std::runtime_error with NEW_COLUMN's
-  // message, and what would be accepted, if that refuses.
+  // Makes the column, and frees the cells. If NEW_COLUMN refuses, throws std::runtime_error with
+  // its message and what would be accepted.
   void make_column();
 
   // The column, complete. What a person should know about it is added to `remarks`. `unknown_texts`

@@ -15,7 +15,7 @@ namespace arbor::tree {
 namespace {
 
 // Identities of what is not a plain number. Plain ones are their own identity, and none of them is
-// one of these: a number without digits that has some behind the point.
+// one of these, which would have decimals but no digits.
 constexpr std::uint64_t infinite_identity = 2;
 constexpr std::uint64_t negative_infinite_identity = 4;
 constexpr std::uint64_t zero_identity = 6;
@@ -30,19 +30,19 @@ struct decimal {
   long long exponent = 0;
 };
 
-// Reads what strtod takes for a number. Returns the end of what is written in decimal digits.
+// Reads a text that strtod takes for a number. Returns the end of its part in decimal digits.
 const char* read_decimal(const char* text, decimal& number) {
   const char* c = text + std::strspn(text, blanks);
   number.negative = *c == '-';
   if (*c == '-' || *c == '+') ++c;
-  bool behind_point = false;
+  bool after_point = false;
   for (; (*c >= '0' && *c <= '9') || *c == '.'; ++c) {
     if (*c == '.') {
-      behind_point = true;
+      after_point = true;
       continue;
     }
     if (*c != '0' || !number.digits.empty()) number.digits += *c;
-    if (behind_point) --number.exponent;
+    if (after_point) --number.exponent;
   }
   if (*c == 'e' || *c == 'E') {
     // Far beyond what a text can be long enough to make up for.

@@ -1,4 +1,4 @@
-// Counts the distinct numbers of a float column that are lost in it because they are equal as
+// Counts the distinct numbers of a file that are lost in a float column because they are equal as
 // float.
 #ifndef ARBOR_TABLE_FLOAT_MERGES_H
 #define ARBOR_TABLE_FLOAT_MERGES_H

@@ -11,8 +11,7 @@ namespace arbor::tree {
 
 // Inserts the distinct numbers into a domain of numbers that has none yet, and leaves the codes
 // that they have there, by row, in `cells.keys()`. Of equal numbers the first one in the order of
-// the rows is inserted. The domain is not asked for anything, so that it can still be destroyed
-// with all it holds.
+// the rows is inserted. The domain is not queried, so that destroying it still destroys its values.
 //
 // All cells are of the domain's data type. `text_numbers` are the numbers of the dictionary's
 // texts, entry i that of code i + 1.

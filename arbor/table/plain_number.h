@@ -1,9 +1,9 @@
 // Numbers in plain form, as nearly all numbers in tables are written: an optional "-", digits
-// without needless zeros before them, and perhaps a point and more digits; not "-0".
+// without needless leading zeros, and perhaps a point and more digits; not "-0".
 //
-// A plain number and its text can each be made from the other: 1.50 is not 1.5. The cells of a
-// column can therefore be kept as numbers while they are plain, and if a later cell makes a column
-// of texts of it, their texts are still known.
+// A plain number and its text can each be made from the other; 1.50 and 1.5 are different ones. The
+// cells of a column can therefore be kept as numbers while they are plain: if a later cell is a
+// text, and the column becomes one of texts, the texts of the cells before it are still known.
 #ifndef ARBOR_TABLE_PLAIN_NUMBER_H
 #define ARBOR_TABLE_PLAIN_NUMBER_H
 
@@ -35,28 +35,29 @@ inline bool read_plain_integer(cell_text text, int& value) {
   return true;
 }
 
-// A plain number of at most 17 digits, not counting zeros before the others, at most 31 of them
-// behind the point: the digits without the point, times 32, plus how many are behind the point. It
-// is negative for a negative number.
+// A plain number of at most 17 digits, leading zeros not counted, and at most 31 decimals: the
+// digits without the point, times 32, plus the number of decimals. It is negative for a negative
+// number.
 using plain_number = std::int64_t;
 
-// Stands for no such number; and the end of the range of the digits. Digits from there up to 2^58
-// are free for other use, see column_cells.h.
+// Stands for no such number.
 constexpr plain_number no_plain_number = std::numeric_limits<plain_number>::min();
+// The digits of every plain number are below this. From here to 2^58 they are free for other use,
+// see column_cells.h.
 constexpr std::uint64_t plain_digits_end = 100000000000000000U;
 
 constexpr plain_number plain_integer(int value) {
   return static_cast<plain_number>(value) * 32;
 }
 
-// The number of a text, no_plain_number if there is none.
+// The number of a text, no_plain_number if the text is not one.
 plain_number read_plain_number(cell_text text);
 
 // The shortest plain number that is equal to these digits, which have no zeros at either end, times
 // ten to the power of `exponent`; no_plain_number if there is none.
 plain_number plain_number_of(bool negative, const std::string& digits, long long exponent);
 
-// Whether the number is an integer of 32 bits, but the least one, and which one.
+// Whether the number is an integer of 32 bits other than the least one, and which one.
 bool is_plain_integer(plain_number number, int& value);
 
 std::string text_of(plain_number number);
@@ -67,7 +68,7 @@ double value_of(plain_number number);
 // The plain number of the same value that has no needless zero at its end.
 plain_number shortened(plain_number number);
 
-// Whether the number has more than `count` digits, zeros before the others not counted.
+// Whether the number has more than `count` digits, leading zeros not counted.
 bool has_more_digits_than(int count, plain_number number);
 
 }  // namespace arbor::tree

@@ -2,6 +2,7 @@
 #ifndef ARBOR_TABLE_TABLE_H
 #define ARBOR_TABLE_TABLE_H
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>

@@ -89,16 +89,15 @@ class loading {
     if (class_cell == weights_cell)
       file.fail(in_quotes(names[class_cell]) + " cannot be both the class and the weights");
     if (names.size() == 2 && weights_cell < 2)
-      file.fail("no column beside the class and the weights");
+      file.fail("no column besides the class and the weights");
   }
 
   // Throws unless the column is an attribute, whose kind may be chosen.
   void check_kind_is_free(const std::string& column) const {
     const std::size_t cell = file.cell_named(column, options.kinds_from);
     if (cell != class_cell && cell != weights_cell) return;
-    file.fail("column " + in_quotes(column) + " is the " +
-              (cell == class_cell ? "class" : "weights") + ", which is its kind; " +
-              options.kinds_from + " is for attributes");
+    file.fail(options.kinds_from + ": column " + in_quotes(column) +
+              (cell == class_cell ? " is the class" : " holds the weights") + ", not an attribute");
   }
 
   std::string kind_of(std::size_t cell) {
@@ -158,7 +157,7 @@ class loading {
   load_options options;
   std::vector<column_loader> loaders;  // by cell
   std::size_t class_cell = 0;
-  std::size_t weights_cell = 0;  // behind the last cell when every case weighs 1
+  std::size_t weights_cell = 0;  // one past the last cell when every case weighs 1
   cell_blocks<float> weights;    // of the rows, if there is such a column
   unsigned int rows = 0;         // that weigh something
   std::size_t rows_read = 0;

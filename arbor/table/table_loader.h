@@ -4,7 +4,7 @@
 //   options.unknown_texts = {"NA"};
 //   table golf = load_table("golf.csv", options);
 //
-// The first row names the columns. The last column, unless it holds the weights, is the class
+// The first row names the columns. The class is the last column that does not hold the weights,
 // unless another is named; every other column but that of the weights is an attribute. A column
 // holds the narrowest data type that all its known values fit: integer, else float, else string.
 // Attributes of numbers are continuous, those of texts discrete; an attribute without known values
@@ -12,6 +12,7 @@
 #ifndef ARBOR_TABLE_TABLE_LOADER_H
 #define ARBOR_TABLE_TABLE_LOADER_H
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -48,13 +49,13 @@ struct load_options {
 //
 // The file is read once, and its text is not kept. Until the last row is read a cell takes four
 // bytes, or eight in a column of numbers that are not all integers, and a column of texts its
-// distinct texts. Then column after column is made, a column of sparse numbers with some thirty
-// bytes a row for the time, and what it was made of is freed.
+// distinct texts. Then one column after the other is made, and its cells are freed; a column of
+// sparse numbers takes about thirty bytes a row meanwhile.
 //
 // Numbers are read in the process's locale.
 //
-// Throws table_error when the file cannot be read, is not such a table, or does not go together
-// with the options, and std::bad_alloc when memory is short.
+// Throws table_error when the file cannot be read, is not such a table, or contradicts the options,
+// and std::bad_alloc when memory is short.
 table load_table(const std::string& path, const load_options& options);
 
 }  // namespace arbor::tree

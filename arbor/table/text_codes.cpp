@@ -14,8 +14,8 @@ namespace {
 
 using text_value = strata::data_types::datatype<std::string>;
 
-// Sorts like the text. Most texts already differ in the first eight characters behind those that
-// all texts share; as one number, highest byte first, these are fast to compare.
+// Sorts like the text. Most texts already differ in the first eight characters after those that all
+// texts share; as one number, highest byte first, these are fast to compare.
 struct sortable_text {
   std::uint64_t beginning = 0;
   std::string_view text;

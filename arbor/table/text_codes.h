@@ -9,7 +9,7 @@ namespace arbor::tree {
 
 // Inserts the distinct texts, as to_domain_text makes them, into a domain of texts that has none
 // yet, and leaves the codes that they have there, by row, in `cells.keys()`. The domain is not
-// asked for anything, so that it can still be destroyed with all it holds.
+// queried, so that destroying it still destroys its values.
 void code_texts(column_cells& cells, impls::o_set& domain);
 
 }  // namespace arbor::tree

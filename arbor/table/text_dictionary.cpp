@@ -5,7 +5,7 @@
 namespace arbor::tree {
 
 unsigned int text_dictionary::code_of(const std::string& text) {
-  const std::string readable = text + std::string(readable_behind_cell, '\0');
+  const std::string readable = text + std::string(readable_after_cell, '\0');
   return code_of(cell_text{readable.c_str(), text.size()});
 }
 

@@ -19,7 +19,7 @@ class text_dictionary {
  public:
   // The number of a text, which is added unless it is there.
   unsigned int code_of(cell_text text);
-  // The same for a text behind which no more bytes need be readable.
+  // The same for a text after whose end no bytes need to be readable.
   unsigned int code_of(const std::string& text);
 
   // How many there are.
@@ -42,7 +42,7 @@ class text_dictionary {
   void grow();
 
   std::vector<entry> entries;
-  std::string characters;  // the texts, a NUL behind each
+  std::string characters;  // the texts, a NUL after each
   // Codes, each in the first free slot from that of its key on; 0 is a free slot.
   std::vector<unsigned int> slots;
   unsigned int slot_bits = 0;

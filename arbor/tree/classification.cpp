@@ -1,92 +1,22 @@
 #include "arbor/tree/classification.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <numeric>
 #include <stdexcept>
-#include <utility>
+#include <string>
 
 #include "arbor/table/value_text.h"
-#include "arbor/utils/number_text.h"
-#include "arbor/utils/string_util.h"
+#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
 namespace {
 
 using impls::column;
-using impls::o_set;
-
-constexpr unsigned int every_branch = 0;  // no branch has this number
-
-// The child on a branch of a test; null if the case goes down every branch.
-const tree_node* child_on(const decision_tree& tree, const tree_node& test, unsigned int branch) {
-  const auto first = tree.nodes.begin() + test.first_child;
-  const auto last = first + test.child_count;
-  const auto child = std::lower_bound(
-      first, last, branch, [](const tree_node& n, unsigned int b) { return n.branch < b; });
-  return branch == every_branch || child == last || child->branch != branch ? nullptr : &*child;
-}
-
-// Divides by the sum. Where so many shares have been multiplied that the sum is 0 or no number, the
-// classes of the root are all that is known.
-std::vector<double> normalized(std::vector<double> weights, const std::vector<float>& root) {
-  double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
-  if (!(sum > 0) || !std::isfinite(sum)) {
-    weights.assign(root.begin(), root.end());
-    sum = std::accumulate(weights.begin(), weights.end(), 0.0);
-  }
-  for (double& weight : weights) weight /= sum;
-  return weights;
-}
-
-// Adds up the distributions of all leaves that a case reaches. `branch_of` returns the branch that
-// it takes at a test, given by its index.
-template <class BranchOf>
-std::vector<double> distribution_of(const decision_tree& tree, BranchOf branch_of) {
-  std::vector<double> result(tree.nodes.front().class_weights.size(), 0.0);
-  std::vector<std::pair<std::size_t, double>> open{{0, 1.0}};
-  while (!open.empty()) {
-    const auto [index, weight] = open.back();
-    open.pop_back();
-    const tree_node& node = tree.nodes[index];
-    if (node.is_leaf()) {
-      const double cases = weigh(node).cases;
-      for (std::size_t c = 0; c < result.size(); ++c) {
-        result[c] += weight * static_cast<double>(node.class_weights[c]) / cases;
-      }
-    } else if (const tree_node* child = child_on(tree, node, branch_of(index))) {
-      open.emplace_back(child - tree.nodes.data(), weight);
-    } else {
-      for (std::size_t i = node.first_child; i < node.first_child + node.child_count; ++i) {
-        open.emplace_back(i, weight * static_cast<double>(tree.nodes[i].share));
-      }
-    }
-  }
-  return normalized(std::move(result), tree.nodes.front().class_weights);
-}
 
 const column& column_named(const table& rows, const std::string& name) {
   for (const auto& candidate : rows.columns) {
     if (candidate->get_name() == name) return *candidate;
   }
   throw std::runtime_error("the table has no column of the name " + name);
-}
-
-// Numbers as the domain of a continuous attribute holds them.
-template <class Integer>
-double read_integer(const char* text) {
-  Integer number = 0;
-  strata::util::string_util::str2int(text, number);
-  return static_cast<double>(number);
-}
-
-double read_float(const char* text) {
-  double number = 0;
-  if (!strata::util::read_number(text, number) || std::isnan(number))
-    throw std::runtime_error("not a number");
-  return static_cast<double>(static_cast<float>(number));
 }
 
 // The greatest code of a column whose value is not above a threshold.
@@ -105,11 +35,6 @@ unsigned int last_code_up_to(const column& source, const std::string& threshold)
 }
 
 }  // namespace
-
-std::size_t likeliest_class(const std::vector<double>& distribution) {
-  return static_cast<std::size_t>(std::max_element(distribution.begin(), distribution.end()) -
-                                  distribution.begin());
-}
 
 row_classifier::row_classifier(const decision_tree& grown, const table& rows)
     : tree(grown), parents(node_parents(grown)) {
@@ -153,54 +78,6 @@ double row_classifier::weight_at(unsigned int row, std::size_t node) const {
     node = parent;
   }
   return weight;
-}
-
-text_classifier::text_classifier(const decision_tree& grown)
-    : tree(grown), values(grown.attributes.size()) {
-  for (const auto& attribute : tree.attributes) readers.push_back(reader_for(*attribute));
-  for (const tree_node& node : tree.nodes) {
-    const bool is_cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
-    thresholds.push_back(is_cut ? readers[node.attribute](node.split.threshold.c_str()) : 0);
-  }
-}
-
-text_classifier::number_reader text_classifier::reader_for(const column& attribute) {
-  const std::string data_type = attribute.get_o_set()->get_datatype();
-  if (data_type == "integer") return read_integer<int>;
-  if (data_type == "uinteger") return read_integer<unsigned int>;
-  return read_float;
-}
-
-text_classifier::value text_classifier::read(std::size_t attribute, const char* text) const {
-  value result;
-  if (text == nullptr) return result;
-  if (tree.attributes[attribute]->is_continuous()) {
-    result.number = readers[attribute](text);
-    result.known = true;
-  } else {
-    result.known = code_of_text(*tree.attributes[attribute], text, result.code);
-  }
-  return result;
-}
-
-std::vector<double> text_classifier::operator()(const std::vector<const char*>& texts) {
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    try {
-      values[i] = read(i, texts[i]);
-    } catch (const std::runtime_error&) {
-      // The tree's domains keep the text that stood for the unknown value when it was grown.
-      if (std::strcmp(texts[i], tree.attributes[i]->get_o_set()->get_null()) != 0)
-        throw unfit_text(i);
-      values[i] = {};
-    }
-  }
-  return distribution_of(tree, [&](std::size_t index) {
-    const unsigned int attribute = tree.nodes[index].attribute;
-    const value& tested = values[attribute];
-    if (!tested.known) return every_branch;
-    if (!tree.attributes[attribute]->is_continuous()) return tested.code;
-    return tested.number <= thresholds[index] ? 1U : 2U;
-  });
 }
 
 confusion_matrix classify_cases(const decision_tree& tree, const table& rows,

@@ -1,4 +1,4 @@
-// How often each class was predicted for cases of each actual class.
+// The weight of the cases of each actual class for which each class was predicted.
 //
 //   confusion_matrix matrix;
 //   matrix.add(0, 1, 2.5);  // cases of class 0, weighing 2.5, were predicted to be of class 1

@@ -38,11 +38,11 @@ struct tree_node {
   bool is_leaf() const { return attribute == no_attribute; }
 };
 
-// The columns hold no rows, only names and domains.
+// The columns have names and domains, but no rows.
 struct decision_tree {
   std::unique_ptr<impls::column> class_column;
   std::vector<std::unique_ptr<impls::column>> attributes;  // those that some node tests
-  std::vector<tree_node> nodes;  // the root first, every child behind its parent
+  std::vector<tree_node> nodes;  // the root first, every child after its parent
 };
 
 // The entry of the class with the greatest weight; of equal ones the first.

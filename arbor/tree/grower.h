@@ -5,7 +5,7 @@
 //   decision_tree tree = grow_tree(golf, golf.cases, options);
 //
 // Top-down induction by gain ratio: J. R. Quinlan, "Induction of decision trees", Machine Learning
-// 1 (1986). test_choice.h says which attribute a node tests, pruning.h which tests are kept.
+// 1 (1986). test_choice.h describes which attribute a node tests, pruning.h which tests are kept.
 #ifndef ARBOR_TREE_GROWER_H
 #define ARBOR_TREE_GROWER_H
 
@@ -26,8 +26,8 @@ struct grow_options {
   float confidence = 0.25F;  // of pruning
   // The number of threads, 0 for one on each core. The tree is the same for any number.
   unsigned int threads = 0;
-  // Called now and then with the share (0 to 1) of the cases' weight that has come to a leaf; by
-  // any of the threads, one at a time. May be empty.
+  // Called from time to time with the share (0 to 1) of the cases' weight that is in leaves; by any
+  // of the threads, one at a time. May be empty.
   std::function<void(double settled)> progress;
 };
 

@@ -11,10 +11,10 @@
 namespace arbor::tree {
 
 struct grown_nodes {
-  // The root first, every child behind its parent. While the tree grows the attributes are indices
+  // The root first, every child after its parent. While the tree grows the attributes are indices
   // of the table's columns, and thresholds have no texts.
   std::vector<tree_node> nodes = std::vector<tree_node>(1);
-  // By node: of a continuous test, where it cuts.
+  // By node: the cut of a continuous test.
   std::vector<cut> cuts = std::vector<cut>(1);
 
   // Appends a node for a branch of the last test.

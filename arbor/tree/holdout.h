@@ -1,4 +1,4 @@
-// Divides cases into training cases and held-back ones, on which a tree is tried.
+// Divides cases into training cases and held-back cases, which are kept to evaluate a tree.
 //
 //   const divided_cases cases = hold_out(golf.cases, 0.3, 1);
 #ifndef ARBOR_TREE_HOLDOUT_H

@@ -24,8 +24,7 @@ class case_rows : private strata::util::nocopy {
   explicit case_rows(const table& whole);
 
   // A copy of the rows of `cases`, numbered in their order. Only the class and the columns that a
-  // tree may test are copied, and they use the domains of the table. Requires
-  // from.can_be_copied().
+  // tree may test are copied, and they use the domains of the table. Requires from.can_be_copied().
   case_rows(const case_rows& from, const impls::w_sequence& cases);
 
   // In the order of the table.

@@ -104,8 +104,8 @@ std::unique_ptr<w_sequence> node_split::cases_of_side(unsigned int number, float
   return std::move(result.cases);
 }
 
-// Leaves out cases of which little weight is left. Each would take the time and the memory of a
-// whole case, in many branches at once, and its weight might end as 0.
+// Leaves out cases that have little of their weight left. Each would take the time and the memory
+// of a whole case, in many branches at once, and its weight might end as 0.
 void node_split::drop_slivers(w_sequence& cases) const {
   constexpr float least_part = 1.0F / 1024;
   const auto is_sliver = [&](const auto& weighted) {

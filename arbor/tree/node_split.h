@@ -5,6 +5,8 @@
 #ifndef ARBOR_TREE_NODE_SPLIT_H
 #define ARBOR_TREE_NODE_SPLIT_H
 
+#include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "arbor/tree/node_cases.h"
@@ -31,8 +33,8 @@ class node_split {
   // In the order of their numbers. Values of a discrete attribute that no case has give no branch.
   const std::vector<branch>& branches() const { return all_branches; }
 
-  // The cases of a branch. `share` receives the branch's share of the known weight, by which
-  // the weight of the unknown cases is multiplied.
+  // The cases of a branch. `share` receives the branch's share of the known weight, by which the
+  // weight of the unknown cases is multiplied.
   node_cases cases_of(const branch& taken, float& share) const;
 
  private:

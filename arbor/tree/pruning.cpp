@@ -63,14 +63,14 @@ double errors_as_leaf(const leaf_weight& leaf, float confidence) {
          binomial_upper_limit(leaf.errors, leaf.cases, static_cast<double>(confidence));
 }
 
-// The errors that a test's children promise. Unknown cases go down several branches, and their
+// The errors to expect of a test's children. Unknown cases go down several branches, and their
 // shares may add up to more than one; the errors are scaled so that each case counts once.
 double errors_as_test(const std::vector<tree_node>& nodes, const tree_node& test,
-                      const std::vector<double>& promised_errors) {
+                      const std::vector<double>& expected_errors) {
   double errors = 0;
   double cases_below = 0;
   for (std::size_t child = test.first_child; child < test.first_child + test.child_count; ++child) {
-    errors += promised_errors[child];
+    errors += expected_errors[child];
     cases_below += weigh(nodes[child]).cases;
   }
   if (cases_below > 0) errors *= weigh(test).cases / cases_below;
@@ -80,20 +80,20 @@ double errors_as_test(const std::vector<tree_node>& nodes, const tree_node& test
 }  // namespace
 
 void prune(std::vector<tree_node>& nodes, float confidence) {
-  std::vector<double> promised_errors(nodes.size(), 0.0);
-  // Children stand behind their parents, so going backwards finishes every subtree before its test
-  // is judged.
+  std::vector<double> expected_errors(nodes.size(), 0.0);
+  // Children come after their parents, so going backwards finishes every subtree before its test is
+  // judged.
   for (std::size_t i = nodes.size(); i-- > 0;) {
     tree_node& node = nodes[i];
-    promised_errors[i] = errors_as_leaf(weigh(node), confidence);
+    expected_errors[i] = errors_as_leaf(weigh(node), confidence);
     if (node.is_leaf()) continue;
-    const double as_test = errors_as_test(nodes, node, promised_errors);
-    if (promised_errors[i] <= as_test) {
+    const double as_test = errors_as_test(nodes, node, expected_errors);
+    if (expected_errors[i] <= as_test) {
       node.attribute = tree_node::no_attribute;
       node.child_count = 0;
       node.split.reset();
     } else {
-      promised_errors[i] = as_test;
+      expected_errors[i] = as_test;
     }
   }
 }

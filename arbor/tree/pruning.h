@@ -1,9 +1,9 @@
-// Pruning: tests that promise no fewer errors than a leaf in their place become leaves.
+// Prunes a grown tree: a test becomes a leaf if it is not expected to make fewer errors than that.
 //
 // Pessimistic error pruning, the idea of J. R. Quinlan, "Simplifying decision trees", International
-// Journal of Man-Machine Studies 27 (1987), 221-234: errors on the training cases are too
-// optimistic, the more so the fewer cases there are. A leaf is therefore expected to make errors on
-// the upper confidence limit of their share.
+// Journal of Man-Machine Studies 27 (1987), 221-234: the share of errors on the training cases is
+// too optimistic, most of all where there are few cases. The expected share of errors of a leaf is
+// therefore the upper limit of a confidence interval.
 #ifndef ARBOR_TREE_PRUNING_H
 #define ARBOR_TREE_PRUNING_H
 
@@ -13,9 +13,9 @@
 
 namespace arbor::tree {
 
-// Turns tests into leaves where the leaves below promise at least as many errors. The nodes below
-// such a test stay in the sequence, unreachable. `confidence` is above 0 and at most 0.5; the lower
-// it is, the more tests are cut. Children must stand behind their parents.
+// Turns a test into a leaf where the leaves below it are expected to make at least as many errors.
+// The nodes below such a test stay in the sequence, unreachable. `confidence` is above 0 and at
+// most 0.5; a lower one prunes more. Children must come after their parents.
 void prune(std::vector<tree_node>& nodes, float confidence);
 
 // The upper confidence limit of a share of errors: with this share (0 to 1), no more than `errors`

@@ -1,4 +1,4 @@
-// Rates how good a split each attribute of a table would make.
+// Rates the split that each attribute of a table would make.
 //
 //   for (const attribute_rating& rated : rate_attributes(golf, golf.cases, 2)) ...
 #ifndef ARBOR_TREE_RATING_H

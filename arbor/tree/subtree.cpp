@@ -37,16 +37,16 @@ void subtree::grow(node_cases root) {
 
 void subtree::grow_in_parallel(node_cases root) {
   const std::size_t small =
-      std::max(worth_sharing, root.cases->size() / (std::size_t{16} * whole.pool.size()));
+      std::max(worth_sharing, root.cases->size() / (std::size_t{16} * shared.pool.size()));
   // Cases with unknown values wait in many branches at once; this bounds the memory they take.
   const std::size_t most_waiting = root.cases->size();
   std::vector<waiting_node> small_nodes;
   std::size_t waiting = 0;
-  settle({0, std::move(root)}, &whole.pool);
+  settle({0, std::move(root)}, &shared.pool);
   while (!open.empty()) {
     waiting_node next = take_next();
     if (next.cases.cases->size() >= small) {
-      settle(std::move(next), &whole.pool);
+      settle(std::move(next), &shared.pool);
       continue;
     }
     waiting += next.cases.cases->size();
@@ -61,9 +61,9 @@ void subtree::grow_in_parallel(node_cases root) {
 
 // Grows the subtrees of some nodes in parallel.
 void subtree::grow_all(std::vector<waiting_node> roots) {
-  std::vector<subtree> subtrees(roots.size(), subtree(whole));
-  whole.pool.for_each(subtrees.size(),
-                      [&](std::size_t i) { subtrees[i].grow(std::move(roots[i].cases)); });
+  std::vector<subtree> subtrees(roots.size(), subtree(shared));
+  shared.pool.for_each(subtrees.size(),
+                       [&](std::size_t i) { subtrees[i].grow(std::move(roots[i].cases)); });
   for (std::size_t i = 0; i < subtrees.size(); ++i)
     grown.graft(roots[i].node, subtrees[i].take_nodes());
 }
@@ -87,7 +87,7 @@ void subtree::settle(waiting_node next, thread_pool* pool) {
   if (best) {
     make_test(std::move(next), weight, *best);
   } else {
-    whole.add_settled(weight);
+    shared.add_settled(weight);
   }
 }
 

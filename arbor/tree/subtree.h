@@ -1,12 +1,13 @@
 // Grows a tree, or a part of one, from the cases of one node.
 //
-// Branches wait on a stack until their turn comes, rather than in calls of calls: a tree may be
-// deeper than the machine's stack.
+// Branches wait on a stack of their own until their turn comes, because a recursive function could
+// overflow the thread's stack on a deep tree.
 #ifndef ARBOR_TREE_SUBTREE_H
 #define ARBOR_TREE_SUBTREE_H
 
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "arbor/tree/grower.h"
@@ -36,7 +37,7 @@ class growth : private strata::util::nocopy {
 
 class subtree {
  public:
-  explicit subtree(growth& shared) : whole(shared), options(shared.options) {}
+  explicit subtree(growth& of_tree) : shared(of_tree), options(of_tree.options) {}
 
   // Grows from `root`, on the calling thread.
   void grow(node_cases root);
@@ -48,13 +49,13 @@ class subtree {
   grown_nodes take_nodes() { return std::move(grown); }
 
  private:
-  // A branch whose cases have not been taken from its parent's.
+  // A branch whose cases have not yet been separated from those of its parent.
   struct open_branch {
     std::size_t node;
     std::shared_ptr<const node_split> parent;
     node_split::branch branch;
   };
-  // A node that has its cases, but is neither test nor leaf yet.
+  // A node that has its cases, and will become a test or a leaf.
   struct waiting_node {
     std::size_t node;
     node_cases cases;
@@ -66,7 +67,7 @@ class subtree {
   bool may_split(const waiting_node& next, float weight) const;
   void make_test(waiting_node next, float weight, const rated_test& test);
 
-  growth& whole;
+  growth& shared;
   const grow_options& options;
   grown_nodes grown;
   std::vector<open_branch> open;

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <stdexcept>
+#include <utility>
 
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/csv_table.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/table/value_text.h"
+#include "arbor/tree/class_distribution.h"
+#include "arbor/tree/text_classifier.h"
 
 namespace arbor::tree {
 
@@ -112,7 +116,7 @@ class file_classifier {
 
   unsigned int class_count() const { return tree.class_column->get_distinct() - 1; }
 
-  // The entry of a class in the matrix; behind the last for a class that the model does not have.
+  // The entry of a class in the matrix; one past the last for a class that the model does not have.
   std::size_t class_of(const char* text) const {
     try {
       unsigned int code = 0;

@@ -1,5 +1,5 @@
-// The threshold of a continuous split. While a tree grows it is a code; a tree that is kept has its
-// text, for other tables have other codes.
+// The threshold of a continuous split. While a tree grows it is a code; a finished tree has its
+// text, because other tables have other codes.
 //
 //   const cut best = cut_of(rating);
 //   unsigned int code = threshold_code(humidity, best);     // codes up to it are on the low branch
@@ -27,8 +27,8 @@ cut cut_of(const impls::column::splitting_desc& rating);
 unsigned int threshold_code(const impls::column& attribute, cut place);
 
 // The text of that value, as the domain prints it. Domains print thirty decimals, which are too few
-// for the smallest floats; where the text does not give the code again, and where the code is the
-// low one for want of a middle, this is the shortest text of the low value.
+// for the smallest floats; where the text does not give the code again, and where threshold_code is
+// the low code because there is no middle, this is the shortest text of the low value.
 std::string threshold_text(const impls::column& attribute, cut place);
 
 }  // namespace arbor::tree

@@ -26,9 +26,9 @@ MEMORY_LIMIT = 12 << 30
 
 NOTES = """\
 Time is the median of three runs, of more when they are short and fewer when they take minutes, in seconds of processor
-time (that of the clock is the same on a core that has nothing else to do; "share" tells how much of it the runs got;
+time (that of the clock is the same on a core that has nothing else to do; "share" is how much of it the runs got;
 when that is little, neighbours slow down the memory too). "/ Arbor" is above 1 where Arbor is faster; the trees differ,
-as their leaves tell. Memory is that of the whole process, before the phase's first run and at its peak.
+as their numbers of leaves show. Memory is that of the whole process, before the phase's first run and at its peak.
 
 load      reading the CSV file into columns. Arbor finds each column's distinct values and codes them, which pandas does
           with categories only; data.table codes texts alone.
@@ -40,14 +40,15 @@ quantise  xgboost puts numbers into 256 bins, and then rates and grows on these:
           lambda=0, grow_policy=depthwise, max_depth=0 (any), min_child_weight as of 2 cases; of more than two classes
           each has a tree of its own.
 coded     texts became numbers by the alphabet, and unknown values a number below all others, before the time began,
-          for a system that could not do with the table as it is."""
+          for a system that cannot use the table as it is."""
 
 RATIO_NOTE = """\
 How many times as long as Arbor others take; xgboost's time is that of the bins and of the tree together."""
 MEMORY_NOTE = """\
 Arbor's memory, without that of the process before it loads, for tables of at least 10,000 rows: what a cell takes once
-the table is loaded, its cases apart, beside what its code and its column's distinct values need; then the peak of
-loading, what is resident before growing, and the peak of growing, beside the aim of twice the columns and the cases."""
+the table is loaded, without the cases, compared with what its code and its column's distinct values need; then the peak
+of loading, what is resident before growing, and the peak of growing, compared with the aim of twice the columns and the
+cases."""
 
 
 @dataclasses.dataclass
@@ -79,7 +80,7 @@ def jobs_of(build):
 
 
 def run(command, table, options):
-    """What a command told of its phases, and why it told no more."""
+    """The figures that a command printed for its phases, and why it printed no more."""
     names = ("OMP_NUM_THREADS", "OMP_THREAD_LIMIT", "OPENBLAS_NUM_THREADS", "PYTHONDONTWRITEBYTECODE")
     environment = {**os.environ, **{name: "1" for name in names}}
     try:
@@ -104,9 +105,9 @@ def results_of(job, table, options):
         if command is None:
             break
         print(f"{table.stem}: {job.system}{suffix}: {', '.join(job.phases)}", file=sys.stderr)
-        told, problem = run(command, table, options)
-        lines += [{"system": job.system + suffix, **result} for result in told]
-        missing = [phase for phase in job.phases if phase not in [result["phase"] for result in told]]
+        figures, problem = run(command, table, options)
+        lines += [{"system": job.system + suffix, **result} for result in figures]
+        missing = [phase for phase in job.phases if phase not in [result["phase"] for result in figures]]
         lines += [{"system": job.system + suffix, "phase": phase, "no": problem} for phase in missing]
         if not missing:
             break
@@ -143,7 +144,7 @@ def ratios_of(lines):
 
 
 def memory_of(lines):
-    """What Arbor's table and growing take, in bytes, beside what they need."""
+    """What Arbor's table and growing take, in bytes, and what they need."""
     load, grow = find(lines, "load", "Arbor"), find(lines, "grow", "Arbor")
     if not load or not grow:
         return None
@@ -287,9 +288,9 @@ def arguments():
 def main():
     options = arguments()
     build = options.build.resolve()
-    said = about(build, options)
-    width = max(map(len, said))
-    print("\n".join(f"{key:{width}}  {value}" for key, value in said.items()) + "\n\n" + NOTES)
+    setup = about(build, options)
+    width = max(map(len, setup))
+    print("\n".join(f"{key:{width}}  {value}" for key, value in setup.items()) + "\n\n" + NOTES)
     data = []
     for path in [*made_tables(build, 100_000 if options.quick else 1_000_000), *sorted((ROOT / "data").glob("*.csv"))]:
         lines = [line for job in jobs_of(build) for line in results_of(job, path, options)]
@@ -302,7 +303,7 @@ def main():
     print("\n" + RATIO_NOTE + "\n\n" + ratio_table(data))
     print("\n" + MEMORY_NOTE + "\n\n" + memory_table(data))
     if options.json:
-        options.json.write_text(json.dumps({"about": said, "tables": data}, indent=1) + "\n")
+        options.json.write_text(json.dumps({"about": setup, "tables": data}, indent=1) + "\n")
 
 
 main()

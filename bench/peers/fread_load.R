@@ -1,3 +1,3 @@
 # data.table reading a table, texts as factors. usage: fread_load.R TABLE
 source("phase.R")
-tell(measure("load", function() read_table(arguments[1]))$told)
+report(measure("load", function() read_table(arguments[1]))$figures)

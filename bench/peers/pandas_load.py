@@ -8,5 +8,5 @@ import sys
 import phase
 
 categories = sys.argv[1] == "categories"
-told, data = phase.measure("load", lambda: phase.read(sys.argv[2], **({"dtype": "category"} if categories else {})))
-phase.tell(told)
+figures, data = phase.measure("load", lambda: phase.read(sys.argv[2], **({"dtype": "category"} if categories else {})))
+phase.report(figures)

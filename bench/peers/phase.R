@@ -11,13 +11,13 @@ processor_seconds <- function() sum(proc.time()[c("user.self", "sys.self")])
 clock_seconds <- function() as.numeric(Sys.time())
 
 # Runs the work three times; more often when that takes less than a second in all, less often when it takes more than a
-# minute. Work that is too short for the clocks is repeated within a run. Returns what to tell of it, and the result of
-# the last run.
+# minute. Work that is too short for the clocks is repeated within a run. Returns the figures to report, and the result
+# of the last run.
 measure <- function(phase, work) {
   shortest_run <- 0.05
   gc()
-  cat("5", file = "/proc/self/clear_refs")  # the peak begins anew
-  told <- list(phase = phase, before = process_bytes("VmRSS"), seconds = numeric(), clock = numeric())
+  cat("5", file = "/proc/self/clear_refs")  # the peak starts again
+  figures <- list(phase = phase, before = process_bytes("VmRSS"), seconds = numeric(), clock = numeric())
   beginning <- clock_seconds()
   repeats <- 1
   for (run in 1:25) {
@@ -26,24 +26,24 @@ measure <- function(phase, work) {
     processor_start <- processor_seconds()
     start <- clock_seconds()
     for (i in seq_len(repeats)) {
-      result <- NULL  # not beside the next
+      result <- NULL  # freed before the next
       result <- work()
     }
     seconds <- (processor_seconds() - processor_start) / repeats
     clock <- (clock_seconds() - start) / repeats
     if (run == 1) {
-      told$peak <- process_bytes("VmHWM")
+      figures$peak <- process_bytes("VmHWM")
       repeats <- max(1, ceiling(shortest_run / clock))
       if (repeats > 1) next  # too short to count
     }
-    told$seconds <- c(told$seconds, seconds)
-    told$clock <- c(told$clock, clock)
+    figures$seconds <- c(figures$seconds, seconds)
+    figures$clock <- c(figures$clock, clock)
   }
-  list(told = told, result = result)
+  list(figures = figures, result = result)
 }
 
-tell <- function(told, ...) {
-  facts <- c(told, list(...))
+report <- function(figures, ...) {
+  facts <- c(figures, list(...))
   single <- setdiff(names(facts), c("seconds", "clock"))
   facts[single] <- lapply(facts[single], jsonlite::unbox)
   cat(jsonlite::toJSON(facts, digits = NA), "\n", sep = "")

@@ -16,13 +16,13 @@ def process_bytes(entry):
 
 def measure(phase, work):
     """Runs the work three times; more often when that takes less than a second in all, less often when it takes more
-    than a minute. Work that is too short for the clocks is repeated within a run. Returns what to tell of it, and the
-    result of the last run."""
+    than a minute. Work that is too short for the clocks is repeated within a run. Returns the figures to report, and
+    the result of the last run."""
     shortest_run = 0.05
     gc.collect()
     with open("/proc/self/clear_refs", "w") as peak:
-        peak.write("5")  # the peak begins anew
-    told = {"phase": phase, "before": process_bytes("VmRSS"), "seconds": [], "clock": []}
+        peak.write("5")  # the peak starts again
+    figures = {"phase": phase, "before": process_bytes("VmRSS"), "seconds": [], "clock": []}
     beginning = time.perf_counter()
     repeats = 1
     for run in range(25):
@@ -31,22 +31,22 @@ def measure(phase, work):
             break
         start, processor_start = time.perf_counter(), time.process_time()
         for _ in range(repeats):
-            result = None  # not beside the next
+            result = None  # freed before the next
             result = work()
         seconds = (time.process_time() - processor_start) / repeats
         clock = (time.perf_counter() - start) / repeats
         if run == 0:
-            told["peak"] = process_bytes("VmHWM")
+            figures["peak"] = process_bytes("VmHWM")
             repeats = max(1, math.ceil(shortest_run / clock))
             if repeats > 1:
                 continue  # too short to count
-        told["seconds"].append(seconds)
-        told["clock"].append(clock)
-    return told, result
+        figures["seconds"].append(seconds)
+        figures["clock"].append(clock)
+    return figures, result
 
 
-def tell(told, **more):
-    print(json.dumps({**told, **more}), flush=True)
+def report(figures, **more):
+    print(json.dumps({**figures, **more}), flush=True)
 
 
 def read(path, **options):

@@ -12,7 +12,8 @@ tree <- function(...) {
          min.node.size = 3, num.threads = 1, seed = 1, oob.error = FALSE, verbose = FALSE, ...)
 }
 
-tell(measure("rate", function() tree(max.depth = 1))$told)
+report(measure("rate", function() tree(max.depth = 1))$figures)
 grown <- measure("grow", tree)
-said <- predict(grown$result, attributes, num.threads = 1)$predictions
-tell(grown$told, leaves = sum(grown$result$forest$child.nodeIDs[[1]][[1]] == 0), accuracy = mean(said == data$class))
+predicted <- predict(grown$result, attributes, num.threads = 1)$predictions
+report(grown$figures, leaves = sum(grown$result$forest$child.nodeIDs[[1]][[1]] == 0),
+       accuracy = mean(predicted == data$class))

@@ -9,8 +9,8 @@ tree <- function(depth = 30) {
         maxsurrogate = 0, usesurrogate = 0, maxdepth = depth)
 }
 
-tell(measure("rate", function() tree(depth = 1))$told)
+report(measure("rate", function() tree(depth = 1))$figures)
 grown <- measure("grow", tree)
 frame <- grown$result$frame
-tell(grown$told, leaves = sum(frame$var == "<leaf>"),
-     accuracy = mean(frame$yval[grown$result$where] == as.numeric(grown$result$y)))
+report(grown$figures, leaves = sum(frame$var == "<leaf>"),
+       accuracy = mean(frame$yval[grown$result$where] == as.numeric(grown$result$y)))

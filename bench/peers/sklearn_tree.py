@@ -27,7 +27,7 @@ def tree(**options):
     return DecisionTreeClassifier(criterion="entropy", min_samples_leaf=2, random_state=1, **options).fit(rows, classes)
 
 
-told, _ = phase.measure("rate", lambda: tree(max_depth=1))
-phase.tell(told)
-told, grown = phase.measure("grow", tree)
-phase.tell(told, leaves=int(grown.get_n_leaves()), accuracy=grown.score(rows, classes))
+figures, _ = phase.measure("rate", lambda: tree(max_depth=1))
+phase.report(figures)
+figures, grown = phase.measure("grow", tree)
+phase.report(figures, leaves=int(grown.get_n_leaves()), accuracy=grown.score(rows, classes))

@@ -23,13 +23,13 @@ options = {
     **({"objective": "binary:logistic"} if two else {"objective": "multi:softprob", "num_class": class_count}),
 }
 
-told, bins = phase.measure(
+figures, bins = phase.measure(
     "quantise", lambda: xgboost.QuantileDMatrix(attributes, classes, max_bin=256, nthread=1, enable_categorical=True))
-phase.tell(told)
-told, _ = phase.measure("rate", lambda: xgboost.train({**options, "max_depth": 1}, bins, 1))
-phase.tell(told)
-told, grown = phase.measure("grow", lambda: xgboost.train(options, bins, 1))
-said = grown.predict(xgboost.DMatrix(attributes, nthread=1, enable_categorical=True))
-said = said > 0.5 if two else said.argmax(axis=1)
+phase.report(figures)
+figures, _ = phase.measure("rate", lambda: xgboost.train({**options, "max_depth": 1}, bins, 1))
+phase.report(figures)
+figures, grown = phase.measure("grow", lambda: xgboost.train(options, bins, 1))
+predicted = grown.predict(xgboost.DMatrix(attributes, nthread=1, enable_categorical=True))
+predicted = predicted > 0.5 if two else predicted.argmax(axis=1)
 leaves = sum(tree.count("leaf=") for tree in grown.get_dump())
-phase.tell(told, leaves=leaves, accuracy=float(numpy.mean(said == classes)))
+phase.report(figures, leaves=leaves, accuracy=float(numpy.mean(predicted == classes)))

@@ -7,6 +7,7 @@
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
+#include "arbor/tree/text_classifier.h"
 #include "tests/fuzz/fuzz.h"
 
 using namespace arbor::fuzz;

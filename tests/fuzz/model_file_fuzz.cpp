@@ -11,7 +11,7 @@
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/value_text.h"
-#include "arbor/tree/classification.h"
+#include "arbor/tree/text_classifier.h"
 #include "tests/fuzz/fuzz.h"
 
 using namespace arbor::fuzz;

@@ -36,7 +36,7 @@ static void check_number(const std::string& text) {
 }
 
 static void check_plain(const std::string& text) {
-  const std::string padded = text + '\0' + std::string(readable_behind_cell, '7');
+  const std::string padded = text + '\0' + std::string(readable_after_cell, '7');
   const cell_text cell{padded.c_str(), text.size()};
   const plain_number number = read_plain_number(cell);
   int fast = 0, integer = 0;

@@ -19,8 +19,8 @@
 #include "arbor/report/tree_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/table/table_loader.h"
-#include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
+#include "arbor/tree/text_classifier.h"
 #include "tests/support/columns.h"
 #include "tests/support/temporary_file.h"
 
@@ -144,9 +144,9 @@ TEST(ModelStore, RefusesEachFaultOfATreeBehindACorrectChecksum) {
   refuses("a node has no parent", [](auto&, auto& n) { n.push_back(tree::tree_node(n[6])); });
   refuses("it has no nodes", [](auto&, auto& n) { n.clear(); });
   refuses("it has no class", [](auto& t, auto&) { std::swap(t.class_column, t.attributes[0]); });
-  refuses("an attribute is none",
+  refuses("an attribute is neither discrete nor continuous",
           [](auto& t, auto&) { t.attributes[1].reset(t.class_column->clone(true)); });
-  refuses("a column of it has rows", [](auto& t, auto&) { t.attributes[1]->push_back("0.5"); });
+  refuses("a column has rows", [](auto& t, auto&) { t.attributes[1]->push_back("0.5"); });
 }
 
 TEST(ModelStore, RefusesEveryTruncationAndChangedByteAndIsNotHarmedByThoseItCannotTell) {

@@ -98,11 +98,10 @@ size/1 | kind zzz ignore => : there is no column "zzz" for the kind
 size/1 | type size flaot => the type: column "size": "flaot" is none of integer, uinteger, float,
  double, string; did you mean "float"?
 size/1 | kind size class => the kind: column "size": "class" is none of discrete, continuous, ignore
-size/1 | kind c ignore => : column "c" is the class, which is its kind; the kind is for attributes
-w,a/1,1 | weights w kind w ignore => : column "w" is the weights, which is its kind; the kind is for
- attributes
+size/1 | kind c ignore => : the kind: column "c" is the class, not an attribute
+w,a/1,1 | weights w kind w ignore => : the kind: column "w" holds the weights, not an attribute
 size/1 | class size weights size => : "size" cannot be both the class and the weights
-w/1 | weights w => : no column beside the class and the weights
+w/1 | weights w => : no column besides the class and the weights
 a/1.5 | type a integer => :2: column "a": "1.5" is not of the type integer that was chosen for the
  column
 a/nan | type a float => :2: column "a": "nan" is not of the type float that was chosen for the

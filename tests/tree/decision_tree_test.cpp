@@ -23,6 +23,7 @@
 #include "arbor/tree/node_cases.h"
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/table_classification.h"
+#include "arbor/tree/text_classifier.h"
 #include "arbor/tree/thread_pool.h"
 #include "tests/support/columns.h"
 #include "tests/support/oracle.h"

@@ -1,16 +1,16 @@
-// What a measure should say of a node, by the definition of the gain, in doubles.
-#ifndef ARBOR_BENCH_TALLIED_VALUES_H
-#define ARBOR_BENCH_TALLIED_VALUES_H
+// The gain that a measure should find at a node, by its definition, in doubles.
+#ifndef ARBOR_BENCH_VALUE_WEIGHTS_H
+#define ARBOR_BENCH_VALUE_WEIGHTS_H
 
 #include <cstddef>
 #include <vector>
 
 namespace arbor::bench {
 
-class tallied_values {
+class value_weights {
  public:
-  // `table` holds weights by code, then by class, of which there are `stride`.
-  tallied_values(const std::vector<float>& table, std::size_t stride);
+  // `table` holds weights by code, then by class, `stride` of them.
+  value_weights(const std::vector<float>& table, std::size_t stride);
 
   std::size_t count() const { return values.size(); }  // of those that occur
   double gain_by_value() const;

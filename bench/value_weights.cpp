@@ -1,4 +1,4 @@
-#include "bench/tallied_values.h"
+#include "bench/value_weights.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 
 namespace arbor::bench {
 
-tallied_values::tallied_values(const std::vector<float>& table, std::size_t stride) : all(stride) {
+value_weights::value_weights(const std::vector<float>& table, std::size_t stride) : all(stride) {
   for (std::size_t at = 0; at < table.size(); at += stride) {
     const class_weights weights(table.data() + at, table.data() + at + stride);
     if (std::all_of(weights.begin(), weights.end(), [](double w) { return w == 0; })) continue;
@@ -15,7 +15,7 @@ tallied_values::tallied_values(const std::vector<float>& table, std::size_t stri
   }
 }
 
-double tallied_values::entropy(const class_weights& weights) {
+double value_weights::entropy(const class_weights& weights) {
   double sum = 0;
   double terms = 0;
   for (const double w : weights) {
@@ -25,13 +25,13 @@ double tallied_values::entropy(const class_weights& weights) {
   return sum > 0 ? sum * std::log2(sum) - terms : 0;
 }
 
-double tallied_values::gain_by_value() const {
+double value_weights::gain_by_value() const {
   double left_over = 0;
   for (const class_weights& weights : values) left_over += entropy(weights);
   return (entropy(all) - left_over) / std::accumulate(all.begin(), all.end(), 0.0);
 }
 
-double tallied_values::gain_at_threshold() const {
+double value_weights::gain_at_threshold() const {
   class_weights left(all.size());
   class_weights right = all;
   double left_over = entropy(all);
