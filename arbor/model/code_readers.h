@@ -1,5 +1,5 @@
-// How the loops over the cases read codes: a column's storage is looked up once per call, so that
-// nothing is left to decide per case. Internal to the library.
+// How the loops over the cases read codes: a column's storage is looked up once per call, and no
+// longer for each case. Internal to the library.
 //
 //   with_codes(class_column, [&](auto class_of) {
 //     for (const auto& [row, weight] : *cases) weights[class_of(row)] += weight;
@@ -42,10 +42,10 @@ struct virtual_indices {
   unsigned int operator()(unsigned int row) const { return source->get_row_index(row); }
 };
 
-// Calls `use` with a reader of the column: what it tells of a row is what get_row_index tells.
+// Calls `use` with a reader that returns what get_row_index returns.
 //
-// A class derived from one of the library's own may override get_row_index, so that only the very
-// own ones are read past it.
+// A class derived from one of the library's own may override get_row_index, so only the library's
+// own classes are read without it.
 template <class Use>
 void with_codes(const column& source, Use&& use) {
   const std::type_info& storage = typeid(source);
@@ -64,8 +64,8 @@ void with_codes(const column& source, Use&& use) {
   }
 }
 
-// Calls `use` with a reader of the codes of a column_typed<T> in their full width; of a derived
-// class, one of what get_row_index returns.
+// Calls `use` with a reader of the codes of a column_typed<T> in their full width; for a derived
+// class, with one that returns what get_row_index returns.
 template <class T, class Use>
 void with_column_codes(const column_typed<T>& source, Use&& use) {
   if (typeid(source) == typeid(column_typed<T>)) {
@@ -83,7 +83,7 @@ void with_column_codes(const column_bool& source, Use&& use) {
   }
 }
 
-// Whether a column is of one of the library's own classes, so that nothing of it is overridden.
+// Returns whether a column is of one of the library's own classes, which override nothing.
 inline bool is_library_column(const column& source) {
   const std::type_info& storage = typeid(source);
   return storage == typeid(column) || storage == typeid(column_bool) ||

@@ -13,8 +13,8 @@
 // Code 0 is the unknown value, 1 to n are the known values in ascending order. Rows and codes are
 // never range-checked.
 //
-// Every call that runs out of storage throws std::bad_alloc, or std::runtime_error "out of memory"
-// from a column of bits. The column is then as before, nothing is leaked, and the call may be
+// Every call that runs out of memory throws std::bad_alloc, or std::runtime_error "out of memory"
+// from a column of bits. The column is unchanged then, nothing is leaked, and the call can be
 // repeated.
 #ifndef ARBOR_MODEL_COLUMN_H
 #define ARBOR_MODEL_COLUMN_H
@@ -30,11 +30,11 @@
 
 namespace arbor::impls {
 
-// The base of all columns, and itself the column of an ignored attribute of the data type "null":
-// it holds no rows.
+// The base of all columns. It is also the column of an ignored attribute of the data type "null",
+// and has no rows then.
 class column : public strata::util::nocopy {
  public:
-  // What an attribute is used for. The numbers are fixed; the saved form carries the texts.
+  // What an attribute is used for. The numbers are fixed; the saved form contains the texts.
   enum _type : int {
     DISCRETE = 0,    // nominal: a split has one branch per known value
     CLASS = 1,       // the target
@@ -46,8 +46,8 @@ class column : public strata::util::nocopy {
   struct splitting_desc;
   struct partition_desc;
 
-  // Adopts `domain`; if this throws, the domain stays the caller's. A null domain is legal as long
-  // as no call needs it.
+  // Adopts `domain`; when anything is thrown, the domain stays the caller's. A null domain is
+  // allowed as long as no call needs it.
   column(o_set* domain, const std::string& name, _type type);
   virtual ~column();
 
@@ -55,62 +55,64 @@ class column : public strata::util::nocopy {
   // for a discrete column of at most two known values and no unknown one, a plain column for the
   // data type "null", else 1, 2, 4 or 8 bytes a row.
   //
-  // `domain` has all its values; `type` is "discrete", "continuous", "class", "weights" or
+  // `domain` must contain all its values; `type` is "discrete", "continuous", "class", "weights" or
   // "ignore". On success the caller owns the column, the column owns the domain, and `error` is
-  // untouched. If kind and domain do not go together the result is null and `error` says why. The
-  // domain stays the caller's then, and if this throws.
+  // unchanged. If a column of this kind cannot have this domain, returns null and sets `error` to
+  // the reason. The domain stays the caller's then, and also when std::bad_alloc is thrown.
   static column* NEW_COLUMN(o_set* domain, const std::string& name, const std::string& type,
                             std::string& error);
 
-  // Sets `kind` to the kind that `text` spells exactly; returns false, with `kind` untouched, for
-  // any other text.
+  // Sets `kind` to the kind with the name `text` and returns true; returns false, with `kind`
+  // unchanged, for any text that is not exactly a kind's name.
   static bool get_type(const std::string& text, _type& kind);
 
-  // Whether a column of the kind named by `text` may hold unknown values: every kind but "weights".
-  // That a class column may not either is a rule of NEW_COLUMN.
+  // Returns whether a column of the kind named by `text` may contain unknown values: false for
+  // "weights", true for any other text. Class columns may not contain them either, but it is
+  // NEW_COLUMN that refuses those.
   static bool admits_null(const std::string& text);
 
-  // A column of the same class, kind and name with a copy of the domain; the caller owns it. It has
-  // the same rows, or none with `empty`.
+  // Returns a column of the same class, kind and name with a copy of the domain, which the caller
+  // owns. It has the same rows, or none if `empty`.
   virtual column* clone(bool empty);
 
-  // Makes room for `rows` rows in all.
+  // Makes room for `rows` rows in total.
   virtual void reserve(unsigned int rows);
   virtual unsigned int size() const;
 
-  // Appends a row. Throws std::runtime_error if the domain does not hold the text or there are
+  // Appends a row. Throws std::runtime_error if the domain does not contain the text or there are
   // 4294967295 rows, and what the domain throws for a text that is not of its data type; the column
   // is unchanged then.
   virtual void push_back(const char* value);
 
-  // The code of a row's value, its low 32 bits if it has more.
+  // Returns the code of a row's value, its low 32 bits if it has more.
   virtual unsigned int get_row_index(unsigned int row) const;
-  // Whether the value of row `a` comes before that of row `b`.
+  // Returns whether the value of row `a` comes before that of row `b`.
   virtual bool less_than(unsigned int a, unsigned int b) const;
 
+  // Writes a fixed line, which warns that there is no XML output.
   virtual void toXML(std::ostream& out) const;
 
-  // The cases of a node that go down one branch of a split on this column, in their order, in a new
-  // sequence that the caller owns. A case whose value is unknown goes down every branch, its weight
-  // multiplied by the branch's share.
+  // Returns the cases of a node that go down one branch of a split on this column, in their order,
+  // in a new sequence that the caller owns. A case whose value is unknown goes down every branch,
+  // with its weight multiplied by the branch's share.
   //
   //   begin, end  the node's cases; read only
   //   branch      for a discrete split the code of the branch's value; for a continuous one 1 for
   //               the codes up to that of the threshold, 2 for those above it
   //   total       the weight of the node's cases, unknown values included
-  //   ratio       receives the branch's share: its weight over that of the cases whose value is
-  //               known. The low branch of a continuous split counts the unknown cases too, in its
-  //               own weight and in what it is divided by
+  //   ratio       receives the branch's share: its weight divided by that of the cases whose value
+  //               is known. For the low branch of a continuous split both weights include the
+  //               unknown cases
   //   range       receives the bounds [first, second) of the branch's codes: for a discrete branch
   //               its code; for a continuous one from the least to the greatest of the threshold's
   //               code and those of its cases
   //   desc        the split; only the threshold of a continuous one is read. A threshold that the
-  //               domain does not hold has code 0, below all values
+  //               domain does not contain has code 0, below all values
   //
-  // Discrete and class columns split by value, continuous ones at the threshold. All others,
-  // continuous columns of bits and this base throw std::runtime_error. Whatever is thrown, `ratio`
-  // and `range` are unchanged. If `total` equals the weight of the unknown values, the share is
-  // infinite or not a number, and so are the weights of these cases.
+  // Discrete and class columns are split by value, continuous ones at the threshold. All others,
+  // continuous columns of bits and this base throw std::runtime_error. When anything is thrown,
+  // `ratio` and `range` are unchanged. If `total` equals the weight of the unknown cases, the share
+  // is infinite or not a number, and so are the weights that these cases get.
   virtual w_sequence* partition(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                                 unsigned int branch, float total, float& ratio,
                                 strata::util::pair<unsigned int, unsigned int>& range,
@@ -118,14 +120,14 @@ class column : public strata::util::nocopy {
 
   // Rates this column as the split of a node.
   //
-  //   class_column  the class of every case, without unknown values; read only. The class of a case
-  //                 whose value is unknown in this column is not read
+  //   class_column  the class of every case, without unknown values; only read. The class of a case
+  //                 whose value is unknown in this column is not read at all
   //   total_weight  the weight of all cases, unknown values included
   //   cases         the node's cases, at least one
   //   code_range    [first, second): bounds of the known codes of this column among the cases. The
-  //                 cost of a call grows with its width, so tight bounds pay
+  //                 cost of a call grows with its width, so tight bounds save time
   //   min_weight    the least weight of a branch that counts, 0 or more: a discrete split needs two
-  //                 such branches; either side of a threshold needs it, or what the minimum-branch
+  //                 such branches; both sides of a threshold need it, or what the minimum-branch
   //                 rule allows instead
   //   opts          may be null, for the defaults
   //   result        receives the rating; `gain` is splitting_desc::no_split if no split is
@@ -135,10 +137,11 @@ class column : public strata::util::nocopy {
   // Throws std::bad_alloc and what the class column's get_row_index throws; `result` is incomplete
   // then.
   //
-  // Const calls, of this function and others, may run at once, on one column or several, once every
-  // domain that they read (the class column's too) has been asked a question, and as long as
-  // nothing is inserted or appended. Each needs a `result` of its own and, without `copy_cases`,
-  // cases of its own; with `copy_cases` they are only read and may be shared.
+  // Several threads may make const calls, of this function and others, at the same time, on one
+  // column or several, once every domain that they read (the class column's too) has been asked a
+  // question, and as long as nothing is inserted or appended. Each call needs a `result` of its own
+  // and, without `copy_cases`, cases of its own; with `copy_cases` they are only read and may be
+  // shared.
   virtual void quality_measure(column* class_column, float total_weight, w_sequence* cases,
                                strata::util::pair<unsigned int, unsigned int>& code_range,
                                float min_weight, options* opts, splitting_desc& result,
@@ -155,7 +158,7 @@ class column : public strata::util::nocopy {
   // rows. The base holds no rows and appends none.
   virtual void append_codes(const unsigned int* codes, unsigned int count);
 
-  // The text of the kind, "unspecified" for a number that is none.
+  // Returns the name of the kind, or "unspecified" for a number that is not a kind.
   std::string get_type() const;
   std::string get_name() const { return name; }
   o_set* get_o_set() const { return domain.get(); }
@@ -165,21 +168,21 @@ class column : public strata::util::nocopy {
   bool is_weights() const { return type == WEIGHTS; }
   bool is_ignore() const { return type == IGNORE; }
 
-  // The number of codes, that of the unknown value included.
+  // Returns the number of codes, that of the unknown value included.
   unsigned int get_distinct() const { return domain->size_of_known() + 1; }
-  // The half-open range of the known codes: (1, n + 1), or (0, 0) when there are none.
+  // Returns the half-open range of the known codes: (1, n + 1), or (0, 0) if there are none.
   strata::util::pair<unsigned int, unsigned int> get_range() const;
   std::string get_value(unsigned int code) const { return domain->get_value(code); }
   std::string get_row_value(unsigned int row) const { return get_value(get_row_index(row)); }
-  // The code of a text, 0 for the unknown value and for a text that the domain does not hold.
-  // Throws what the domain throws for a text that is not of its data type.
+  // Returns the code of a text, 0 for the unknown value and for a text that the domain does not
+  // contain. Throws what the domain throws for a text that is not of its data type.
   unsigned int get_index(const char* value) const;
-  // The threshold text between two codes, as the domain's find_mid gives and refuses it; the null
-  // text unless the column is continuous.
+  // Returns the text of the threshold between two codes. A continuous column calls the domain's
+  // find_mid, and throws what that throws; any other returns the null text.
   std::string find_threshold(unsigned int low, unsigned int high) const;
 
  protected:
-  // What append_codes throws.
+  // Throws what append_codes throws for these codes.
   void check_codes(const unsigned int* codes, unsigned int count) const;
   // Throws unless `count` more rows can still be counted.
   void check_room(unsigned int count) const;
@@ -196,13 +199,13 @@ struct column::splitting_desc {
 
   // 2 for a continuous split, else the number of known values; 0 if none was rated.
   unsigned int branches = 0;
-  // Continuous splits: the occurring codes on either side of the cut.
+  // Continuous splits: the codes next to the cut that occur among the cases.
   unsigned int low_code = 0;
   unsigned int high_code = 0;
   // The rated column; not owned.
   column* split_column = nullptr;
-  // Bits per unit of weight, scaled by the known share; for a continuous split less the penalty for
-  // the cuts that were tried. Or no_split.
+  // Bits per unit of weight, scaled by the known fraction; for a continuous split minus the penalty
+  // for the number of cuts tried. Or no_split.
   float gain = 0;
   // Bits per unit of weight; 0 without a split.
   float split_info = 0;
@@ -212,8 +215,9 @@ struct column::splitting_desc {
     split_info = 0;
   }
 
-  // Describes this split for the partitioning of cases: the threshold text of a continuous one,
-  // else the null text of the domain. What the domain throws passes, with `target` unchanged.
+  // Sets `target` to the description of this split that `partition` needs. Its threshold is that of
+  // a continuous split, else the null text of the domain. Throws what the domain's find_mid throws;
+  // `target` is unchanged then.
   void set_partition_desc(partition_desc& target) const;
 };
 
@@ -225,13 +229,13 @@ struct column::partition_desc {
   void reset();
 };
 
-// Writes the record of a column with its domain, or of its absence if `source` is null.
+// Writes the record of a column, which may be null, with its domain. Throws what the stream throws.
 strata::inpout::obinstream& operator<<(strata::inpout::obinstream& out, const column* source);
 
-// Reads a record into a new column, made by NEW_COLUMN, which the caller owns; null if the record
-// is that of no column. If NEW_COLUMN refuses it, the result is null, `error` has its message, and
-// the rows are unread; otherwise `error` is untouched. Throws what the stream and NEW_O_SET throw;
-// `target` is null then.
+// Reads a record. Sets `target` to a new column, made by NEW_COLUMN, which the caller owns, or to
+// null if null was written. If NEW_COLUMN refuses the column, `target` is null, `error` has the
+// message, and the rows are not read; otherwise `error` is unchanged. Throws what the stream and
+// NEW_O_SET throw; `target` is null then.
 strata::inpout::ibinstream& read_column(strata::inpout::ibinstream& in, column*& target,
                                         std::string& error);
 

@@ -5,6 +5,7 @@
 
 #include "arbor/model/measure/case_partition.h"
 #include "arbor/model/measure/discrete_quality.h"
+#include "arbor/utils/text_storage.h"
 
 namespace arbor::impls {
 
@@ -25,8 +26,8 @@ void column_bool::reserve(unsigned int rows) {
 void column_bool::push_back(const char* value) {
   unsigned int code = 0;
   if (!domain->get_order(value, code)) {
-    throw std::runtime_error("[column::push_back] index not found for value '" +
-                             std::string(value) + "'");
+    throw std::runtime_error(
+        strata::util::joined({"[column::push_back] index not found for value '", value, "'"}));
   }
   values.push_back(code == 2);
 }
@@ -62,7 +63,12 @@ strata::inpout::ibinstream& column_bool::bin_in(strata::inpout::ibinstream& in) 
   in >> count;
   in.expect(count / 32 + (count % 32 != 0 ? 1 : 0), sizeof(unsigned int));
   values.resize(count);
-  in.read_block(values.data(), values.word_count());
+  try {
+    in.read_block(values.data(), values.word_count());
+  } catch (...) {
+    values.clear_behind();
+    throw;
+  }
   values.clear_behind();
   return in;
 }

@@ -12,13 +12,13 @@ class column_bool : public column {
  public:
   column_bool(o_set* domain, const std::string& name, _type type);
 
-  // With `empty` false the copy shares the bits with this column, as copies of a bitmap do: what is
-  // written through one is read through the other.
+  // With `empty` false the copy shares the bits with this column, as copies of a bitmap do: a bit
+  // that is changed in one changes in the other, too.
   column* clone(bool empty) override;
   void reserve(unsigned int rows) override;
   unsigned int size() const override { return values.size(); }
   // Throws "[column::push_back] index not found for value '<value>'" for a text that the domain
-  // does not hold; the null text of a domain that holds it counts as the first value.
+  // does not contain; the null text of a domain that contains it counts as the first value.
   void push_back(const char* value) override;
   void append_codes(const unsigned int* codes, unsigned int count) override;
   unsigned int get_row_index(unsigned int row) const override { return values[row] ? 2 : 1; }
@@ -33,9 +33,9 @@ class column_bool : public column {
                        strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                        options* opts, splitting_desc& result, bool copy_cases) const override;
 
-  // Reading replaces the rows. A record of fewer rows than the column has shortens it and is then
-  // refused, as by bitmap::resize; a device that throws leaves the new length, with bits partly
-  // read.
+  // Reading replaces the rows. A record of fewer rows than the column has shortens the column and
+  // is then refused, as by bitmap::resize. If the device throws, the column has the new length and
+  // some of the bits may have been read.
   strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const override;
   strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in) override;
 

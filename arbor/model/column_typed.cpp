@@ -33,6 +33,7 @@ void column_typed<T>::push_back(const char* value) {
   unsigned int code = 0;
   if (!domain->get_order(value, code)) throw std::runtime_error("column require a valid o_set");
   check_room(1);
+  strata::util::allocatable<T>(values.size() + 1ULL);
   values.push_back(static_cast<T>(code));
 }
 
@@ -80,6 +81,7 @@ strata::inpout::ibinstream& column_typed<T>::bin_in(strata::inpout::ibinstream& 
   in >> count;
   if (count == 0) return in;
   in.expect(count, sizeof(T));
+  check_room(count);
   const std::size_t rows_before = values.size();
   values.resize(strata::util::allocatable<T>(0ULL + rows_before + count));
   try {

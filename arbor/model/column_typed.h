@@ -18,7 +18,7 @@ class column_typed : public column {
   column* clone(bool empty) override;
   void reserve(unsigned int rows) override;
   unsigned int size() const override { return static_cast<unsigned int>(values.size()); }
-  // Throws "column require a valid o_set" for a text that the domain does not hold.
+  // Throws "column require a valid o_set" for a text that the domain does not contain.
   void push_back(const char* value) override;
   void append_codes(const unsigned int* codes, unsigned int count) override;
   // For eight-byte codes the low 32 bits.
@@ -37,8 +37,7 @@ class column_typed : public column {
                        strata::util::pair<unsigned int, unsigned int>& code_range, float min_weight,
                        options* opts, splitting_desc& result, bool copy_cases) const override;
 
-  // Reading appends the record's rows to those the column has; when it throws, the column keeps
-  // just these.
+  // Reading appends the record's rows to those of the column, which is unchanged when it throws.
   strata::inpout::obinstream& bin_out(strata::inpout::obinstream& out) const override;
   strata::inpout::ibinstream& bin_in(strata::inpout::ibinstream& in) override;
 

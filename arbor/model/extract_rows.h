@@ -12,13 +12,13 @@
 
 namespace arbor::impls {
 
-// A column of the same kind and name with the rows of `cases` alone, in their order. Its domain
-// passes every question on to that of `source`, or of the column that `source` itself was copied
-// from: that domain must outlive it, `source` need not.
+// Returns a column of the same kind and name with only the rows of `cases`, in their order. Its
+// domain passes every question on to that of `source`, or of the column that `source` itself was
+// copied from: that domain must outlive the copy, `source` need not.
 //
-// `source` is of one of the library's own classes (see is_library_column), and so is the copy. What
-// a derived class overrides would be lost. Throws std::runtime_error if a code of these rows is not
-// in the domain, as rows that were read from a record may be.
+// `source` must be of one of the library's own classes (see is_library_column), and so is the copy:
+// what a derived class overrides would be lost. Throws std::runtime_error if a code of these rows
+// is not in the domain, which can happen with rows that were read from a record.
 std::unique_ptr<column> extract_rows(const column& source, const w_sequence& cases);
 
 }  // namespace arbor::impls

@@ -4,7 +4,7 @@
 
 namespace arbor::impls {
 
-// Rounded down. Does not overflow, nor does the next one.
+// Rounded down. Neither this function nor the next one overflows.
 inline int midpoint(int lo, int hi) {
   if (lo >= 0 || hi < 0) return (hi - lo) / 2 + lo;
   const int sum = lo + hi;

@@ -38,10 +38,9 @@ class file_device : public bindevice {
   void write_values(const void* data, unsigned int width, unsigned int count) override;
   void read_values(void* data, unsigned int width, unsigned int count) override;
 
-  // For a regular file that is read: the size it had when it was opened less the bytes read. At
-  // that point it looks for another byte: 0 if there is none, unknown if there is, because the file
-  // has grown or is one without a size of its own, as those under /proc. Unknown for everything
-  // else.
+  // For a regular file that is read: the size it had when it was opened, minus the bytes read. When
+  // that is 0, it looks for another byte: if there is one, the result is unknown, because the file
+  // has grown or has no size of its own, like those under /proc. Unknown for everything else.
   unsigned long long remaining() const override;
 
   // Writes what is still buffered and closes the file. No other call may follow.

@@ -24,8 +24,8 @@ std::string number_text(double value) {
   return text;
 }
 
-// By strtod, because several threads must not call localeconv at the same time. It is fast for a
-// zero, of which it reads the "." too if that is the point.
+// By strtod, because several threads must not call localeconv at the same time. strtod is fast for
+// a zero, and reads the "." as well if that is the decimal point.
 bool point_is_dot() {
   char* end = nullptr;
   static_cast<void>(std::strtod("0.", &end));

@@ -15,6 +15,7 @@
 #define ARBOR_UTILS_OBINSTREAM_H
 
 #include <cstddef>
+#include <type_traits>
 
 #include "arbor/utils/bindevice.h"
 
@@ -45,8 +46,10 @@ class obinstream {
   // Any other pointer would be converted to bool and written as one byte. Domains and columns have
   // operators of their own.
   obinstream& operator<<(const volatile void* a_pointer_cannot_be_saved) = delete;
-  template <class Result, class... Arguments>
-  obinstream& operator<<(Result (*a_function_cannot_be_saved)(Arguments...)) = delete;
+  template <class Function, class = std::enable_if_t<std::is_function_v<Function>>>
+  obinstream& operator<<(Function* a_function_cannot_be_saved) = delete;
+  template <class Member, class Class>
+  obinstream& operator<<(Member Class::*a_member_cannot_be_saved) = delete;
 
   // Writes `count` elements from `elements` on: in one call of the device if they have less than
   // 2147483647 bytes (rounded down to whole elements), else in one call for each. T is bool, an

@@ -42,7 +42,8 @@ constexpr bool
 static_assert(is_written<char*> && is_written<const char*> && is_written<o_set*> &&
               is_written<impls::column_bool*> && is_written<const column*>);
 static_assert(!is_written<int*> && !is_written<const void*> && !is_written<const o_set*> &&
-              !is_written<std::string*> && !is_written<volatile char*> && !is_written<int (*)()>);
+              !is_written<std::string*> && !is_written<volatile char*> && !is_written<int (*)()> &&
+              !is_written<int (*)(int, ...)> && !is_written<int column::*>);
 
 // The number of bytes of the first call for a block.
 template <class T>

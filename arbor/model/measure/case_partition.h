@@ -20,9 +20,9 @@ struct branch_cases {
   float ratio;  // the branch's share
 };
 
-// The rules by which codes belong to a branch. The unknown cases (code 0) go down every branch.
-// Where code 0 belongs to it by the rule, they weigh on the branch like others; elsewhere their
-// weight is kept apart.
+// The rules by which codes belong to a branch. The unknown cases (code 0) go down every branch. If
+// code 0 belongs to the branch by its rule, their weight is part of the branch's weight; otherwise
+// it is kept apart.
 struct codes_up_to {
   static constexpr bool has_unknown = true;
   unsigned int last;
@@ -45,7 +45,7 @@ unsigned int is_apart(unsigned int code) {
   return OnBranch::has_unknown ? 0 : static_cast<unsigned int>(code == 0);
 }
 
-// What the first pass may note of all codes: the bounds of the known ones, or nothing.
+// What the first pass may note about all codes: the bounds of the known ones, or nothing.
 struct code_extent {
   unsigned int before_lowest = std::numeric_limits<unsigned int>::max();
   unsigned int highest = 0;
@@ -68,8 +68,8 @@ struct branch_weight {
   Extent codes;
 };
 
-// Not inlined: the sums would be kept in memory because of the allocation that follows, and each
-// addition would wait until the last is stored.
+// Not inlined: because of the allocation that follows, the sums would be kept in memory, and each
+// addition would wait until the one before is stored.
 template <class Extent, class CodeOf, class OnBranch>
 [[gnu::noinline]] branch_weight<Extent> weigh_branch(w_sequence::const_iterator begin,
                                                      w_sequence::const_iterator end, CodeOf code_of,
@@ -87,11 +87,11 @@ template <class Extent, class CodeOf, class OnBranch>
   return result;
 }
 
-// The cases of a branch and those of unknown value, whose weight is multiplied by the branch's
-// share if `scale_unknown`. The share is the branch's weight over `total` less the weight that is
-// apart. `codes` receives the extent of all codes.
+// Returns the cases of a branch and the unknown ones, whose weight is multiplied by the branch's
+// share if `scale_unknown`. The share is the branch's weight divided by `total` minus the weight
+// kept apart. `codes` receives the extent of all codes.
 //
-// Neither pass branches on a case: on which side the next one is, is hard to foresee.
+// Neither pass branches on a case: the side of the next one is hard to predict.
 template <class CodeOf, class OnBranch, class Extent>
 branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                              float total, CodeOf code_of, OnBranch on_branch, bool scale_unknown,
@@ -115,7 +115,7 @@ branch_cases cases_on_branch(w_sequence::const_iterator begin, w_sequence::const
   return result;
 }
 
-// The branch of one value. In branch 0 the unknown cases are the ones meant, and keep their weight.
+// Returns the branch of one value. Branch 0 is that of the unknown cases, which keep their weight.
 template <class CodeOf>
 branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                             unsigned int branch, float total, CodeOf code_of) {
@@ -126,9 +126,9 @@ branch_cases cases_of_value(w_sequence::const_iterator begin, w_sequence::const_
   return cases_on_branch(begin, end, total, code_of, one_code{branch}, true, codes);
 }
 
-// The branch of the codes up to `threshold` (1), of those above it (2), or of none (any other).
-// Code 0 is not above the low branch's threshold, so unknown cases weigh on that branch. `range`
-// receives the bounds of `threshold` and of the known codes on the branch.
+// Returns the branch of the codes up to `threshold` (1), of those above it (2), or of no code (any
+// other). Code 0 is not above the threshold, so the weight of the unknown cases is part of the low
+// branch's. `range` receives the bounds of `threshold` and the known codes on the branch.
 template <class CodeOf>
 branch_cases cases_of_side(w_sequence::const_iterator begin, w_sequence::const_iterator end,
                            unsigned int branch, float total, CodeOf code_of, unsigned int threshold,

@@ -9,9 +9,10 @@ void class_counts::weigh(unsigned int weight) {
   for (std::size_t i = 0; i < cells.size(); ++i) cells[i] *= weight;
 }
 
-// The sums are exact in any order, so the table gives them; no case is looked at again.
+// The sums are exact in any order, so the cells are added up; no case is read again.
 void class_counts::add_up() {
-  // Adds several rows at once while there are many: one sum would wait for the addition before.
+  // Adds several rows at once while there are many: with a single sum, each addition would wait for
+  // the one before.
   constexpr std::size_t enough_sums = 64;
   std::size_t first = stride;
   if (cells.size() > 4 * enough_sums) {

@@ -16,27 +16,27 @@
 
 namespace arbor::impls {
 
-// What the measures read. Weight is float; or unsigned int, where all weights are the same whole
-// number and their sum is one that float holds exactly.
+// The table as the measures read it. Weight is float, or unsigned int if all weights are the same
+// whole number and float holds their sum exactly.
 template <class Weight>
 class class_table {
  public:
-  // All zeros. The known codes of the cases lie in `range`.
+  // All zeros. The known codes of the cases must be in `range`.
   class_table(const strata::util::pair<unsigned int, unsigned int>& range,
               unsigned int distinct_classes)
       : code_before_range(range.first - 1),
         row_count(range.second - code_before_range),
         stride(distinct_classes),
-        cells(1ULL * row_count * stride),
+        cells((range.second - range.first + 1ULL) * stride),
         class_totals(stride) {}
 
   // Row i, from 1 on, belongs to the i-th code of the range. Row 0 stands for the unknown value and
   // stays empty: the class of a case whose value is unknown is not read.
   unsigned int rows() const { return row_count; }
   unsigned int classes() const { return static_cast<unsigned int>(stride - 1); }
-  // The weights of the classes 1 to classes() in a row.
+  // Returns the weights of the classes 1 to classes() in a row.
   const Weight* row(unsigned int i) const { return cells.data() + i * stride + 1; }
-  // Those of all known cases.
+  // Returns those of all known cases.
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }
 
@@ -55,8 +55,8 @@ class class_counts : public class_table<unsigned int> {
  public:
   using class_table::class_table;
 
-  // Counts the cases and returns true; or returns false at a case of another weight, after which
-  // the table is of no use.
+  // Counts the cases and returns true. Returns false if a case has another weight; the table is
+  // incomplete then and must not be used.
   template <class CodeOf, class ClassOf>
   bool count(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const even_weight& weight);
 
@@ -91,7 +91,7 @@ void with_class_table(CodeOf code_of, const column& class_column, const w_sequen
                [&](auto class_of) { even = counts.count(code_of, class_of, cases, weight); });
     if (even) return use(counts);
   }
-  // The counts are gone by now: there is one table at a time.
+  // The counts have been released, so there is only one table at a time.
   class_sums sums(range, distinct_classes);
   with_codes(class_column, [&](auto class_of) { sums.add(code_of, class_of, cases); });
   use(sums);

@@ -34,9 +34,9 @@ class case_sweep {
   unsigned int low_code(std::size_t place) const { return code_at(place - 1); }
   unsigned int high_code(std::size_t place) const { return code_at(place); }
 
-  // A cut lies inside a run if all cases since the last cut that was rated, and all of the next
-  // code, are of one class, and the cut behind these is admissible. The best cut never does (U. M.
-  // Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
+  // A cut is inside a run if all cases since the last cut that was rated, and all of the next code,
+  // are of one class, and the right side of the cut after these is not too light. The best cut is
+  // never inside a run (U. M. Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
   template <class Search>
   bool inside_run(const Search& search) {
     if (one_class && run_goes_on(search)) return true;
@@ -79,9 +79,9 @@ void rate_sorted_cases(const Cases& cases, cut_problem node, column::splitting_d
   find_best_cut<0, weight>(node, cases.size(), case_sweep<Cases>(cases), result);
 }
 
-// Where each code ends among packed cases of two classes. With one weight and two classes the number
-// of cases up to there, and that of the second class among them, say all there is to know about a cut.
-// Nothing here or in the sweep branches on a case: codes and classes are hard to foresee.
+// Where each code ends among packed cases of two classes. As all weights are equal, two numbers
+// describe a cut: how many cases are up to it, and how many of these are of the second class. Nothing
+// here or in the sweep branches on a case: codes and classes are hard to predict.
 class code_ends {
  public:
   explicit code_ends(const packed_cases& sorted)
@@ -163,12 +163,12 @@ void rate_two_classes(const packed_cases& cases, cut_problem node, column::split
   find_best_cut<2, unsigned int>(node, ends.size(), two_class_sweep(ends), result);
 }
 
-// Sorts a copy of the cases beside the caller's sequence, in the form that serves best.
+// Sorts a copy of the cases, packed if they can be, and leaves the caller's sequence as it is.
 template <class T>
 void rate_copy(const column_typed<T>& rated, const column& class_column, const w_sequence& cases,
                const code_bounds& range, const cut_problem& node, column::splitting_desc& result) {
   const stored_codes<T> code_of{rated.codes().data()};
-  // Codes of more than 32 bits have their order by all of them.
+  // Codes of more than 32 bits cannot be packed: all their bits count for the order.
   if constexpr (sizeof(T) <= sizeof(unsigned int)) {
     const auto rate = [&](const packed_cases& packed) {
       if (node.class_count == 2) {

@@ -38,8 +38,8 @@ struct cut_problem {
   const options* opts;     // may be null
 
   float known_weight() const { return total_weight - unknown_weight; }
-  // Whether the known cases may be heavy enough for two branches; a least weight that is not a
-  // number refuses none.
+  // Whether the known cases may be heavy enough for two branches; always, if the least weight is
+  // not a number.
   bool splittable() const {
     return !(2.0 * static_cast<double>(min_weight) > static_cast<double>(known_weight()));
   }
@@ -112,18 +112,18 @@ class cut_search {
     return static_cast<float>(left_of_cut) > most_left;
   }
 
-  // Counts an admissible cut.
+  // Counts a candidate.
   void count_candidate() { ++candidates; }
 
-  // Rates the cut; `place` is the caller's name for it. Of equal gains, as they round to float, the
-  // earlier cut stays the best. A cut that is not `eligible` cannot become the best; with two
-  // classes it is rated all the same, which costs less than a branch that is hard to foresee.
+  // Rates the cut; the caller identifies it by `place`. If gains are equal when rounded to float,
+  // the earlier cut stays the best. A cut that is not `eligible` cannot become the best; with two
+  // classes it is rated all the same, which costs less than a branch that is hard to predict.
   void evaluate(std::size_t place, bool eligible) {
     if (Classes != 2 && !eligible) return;
     const unsigned int count = classes();
     const Weight* const on_left = left.data() + 1;
     const Weight* const on_right = right.data() + 1;
-    // Two sums at once: each addition waits for the one before, but not for the other side's.
+    // Two sums at once: each addition waits for the one before it, but not for the other side's.
     float left_terms = 0;
     float right_terms = 0;
     for (unsigned int c = 0; c < count; ++c) {
@@ -198,14 +198,14 @@ class cut_search {
   std::size_t best = 0;
 };
 
-// Moves the cut over the codes and rates every admissible place. `codes` moves it:
+// Moves the cut over the codes and rates every candidate. `codes` moves it:
 //
-//   move_next(search)       moves the cases of the next code to the left side; returns false, and
-//                           may have moved them or not, when no other code would be left on the
-//                           right
-//   place()                 what evaluate is to call the cut
-//   inside_run(search)      whether the cut lies amid cases of one class, so that it is not the
-//                           best; called once for each admissible cut
+//   move_next(search)       moves the cases of the next code to the left side; returns false if no
+//                           other code would be left on the right side, and may have moved them or
+//                           not then
+//   place()                 the number by which `evaluate` and `codes` know the cut
+//   inside_run(search)      whether the cases around the cut are all of one class, so that the cut
+//                           cannot be the best; called once for each candidate
 template <class Codes, class Search>
 void sweep(Codes& codes, Search& search) {
   while (codes.move_next(search)) {
@@ -216,8 +216,8 @@ void sweep(Codes& codes, Search& search) {
   }
 }
 
-// Calls `use` with a cut_search of so many classes, 0 for any number, for at most `cuts` cuts.
-// Weight is unsigned int for weights that count in whole numbers, else float.
+// Calls `use` with a cut_search for this number of classes (0 for any) and at most `cuts` cuts.
+// Weight is unsigned int if all weights are the same whole number, else float.
 template <unsigned int Classes, class Weight, class Use>
 void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
   if constexpr (std::is_integral_v<Weight>) {
@@ -236,8 +236,8 @@ void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
   use(search);
 }
 
-// Finds the best cut of a node with at most `cuts` cuts. `result` holds the no-split mark; gain,
-// split information and the codes on either side of the cut are set if there is one.
+// Finds the best cut of a node with at most `cuts` cuts. `result` must hold the no-split mark; its
+// gain, split information and codes are set if there is such a cut.
 //
 // `codes` as in `sweep`, with low_code(place) and high_code(place). It is copied, so that its state
 // can stay in registers.

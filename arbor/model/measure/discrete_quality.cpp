@@ -72,7 +72,7 @@ void rate_discrete(const class_table<Weight>& table, float total_weight, float m
   const float difference = info - value_info;
   const float all = unknown_weight + known_weight;
   const float known_fraction = known_weight / all;
-  // Two denominators on purpose: the gain is scaled by what was tallied, the split information is
+  // Two denominators on purpose: the gain is scaled by what was weighed, the split information is
   // per unit of the weight that the caller gives the node.
   result.gain = difference * known_fraction;
   result.split_info = sums.of_branches / total_weight;

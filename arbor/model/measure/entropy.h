@@ -1,7 +1,8 @@
 // The weighted entropy sum, from which every measure of a split is made, and the terms
 // x log2 x that it adds up. Internal to the model.
 //
-//   entropy_sum<float, real_terms> branches(real_terms{});
+//   const real_terms terms;
+//   entropy_sum<float, real_terms> branches(terms);
 //   for (float weight : branch_weights) branches.add(weight);
 //   branches.value();
 #ifndef ARBOR_MODEL_MEASURE_ENTROPY_H
@@ -38,13 +39,14 @@ inline float with_term(float sum, double term) {
   return static_cast<float>(static_cast<double>(sum) + term);
 }
 
-// The entropy of a distribution of weights in bits, times their sum S: S log2 S less the sum of all
-// w log2 w (C. E. Shannon, Bell System Technical Journal 27 (1948), 379-423). Both running sums are
-// floats. Weights are float with real_terms, or unsigned int with whole_terms: sums of up to 2^24
-// are the same in either.
+// The entropy of a distribution of weights in bits, times their sum S: S log2 S minus the sum of
+// all w log2 w (C. E. Shannon, Bell System Technical Journal 27 (1948), 379-423). Both running sums
+// are floats. Weights are float with real_terms, or unsigned int with whole_terms: sums of up to
+// 2^24 are the same in either.
 template <class Weight, class Terms>
 class entropy_sum {
  public:
+  // `of_weights` must outlive the sum.
   explicit entropy_sum(const Terms& of_weights) : term(of_weights) {}
 
   void add(Weight weight) {

@@ -35,11 +35,11 @@ class even_weight {
 
   // Whether the sum is small enough and the sample even.
   bool likely() const { return is_likely; }
-  // What each of the cases weighs then, at least 1.
+  // What each case weighs then, at least 1.
   unsigned int value() const { return number; }
-  // 0 if a case weighs just that. The differences of many can be gathered by "or".
+  // 0 if a case has exactly this weight. The differences of many cases can be combined by "or".
   unsigned int difference(float weight) const { return bits ^ bits_of_weight(weight); }
-  // Whether all of the cases do.
+  // Whether all cases have this weight.
   bool is_of_all(const w_sequence& cases) const {
     unsigned int differences = 0;
     for (const auto& c : cases) differences |= difference(c.second);

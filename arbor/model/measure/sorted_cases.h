@@ -1,7 +1,7 @@
-// A node's cases in the order of their codes, in three carriers:
+// A node's cases in the order of their codes, stored in one of three ways:
 //
-//   packed_cases     an integer a case, where all cases weigh the same
-//   gathered_cases   a record a case, sorted beside the caller's sequence
+//   packed_cases     one integer per case, if all cases weigh the same
+//   gathered_cases   one record per case, in a sorted copy
 //   cases_in_place   the caller's own sequence, read through the columns
 //
 // Each has the known cases as numbers from 0 to before size(), with code(i), class_code(i) and
@@ -25,13 +25,14 @@ using code_bounds = strata::util::pair<unsigned int, unsigned int>;
 // it pays until there are far more codes than cases. `cases` is not 0.
 inline bool counting_pays(std::size_t cases, const code_bounds& range) {
   constexpr unsigned int most_keys_per_case = 16;
-  const unsigned int keys = range.second - range.first + 1;  // the unknown value has one too
-  return keys / static_cast<unsigned int>(cases) <= most_keys_per_case;
+  const auto keys = range.second - range.first + 1ULL;  // the unknown value has one, too
+  return keys / cases <= most_keys_per_case;
 }
 
-// -- An integer a case --
+// -- One integer per case --
 
-// How the code of a case, as its offset in the range, stands above its class code in 32 bits.
+// How a case is packed into 32 bits: the offset of its code in the range, then its class code in
+// the lowest bits.
 struct case_packing {
   case_packing(const code_bounds& range, unsigned int class_count);
 
@@ -42,12 +43,12 @@ struct case_packing {
   unsigned int code_bits;
 };
 
-// Where all cases weigh the same, nothing of a case matters but its code and its class, and the
-// order among equal codes does not matter.
+// If all cases weigh the same, only the code and the class of each matter, and the order among
+// equal codes does not.
 class packed_cases {
  public:
-  // `sorted` are `count` packed cases in the order of their codes, which stay the caller's. Each
-  // weighs `weight_of_each`.
+  // `sorted` points to `count` packed cases in the order of their codes, and stays the caller's.
+  // Each weighs `weight_of_each`; the unknown cases weigh `weight_of_unknown` together.
   packed_cases(const case_packing& packing, const unsigned int* sorted, std::size_t count,
                unsigned int weight_of_each, unsigned int weight_of_unknown)
       : packed(packing),
@@ -81,9 +82,9 @@ constexpr std::size_t most_compared = 64;  // cases; more are sorted faster digi
 const unsigned int* sort_packed(unsigned int* numbers, std::size_t count,
                                 const case_packing& packing);
 
-// Packs each case whose value is known into `numbers`, and sets `known` to how many these are.
-// Returns whether all of them have a class: one without belongs to no sum, and counting has no
-// place for it.
+// Packs each case whose value is known into `numbers`, and sets `known` to their number. Returns
+// whether all of them have a class: the weight of one without a class belongs to no class's sum,
+// which packed cases cannot express.
 template <class CodeOf, class ClassOf>
 bool pack(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const case_packing& packing,
           unsigned int* numbers, std::size_t& known) {
@@ -100,8 +101,9 @@ bool pack(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const case_
   return all_have_a_class;
 }
 
-// Calls `use` with the packed cases and returns true; returns false where they cannot be packed:
-// for weights that are not all the same whole number, and for too many codes and classes.
+// Calls `use` with the packed cases and returns true. Returns false if they cannot be packed: their
+// weights are not all the same whole number, code and class do not fit into 32 bits, or a class is
+// unknown.
 template <class CodeOf, class Use>
 bool with_packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
                        const code_bounds& range, Use use) {
@@ -123,9 +125,9 @@ bool with_packed_cases(CodeOf code_of, const column& class_column, const w_seque
   return true;
 }
 
-// -- A record a case --
+// -- One record per case --
 
-// The code and class of a case are read several times, and in the columns they are scattered.
+// The code and class of a case are read several times; in the columns they are far apart.
 template <class Code>
 struct coded_case {
   Code code;
@@ -133,7 +135,7 @@ struct coded_case {
   float weight;
 };
 
-// Cases of any weight. Equal codes stay in the order of the cases, whatever sorts them, so that
+// Cases of any weight. Equal codes stay in the order of the cases, however they are sorted, so that
 // float sums over them have one value.
 template <class Code>
 class gathered_cases {
@@ -171,7 +173,7 @@ class gathered_cases {
     const auto key_of = [before](Code code) {
       return code == 0 ? 0 : static_cast<unsigned int>(code) - before;
     };
-    strata::util::work_array<unsigned int, 64> next(range.second - before);
+    strata::util::work_array<unsigned int, 64> next(range.second - range.first + 1ULL);
     for (const auto& c : cases) ++next[key_of(code_of(c.first))];
     unsigned int first = 0;
     for (std::size_t key = 0; key < next.size(); ++key) {
@@ -192,8 +194,8 @@ class gathered_cases {
 
 // -- The caller's own sequence --
 
-// Sorts the caller's cases themselves by the codes of `rated`. Equal codes end in no order to rely
-// on.
+// Sorts the caller's own cases by the codes of `rated`. The order among equal codes is not
+// specified.
 template <class T>
 void sort_in_place(const column_typed<T>& rated, w_sequence& cases, const code_bounds& range) {
   const unsigned int unknown_key = range.first - 1;
