@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <array>
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <regex>
 
 #include "tests/support/temporary_file.h"
 
@@ -17,10 +15,8 @@ namespace {
 std::string run(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   std::string printed;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe))
-    printed.append(buffer.data(), count);
-  printed = std::regex_replace(printed, std::regex("\n"), "⏎");
+  for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe))
+    printed += c == '\n' ? "⏎" : std::string(1, static_cast<char>(c));
   return std::to_string(WEXITSTATUS(pclose(pipe))) + ": " + printed;
 }
 
