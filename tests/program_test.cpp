@@ -3,52 +3,42 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <array>
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <regex>
 
 #include "tests/support/temporary_file.h"
 
 namespace arbor::tests {
 namespace {
 
-struct outcome {
-  int status;
-  std::string printed;
-};
-
-// Runs a command in a shell; line breaks of what it prints become "⏎".
-outcome run(const std::string& command) {
+// What a command of the shell prints, with "⏎" for a line break, behind its status.
+std::string run(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   std::string printed;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe))
-    printed.append(buffer.data(), count);
-  return {WEXITSTATUS(pclose(pipe)), std::regex_replace(printed, std::regex("\n"), "⏎")};
+  for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe))
+    printed += c == '\n' ? "⏎" : std::string(1, static_cast<char>(c));
+  return std::to_string(WEXITSTATUS(pclose(pipe))) + ": " + printed;
 }
 
 TEST(Program, PrintsWhatItShould) {
   const temporary_file name("");
   const std::string folder = name.path() + ".d", program = ARBOR_PROGRAM;
-  const std::string path = program.substr(0, program.rfind('/')) + ":" + std::getenv("PATH");
-  const std::string start = "export PATH='" + path + "' data='" ARBOR_DATA "'; cd " + folder + "; ";
-  ASSERT_EQ(run("mkdir " + folder).status, 0);
+  const std::string start = "PATH=" + program.substr(0, program.rfind('/')) +
+                            ":$PATH; export data='" ARBOR_DATA "'; cd " + folder + "; ";
+  ASSERT_EQ(run("mkdir " + folder), "0: ");
   std::ifstream cases(ARBOR_DATA "/../tests/program_cases.txt");
   for (std::string line; std::getline(cases, line);) {
-    const std::size_t arrow = line.find(" => ");
     if (line.empty() || line[0] == '#') continue;
-    const std::string expected = arrow == std::string::npos ? "" : line.substr(arrow + 4);
+    const std::size_t end = std::min(line.find(" => "), line.size());
+    const std::string command = line.substr(0, end);
+    const std::string expected = end < line.size() ? line.substr(end + 4) : "";
     const bool refused = expected.rfind("arbor: ", 0) == 0;
-    const outcome result =
-        run(start + "{ " + line.substr(0, arrow) + "\n} " + (refused ? "2>&1" : "2>err"));
-    const bool as_expected = refused ? result.printed == expected + "⏎"
-                                     : result.printed.find(expected) != std::string::npos;
-    EXPECT_TRUE(as_expected && result.status == (refused ? 2 : 0))
-        << line << "\nprints with status " << result.status << "\n"
-        << result.printed;
+    const std::string result = run(start + "{ " + command + (refused ? "\n} 2>&1" : "\n} 2>err"));
+    EXPECT_TRUE(refused ? result == "2: " + expected + "⏎"
+                        : result[0] == '0' && result.find(expected) != std::string::npos)
+        << line << "\nprints with status " << result;
   }
-  EXPECT_EQ(run("rm -r " + folder).status, 0);
+  EXPECT_EQ(run("rm -r " + folder), "0: ");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// CSV files and tables for tests: written, read and forgotten.
+// CSV files, tables and trees for tests: a file is written, read and forgotten.
 #ifndef ARBOR_TESTS_SUPPORT_TABLES_H
 #define ARBOR_TESTS_SUPPORT_TABLES_H
 
@@ -6,6 +6,7 @@
 #include <string>
 
 #include "arbor/table/table_loader.h"
+#include "arbor/tree/grower.h"
 #include "tests/support/columns.h"
 #include "tests/support/temporary_file.h"
 
@@ -26,8 +27,15 @@ inline tree::load_options options_of(const std::string& words) {
 }
 
 inline tree::table load_csv(const std::string& contents, const tree::load_options& options = {}) {
-  const temporary_file csv(contents);
-  return tree::load_table(csv.path(), options);
+  return tree::load_table(temporary_file(contents).path(), options);
+}
+
+// A tree that is not pruned.
+inline tree::decision_tree grown(const tree::table& rows, float min_weight = 2) {
+  tree::grow_options options;
+  options.min_weight = min_weight;
+  options.prune = false;
+  return tree::grow_tree(rows, rows.cases, options);
 }
 
 // What a call of use(path of a file with these contents) is refused with, without the path.
