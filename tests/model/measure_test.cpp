@@ -196,20 +196,48 @@ TEST(AnyMeasure, LetsTheErrorsOfTheClassColumnThrough) {
   }
 }
 
-TEST(CutMeasures, LeaveAClassThatIsNotKnownOutOfAllSums) {
+// Any measure of a node gives the same with each of its class columns.
+void expect_same_ratings(const node& n, std::initializer_list<column*> class_columns) {
+  const auto x = code_column<unsigned short>(n, column::CONTINUOUS);
+  for (by measure : {by::value, by::sorting, by::table}) {
+    for (const bool copy : {true, false}) {
+      std::set<std::string> ratings;
+      for (column* classes : class_columns) {
+        w_sequence cases = sequence_of(n);
+        ratings.insert(told(rate(measure, *x, n, *classes, cases, copy)));
+      }
+      EXPECT_EQ(ratings.size(), 1U) << *ratings.begin();
+    }
+  }
+}
+
+// The class column of a node, whose class codes may be any.
+std::unique_ptr<column> any_classes(node n) {
+  n.known_values = n.classes;
+  return code_column<unsigned char>(n, column::CLASS, 0, &weighted_case::class_code);
+}
+
+TEST(AnyMeasure, LeavesAClassThatIsNotKnownOutOfAllSums) {
   for (unsigned int classes : {2U, 3U}) {
     std::vector<weighted_case> list(200);
     for (unsigned int i = 0; i < 200; ++i)
       list[i] = {1 + i % 100, i % 10 == 0 ? 0 : 1 + (i % 100 > 40 ? 1U : 0U), 1};
-    node n(list, classes, 2);
-    n.known_values = classes;
-    const auto x = code_column<unsigned short>(n, column::CONTINUOUS);
-    const auto packed = code_column<unsigned char>(n, column::CLASS, 0, &weighted_case::class_code);
-    const auto read = stored<user_classes>(n, &weighted_case::class_code, classes);
-    w_sequence cases = sequence_of(n);
-    for (by measure : {by::sorting, by::table})
-      EXPECT_EQ(told(rate(measure, *x, n, *packed, cases)),
-                told(rate(measure, *x, n, *read, cases)));
+    const node n(list, classes, 2);
+    const auto read = class_column(n, 4);
+    expect_same_ratings(n, {any_classes(n).get(), read.get()});
+  }
+}
+
+// Its place in the table of a measure would be anywhere, and its column may end before.
+TEST(AnyMeasure, DoesNotReadTheClassOfAnUnknownValue) {
+  for (const float weight : {1.0F, 0.75F}) {
+    const node n({{1, 1, 1}, {2, 2, 1}, {1, 1, 1}, {2, 2, 1}, {0, 2, weight}, {0, 1, weight}});
+    node known = n, wild = n;
+    known.cases.resize(4);
+    wild.cases[4].class_code = wild.cases[5].class_code = 250;
+    const auto whole = class_column(n, 0), stored = class_column(known, 0),
+               users = class_column(known, 4);
+    expect_same_ratings(n, {whole.get(), stored.get(), users.get(), any_classes(wild).get()});
   }
 }
 
@@ -224,33 +252,6 @@ TEST(AnyMeasure, RatesCasesOfWhichALateOneWeighsOtherwise) {
     EXPECT_EQ(told(rate(by::value, n)), told(expected_by_value(n))) << classes;
     EXPECT_EQ(told(rate(by::table, n)), told(expected_cut(n, true))) << classes;
     EXPECT_EQ(told(rate(by::sorting, n)), told(expected_cut(n, false))) << classes;
-  }
-}
-
-// Its place in the table of a measure would be anywhere, and its column may end before.
-TEST(AnyMeasure, DoesNotReadTheClassOfAnUnknownValue) {
-  for (const float weight : {1.0F, 0.75F}) {
-    node n({{1, 1, 1}, {2, 2, 1}, {1, 1, 1}, {2, 2, 2}, {0, 2, weight}, {0, 1, weight}});
-    n.known_values = 2;
-    const auto x = code_column<unsigned short>(n, column::CONTINUOUS);
-    node known = n, wild = n;
-    known.cases.resize(4);
-    wild.cases[4].class_code = wild.cases[5].class_code = 250;
-    const auto whole = class_column(n, 0), stored = class_column(known, 0),
-               users = class_column(known, 4);
-    const auto high =
-        code_column<unsigned char>(wild, column::CLASS, 0, &weighted_case::class_code);
-    for (by measure : {by::value, by::sorting, by::table}) {
-      for (const bool copy : {true, false}) {
-        std::set<std::string> ratings;
-        for (column* classes :
-             std::initializer_list<column*>{whole.get(), stored.get(), users.get(), high.get()}) {
-          w_sequence cases = sequence_of(n);
-          ratings.insert(told(rate(measure, *x, n, *classes, cases, copy)));
-        }
-        EXPECT_EQ(ratings.size(), 1U) << weight;
-      }
-    }
   }
 }
 

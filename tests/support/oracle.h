@@ -198,13 +198,13 @@ inline rating expected_cut(const node& n, bool by_table) {
   unsigned int candidates = 0, evaluated = 0;
   for (auto next = codes.begin(); next != codes.end();) {
     const unsigned int cut = *next++;
-    const part left(n, 1, cut), right(n, cut + 1, top_code);
+    const part left(n, 1, cut);
     if (next == codes.end() || left.weight < min_side || left.weight > max_left) continue;
     ++candidates;
     const bool inside_run = part(n, evaluated + 1, *next).one_class;
     if (!by_table && inside_run && part(n, 1, *next).weight <= max_left) continue;
     evaluated = cut;
-    const auto within = static_cast<float>(left.entropy() + right.entropy());
+    const auto within = static_cast<float>(left.entropy() + part(n, cut + 1, top_code).entropy());
     const double k = known;
     const auto gain = static_cast<float>((before - within / k) * (k / (unknown + k)));
     if (!(gain > best.gain)) continue;
