@@ -17,11 +17,11 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <numeric>
 #include <set>
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
-#include "arbor/utils/memory_device.h"
 #include "tests/support/columns.h"
 
 namespace arbor::tests {
@@ -72,10 +72,8 @@ struct node {
   bool penalty_by_case_count = false;
 };
 
-enum class weighing {
-  even,
-  uneven
-};  // multiples of 1/8 (0 among them), or fractions that sums must round
+// Multiples of 1/8 (0 among them), or fractions that sums must round.
+enum class weighing { even, uneven };
 
 // A node with codes below `top`, in which runs, gaps, noise, unknown values and loose bounds come
 // in all mixtures.
@@ -123,47 +121,39 @@ inline std::string told(const rating& r) {
   return text;
 }
 
-// -- The second version. Codes run from `from` to `to`, both included. --
+// -- The second version. --
 
 inline float log2_of(double x) {
   return static_cast<float>(std::log(x) / 0.693147182464599609375);
 }
 
-inline float sum_of(const std::vector<float>& parts) {
-  float sum = 0;
-  for (float part : parts) sum += part;
-  return sum;
-}
-
 // The entropy of a distribution, times its sum.
 inline double weighted_entropy(const std::vector<float>& parts) {
-  const double sum = sum_of(parts);
+  const double sum = std::accumulate(parts.begin(), parts.end(), 0.0F);
   float terms = 0;
   for (double x : parts) terms = static_cast<float>(terms + (x > 0 ? x * log2_of(x) : 0));
   return (sum > 0 ? sum * log2_of(sum) : 0) - terms;
 }
 
-inline float weight_of(const node& n, unsigned int from, unsigned int to) {
-  std::vector<float> weights;
-  for (const weighted_case& c : n.cases)
-    weights.push_back(from <= c.code && c.code <= to ? c.weight : 0);
-  return sum_of(weights);
-}
-
-inline std::vector<float> class_weights(const node& n, unsigned int from, unsigned int to) {
-  std::vector<float> sums(n.classes, 0.0F);
-  for (const weighted_case& c : n.cases)
-    sums[c.class_code - 1] += from <= c.code && c.code <= to ? c.weight : 0;
-  return sums;
-}
-
-inline bool of_one_class(const node& n, unsigned int from, unsigned int to) {
-  std::set<unsigned int> found;
-  for (const weighted_case& c : n.cases) {
-    if (from <= c.code && c.code <= to) found.insert(c.class_code);
+// The cases whose codes run from `from` to `to`, both included.
+struct part {
+  part(const node& n, unsigned int from, unsigned int to) : by_class(n.classes) {
+    for (const weighted_case& c : n.cases) {
+      if (c.code < from || c.code > to) continue;
+      weight += c.weight;
+      by_class[c.class_code - 1] += c.weight;
+      one_class = last_class == 0 || (one_class && last_class == c.class_code);
+      last_class = c.class_code;
+    }
   }
-  return found.size() == 1;
-}
+
+  double entropy() const { return weighted_entropy(by_class); }
+
+  float weight = 0;
+  std::vector<float> by_class;
+  bool one_class = false;
+  unsigned int last_class = 0;
+};
 
 inline rating no_split(unsigned int branches) {
   return {branches, untouched, untouched, nullptr, rating::no_split, 0};
@@ -171,19 +161,19 @@ inline rating no_split(unsigned int branches) {
 
 inline rating expected_by_value(const node& n) {
   rating r = no_split(n.known_values);
-  const float unknown = weight_of(n, 0, 0), known = n.total_weight - unknown, all = unknown + known;
+  const float unknown = part(n, 0, 0).weight, known = n.total_weight - unknown;
   std::vector<float> branches{unknown};
   float within = 0;
   int real_branches = 0;
   for (unsigned int code = n.range.first; code < n.range.second; ++code) {
-    const std::vector<float> classes = class_weights(n, code, code);
-    within = static_cast<float>(within + weighted_entropy(classes));
-    branches.push_back(sum_of(classes));
+    const part branch(n, code, code);
+    within = static_cast<float>(within + branch.entropy());
+    branches.push_back(std::accumulate(branch.by_class.begin(), branch.by_class.end(), 0.0F));
     if (branches.back() >= n.min_weight) ++real_branches;
   }
   if (known == 0 || real_branches < 2) return r;
-  const auto before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code))) / known;
-  const float difference = before - within / known, known_share = known / all;
+  const float before = static_cast<float>(part(n, 1, top_code).entropy()) / known;
+  const float difference = before - within / known, known_share = known / (unknown + known);
   r.gain = difference * known_share;
   r.split_info = static_cast<float>(weighted_entropy(branches)) / n.total_weight;
   return r;
@@ -194,9 +184,9 @@ inline rating expected_by_value(const node& n) {
 // alone, from the last cut evaluated through the next code, unless the next cut is too high.
 inline rating expected_cut(const node& n, bool by_table) {
   rating r = no_split(2);
-  const float unknown = weight_of(n, 0, 0), known = n.total_weight - unknown;
+  const float unknown = part(n, 0, 0).weight, known = n.total_weight - unknown;
   if (2 * n.min_weight > known) return r;
-  const auto before = static_cast<float>(weighted_entropy(class_weights(n, 1, top_code)) / known);
+  const auto before = static_cast<float>(part(n, 1, top_code).entropy() / known);
   const auto class_share = static_cast<float>(0.1 * known / n.classes);
   const float min_side = n.min_weight >= class_share ? n.min_weight : std::min(class_share, 25.0F);
   const float max_left = known - min_side;
@@ -208,23 +198,19 @@ inline rating expected_cut(const node& n, bool by_table) {
   unsigned int candidates = 0, evaluated = 0;
   for (auto next = codes.begin(); next != codes.end();) {
     const unsigned int cut = *next++;
-    const float left = weight_of(n, 1, cut);
-    if (next == codes.end() || left < min_side || left > max_left) continue;
+    const part left(n, 1, cut);
+    if (next == codes.end() || left.weight < min_side || left.weight > max_left) continue;
     ++candidates;
-    if (!by_table && of_one_class(n, evaluated + 1, *next) && weight_of(n, 1, *next) <= max_left)
-      continue;
+    const bool inside_run = part(n, evaluated + 1, *next).one_class;
+    if (!by_table && inside_run && part(n, 1, *next).weight <= max_left) continue;
     evaluated = cut;
-    const double left_entropy = weighted_entropy(class_weights(n, 1, cut));
-    const auto within =
-        static_cast<float>(left_entropy + weighted_entropy(class_weights(n, cut + 1, top_code)));
+    const auto within = static_cast<float>(left.entropy() + part(n, cut + 1, top_code).entropy());
     const double k = known;
     const auto gain = static_cast<float>((before - within / k) * (k / (unknown + k)));
     if (!(gain > best.gain)) continue;
-    best.gain = gain;
-    best.low_code = cut;
-    best.high_code = *next;
-    best.split_info =
-        static_cast<float>(weighted_entropy({unknown, left, known - left})) / n.total_weight;
+    const std::vector<float> sides{unknown, left.weight, known - left.weight};
+    best = {2,       cut,  *next,
+            nullptr, gain, static_cast<float>(weighted_entropy(sides)) / n.total_weight};
   }
   const double spread =
       n.penalty_by_case_count ? static_cast<double>(n.cases.size()) : n.total_weight;
@@ -242,8 +228,7 @@ inline rating expected(const node& n, column::_type kind) {
                                   : expected_cut(n, n.cases.size() / width > 2);
 }
 
-// -- The real columns. Case i of a node is row 2 * i + 1; the rows between belong to other nodes.
-// --
+// -- The real columns. Case i of a node is row 2 * i + 1; the rows between are other nodes'. --
 
 inline w_sequence sequence_of(const node& n) {
   w_sequence cases;
@@ -260,98 +245,70 @@ inline o_set* numbers_to(unsigned int count) {
   return domain.release();
 }
 
-// A rated column of any codes that fit T, `plus` added to each. They come from a record, since its
-// domain need not have them.
+// A number of each case by row, with 2 in the rows between.
+inline std::vector<unsigned int> by_row(const node& n, unsigned int weighted_case::*number) {
+  std::vector<unsigned int> numbers;
+  for (const weighted_case& c : n.cases) numbers.insert(numbers.end(), {2, c.*number});
+  return numbers;
+}
+
+// A column that shows its codes, so that a test can give it some that its domain does not have.
 template <class T>
-std::unique_ptr<column_typed<T>> code_column(const node& n, column::_type kind, T plus = 0) {
-  std::vector<T> codes;
-  for (const weighted_case& c : n.cases)
-    codes.insert(codes.end(), {plus, static_cast<T>(c.code + plus)});
-  strata::inpout::memory_device device;
-  strata::inpout::obinstream out(device);
-  strata::inpout::ibinstream in(device);
-  const auto count = static_cast<unsigned int>(codes.size());
-  (out << count).write_block(codes.data(), count);
-  auto result = std::make_unique<column_typed<T>>(numbers_to(n.known_values), "x", kind);
-  result->bin_in(in);
-  return result;
+struct open_column : column_typed<T> {
+  using column_typed<T>::column_typed;
+  using column_typed<T>::values;
+};
+
+// A column of a number of each case, any that fits T, with `plus` added.
+template <class T>
+std::unique_ptr<column_typed<T>> code_column(
+    const node& n, column::_type kind, T plus = 0,
+    unsigned int weighted_case::*number = &weighted_case::code) {
+  open_column<T> open(numbers_to(n.known_values), "x", kind);
+  for (unsigned int code : by_row(n, number)) open.values.push_back(static_cast<T>(code + plus));
+  return std::unique_ptr<column_typed<T>>(static_cast<column_typed<T>*>(open.clone(false)));
 }
 
 // A column of a user's own, which keeps its codes elsewhere than its base.
 template <class Base>
 struct user_column : Base {
-  user_column(unsigned int known_values, column::_type kind)
-      : Base(numbers_to(known_values), "x", kind) {}
+  using Base::Base;
+  void append_codes(const unsigned int* added, unsigned int count) override {
+    codes.assign(added, added + count);
+  }
   unsigned int get_row_index(unsigned int row) const override {
-    if (codes[row] == not_to_be_read || reads_left-- == 0) throw std::runtime_error("no such page");
+    if (row >= codes.size() || reads_left-- == 0) throw std::runtime_error("no such page");
     return codes[row];
   }
   bool less_than(unsigned int a, unsigned int b) const override { return codes[a] < codes[b]; }
-  void add(const node& n, unsigned int weighted_case::*number) {
-    for (const weighted_case& c : n.cases) codes.insert(codes.end(), {0, c.*number});
-  }
 
-  static constexpr unsigned int not_to_be_read = top_code;
   std::vector<unsigned int> codes;
   mutable unsigned int reads_left = top_code;
 };
+
+// A column over 1 to `values` that stores a number of each case.
+template <class Column>
+std::unique_ptr<Column> stored(const node& n, unsigned int weighted_case::*number,
+                               unsigned int values, column::_type kind = column::CLASS) {
+  auto result = std::make_unique<Column>(numbers_to(values), "x", kind);
+  const std::vector<unsigned int> numbers = by_row(n, number);
+  result->append_codes(numbers.data(), static_cast<unsigned int>(numbers.size()));
+  return result;
+}
 
 // A rated column of the library's class or, for one choice in three, of a user's own.
 template <class T>
 std::unique_ptr<column_typed<T>> rated_column(const node& n, column::_type kind,
                                               unsigned int choice) {
   if (choice % 3 != 0) return code_column<T>(n, kind);
-  auto result = std::make_unique<user_column<column_typed<T>>>(n.known_values, kind);
-  result->add(n, &weighted_case::code);
-  return result;
-}
-
-// Rates by the measure that the column chooses.
-inline rating rate(const column& values, node n, column& classes, w_sequence& cases,
-                   bool copy_cases = true) {
-  rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
-  options opts{n.penalty_by_case_count};
-  values.quality_measure(&classes, n.total_weight, &cases, n.range, n.min_weight, &opts, r,
-                         copy_cases);
-  return r;
-}
-
-enum class by { value, sorting, table };
-
-// Rates by a measure of choice, with null options where the defaults do.
-template <class T>
-rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_sequence& cases,
-            bool copy_cases = true) {
-  rating r{untouched, untouched, untouched, nullptr, untouched, untouched};
-  options flagged{true}, *opts = n.penalty_by_case_count ? &flagged : nullptr;
-  const float total = n.total_weight, least = n.min_weight;
-  if (measure == by::value) x.QualityMeasureDiscrete(&classes, total, &cases, n.range, least, r);
-  if (measure == by::sorting)
-    x.QualityMeasureContinuous(&classes, total, &cases, n.range, least, opts, r, copy_cases);
-  if (measure == by::table)
-    x.QualityMeasureContinuousRainForest(&classes, total, &cases, n.range, least, opts, r);
-  return r;
-}
-
-using user_classes = user_column<column_typed<unsigned char>>;
-
-// A column over 1 to `values` that stores a number of each case, with value 2 in the rows between.
-template <class Column>
-std::unique_ptr<column> stored(const node& n, unsigned int weighted_case::*number,
-                               unsigned int values, column::_type kind = column::CLASS) {
-  auto result = std::make_unique<Column>(numbers_to(values), "x", kind);
-  for (const weighted_case& c : n.cases) {
-    result->push_back("2");
-    result->push_back(std::to_string(c.*number).c_str());
-  }
-  return result;
+  return stored<user_column<column_typed<T>>>(n, &weighted_case::code, n.known_values, kind);
 }
 inline std::unique_ptr<column> bits_of(const node& n, column::_type kind, unsigned int choice = 1) {
   if (choice % 3 != 0) return stored<column_bool>(n, &weighted_case::code, 2, kind);
-  auto result = std::make_unique<user_column<column_bool>>(2, kind);
-  result->add(n, &weighted_case::code);
-  return result;
+  return stored<user_column<column_bool>>(n, &weighted_case::code, 2, kind);
 }
+
+using user_classes = user_column<column_typed<unsigned char>>;
 
 // The classes of a node in one of five storages, or six where there are two classes; any number
 // chooses one.
@@ -362,12 +319,35 @@ inline std::unique_ptr<column> class_column(const node& n, unsigned int choice) 
   if (storage == 1) return stored<column_typed<unsigned short>>(n, number, n.classes);
   if (storage == 2) return stored<column_typed<unsigned int>>(n, number, n.classes);
   if (storage == 3) return stored<column_typed<unsigned long long>>(n, number, n.classes);
-  if (storage == 4) {
-    auto result = std::make_unique<user_classes>(n.classes, column::CLASS);
-    result->add(n, number);
-    return result;
-  }
+  if (storage == 4) return stored<user_classes>(n, number, n.classes);
   return stored<column_bool>(n, number, n.classes);
+}
+
+constexpr rating unrated{untouched, untouched, untouched, nullptr, untouched, untouched};
+
+// Rates by the measure that the column chooses.
+inline rating rate(const column& x, node n, column& classes, w_sequence& cases, bool copy = true) {
+  rating r = unrated;
+  options opts{n.penalty_by_case_count};
+  x.quality_measure(&classes, n.total_weight, &cases, n.range, n.min_weight, &opts, r, copy);
+  return r;
+}
+
+enum class by { value, sorting, table };
+
+// Rates by a measure of choice, with null options where the defaults do.
+template <class T>
+rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_sequence& cases,
+            bool copy = true) {
+  rating r = unrated;
+  options flagged{true}, *opts = n.penalty_by_case_count ? &flagged : nullptr;
+  const float total = n.total_weight, least = n.min_weight;
+  if (measure == by::value) x.QualityMeasureDiscrete(&classes, total, &cases, n.range, least, r);
+  if (measure == by::sorting)
+    x.QualityMeasureContinuous(&classes, total, &cases, n.range, least, opts, r, copy);
+  if (measure == by::table)
+    x.QualityMeasureContinuousRainForest(&classes, total, &cases, n.range, least, opts, r);
+  return r;
 }
 
 }  // namespace arbor::tests
