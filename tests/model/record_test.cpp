@@ -50,10 +50,10 @@ TEST(Record, HoldsADomainWithItsValuesAndAColumnWithItsRowsIfThereAreAny) {
   copied<column>(nullptr, "00");
   copied(make_column("continuous", "float", {}).get(),
          "01 01 'float 0100 '? 01 00000000 'x 'continuous 00000000");
+  // A domain whose vector of values is absent.
   const auto domain = make_domain("integer", {});
   domain->bin_in(std::make_unique<call_log>(byte_list{0})->in);
-  EXPECT_EQ(copied(domain.get(), "01 'integer 0100 '? 00")->get_value(1), "?")
-      << "without a vector of values";
+  EXPECT_EQ(copied(domain.get(), "01 'integer 0100 '? 00")->get_value(1), "?");
 }
 
 TEST(Record, IsNoColumnWhereKindAndDomainDoNotGoTogether) {
@@ -108,8 +108,8 @@ TEST(Record, HoldsBitsInWholeWordsAndIsReadInPlaceOfThoseThatAreThere) {
   EXPECT_EQ(message_of([&] { bits->bin_in(shorter.in); }),
             "bitmap::resize cannot deal with shortening of bitmaps");
   bits->push_back("a");
-  EXPECT_TRUE(bits->size() == 32 && bits->get_row_index(31) == 2)
-      << "no bit is written for the first value";
+  // No bit is written for the first value.
+  EXPECT_TRUE(bits->size() == 32 && bits->get_row_index(31) == 2);
 }
 
 TEST(Record, HoldsASplitAndIsReadWholeOrNotAtAll) {

@@ -73,14 +73,13 @@ TEST(CountingSort, OrdersTheCodesOfTwoKeysOrMoreAndLosesNoneToAThrow) {
     auto sorted = codes;
     unsigned int until_throw = round % 150;
     const auto key = [&](unsigned int c) { return until_throw-- == 0 ? throw 0 : c; };
-    const auto before = [&](unsigned int a, unsigned int b) {
+    const auto less = [=](auto a, auto b) {
       return (a == 0 ? unknown : a) < (b == 0 ? unknown : b);
     };
     try {
       strata::adt::counting_sort<unsigned int, decltype(key)>(sorted.begin(), sorted.end(), low,
                                                               low + keys, key, unknown);
-      EXPECT_TRUE(keys < 2 ? sorted == codes
-                           : std::is_sorted(sorted.begin(), sorted.end(), before));
+      EXPECT_TRUE(keys < 2 ? sorted == codes : std::is_sorted(sorted.begin(), sorted.end(), less));
     } catch (int) {
     }
     EXPECT_TRUE(std::is_permutation(codes.begin(), codes.end(), sorted.begin())) << round;
