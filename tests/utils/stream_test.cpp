@@ -23,7 +23,7 @@ TEST(Stream, MovesPrimitivesAndTextsInCallsOfTheirLittleEndianBytes) {
   std::string cut = "older";
   char zero[] = "abc\0d", *absent = cut.data(), *empty = nullptr;
   call_log device, source(spelt(numbers + "00 0200000000 FF03000000610062"));
-  std::apply([&](auto... value) { (device.out << ... << value) << nullptr << zero + 3 << zero; },
+  std::apply([&](auto... value) { (device.out << ... << value) << empty << zero + 3 << zero; },
              values);
   std::apply([&](auto&... value) { (source.in >> ... >> value) >> absent >> empty >> cut; }, back);
   EXPECT_EQ(device.medium.bytes(), spelt(numbers + "00 0100000000 0103000000616263"));
