@@ -26,17 +26,18 @@ static std::unique_ptr<Record> copied(Record* original, const std::string& recor
 
 TEST(Record, HoldsADomainWithItsValuesAndAColumnWithItsRowsIfThereAreAny) {
   // Kind, data type, values, record of the domain | what follows it in that of the column.
-  for (const std::string row : {"continuous integer 7,?,-2 01 'integer 0101 '? 01 02000000 "
-                                "FEFFFFFF 07000000 | 'x 'continuous 03000000 020001",
-                                "weights uinteger 4294967295,3 01 'uinteger 0100 '? 01 02000000 "
-                                "03000000 FFFFFFFF | 'x 'weights 02000000 0201",
-                                "ignore float 2,?,1.5 010105000000666C6F6174 0101 '? "
-                                "01020000000000C03F00000040 | 'x 'ignore 03000000 020001",
-                                "class double 0.5 01 'double 0100 '? 01 01000000 000000000000E03F "
-                                "| 010100000078 'class 01000000 01",
-                                "discrete string b,,b 01 'string 0100 '? 01 02000000 ' 'b | 'x "
-                                "01080000006469736372657465 03000000 05000000",
-                                "ignore null ?,? 01 'null 0101 '? | 'x 'ignore"}) {
+  for (const std::string row :
+       {"continuous integer 7,?,-2 01 'integer 0101 '? 01 02000000 FEFFFFFF 07000000 | 'x "
+        "'continuous 03000000 020001",
+        "weights uinteger 4294967295,3 01 'uinteger 0100 '? 01 02000000 03000000 FFFFFFFF | 'x "
+        "'weights 02000000 0201",
+        "ignore float 2,?,1.5 010105000000666C6F6174 0101 '? 01020000000000C03F00000040 | 'x "
+        "'ignore 03000000 020001",
+        "class double 0.5 01 'double 0100 '? 01 01000000 000000000000E03F | 010100000078 'class "
+        "01000000 01",
+        "discrete string b,,b 01 'string 0100 '? 01 02000000 ' 'b | 'x 01080000006469736372657465 "
+        "03000000 05000000",
+        "ignore null ?,? 01 'null 0101 '? | 'x 'ignore"}) {
     std::istringstream fields(row);
     std::string kind, type, values, domain, rest;
     std::getline(std::getline(fields >> kind >> type >> values, domain, '|'), rest);
@@ -47,76 +48,68 @@ TEST(Record, HoldsADomainWithItsValuesAndAColumnWithItsRowsIfThereAreAny) {
     EXPECT_EQ(thawed->size_of_known(), c->get_o_set()->size_of_known() + (type == "null" ? 0 : 1));
   }
   copied<column>(nullptr, "00");
-  copied(make_column("discrete", "float", {}).get(),
-         "01 01 'float 0100 '? 01 00000000 'x 'discrete 00000000");
+  copied(make_column("continuous", "float", {}).get(),
+         "01 01 'float 0100 '? 01 00000000 'x 'continuous 00000000");
+  // A domain whose vector of values is absent.
   const auto domain = make_domain("integer", {});
   domain->bin_in(std::make_unique<call_log>(byte_list{0})->in);
-  EXPECT_EQ(copied(domain.get(), "01 'integer 0100 '? 00")->get_value(1), "?")
-      << "without a vector of values";
+  EXPECT_EQ(copied(domain.get(), "01 'integer 0100 '? 00")->get_value(1), "?");
 }
 
 TEST(Record, IsNoColumnWhereKindAndDomainDoNotGoTogether) {
-  const std::string domain = "01 01 'string 0101 '? 01 01000000 'a ";
-  for (const texts& row :
-       {texts{"01 00 'x 'class", "No set of values provided"},
-        texts{domain + "00 'class", "Class column '' does not admit unknown values"},
-        texts{"01 01 'date 0101 '?", "invalid o_set type = date"}}) {
-    call_log device(spelt(row[0] + " 01000000"));
+  for (const auto& [record, message] : {std::pair{"01 00 'x 'class", "No set of values provided"},
+                                        {"01 01 'string 0101 '? 01 01000000 'a 00 'class",
+                                         "Class column '' does not admit unknown values"},
+                                        {"01 01 'date 0101 '?", "invalid o_set type = date"}}) {
+    call_log rows(spelt(record + std::string(" 01000000")));
     column older(nullptr, "", column::IGNORE), *target = &older;
     std::string error;
-    EXPECT_EQ(message_of([&] { read_column(device.in, target, error); }) + error, row[1]);
-    EXPECT_TRUE(target == nullptr && device.remaining() == 4) << "the rows are left alone";
+    EXPECT_EQ(message_of([&] { read_column(rows.in, target, error); }) + error, message);
+    EXPECT_TRUE(target == nullptr && rows.remaining() == 4) << "the rows are left alone";
   }
 }
 
-TEST(Record, IsReadBehindTheCodesThatAreThereButInPlaceOfBits) {
-  column_typed<unsigned short> c(numbers_to(300), "x", column::CONTINUOUS);
-  c.push_back("258");
-  call_log device, endless(spelt("FFFFFFFF")), broken(spelt("02000000 010101"), false);
+// Rows of the codes 1 and `last`, read behind those that are there.
+template <class T>
+static void expect_codes(unsigned short high, const std::string& record) {
+  const auto last = static_cast<T>(high);
+  column_typed<T> c(numbers_to(high), "x", column::CONTINUOUS);
+  for (const T code : {T{1}, last}) c.push_back(std::to_string(code).c_str());
+  call_log device, endless(spelt("FFFFFFFF")), broken(spelt("02000000 01"), false);
   c.bin_out(device.out);
   c.bin_in(device.in);
+  EXPECT_EQ(device.medium.bytes(), spelt("02000000" + record));
+  EXPECT_EQ(device.calls, call_sizes({4, 2 * sizeof(T), 4, 2 * sizeof(T)}));
   for (call_log* bad : {&endless, &broken}) EXPECT_NE(message_of([&] { c.bin_in(bad->in); }), "");
-  EXPECT_TRUE(device.medium.bytes() == spelt("01000000 0201") &&
-              device.calls == call_sizes({4, 2, 4, 2}));
-  EXPECT_TRUE(endless.calls == call_sizes({4}) &&
-              c.codes() == std::vector<unsigned short>({258, 258}));
+  EXPECT_EQ(endless.calls, call_sizes({4}));
+  EXPECT_EQ(c.codes(), std::vector<T>({1, last, 1, last}));
+}
 
+TEST(Record, HoldsTheCodesInTheirWidthAndIsReadBehindThoseThatAreThere) {
+  expect_codes<unsigned char>(255, "01FF");
+  expect_codes<unsigned short>(300, "01002C01");
+  expect_codes<unsigned int>(300, "010000002C010000");
+  expect_codes<unsigned long long>(300, "01000000000000002C01000000000000");
+}
+
+TEST(Record, HoldsBitsInWholeWordsAndIsReadInPlaceOfThoseThatAreThere) {
   const auto bits = make_column("discrete", "string", listed("b,a"));
-  call_log words(spelt("21000000 00000080FFFFFFFF FFFFFFFF")), shorter(spelt("01000000 00000000"));
-  bits->bin_in(words.in);
-  bits->push_back("a");
-  EXPECT_TRUE(message_of([&] { bits->bin_in(words.in); }) != "" &&
-              words.calls == call_sizes({4, 8, 4}));
-  for (unsigned int row = 0; row < 34; ++row)
-    EXPECT_EQ(bits->get_row_index(row), row == 31 || row == 32 ? 2U : 1U);
-  EXPECT_EQ(message_of([&] { bits->bin_in(shorter.in); }),
-            "bitmap::resize cannot deal with shortening of bitmaps");
-}
-
-template <class T>
-byte_list rows_of(const texts& rows) {
-  column_typed<T> c(numbers_to(300), "x", column::CONTINUOUS);
-  for (const std::string& row : rows) c.push_back(row.c_str());
-  call_log device;
-  c.bin_out(device.out);
-  return device.medium.bytes();
-}
-
-TEST(Record, HoldsTheCodesInTheirWidthAndBitsInWholeWords) {
-  EXPECT_EQ(rows_of<unsigned char>(listed("1,255")), spelt("02000000 01FF"));
-  EXPECT_EQ(rows_of<unsigned short>(listed("1,300")), spelt("02000000 01002C01"));
-  EXPECT_EQ(rows_of<unsigned int>(listed("1,300")), spelt("02000000 01000000 2C010000"));
-  EXPECT_EQ(rows_of<unsigned long long>(listed("1,300")),
-            spelt("02000000 0100000000000000 2C01000000000000"));
-  EXPECT_EQ(rows_of<unsigned long long>({}), spelt("00000000"));
-  column_bool bits(numbers_to(2), "x", column::DISCRETE);
-  call_log none, some;
-  bits.bin_out(none.out);
-  for (int row = 0; row < 33; ++row) bits.push_back(row % 8 == 0 ? "2" : "1");
-  bits.bin_out(some.out);
+  call_log none, some, words(spelt("21000000 00000080FFFFFFFF FFFFFFFF")),
+      shorter(spelt("1F000000 00000000"));
+  column_bool(numbers_to(2), "x", column::DISCRETE).bin_out(none.out);
   EXPECT_EQ(none.medium.bytes(), spelt("00000000"));
   EXPECT_EQ(none.calls, call_sizes({4, 0}));
-  EXPECT_EQ(some.medium.bytes(), spelt("21000000 01010101 01000000"));
+  bits->bin_in(words.in);
+  bits->push_back("a");
+  EXPECT_NE(message_of([&] { bits->bin_in(words.in); }), "");
+  EXPECT_EQ(words.calls, call_sizes({4, 8, 4}));
+  bits->bin_out(some.out);
+  EXPECT_EQ(some.medium.bytes(), spelt("22000000 00000080 01000000"));
+  EXPECT_EQ(message_of([&] { bits->bin_in(shorter.in); }),
+            "bitmap::resize cannot deal with shortening of bitmaps");
+  bits->push_back("a");
+  // No bit is written for the first value.
+  EXPECT_TRUE(bits->size() == 32 && bits->get_row_index(31) == 2);
 }
 
 TEST(Record, HoldsASplitAndIsReadWholeOrNotAtAll) {

@@ -13,17 +13,15 @@ using call_sizes = std::vector<unsigned int>;
 // The bytes of words of hexadecimal digits, and of 'words that stand for the record of a text: 'ab
 // is 01 02000000 6162.
 inline byte_list spelt(const std::string& spelling) {
-  byte_list result;
   std::istringstream in(spelling);
+  std::string bytes;
   for (std::string word; in >> word;) {
-    const bool text = word[0] == '\'';
-    if (text)
-      result.insert(result.end(), {1, static_cast<unsigned char>(word.size() - 1), 0, 0, 0});
-    for (std::size_t i = text ? 1 : 0; i < word.size(); i += text ? 1 : 2)
-      result.push_back(
-          static_cast<unsigned char>(text ? word[i] : std::stoi(word.substr(i, 2), nullptr, 16)));
+    if (word[0] == '\'')
+      bytes += std::string{1, static_cast<char>(word.size() - 1), 0, 0, 0} + word.substr(1);
+    for (std::size_t i = 0; word[0] != '\'' && i < word.size(); i += 2)
+      bytes += static_cast<char>(std::stoi(word.substr(i, 2), nullptr, 16));
   }
-  return result;
+  return {bytes.begin(), bytes.end()};
 }
 
 // A device in memory, with its streams, that keeps the size of every call and may not know how much
