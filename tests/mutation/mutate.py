@@ -28,6 +28,9 @@ def named(mutant, entries):
 class Worker:
     def __init__(self, place):
         self.place, self.source, self.build = place, place / "source", place / "build"
+        for old in [p for name in COPIED for p in (self.source / name).rglob("*") if p.is_file()]:
+            if not (ROOT / old.relative_to(self.source)).exists():
+                old.unlink()
         for name in COPIED:  # what differs, so that an earlier run's builds stay of use
             for origin in [p for p in [ROOT / name, *(ROOT / name).rglob("*")] if p.is_file()]:
                 target = self.source / origin.relative_to(ROOT)
