@@ -6,9 +6,7 @@ layers=(arbor/utils arbor/model arbor/model/measure arbor/csv arbor/table arbor/
 found=0
 # Prints the lines, comments aside, that match a pattern.
 forbid() { # WHAT PATTERN FILE...
-  local what=$1 pattern=$2
-  shift 2
-  grep -nHE "$pattern" "$@" | grep -vE '^[^:]*:[0-9]+: *//' && found=1 && echo "^ $what"
+  grep -nHE "$2" "${@:3}" | grep -vE '^[^:]*:[0-9]+: *//' && found=1 && echo "^ $1"
 }
 for i in "${!layers[@]}"; do
   folder=${layers[i]}

@@ -4,36 +4,19 @@
 
 #include "arbor/csv/csv_reader.h"
 #include "arbor/csv/table_error.h"
-#include "arbor/table/table_loader.h"
+#include "arbor/table/value_text.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/text_classifier.h"
 #include "tests/fuzz/fuzz.h"
+#include "tests/support/tables.h"
 
 using namespace arbor::fuzz;
 using namespace arbor::tree;
 
-// For columns named a, b and c, as those of most inputs are.
-static load_options options_from(input& in) {
-  const arbor::tests::texts types{"integer", "uinteger", "float", "double", "string"},
-      kinds{"discrete", "continuous", "ignore"}, unknowns{"?", "", "\"\"", "NA", "0", "\x7F\xFF"};
-  load_options options;
-  for (const char* name : {"a", "b", "c"}) {
-    const unsigned int choice = in.byte();
-    if (choice % 8 < 5) options.types[name] = types[choice % 8];
-    if (choice / 8 % 8 < 3) options.kinds[name] = kinds[choice / 8 % 8];
-    if (choice / 64 == 3) options.weights_name = name;
-  }
-  const unsigned int chosen = in.byte();
-  for (unsigned int i = 0; i < 6; ++i) {
-    if ((chosen >> i & 1U) != 0) options.unknown_texts.emplace_back(unknowns[i]);
-  }
-  if (chosen >> 6U == 1) options.class_name = "a";
-  return options;
-}
-
 // The same file with quotes around all cells but the empty ones, which quotes would make known.
-static std::string quoted(const memory_file& file) {
+static std::string quoted(const std::string& contents) {
+  const memory_file file(contents);
   std::string result;
   input_file source(file.path());
   read_csv(source, [&](const csv_row& row) {
@@ -56,10 +39,10 @@ static void check_rows(const table& rows) {
   const decision_tree tree = grow_tree(rows, rows.cases, options);
   const row_classifier of_row(tree, rows);
   text_classifier of_texts(tree);
-  for (const auto& weighted : rows.cases) {
+  for (const auto& [row, weight] : rows.cases) {
     std::map<std::string, std::string> texts;  // by column
     for (const auto& column : rows.columns) {
-      unsigned int code = column->get_row_index(weighted.first), found = 0;
+      unsigned int code = column->get_row_index(row), found = 0;
       check(code < column->get_distinct() && (code > 0 || column->get_o_set()->contains_null()),
             "a code exists");
       if (code == 0) continue;
@@ -73,35 +56,34 @@ static void check_rows(const table& rows) {
       const auto text = texts.find(attribute->get_name());
       values.push_back(text == texts.end() ? nullptr : text->second.c_str());
     }
-    check(of_row(weighted.first) == of_texts(values), "a row is classified as its texts");
+    check(of_row(row) == of_texts(values), "a row is classified as its texts");
   }
-  for (const auto& attribute : tree.attributes) thaw(attribute->get_o_set());
+  thaw_all(tree.attributes);
   thaw(tree.class_column->get_o_set());
 }
 
 // All of a table as text, or the message that it was refused with.
-static std::string loaded(const memory_file& file, const load_options& options) {
+static std::string loaded(const std::string& contents, const load_options& options) {
+  const memory_file file(contents);
   std::string all;
-  const std::string refused = refusal<table_error>([&] {
+  const std::string refused = message_of<table_error>([&] {
     const table rows = load_table(file.path(), options);
     if (rows.class_column().get_distinct() > 1) check_rows(rows);
-    for (const auto& column : rows.columns) {
-      all += record_of(column.get());
-      thaw(column->get_o_set());
-    }
+    for (const auto& column : rows.columns) all += record_of(column.get());
+    thaw_all(rows.columns);
     for (const auto& [row, weight] : rows.cases) all += std::to_string(weight) + "\n";
   });
-  check(refused.find('\n') == std::string::npos, "a message is one line");
-  const std::size_t name = refused.find(file.path());
-  return all + (name == std::string::npos ? refused : refused.substr(name + file.path().size()));
+  check_one_line(refused);
+  return all + refused.substr(refused.rfind(file.path(), 0) == 0 ? file.path().size() : 0);
 }
 
+// The input begins with the options in words, up to a zero byte; the rest is the file.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  input in{data, size};
-  const load_options options = options_from(in);
-  const memory_file file(in.rest());
+  const std::string text(data, data + size), words = text.c_str();
+  const std::string file = text.substr(std::min(size, words.size() + 1));
+  const load_options options = arbor::tests::options_of(words);
   const std::string plain = loaded(file, options);
-  refusal<table_error>(
-      [&] { check_same(loaded(memory_file(quoted(file)), options), plain, "a table in quotes"); });
+  message_of<table_error>(
+      [&] { check_same(loaded(quoted(file), options), plain, "a table in quotes"); });
   return 0;
 }

@@ -1,9 +1,8 @@
-// What the fuzz targets share: values from the input, checks, files in memory, and records.
+// What the fuzz targets share: checks, files in memory, and records.
 //
 //   extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-//     arbor::fuzz::input in{data, size};
-//     const unsigned int rows = in.below(20);
-//     arbor::fuzz::check(rows < 20, "a number is below its bound");
+//     const std::string text(data, data + size);
+//     arbor::fuzz::check_same(upper(upper(text)), upper(text), "a text in upper case again");
 //     return 0;
 //   }
 #ifndef ARBOR_TESTS_FUZZ_FUZZ_H
@@ -21,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
 
 namespace arbor::fuzz {
 
-using tests::column, tests::o_set, tests::record_of;
+using tests::column, tests::message_of, tests::o_set, tests::record_of;
 
 // Aborts unless a rule holds: that is how a fuzzer notices a fault.
 inline void check(bool holds, const std::string& rule) {
@@ -34,36 +33,9 @@ inline void check_same(const std::string& actual, const std::string& expected,
   check(actual == expected, what + " is " + expected + ", but it is " + actual);
 }
 
-// What a call is refused with by an Error and nothing else; empty when it is not.
-template <class Error = std::runtime_error, class Call>
-std::string refusal(Call call) {
-  try {
-    call();
-    return "";
-  } catch (const Error& error) {
-    return std::string("refused: ") + error.what();
-  }
+inline void check_one_line(const std::string& message) {
+  check(message.find_first_of("\r\n") == std::string::npos, "a message is one line");
 }
-
-// Values from the front of the input; zeros when that is used up.
-struct input {
-  bool empty() const { return size == 0; }
-  unsigned int byte() { return empty() ? 0 : (--size, *data++); }
-  // From 0 to `bound` - 1, of at most two bytes.
-  unsigned int below(unsigned int bound) {
-    return (bound <= 256 ? byte() : byte() + 256 * byte()) % bound;
-  }
-  // The next bytes up to a zero byte, or to the end.
-  std::string text() {
-    std::string result;
-    while (const unsigned int c = byte()) result += static_cast<char>(c);
-    return result;
-  }
-  std::string rest() const { return {data, data + size}; }
-
-  const unsigned char* data;
-  std::size_t size;
-};
 
 // A file in memory, with a path.
 struct memory_file {
@@ -79,7 +51,11 @@ struct memory_file {
 // A frozen domain never releases its values, which would fill the memory of a fuzzer. An insertion
 // makes it release them.
 inline void thaw(o_set* domain) {
-  refusal([&] { domain->insert(domain->get_null()); });
+  message_of([&] { domain->insert(domain->get_null()); });
+}
+template <class Columns>
+void thaw_all(const Columns& columns) {
+  for (const auto& x : columns) thaw(x->get_o_set());
 }
 struct thawing_delete {
   void operator()(o_set* domain) const { thaw(domain), delete domain; }
@@ -92,7 +68,7 @@ using owner = std::unique_ptr<T, thawing_delete>;
 template <class Record>
 owner<Record> accepted_record(const std::string& bytes) {
   owner<Record> result;
-  refusal([&] { result.reset(tests::read_record<Record>(bytes).release()); });
+  message_of([&] { result.reset(tests::read_record<Record>(bytes).release()); });
   return result;
 }
 

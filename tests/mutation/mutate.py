@@ -1,27 +1,23 @@
 # Makes small changes to the sources, one at a time, and reports which of them the tests notice.
 #
-# See script/mutate for its use. Every worker has a copy of the sources and two builds of it: one quick to make, and one
-# under AddressSanitizer and UBSan for the changes that the first lets live. A change that does not compile counts for
-# nothing; one that makes a test fail, crash or run for ever is killed. A survivor is a gap in the tests, unless it is
-# named in equivalent.txt, which says why nobody can tell it from the source as it was.
+# See script/mutate for its use. Every worker has a copy of the sources and a build of it under AddressSanitizer and UBSan.
+# A change that does not compile counts for nothing; one that makes a test fail, crash or run for ever is killed. A survivor
+# is a gap in the tests, unless it is named in equivalent.txt, which says why nobody can tell it from the source as it was.
 
-import argparse, collections, concurrent.futures, os, pathlib, queue, random, resource, shutil, subprocess, sys, time
+import argparse, collections, concurrent.futures, os, pathlib, queue, random, shutil, subprocess, sys, time
 
 from mutants import mutants_of
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COPIED = ["CMakeLists.txt", "LICENSE", "README.md", "arbor", "cmake", "data", "examples", "tests", "tools"]
-QUICK = "-O0 -w -D_GLIBCXX_ASSERTIONS"
-BUILDS = {"quick": QUICK, "sanitize": QUICK + " -fsanitize=address,undefined -fno-sanitize-recover=all"}
-TESTS = {  # the tests that can notice a change, the fastest first
-    "core": ["core_test", "record_fuzz", "domain_fuzz", "allocation_test"],
-    "rooms": ["rooms_test", "csv_fuzz", "model_file_fuzz", "text_fuzz", "program_test", "rooms_allocation_test"],
-    "tools": ["program_test"],
-}
+FLAGS = "-O0 -w -D_GLIBCXX_ASSERTIONS -fsanitize=address,undefined -fno-sanitize-recover=all"
+PROGRAM, LIBRARY = ["program_test"], ["core_test", "record_fuzz", "allocation_test"]
+ROOMS = ["rooms_test", "csv_fuzz", "model_file_fuzz", "text_fuzz", "program_test", "rooms_allocation_test"]
 
 
-def suite_of(path):
-    return "tools" if path.startswith("tools/") else "core" if path.startswith(("arbor/utils", "arbor/model")) else "rooms"
+# The tests that can notice a change of a file, the fastest first.
+def tests_of(path):
+    return PROGRAM if path.startswith("tools/") else LIBRARY if path.startswith(("arbor/utils", "arbor/model")) else ROOMS
 
 
 # The entries (path, text) whose text is in the changed lines, as they were or as they are.
@@ -31,8 +27,10 @@ def named(mutant, entries):
 
 class Worker:
     def __init__(self, place):
-        self.place, self.source = place, place / "source"
-        self.patience = {}  # seconds that a test may run, by build and name
+        self.place, self.source, self.build = place, place / "source", place / "build"
+        for old in [p for name in COPIED for p in (self.source / name).rglob("*") if p.is_file()]:
+            if not (ROOT / old.relative_to(self.source)).exists():
+                old.unlink()
         for name in COPIED:  # what differs, so that an earlier run's builds stay of use
             for origin in [p for p in [ROOT / name, *(ROOT / name).rglob("*")] if p.is_file()]:
                 target = self.source / origin.relative_to(ROOT)
@@ -40,50 +38,49 @@ class Worker:
                 if not target.exists() or target.read_bytes() != origin.read_bytes():
                     shutil.copy(origin, target)
 
-    def prepare(self, build, suite):
-        command = ["cmake", "-G", "Ninja", "-S", self.source, "-B", self.place / build, "-DARBOR_CORPUS=ON",
-                   "-DCMAKE_BUILD_TYPE=None", f"-DCMAKE_CXX_FLAGS={BUILDS[build]}"]  # fmt: skip
-        if not self.runs(command, 600) or not self.builds(build, suite):
-            sys.exit(f"the {build} build fails without any change")
-        for test in TESTS[suite]:
+    # Builds and runs the tests without a change, and notes how many seconds each may run.
+    def prepare(self, tests):
+        self.patience = dict.fromkeys(tests, 600)
+        configure = ["cmake", "-G", "Ninja", "-S", self.source, "-B", self.build, "-DARBOR_CORPUS=ON",
+                     "-DCMAKE_BUILD_TYPE=None", f"-DCMAKE_CXX_FLAGS={FLAGS}"]  # fmt: skip
+        for test in tests:
+            if not self.runs(configure, 600) or not self.builds(test):
+                sys.exit(f"{test} cannot be built without any change")
             begin = time.monotonic()
-            if not self.passes(build, test, 600):
+            if not self.passes(test):
                 sys.exit(f"{test} fails without any change")
-            self.patience[build, test] = 10 + 5 * (time.monotonic() - begin)
+            self.patience[test] = 10 + 5 * (time.monotonic() - begin)
+        return self
 
-    def builds(self, build, suite):
-        return self.runs(["cmake", "--build", self.place / build, "-j", "1", "--target", *TESTS[suite]], 900)
+    def builds(self, test):
+        return self.runs(["cmake", "--build", self.build, "-j", "1", "--target", test], 1800)
 
-    def passes(self, build, test, seconds):
-        folder = self.place / build / "tests"
-        corpus = self.source / "tests/fuzz/corpus" / test
-        limit = 6 << 30 if build == "quick" else resource.RLIM_INFINITY  # bytes; a sanitizer reserves more than there is
-        return self.runs([folder / "fuzz" / test, corpus] if corpus.exists() else [folder / test], seconds, limit)
+    def passes(self, test):
+        corpus = self.source.glob(f"tests/fuzz/corpus/{test}/*")
+        return self.runs([*self.build.glob(f"tests/**/{test}"), *corpus], self.patience[test])
 
-    def runs(self, command, seconds, memory=resource.RLIM_INFINITY):
+    def runs(self, command, seconds):
         environment = {**os.environ, "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1", "TMPDIR": str(self.place),
+                       "ASAN_OPTIONS": "hard_rss_limit_mb=6000",
                        "LSAN_OPTIONS": f"suppressions={self.source}/tests/support/leaks.supp"}  # fmt: skip
-        try:
-            return subprocess.run(
-                command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL, timeout=seconds,
-                env=environment, cwd=self.place, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (memory, memory)),
-            ).returncode == 0  # fmt: skip
-        except subprocess.TimeoutExpired:
-            return False
+        null = subprocess.DEVNULL
+        with subprocess.Popen(command, stdout=null, stderr=null, stdin=null, env=environment, cwd=self.place,
+                              start_new_session=True) as process:  # fmt: skip
+            try:
+                return process.wait(seconds) == 0
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, 9)  # with the programs that a test has started
+                return False
 
     def verdict(self, mutant):
-        suite = suite_of(mutant.path)
-        for build in BUILDS:
-            if (build, TESTS[suite][-1]) not in self.patience:
-                self.prepare(build, suite)
         changed = self.source / mutant.path
         source = changed.read_text()
         changed.write_text(source[: mutant.start] + mutant.text + source[mutant.end :])
         try:
-            for build in BUILDS:
-                if not self.builds(build, suite):
+            for test in tests_of(mutant.path):
+                if not self.builds(test):
                     return "not compiled"
-                if not all(self.passes(build, test, self.patience[build, test]) for test in TESTS[suite]):
+                if not self.passes(test):
                     return "killed"
             return "survived"
         finally:
@@ -100,10 +97,9 @@ def run(arguments):
     places = tuple(arguments.places) or ("",)
     mutants = [m for m in everything if m.path.startswith(places) or f"{m.path}:{m.line}" in places]
     random.Random(arguments.seed).shuffle(mutants)
-    end = time.monotonic() + 60 * arguments.minutes
+    mutants = mutants[: arguments.count]
+    tests = [*dict.fromkeys(test for mutant in mutants for test in tests_of(mutant.path))]
     idle, tallies = queue.SimpleQueue(), collections.defaultdict(collections.Counter)
-    for number in range(os.cpu_count()):
-        idle.put(Worker(ROOT / "build/mutate" / str(number)))
 
     def judge(mutant):
         if time.monotonic() > end:
@@ -113,17 +109,21 @@ def run(arguments):
         idle.put(worker)
         if verdict == "survived" and named(mutant, equivalent):
             verdict = "equivalent"
-        tallies[mutant.path][verdict] += 1
+        for folder in (os.path.dirname(mutant.path), "all"):
+            tallies[folder][verdict] += 1
         if verdict == "survived":
             print(f"{mutant.path}:{mutant.line}\n- {mutant.before}\n+ {mutant.after}\n", flush=True)
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        list(pool.map(judge, mutants[: arguments.count]))
-    total = sum(tallies.values(), collections.Counter())
-    for path, tally in [*sorted(tallies.items()), ("all", total)]:
+        workers = [Worker(ROOT / "build/mutate" / str(number)) for number in range(os.cpu_count())]
+        for worker in pool.map(lambda worker: worker.prepare(tests), workers):
+            idle.put(worker)
+        end = time.monotonic() + 60 * arguments.minutes  # the builds have taken a time of their own
+        list(pool.map(judge, mutants))
+    for folder, tally in sorted(tallies.items()):
         share = tally["killed"] / max(1, tally["killed"] + tally["survived"])
-        print(f"{path:<40}{share:>5.0%} killed;", ", ".join(f"{count} {verdict}" for verdict, count in tally.items()))
-    return 1 if total["survived"] else 0
+        print(f"{folder:<24}{share:>5.0%} killed;", ", ".join(f"{count} {verdict}" for verdict, count in tally.items()))
+    return 1 if tallies["all"]["survived"] else 0
 
 
 parser = argparse.ArgumentParser(prog="script/mutate", description="Makes small changes, and reports which the tests notice.")

@@ -1,11 +1,13 @@
-// The replaced operator new. What is left behind is LeakSanitizer's business.
+// The replaced operator new. Leaks are LeakSanitizer's business.
 
 #include "tests/support/allocations.h"
 
 #include <atomic>
 #include <cstdlib>
 
-static std::atomic<arbor::tests::failing> now{arbor::tests::failing::none};
+using arbor::tests::failing;
+
+static std::atomic<failing> now{failing::none};
 static std::atomic<int> until_failure;
 static std::atomic<bool> has_failed;
 
@@ -15,34 +17,30 @@ bool arbor::tests::fail(failing which, int number) {
   return has_failed.exchange(false);
 }
 
-static void* allocate(std::size_t size, bool throws) {
-  using arbor::tests::failing;
-  const failing which = now;
-  bool fails = which != failing::none && (which != failing::nothrow_new || !throws);
-  if (fails) {
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  if (now != failing::none) {
     const int number = until_failure--;
-    fails = number == 1 || (number < 1 && which != failing::one);
+    if (number == 1 || (number < 1 && now != failing::one)) {
+      has_failed = true;
+      return nullptr;
+    }
   }
-  if (fails) has_failed = true;
-  void* const memory = fails ? nullptr : std::malloc(size);  // NOLINT(cppcoreguidelines-no-malloc)
-  if (memory == nullptr && throws) throw std::bad_alloc();
-  return memory;
+  return std::malloc(size);  // NOLINT(cppcoreguidelines-no-malloc)
 }
-
 void* operator new(std::size_t size) {
-  return allocate(size, true);
+  void* const memory = now == failing::nothrow_new ? std::malloc(size)  // NOLINT
+                                                   :
+                                                   operator new(size, std::nothrow);
+  return memory != nullptr ? memory : throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) {
-  return allocate(size, true);
-}
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  return allocate(size, false);
+  return operator new(size);
 }
 void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  return allocate(size, false);
+  return operator new(size, std::nothrow);
 }
 
-// Every operator delete frees what malloc has allocated, which AddressSanitizer is not to report.
+// Every operator delete frees what malloc has allocated. AddressSanitizer must not report that.
 extern "C" const char* __asan_default_options() {  // NOLINT: its name is given
   return "alloc_dealloc_mismatch=0";
 }

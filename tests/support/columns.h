@@ -70,15 +70,14 @@ std::unique_ptr<Record> read_record(const std::string& bytes) {
   return std::unique_ptr<Record>(target);
 }
 
-// What `call` is refused with; empty when it is not.
-template <class Call>
+// The message of the error that `call` throws; empty when it throws none.
+template <class Error = std::runtime_error, class Call>
 std::string message_of(Call call) {
   try {
-    call();
-  } catch (const std::runtime_error& error) {
+    return call(), "";
+  } catch (const Error& error) {
     return error.what();
   }
-  return "";
 }
 
 }  // namespace arbor::tests
