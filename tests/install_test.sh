@@ -12,9 +12,9 @@ cmake_minimum_required(VERSION 3.25)
 project(user LANGUAGES CXX)
 find_package(arbor REQUIRED)
 add_executable(user rate_a_split.cpp)
-target_compile_options(user PRIVATE -include arbor/model/column_bool.h -include arbor/model/column_typed.h)
+target_compile_options(user PRIVATE "SHELL:-include arbor/model/column_bool.h" "SHELL:-include arbor/model/column_typed.h")
 target_link_libraries(user PRIVATE arbor::arbor)
 END
-cmake -G Ninja -S "$work" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" -DCMAKE_CXX_FLAGS="${2:-}" >/dev/null
-cmake --build "$work/build" >/dev/null
+cmake -G Ninja -S "$work" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" -DCMAKE_CXX_FLAGS="${2:-}"
+cmake --build "$work/build"
 "$work/build/user" | grep -q '^gain'
