@@ -152,7 +152,8 @@ TEST(AllocationFailure, GivesNoPartOfARecord) {
       ibinstream in(source);
       column* loaded = nullptr;
       in >> loaded;
-      return saved(owned_column(loaded)) + saved(read_record<column>(saved(x)));
+      const owned_column from_file(loaded);
+      return saved(from_file) + saved(read_record<column>(saved(x)));
     });
   }
   using split = column::partition_desc;
