@@ -108,21 +108,6 @@ rating rate(by measure, const node& n) {
               cases);
 }
 
-TEST(ValueMeasure, GainsTheWholeEntropyFromAPureSplit) {
-  for (unsigned int k : {2U, 3U, 8U, 100U}) {
-    std::vector<weighted_case> cases;
-    for (unsigned int i = 1; i <= k; ++i) cases.push_back({i, i, 2});
-    const rating known = rate(by::value, node(cases, k));
-    EXPECT_NEAR(known.gain, std::log2(k), 2e-6);
-    EXPECT_NEAR(known.split_info, std::log2(k), 2e-6);
-    // Half of the weight is unknown: half the gain, and one more branch.
-    cases.push_back({0, 1, 2 * static_cast<float>(k)});
-    const rating half = rate(by::value, node(cases, k));
-    EXPECT_NEAR(half.gain, std::log2(k) / 2, 2e-6);
-    EXPECT_NEAR(half.split_info, std::log2(k) / 2 + 1, 2e-6);
-  }
-}
-
 TEST(CutMeasures, KeepAwayFromTheSidesByTheLeastWeight) {
   for (const auto& [known, min_weight, least] : {std::tuple{1000.0F, 2.0F, 10.0F},
                                                  {1000, 12, 12},
