@@ -4,7 +4,7 @@
 # A change that does not compile counts for nothing; one that makes a test fail, crash or run for ever is killed. A survivor
 # is a gap in the tests, unless it is named in equivalent.txt, which says why nobody can tell it from the source as it was.
 
-import argparse, collections, concurrent.futures, os, pathlib, queue, random, shutil, subprocess, sys, time
+import argparse, collections, concurrent.futures, os, pathlib, queue, random, subprocess, sys, time
 
 from mutants import mutants_of
 
@@ -28,15 +28,8 @@ def named(mutant, entries):
 class Worker:
     def __init__(self, place):
         self.place, self.source, self.build = place, place / "source", place / "build"
-        for old in [p for name in COPIED for p in (self.source / name).rglob("*") if p.is_file()]:
-            if not (ROOT / old.relative_to(self.source)).exists():
-                old.unlink()
-        for name in COPIED:  # what differs, so that an earlier run's builds stay of use
-            for origin in [p for p in [ROOT / name, *(ROOT / name).rglob("*")] if p.is_file()]:
-                target = self.source / origin.relative_to(ROOT)
-                target.parent.mkdir(parents=True, exist_ok=True)
-                if not target.exists() or target.read_bytes() != origin.read_bytes():
-                    shutil.copy(origin, target)
+        self.source.mkdir(parents=True, exist_ok=True)  # an earlier run's copy and build stay of use
+        subprocess.run(["rsync", "-a", "--checksum", "--delete", *[ROOT / name for name in COPIED], self.source], check=True)
 
     # Builds and runs the tests without a change, and notes how many seconds each may run.
     def prepare(self, tests):
