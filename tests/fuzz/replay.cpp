@@ -1,4 +1,4 @@
-// Runs a fuzz target once on each of the given files, so that the inputs that found faults, and those
+// Runs a fuzz target once on each of the given files, so that inputs that found faults, and those
 // that reach far, are ordinary tests. A fault aborts; the last file printed is the cause.
 #include <fstream>
 #include <iostream>

@@ -5,7 +5,8 @@
 //   const node n = random_node(roll, 255, weighing::even);
 //   const auto values = code_column<unsigned char>(n, column::CONTINUOUS);
 //   w_sequence cases = sequence_of(n);
-//   EXPECT_EQ(told(rate(*values, n, *class_column(n, 0), cases)), told(expected(n, column::CONTINUOUS)));
+//   EXPECT_EQ(told(rate(*values, n, *class_column(n, 0), cases)),
+//             told(expected(n, column::CONTINUOUS)));
 //
 // The second version is as plain as can be: every cut and every value adds its cases up anew. Where
 // the weights are multiples of 1/8 all sums are exact in any order, so that both versions must

@@ -80,8 +80,8 @@ void rate_sorted_cases(const Cases& cases, cut_problem node, column::splitting_d
 }
 
 // Where each code ends among packed cases of two classes. As all weights are equal, two numbers
-// describe a cut: how many cases are up to it, and how many of these are of the second class. Nothing
-// here or in the sweep branches on a case: codes and classes are hard to predict.
+// describe a cut: how many cases are up to it, and how many of these are of the second class.
+// Nothing here or in the sweep branches on a case: codes and classes are hard to predict.
 class code_ends {
  public:
   explicit code_ends(const packed_cases& sorted)
