@@ -55,7 +55,7 @@ class Worker:
     def runs(self, command, seconds):
         environment = {**os.environ, "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1", "TMPDIR": str(self.place),
                        "ASAN_OPTIONS": "hard_rss_limit_mb=6000",
-                       "LSAN_OPTIONS": f"suppressions={self.source}/tests/support/leaks.supp"}  # fmt: skip
+                       "LSAN_OPTIONS": f"suppressions={self.source}/tests/support/leaks.supp:print_suppressions=0"}  # fmt: skip
         null = subprocess.DEVNULL
         with subprocess.Popen(command, stdout=null, stderr=null, stdin=null, env=environment, cwd=self.place,
                               start_new_session=True) as process:  # fmt: skip
