@@ -66,7 +66,7 @@ class case_sweep {
   bool one_class = true;  // whether all cases since the last cut that was rated are of run_class
 };
 
-// The class weights of sorted cases, added up in their order, as a cut_problem needs them.
+// Rates sorted cases. The class weights of `node` are added up here, in the order of the cases.
 template <class Cases>
 void rate_sorted_cases(const Cases& cases, cut_problem node, column::splitting_desc& result) {
   strata::util::work_array<float, 16> class_weights(node.class_count + 1ULL);
