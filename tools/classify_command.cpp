@@ -7,6 +7,7 @@
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/report/confusion_report.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
@@ -33,7 +34,7 @@ void print_errors_of_rows(const tree::decision_tree& model,
                           const tree::classification_result& result, std::ostream& out) {
   if (!result.matrix || result.matrix->total() == 0) return;
   out << tree::error_line("classified", *result.matrix) << "\n\n"
-      << tree::matrix_as_text(model, *result.matrix);
+      << tree::confusions_as_text(*model.class_column, *result.matrix);
 }
 
 }  // namespace
