@@ -12,6 +12,7 @@
 #include "tools/help_format.h"
 #include "tools/rate_command.h"
 #include "tools/show_command.h"
+#include "tools/validate_command.h"
 
 namespace {
 
@@ -22,6 +23,7 @@ constexpr const char* program_help = R"("arbor COMMAND --help" describes a comma
 Examples:
   arbor rate golf.csv --class play
   arbor grow golf.csv --model golf.model
+  arbor validate golf.csv
   arbor show golf.model
   arbor classify golf.model tomorrow.csv)";
 
@@ -33,6 +35,7 @@ int run(int argc, const char* const* argv) {
   std::vector<std::unique_ptr<arbor::tools::command>> commands;
   commands.push_back(std::make_unique<arbor::tools::rate_command>(app));
   commands.push_back(std::make_unique<arbor::tools::grow_command>(app));
+  commands.push_back(std::make_unique<arbor::tools::validate_command>(app));
   commands.push_back(std::make_unique<arbor::tools::show_command>(app));
   commands.push_back(std::make_unique<arbor::tools::classify_command>(app));
   if (arbor::tools::parse_command_line(app, argc, argv)) {

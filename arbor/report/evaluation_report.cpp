@@ -15,7 +15,7 @@ namespace arbor::tree {
 namespace {
 
 // Keeps the classes with the heaviest cases, heaviest first, if there are more than `most`.
-void keep_heaviest(std::vector<class_quality>& classes, std::size_t most) {
+void keep_heaviest_classes(std::vector<class_quality>& classes, std::size_t most) {
   if (classes.size() <= most) return;
   const auto heavier = [](const class_quality& a, const class_quality& b) {
     return a.actual > b.actual;
@@ -38,7 +38,7 @@ std::string classes_as_text(const impls::column& classes, const confusion_matrix
   constexpr std::size_t most_classes = 20;
   std::vector<class_quality> shown = quality_by_class(matrix);
   const std::size_t occurring = shown.size();
-  keep_heaviest(shown, most_classes);
+  keep_heaviest_classes(shown, most_classes);
   std::vector<std::vector<std::string>> rows{{"class", "cases", "precision", "recall", "F1"}};
   for (const class_quality& quality : shown) rows.push_back(class_line(classes, quality));
   std::string report = aligned(rows, "lrrrr");

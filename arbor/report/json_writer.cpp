@@ -52,6 +52,10 @@ json_writer& json_writer::value(float number) {
   return scalar(dumped(number));
 }
 
+json_writer& json_writer::value(double number) {
+  return scalar(nlohmann::json(number).dump());
+}
+
 json_writer& json_writer::value(std::size_t number) {
   return scalar(std::to_string(number));
 }

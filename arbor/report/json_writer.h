@@ -1,4 +1,4 @@
-// Writes JSON piece by piece, with numbers that read back to the same float.
+// Writes JSON piece by piece, with numbers that read back to the same float or double.
 //
 //   json_writer json;
 //   json.open('{').member("name", "golf");
@@ -26,11 +26,12 @@ class json_writer {
   // The name of the next member of an object; its value must follow.
   json_writer& key(const char* name);
 
-  // A value. Bytes of a text that are not UTF-8 become U+FFFD; a float that is not a finite number
-  // becomes null.
+  // A value. Bytes of a text that are not UTF-8 become U+FFFD; a number that is not finite becomes
+  // null.
   json_writer& value(const std::string& text);
   json_writer& value(const char* text) { return value(std::string(text)); }
   json_writer& value(float number);
+  json_writer& value(double number);
   json_writer& value(unsigned int number) { return value(std::size_t{number}); }
   json_writer& value(std::size_t number);
   json_writer& null();

@@ -34,6 +34,16 @@ void evaluation::add(const evaluation& other) {
   squared_differences += other.squared_differences;
 }
 
+evaluation evaluation::mean_of(unsigned int repeats) const {
+  evaluation mean;
+  for (const auto& [pair, weight] : pairs.pairs())
+    mean.pairs.add(pair.first, pair.second, weight / repeats);
+  mean.squared_weights = squared_weights / repeats;
+  mean.lost_bits = lost_bits / repeats;
+  mean.squared_differences = squared_differences / repeats;
+  return mean;
+}
+
 double evaluation::accuracy() const {
   return share_of(pairs.total() - pairs.errors(), pairs.total());
 }

@@ -24,6 +24,10 @@ class evaluation {
   // Adds all cases of another evaluation.
   void add(const evaluation& other);
 
+  // Where the same cases have been added `repeats` times: the mean of these evaluations. Each case
+  // has its own weight in it, so that the standard error counts it once.
+  evaluation mean_of(unsigned int repeats) const;
+
   const confusion_matrix& matrix() const { return pairs; }
 
   // The share (0 to 1) of the weight of the cases whose predicted class is the actual one.

@@ -1,0 +1,72 @@
+// How well trees predict: evaluations and cross-validations.
+
+#include "arbor/tree/evaluation.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "arbor/tree/cross_validation.h"
+#include "arbor/tree/folds.h"
+#include "tests/support/tables.h"
+
+namespace arbor::tests {
+namespace {
+
+using tree::evaluation;
+using tree::table;
+
+// The third case is of a class that the tree does not have, and no case is of the second.
+TEST(Evaluation, CountsWeightsAndStaysFinite) {
+  evaluation sums, part;
+  EXPECT_EQ(sums.accuracy() + sums.accuracy_error() + sums.log_loss() + sums.brier_score(), 0);
+  sums.add(0, {0.5, 0.25, 0.25}, 2);
+  part.add(2, {0.5, 0.5, 0}, 1);
+  part.add(3, {0, 0.5, 0.5}, 1);
+  sums.add(part);
+  EXPECT_EQ(sums.accuracy(), 0.5);
+  EXPECT_EQ(sums.accuracy_error(), std::sqrt(0.25 * 6 / 16));
+  EXPECT_EQ(sums.commonest_class_error(), 0.5);
+  EXPECT_NEAR(sums.log_loss(), (2 * 1 + 2 * std::log2(1000)) / 4, 1e-12);
+  EXPECT_EQ(sums.brier_score(), (2 * (0.25 + 0.0625 + 0.0625) + 1.5 + 1.5) / 4);
+  std::map<std::size_t, std::vector<double>> classes;
+  for (const tree::class_quality& c : tree::quality_by_class(sums.matrix()))
+    classes[c.entry] = {c.actual, c.predicted, c.precision(), c.recall(), c.f1()};
+  EXPECT_EQ(classes, (decltype(classes){{0, {2, 3, 2. / 3, 1, 0.8}},
+                                        {1, {0, 1, 0, 0, 0}},
+                                        {2, {1, 0, 0, 0, 0}},
+                                        {3, {1, 0, 0, 0, 0}}}));
+  const double error = sums.accuracy_error(), loss = sums.log_loss();
+  evaluation twice = sums;
+  twice.add(sums);
+  EXPECT_EQ(twice.mean_of(2).accuracy_error(), error);
+  EXPECT_EQ(twice.mean_of(2).log_loss(), loss);
+  EXPECT_EQ(twice.mean_of(2).matrix().pairs(), sums.matrix().pairs());
+}
+
+// Classes of 11, 5 and 1 cases in 4 folds.
+TEST(Folds, HaveEachClassAsEvenlyAsPossible) {
+  const table rows = load_csv(
+      "a,c\n1,x\n1,x\n1,x\n1,x\n1,x\n1,x\n1,x\n1,x\n1,x\n1,x\n1,x\n"
+      "1,y\n1,y\n1,y\n1,y\n1,y\n1,z\n");
+  std::mt19937_64 random(1);
+  const auto folds = tree::deal_folds(rows.class_column(), rows.cases, 4, random);
+  std::map<char, std::multiset<std::size_t>> sizes;
+  for (unsigned int fold = 0; fold < 4; ++fold) {
+    std::map<char, std::size_t> count;
+    const tree::divided_cases cases = tree::hold_out_fold(rows.cases, folds, fold);
+    EXPECT_EQ(cases.held_back.size() + cases.training.size(), rows.cases.size());
+    for (const auto& weighted : cases.held_back)
+      ++count[rows.class_column().get_row_value(weighted.first)[0]];
+    sizes['+'].insert(cases.held_back.size());
+    for (const char c : {'x', 'y', 'z'}) sizes[c].insert(count[c]);
+  }
+  EXPECT_EQ(
+      sizes,
+      (decltype(sizes){
+          {'+', {4, 4, 4, 5}}, {'x', {2, 3, 3, 3}}, {'y', {1, 1, 1, 2}}, {'z', {0, 0, 0, 1}}}));
+  EXPECT_NE(folds, tree::deal_folds(rows.class_column(), rows.cases, 4, random));
+}
+
+}  // namespace
+}  // namespace arbor::tests

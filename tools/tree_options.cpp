@@ -1,0 +1,60 @@
+#include "tools/tree_options.h"
+
+#include <fmt/format.h>
+
+#include "arbor/table/value_text.h"
+#include "tools/command_line.h"
+#include "tools/table_options.h"
+
+namespace arbor::tools {
+
+namespace {
+
+unsigned int thread_count(const std::string& given) {
+  constexpr unsigned int most_threads = 1024;  // a greater number is a mistake, not a machine
+  const unsigned int count = whole_value("--threads", given);
+  refuse_if(count == 0 || count > most_threads,
+            fmt::format("--threads: \"{}\" is not from 1 to {}", given, most_threads));
+  return count;
+}
+
+float confidence_value(const std::string& given) {
+  const float confidence = share_value("--confidence", given);
+  refuse_if(confidence == 0 || confidence > 0.5F,
+            "--confidence: \"" + given + "\" is not above 0 and up to 0.5");
+  return confidence;
+}
+
+}  // namespace
+
+void tree_options::add_to(CLI::App& to) {
+  const tree::grow_options defaults;
+  to.add_option("--min-weight", min_weight,
+                "Minimum weight of both sides of a threshold, or of two branches of a discrete "
+                "split (default: " +
+                    tree::shortest_text(defaults.min_weight) + ")")
+      ->type_name("W");
+  to.add_option("--max-depth", max_depth,
+                "Maximum number of tests from the root to a leaf (default: no limit)")
+      ->type_name("D");
+  to.add_flag("--no-pruning", no_pruning, "Keep every branch");
+  to.add_option("--confidence", confidence,
+                "Confidence of pruning, above 0 and up to 0.5; a smaller one prunes more "
+                "(default: " +
+                    tree::shortest_text(defaults.confidence) + ")")
+      ->type_name("C");
+  to.add_option("--threads", threads, "Number of threads (default: one for each processor core)")
+      ->type_name("N");
+}
+
+tree::grow_options tree_options::chosen() const {
+  tree::grow_options options;
+  if (!min_weight.empty()) options.min_weight = weight_value("--min-weight", min_weight);
+  if (!max_depth.empty()) options.max_depth = whole_value("--max-depth", max_depth);
+  if (!threads.empty()) options.threads = thread_count(threads);
+  if (!confidence.empty()) options.confidence = confidence_value(confidence);
+  options.prune = !no_pruning;
+  return options;
+}
+
+}  // namespace arbor::tools
