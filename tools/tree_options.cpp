@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "arbor/table/value_text.h"
+#include "arbor/tree/tuning.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
 
@@ -25,6 +26,15 @@ float confidence_value(const std::string& given) {
   return confidence;
 }
 
+// "1, 2 or 5"
+template <class Values>
+std::string alternatives(const Values& values) {
+  std::string list = tree::shortest_text(values.front());
+  for (std::size_t i = 1; i < values.size(); ++i)
+    list += (i + 1 < values.size() ? ", " : " or ") + tree::shortest_text(values[i]);
+  return list;
+}
+
 }  // namespace
 
 void tree_options::add_to(CLI::App& to) {
@@ -43,6 +53,12 @@ void tree_options::add_to(CLI::App& to) {
                 "(default: " +
                     tree::shortest_text(defaults.confidence) + ")")
       ->type_name("C");
+  to.add_flag(
+      "--tune", tuning,
+      fmt::format("Choose the minimum weight ({}) and the confidence ({}) by "
+                  "cross-validation with the training rows: the pair with the least Brier "
+                  "score",
+                  alternatives(tree::tuned_min_weights), alternatives(tree::tuned_confidences)));
   to.add_option("--threads", threads, "Number of threads (default: one for each processor core)")
       ->type_name("N");
 }
@@ -54,6 +70,9 @@ tree::grow_options tree_options::chosen() const {
   if (!threads.empty()) options.threads = thread_count(threads);
   if (!confidence.empty()) options.confidence = confidence_value(confidence);
   options.prune = !no_pruning;
+  refuse_if(tuning && !min_weight.empty(), "--tune does not go with --min-weight");
+  refuse_if(tuning && !confidence.empty(), "--tune does not go with --confidence");
+  refuse_if(tuning && no_pruning, "--tune does not go with --no-pruning");
   return options;
 }
 

@@ -15,8 +15,12 @@ class tree_options {
   // been parsed.
   void add_to(CLI::App& command);
 
-  // What was chosen. Throws usage_error for a value that an option does not take.
+  // What was chosen. Throws usage_error for a value that an option does not take, and for options
+  // that do not go together.
   tree::grow_options chosen() const;
+
+  // Whether the minimum weight and the confidence are to be tuned.
+  bool tune() const { return tuning; }
 
  private:
   std::string min_weight;
@@ -24,6 +28,7 @@ class tree_options {
   std::string confidence;
   std::string threads;
   bool no_pruning = false;
+  bool tuning = false;
 };
 
 }  // namespace arbor::tools

@@ -7,6 +7,7 @@
 
 #include "arbor/csv/message_text.h"
 #include "arbor/report/rating_report.h"
+#include "arbor/report/validation_json.h"
 #include "arbor/report/validation_report.h"
 #include "tools/progress_line.h"
 
@@ -29,7 +30,7 @@ error is that of the rows of one repeat, because the others predict them again.
 
 Examples:
   arbor validate golf.csv --folds 7
-  arbor validate birds.csv --repeats 3 --min-weight 10
+  arbor validate birds.csv --tune --importance
   arbor validate iris.csv --folds 150 --format json)";
 
 struct timed_validation {
@@ -64,6 +65,9 @@ validate_command::validate_command(CLI::App& app)
       ->type_name("N");
   parser.add_option("--seed", seed, "Chooses how the rows are divided (default: 1)")
       ->type_name("N");
+  parser.add_flag("--importance", importance,
+                  "Also print how much worse the predictions are when the values of an attribute "
+                  "are permuted among the rows of a fold");
   parser
       .add_option("--format", format, "text, json, or csv with a row for each fold (default: text)")
       ->type_name("FORMAT");
@@ -92,6 +96,8 @@ tree::validation_options validate_command::chosen_options() const {
   constexpr unsigned int most_repeats = 1000;
   tree::validation_options options;
   options.grow = tree_growth.chosen();
+  options.tune = tree_growth.tune();
+  options.importance = importance;
   options.folds = whole_value("--folds", folds);
   refuse_if(options.folds < 2, "--folds: \"" + folds + "\" is less than 2");
   options.repeats = whole_value("--repeats", repeats);

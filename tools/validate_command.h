@@ -24,6 +24,7 @@ class validate_command : public command {
   std::string repeats = "1";
   std::string seed = "1";
   std::string format = "text";
+  bool importance = false;
 };
 
 }  // namespace arbor::tools

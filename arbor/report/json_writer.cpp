@@ -48,6 +48,10 @@ json_writer& json_writer::value(const std::string& text) {
   return scalar(dumped(text));
 }
 
+json_writer& json_writer::value(bool truth) {
+  return scalar(truth ? "true" : "false");
+}
+
 json_writer& json_writer::value(float number) {
   return scalar(dumped(number));
 }

@@ -29,6 +29,7 @@ class json_writer {
   // A value. Bytes of a text that are not UTF-8 become U+FFFD; a number that is not finite becomes
   // null.
   json_writer& value(const std::string& text);
+  json_writer& value(bool truth);
   json_writer& value(const char* text) { return value(std::string(text)); }
   json_writer& value(float number);
   json_writer& value(double number);

@@ -2,77 +2,58 @@
 
 #include <fmt/format.h>
 
-#include <limits>
-#include <optional>
+#include <algorithm>
+#include <map>
+#include <tuple>
+#include <utility>
 
+#include "arbor/csv/message_text.h"
 #include "arbor/report/evaluation_report.h"
-#include "arbor/report/json_writer.h"
-#include "arbor/report/node_text.h"
-#include "arbor/report/rating_report.h"
+#include "arbor/report/text_table.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {
 
 namespace {
 
+// A line for each pair of options, the most frequent first.
+std::string choices_as_text(const validation& result) {
+  using choice = std::pair<std::string, std::string>;
+  std::map<choice, std::size_t> folds;
+  for (const fold_result& part : result.folds) {
+    const std::string confidence = part.confidence ? shortest_text(*part.confidence) : "-";
+    ++folds[{shortest_text(part.min_weight), confidence}];
+  }
+  std::vector<std::pair<choice, std::size_t>> choices(folds.begin(), folds.end());
+  std::stable_sort(choices.begin(), choices.end(),
+                   [](const auto& a, const auto& b) { return a.second > b.second; });
+  std::vector<std::vector<std::string>> lines{{"chosen minimum weight", "confidence", "folds"}};
+  for (const auto& [chosen, count] : choices)
+    lines.push_back({chosen.first, chosen.second, std::to_string(count)});
+  return '\n' + aligned(lines, "rrr") + '\n';
+}
+
+std::string importance_as_text(const table& rows, const validation& result) {
+  std::vector<std::vector<std::string>> lines{
+      {"permuted attribute", "trees", "log-loss", "accuracy"}};
+  std::size_t untested = 0;
+  for (const std::size_t i : columns_by_importance(rows, result)) {
+    const auto& [trees, loss] = result.attributes[i];
+    if (trees == 0) {
+      ++untested;
+      continue;
+    }
+    lines.push_back({printable(rows.columns[i]->get_name()), std::to_string(trees),
+                     fmt::format("{:+.3f} bits", loss.log_loss),
+                     fmt::format("{:+.2f}%", 0 - 100 * loss.accuracy)});
+  }
+  std::string report = '\n' + aligned(lines, "lrrr");
+  if (untested > 0) report += "and " + counted(untested, "attribute") + " that no tree tests\n";
+  return report;
+}
+
 std::string short_number(double value) {
   return shortest_text(static_cast<float>(value));
-}
-
-void options_to_json(json_writer& json, const validation_options& options) {
-  constexpr unsigned int no_limit = std::numeric_limits<unsigned int>::max();
-  const grow_options& grow = options.grow;
-  json.open('{').member("folds", options.folds).member("repeats", options.repeats);
-  json.member("seed", options.seed).member("min_weight", grow.min_weight);
-  json.member("max_depth",
-              grow.max_depth == no_limit ? std::nullopt : std::optional(grow.max_depth));
-  json.member("confidence", grow.prune ? std::optional(grow.confidence) : std::nullopt).close();
-}
-
-void figures_to_json(json_writer& json, const evaluation& quality) {
-  json.member("cases", quality.matrix().total());
-  json.member("accuracy", quality.accuracy());
-  json.member("accuracy_error", quality.accuracy_error());
-  json.member("log_loss", quality.log_loss());
-  json.member("brier", quality.brier_score());
-  json.member("commonest_class_error", quality.commonest_class_error());
-}
-
-void qualities_to_json(json_writer& json, const impls::column& classes,
-                       const confusion_matrix& matrix) {
-  const auto unless_empty = [](double whole, double share) {
-    return whole > 0 ? std::optional(share) : std::nullopt;
-  };
-  json.open('[');
-  for (const class_quality& quality : quality_by_class(matrix)) {
-    json.open('{').member("class", class_text(classes, quality.entry));
-    json.member("cases", quality.actual);
-    json.member("predicted", quality.predicted);
-    json.member("precision", unless_empty(quality.predicted, quality.precision()));
-    json.member("recall", unless_empty(quality.actual, quality.recall()));
-    json.member("f1", quality.f1()).close();
-  }
-  json.close();
-}
-
-void matrix_to_json(json_writer& json, const impls::column& classes,
-                    const confusion_matrix& matrix) {
-  json.open('[');
-  for (const auto& [pair, weight] : matrix.pairs()) {
-    json.open('{').member("actual", class_text(classes, pair.first));
-    json.member("predicted", class_text(classes, pair.second));
-    json.member("weight", weight).close();
-  }
-  json.close();
-}
-
-void fold_to_json(json_writer& json, const fold_result& part) {
-  json.open('{').member("repeat", part.repeat).member("fold", part.fold);
-  json.member("cases", part.quality.matrix().total());
-  json.member("accuracy", part.quality.accuracy());
-  json.member("log_loss", part.quality.log_loss());
-  json.member("brier", part.quality.brier_score());
-  json.member("leaves", part.size.leaves).member("depth", part.size.depth).close();
 }
 
 }  // namespace
@@ -85,37 +66,37 @@ std::string validation_as_text(const table& rows, const validation_options& opti
              "{}{} folds, validated in {:.3f} s: trees of {:.1f} leaves and depth {:.1f} on "
              "average\n",
              repeats, options.folds, seconds, mean_leaves(result), mean_depth(result)) +
-         evaluation_as_text("cross-validated", rows.class_column(), result.quality);
+         (options.tune ? choices_as_text(result) : "") +
+         evaluation_as_text("cross-validated", rows.class_column(), result.quality) +
+         (options.importance ? importance_as_text(rows, result) : "");
 }
 
 std::string validation_as_csv(const validation& result) {
-  std::string report = "repeat,fold,cases,accuracy,log_loss,brier,leaves,depth\n";
+  std::string report =
+      "repeat,fold,cases,accuracy,log_loss,brier,leaves,depth,min_weight,confidence\n";
   for (const fold_result& part : result.folds) {
-    report +=
-        fmt::format("{},{},{},{},{},{},{},{}\n", part.repeat, part.fold,
-                    short_number(part.quality.matrix().total()),
-                    short_number(part.quality.accuracy()), short_number(part.quality.log_loss()),
-                    short_number(part.quality.brier_score()), part.size.leaves, part.size.depth);
+    const evaluation& quality = part.quality;
+    report += fmt::format("{},{},{},{},{},{},{},{},{},{}\n", part.repeat, part.fold,
+                          short_number(quality.matrix().total()), short_number(quality.accuracy()),
+                          short_number(quality.log_loss()), short_number(quality.brier_score()),
+                          part.size.leaves, part.size.depth, shortest_text(part.min_weight),
+                          part.confidence ? shortest_text(*part.confidence) : "");
   }
   return report;
 }
 
-std::string validation_as_json(const table& rows, const validation_options& options,
-                               const validation& result, double seconds) {
-  const impls::column& classes = rows.class_column();
-  json_writer json;
-  json.open('{').member("table", rows.name).member("rows", rows.cases.size());
-  json.member("class", classes.get_name());
-  options_to_json(json.key("options"), options);
-  json.member("seconds", seconds);
-  figures_to_json(json, result.quality);
-  json.member("leaves", mean_leaves(result));
-  json.member("depth", mean_depth(result));
-  qualities_to_json(json.key("classes"), classes, result.quality.matrix());
-  matrix_to_json(json.key("confusion_matrix"), classes, result.quality.matrix());
-  json.key("folds").open('[');
-  for (const fold_result& part : result.folds) fold_to_json(json, part);
-  return json.close().close().text();
+std::vector<std::size_t> columns_by_importance(const table& rows, const validation& result) {
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < rows.columns.size(); ++i) {
+    if (is_attribute(*rows.columns[i])) order.push_back(i);
+  }
+  const auto rank = [&](std::size_t i) {
+    const auto& [trees, loss] = result.attributes[i];
+    return std::tuple(loss.log_loss, loss.accuracy, trees);
+  };
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return rank(a) > rank(b); });
+  return order;
 }
 
 }  // namespace arbor::tree

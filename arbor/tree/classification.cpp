@@ -65,6 +65,13 @@ std::vector<double> row_classifier::operator()(unsigned int row) const {
   return probabilities.of_case([&](std::size_t node) { return branch_of(node, row); });
 }
 
+std::vector<double> row_classifier::with_value_of(unsigned int row, unsigned int attribute,
+                                                  unsigned int other) const {
+  return probabilities.of_case([&](std::size_t node) {
+    return branch_of(node, tree.nodes[node].attribute == attribute ? other : row);
+  });
+}
+
 double row_classifier::weight_at(unsigned int row, std::size_t node) const {
   double weight = 1;
   while (node != 0) {

@@ -29,6 +29,11 @@ class row_classifier {
   // The probability of each class; entry c is that of the class with code c + 1.
   std::vector<double> operator()(unsigned int row) const;
 
+  // The same for a row that has another row's value of one attribute, given by its index in the
+  // tree.
+  std::vector<double> with_value_of(unsigned int row, unsigned int attribute,
+                                    unsigned int other) const;
+
   // The part (0 to 1) of a row's weight that comes to a node, given by its index in the tree.
   double weight_at(unsigned int row, std::size_t node) const;
 

@@ -1,42 +1,18 @@
 #include "arbor/tree/cross_validation.h"
 
-#include <mutex>
+#include <algorithm>
 #include <random>
+#include <string>
 
 #include "arbor/tree/classification.h"
 #include "arbor/tree/folds.h"
 #include "arbor/tree/random_order.h"
-#include "arbor/tree/thread_pool.h"
+#include "arbor/tree/side_by_side.h"
+#include "arbor/tree/tuning.h"
 
 namespace arbor::tree {
 
 namespace {
-
-// Adds up the progress of trees that grow side by side.
-class joint_progress {
- public:
-  joint_progress(const std::function<void(double)>& of_all, std::size_t trees)
-      : report(of_all), shares(trees, 0.0) {}
-
-  // The progress of one tree, in the form that grow_options takes.
-  std::function<void(double)> of_tree(std::size_t number) {
-    if (!report) return {};
-    return [this, number](double settled) { set(number, settled); };
-  }
-
- private:
-  void set(std::size_t number, double settled) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    sum += settled - shares[number];
-    shares[number] = settled;
-    report(sum / static_cast<double>(shares.size()));
-  }
-
-  const std::function<void(double)>& report;
-  std::mutex mutex;
-  std::vector<double> shares;  // by tree
-  double sum = 0;
-};
 
 // Every fold deals all folds of its repeat again: that is cheap, and no repeat waits for another.
 divided_cases cases_of(const table& rows, const validation_options& options,
@@ -47,18 +23,48 @@ divided_cases cases_of(const table& rows, const validation_options& options,
                        part.fold - 1);
 }
 
-void validate_fold(const table& rows, const validation_options& options, const grow_options& grow,
-                   fold_result& part) {
-  const divided_cases cases = cases_of(rows, options, part);
-  const decision_tree tree = grow_tree(rows, cases.training, grow);
-  part.size = size_of(tree);
-  part.quality = classify_cases(tree, rows, cases.held_back);
+// A column that the tree does not test has no loss.
+std::vector<validated_attribute> validate_attributes(const decision_tree& tree, const table& rows,
+                                                     const impls::w_sequence& held_back,
+                                                     const evaluation& quality,
+                                                     std::mt19937_64& random) {
+  const std::vector<permutation_loss> losses =
+      permutation_losses(tree, rows, held_back, quality, random);
+  std::vector<validated_attribute> result(rows.columns.size());
+  for (std::size_t i = 0; i < losses.size(); ++i) {
+    const std::string name = tree.attributes[i]->get_name();
+    const auto tested = std::find_if(rows.columns.begin(), rows.columns.end(),
+                                     [&](const auto& c) { return c->get_name() == name; });
+    result[static_cast<std::size_t>(tested - rows.columns.begin())] = {1, losses[i]};
+  }
+  return result;
 }
 
-// A domain puts itself in order when it is first asked a question, which several threads could not
-// do at once.
-void put_domains_in_order(const table& rows) {
-  for (const auto& column : rows.columns) column->get_range();
+void validate_fold(const table& rows, const validation_options& options, grow_options grow,
+                   fold_result& part) {
+  const divided_cases cases = cases_of(rows, options, part);
+  std::mt19937_64 random = generator_of({options.seed, part.repeat, part.fold});
+  if (options.tune) {
+    grow = tuned_options(rows, cases.training, grow, random);
+    grow.progress = nullptr;  // the last tree is a small part of the work
+  }
+  const decision_tree tree = grow_tree(rows, cases.training, grow);
+  part.size = size_of(tree);
+  part.min_weight = grow.min_weight;
+  if (grow.prune) part.confidence = grow.confidence;
+  part.quality = classify_cases(tree, rows, cases.held_back);
+  if (options.importance)
+    part.attributes = validate_attributes(tree, rows, cases.held_back, part.quality, random);
+}
+
+void add_attributes(validation& result, const fold_result& part) {
+  const double share = part.quality.matrix().total() / result.quality.matrix().total();
+  result.attributes.resize(part.attributes.size());
+  for (std::size_t i = 0; i < part.attributes.size(); ++i) {
+    result.attributes[i].trees += part.attributes[i].trees;
+    result.attributes[i].loss.log_loss += share * part.attributes[i].loss.log_loss;
+    result.attributes[i].loss.accuracy += share * part.attributes[i].loss.accuracy;
+  }
 }
 
 template <class Member>
@@ -74,18 +80,14 @@ validation cross_validate(const table& rows, const validation_options& options) 
   validation result;
   for (unsigned int repeat = 1; repeat <= options.repeats; ++repeat) {
     for (unsigned int fold = 1; fold <= options.folds; ++fold)
-      result.folds.push_back({repeat, fold, {}, {}});
+      result.folds.push_back({repeat, fold, {}, {}, 0, {}, {}});
   }
-  put_domains_in_order(rows);
-  joint_progress progress(options.grow.progress, result.folds.size());
-  thread_pool pool(options.grow.threads == 0 ? machine_threads() : options.grow.threads);
-  pool.for_each(result.folds.size(), [&](std::size_t i) {
-    grow_options grow = options.grow;
-    grow.threads = 1;
-    grow.progress = progress.of_tree(i);
-    validate_fold(rows, options, grow, result.folds[i]);
-  });
+  grow_side_by_side(rows, options.grow, result.folds.size(),
+                    [&](std::size_t i, const grow_options& grow) {
+                      validate_fold(rows, options, grow, result.folds[i]);
+                    });
   for (const fold_result& part : result.folds) result.quality.add(part.quality);
+  for (const fold_result& part : result.folds) add_attributes(result, part);
   result.quality = result.quality.mean_of(options.repeats);
   return result;
 }

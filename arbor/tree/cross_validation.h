@@ -13,12 +13,14 @@
 #define ARBOR_TREE_CROSS_VALIDATION_H
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "arbor/table/table.h"
 #include "arbor/tree/decision_tree.h"
 #include "arbor/tree/evaluation.h"
 #include "arbor/tree/grower.h"
+#include "arbor/tree/permutation_importance.h"
 
 namespace arbor::tree {
 
@@ -29,6 +31,16 @@ struct validation_options {
   // How to grow the trees. The threads validate folds side by side, each tree is grown by one. The
   // progress is that of the whole validation.
   grow_options grow;
+  // Whether each tree is grown with the minimum weight and confidence that are chosen for its
+  // training cases; see tuning.h.
+  bool tune = false;
+  bool importance = false;  // whether to find that of the attributes
+};
+
+// What an attribute contributes to the predictions; see permutation_importance.h.
+struct validated_attribute {
+  std::size_t trees = 0;  // how many test it
+  permutation_loss loss;
 };
 
 // What the tree predicted that was grown without the cases of one fold.
@@ -37,6 +49,9 @@ struct fold_result {
   unsigned int fold = 0;    // from 1
   evaluation quality;       // of the fold's cases
   tree_size size;
+  float min_weight = 0;                         // with which the tree was grown
+  std::optional<float> confidence;              // of its pruning, if it was pruned
+  std::vector<validated_attribute> attributes;  // by column of the table, if it was asked for
 };
 
 struct validation {
@@ -44,6 +59,9 @@ struct validation {
   // Of all cases: the mean over the repeats. Repeats predict the same cases again, so the standard
   // error is that of one repeat's number of cases.
   evaluation quality;
+  // By column of the table, if it was asked for: the sum of the trees and the mean of the losses of
+  // all cases.
+  std::vector<validated_attribute> attributes;
 };
 
 // Validates with all cases of a table. The result depends on the table and the options alone; it is

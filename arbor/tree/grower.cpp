@@ -21,8 +21,8 @@ node_cases root_cases(const table& training, const impls::w_sequence& cases) {
 
 }  // namespace
 
-decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
-                        const grow_options& options) {
+grown_nodes grow_unpruned(const table& training, const impls::w_sequence& cases,
+                          const grow_options& options) {
   growth shared(options, cases);
   subtree all(shared);
   if (shared.pool.size() == 1) {
@@ -30,7 +30,12 @@ decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
   } else {
     all.grow_in_parallel(root_cases(training, cases));
   }
-  grown_nodes grown = all.take_nodes();
+  return all.take_nodes();
+}
+
+decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
+                        const grow_options& options) {
+  grown_nodes grown = grow_unpruned(training, cases, options);
   if (options.prune) prune(grown.nodes, options.confidence);
   decision_tree tree = to_tree(training, std::move(grown));
   tree.origin = {training.name,     cases.size(),  options.min_weight,

@@ -17,6 +17,8 @@
 
 namespace arbor::tree {
 
+struct grown_nodes;
+
 struct grow_options {
   // The least weight of two branches of a discrete split, or of both sides of a threshold.
   float min_weight = 2;
@@ -39,6 +41,11 @@ struct grow_options {
 // Anything that a thread throws, such as std::bad_alloc, is rethrown once all threads have ended.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options);
+
+// The nodes of that tree before it is pruned, so that it can be pruned in several ways. prune (see
+// pruning.h) and to_tree (see grown_nodes.h) make the tree of them.
+grown_nodes grow_unpruned(const table& training, const impls::w_sequence& cases,
+                          const grow_options& options);
 
 }  // namespace arbor::tree
 

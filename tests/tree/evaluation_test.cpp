@@ -5,9 +5,12 @@
 #include <gmock/gmock.h>
 
 #include <map>
+#include <tuple>
 
+#include "arbor/tree/classification.h"
 #include "arbor/tree/cross_validation.h"
 #include "arbor/tree/folds.h"
+#include "arbor/tree/tuning.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -66,6 +69,36 @@ TEST(Folds, HaveEachClassAsEvenlyAsPossible) {
       (decltype(sizes){
           {'+', {4, 4, 4, 5}}, {'x', {2, 3, 3, 3}}, {'y', {1, 1, 1, 2}}, {'z', {0, 0, 0, 1}}}));
   EXPECT_NE(folds, tree::deal_folds(rows.class_column(), rows.cases, 4, random));
+}
+
+// The plain way: each pair of options grows and prunes trees of its own.
+TEST(Tuning, ChoosesTheLeastBrierScoreAndThenTheSmallestTrees) {
+  for (const char* name : {"iris", "golf", "pima2"}) {
+    const table rows = tree::load_table(std::string(ARBOR_DATA "/") + name + ".csv", {});
+    std::mt19937_64 random(3), same(3);
+    const auto folds = tree::deal_folds(rows.class_column(), rows.cases, 5, random);
+    std::tuple<double, std::size_t, float, float> best{9, 0, 0, 0};
+    tree::grow_options options;
+    options.threads = 2;
+    for (const float weight : tree::tuned_min_weights) {
+      for (const float confidence : tree::tuned_confidences) {
+        evaluation sum;
+        std::size_t leaves = 0;
+        for (unsigned int fold = 0; fold < 5; ++fold) {
+          const auto cases = tree::hold_out_fold(rows.cases, folds, fold);
+          options.min_weight = weight;
+          options.confidence = confidence;
+          const tree::decision_tree t = tree::grow_tree(rows, cases.training, options);
+          sum.add(tree::classify_cases(t, rows, cases.held_back));
+          leaves += tree::size_of(t).leaves;
+        }
+        best = std::min(best, {sum.brier_score(), leaves, weight, confidence});
+      }
+    }
+    const tree::grow_options tuned = tree::tuned_options(rows, rows.cases, {}, same);
+    EXPECT_EQ(tuned.min_weight, std::get<2>(best)) << name;
+    EXPECT_EQ(tuned.confidence, std::get<3>(best)) << name;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,81 @@
+#include "arbor/tree/tuning.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "arbor/tree/classification.h"
+#include "arbor/tree/evaluation.h"
+#include "arbor/tree/folds.h"
+#include "arbor/tree/grown_nodes.h"
+#include "arbor/tree/pruning.h"
+#include "arbor/tree/side_by_side.h"
+
+namespace arbor::tree {
+
+namespace {
+
+// How well trees with one pair of options predict.
+struct trial {
+  evaluation quality;
+  std::size_t leaves = 0;
+
+  void add(const trial& other) {
+    quality.add(other.quality);
+    leaves += other.leaves;
+  }
+};
+
+// The trials of all confidences. They prune the same nodes.
+std::vector<trial> try_confidences(const table& training, const divided_cases& cases,
+                                   const grow_options& options) {
+  const grown_nodes grown = grow_unpruned(training, cases.training, options);
+  std::vector<trial> trials;
+  for (const float confidence : tuned_confidences) {
+    grown_nodes pruned = grown;
+    prune(pruned.nodes, confidence);
+    const decision_tree tree = to_tree(training, std::move(pruned));
+    trials.push_back({classify_cases(tree, training, cases.held_back), size_of(tree).leaves});
+  }
+  return trials;
+}
+
+}  // namespace
+
+grow_options tuned_options(const table& training, const impls::w_sequence& cases,
+                           const grow_options& options, std::mt19937_64& random) {
+  constexpr std::size_t most_folds = 5;
+  const std::size_t folds = std::min(most_folds, cases.size());
+  if (folds < 2) return options;
+  const std::vector<unsigned int> fold_of_case =
+      deal_folds(training.class_column(), cases, static_cast<unsigned int>(folds), random);
+
+  const std::size_t weights = tuned_min_weights.size();
+  std::vector<std::vector<trial>> trials(weights * folds);  // by minimum weight, then by fold
+  grow_side_by_side(training, options, trials.size(), [&](std::size_t i, grow_options own) {
+    own.min_weight = tuned_min_weights[i / folds];
+    const auto fold = static_cast<unsigned int>(i % folds);
+    trials[i] = try_confidences(training, hold_out_fold(cases, fold_of_case, fold), own);
+  });
+
+  grow_options best = options;
+  best.prune = true;
+  std::tuple<double, std::size_t> least;  // the Brier score and the leaves of the best pair
+  for (std::size_t i = 0; i < weights * tuned_confidences.size(); ++i) {
+    const std::size_t weight = i / tuned_confidences.size();
+    const std::size_t confidence = i % tuned_confidences.size();
+    trial sum;
+    for (std::size_t fold = 0; fold < folds; ++fold)
+      sum.add(trials[weight * folds + fold][confidence]);
+    const std::tuple<double, std::size_t> rank{sum.quality.brier_score(), sum.leaves};
+    if (i > 0 && rank >= least) continue;
+    least = rank;
+    best.min_weight = tuned_min_weights[weight];
+    best.confidence = tuned_confidences[confidence];
+  }
+  return best;
+}
+
+}  // namespace arbor::tree
