@@ -56,8 +56,8 @@ void tree_options::add_to(CLI::App& to) {
   to.add_flag(
       "--tune", tuning,
       fmt::format("Choose the minimum weight ({}) and the confidence ({}) by "
-                  "cross-validation with the training rows: the pair with the least Brier "
-                  "score",
+                  "cross-validation with the training rows: the pair with the least sum "
+                  "of the share of errors and the Brier score",
                   alternatives(tree::tuned_min_weights), alternatives(tree::tuned_confidences)));
   to.add_option("--threads", threads, "Number of threads (default: one for each processor core)")
       ->type_name("N");

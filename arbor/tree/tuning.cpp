@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -25,6 +24,11 @@ struct trial {
   void add(const trial& other) {
     quality.add(other.quality);
     leaves += other.leaves;
+  }
+
+  // Less is better.
+  std::pair<double, std::size_t> rank() const {
+    return {1 - quality.accuracy() + quality.brier_score(), leaves};
   }
 };
 
@@ -62,16 +66,15 @@ grow_options tuned_options(const table& training, const impls::w_sequence& cases
 
   grow_options best = options;
   best.prune = true;
-  std::tuple<double, std::size_t> least;  // the Brier score and the leaves of the best pair
+  std::pair<double, std::size_t> least;  // of the best pair
   for (std::size_t i = 0; i < weights * tuned_confidences.size(); ++i) {
     const std::size_t weight = i / tuned_confidences.size();
     const std::size_t confidence = i % tuned_confidences.size();
     trial sum;
     for (std::size_t fold = 0; fold < folds; ++fold)
       sum.add(trials[weight * folds + fold][confidence]);
-    const std::tuple<double, std::size_t> rank{sum.quality.brier_score(), sum.leaves};
-    if (i > 0 && rank >= least) continue;
-    least = rank;
+    if (i > 0 && sum.rank() >= least) continue;
+    least = sum.rank();
     best.min_weight = tuned_min_weights[weight];
     best.confidence = tuned_confidences[confidence];
   }
