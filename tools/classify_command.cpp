@@ -10,6 +10,7 @@
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
+#include "tools/output_file.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
@@ -45,6 +46,7 @@ classify_command::classify_command(CLI::App& app)
   parser
       .add_option("--output", output_path, "File to write the rows to (default: standard output)")
       ->type_name("FILE");
+  add_force(parser, "--output", force);
   parser.add_flag("--probability", all_probabilities, "Print the probability of every class");
   table.add_cell_options_to(parser);
 }
@@ -85,6 +87,10 @@ tree::classification_result classify_command::classify(const tree::decision_tree
 // The old file, if there is one, stays until all rows are written.
 tree::classification_result classify_command::classify_into_file(
     const tree::decision_tree& model, const tree::classification_options& options) const {
+  const output_file output{"--output", output_path, force};
+  output.keep_input(model_path, "the model");
+  output.keep_input(table_path, "the table");
+  output.replace_no_model();
   tree::file_replacement file(output_path);
   std::ofstream out(file.temporary_path(), std::ios::binary);
   tree::classification_result result = classify(model, options, out);

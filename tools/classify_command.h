@@ -28,6 +28,7 @@ class classify_command : public command {
   std::string table_path;
   std::string output_path;
   bool all_probabilities = false;
+  bool force = false;
 };
 
 }  // namespace arbor::tools

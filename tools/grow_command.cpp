@@ -12,6 +12,7 @@
 #include "arbor/store/model_store.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/holdout.h"
+#include "tools/output_file.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
@@ -74,6 +75,7 @@ grow_command::grow_command(CLI::App& app)
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   parser.add_option("--model", model_path, "File to save the tree to (default: it is not saved)")
       ->type_name("FILE");
+  add_force(parser, "--model", force);
   table.add_to(parser);
   parser
       .add_option("--min-weight", min_weight,
@@ -143,7 +145,11 @@ unsigned int grow_command::chosen_threads() const {
 
 // Fails before the work is done if its result could not be saved.
 void grow_command::check_model_path() const {
-  if (!model_path.empty()) tree::file_replacement can_be_written(model_path);
+  if (model_path.empty()) return;
+  const output_file model{"--model", model_path, force};
+  model.keep_input(table_path, "the table");
+  model.replace_models_only();
+  tree::file_replacement can_be_written(model_path);
 }
 
 }  // namespace arbor::tools

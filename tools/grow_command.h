@@ -28,6 +28,7 @@ class grow_command : public command {
   std::string threads;
   std::string seed = "1";
   bool no_pruning = false;
+  bool force = false;
 };
 
 }  // namespace arbor::tools
