@@ -32,9 +32,9 @@ Examples:
 
 void print_errors_of_rows(const tree::decision_tree& model,
                           const tree::classification_result& result, std::ostream& out) {
-  if (!result.matrix || result.matrix->total() == 0) return;
-  out << tree::error_line("classified", *result.matrix) << "\n\n"
-      << tree::matrix_as_text(model, *result.matrix);
+  if (!result.quality) return;
+  out << tree::error_line("classified", result.quality->matrix()) << "\n\n"
+      << tree::matrix_as_text(model, result.quality->matrix());
 }
 
 }  // namespace
