@@ -81,7 +81,8 @@ TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
   const temporary_file csv("humidity,windy,outlook,play\n50,?,sunny,yes\n\"?\",no,,\n");
   fail_each("text", [&] {
     return tree::tree_as_text(t, 2) + tree::first_lines(shown(t), 3) + tree::size_line(t) +
-           tree::matrix_as_text(t, tree::classify_cases(t, rows, rows.cases)) +
+           tree::evaluation_as_text("golf", *t.class_column,
+                                    tree::classify_cases(t, rows, rows.cases)) +
            tree::tree_as_dot(t, 3) + tree::tree_as_json(t) +
            tree::ratings_as_json(rows, rows.cases, tree::rate_attributes(rows, rows.cases, 1));
   });

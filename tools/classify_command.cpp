@@ -33,8 +33,7 @@ Examples:
 void print_errors_of_rows(const tree::decision_tree& model,
                           const tree::classification_result& result, std::ostream& out) {
   if (!result.quality) return;
-  out << tree::error_line("classified", result.quality->matrix()) << "\n\n"
-      << tree::matrix_as_text(model, result.quality->matrix());
+  out << tree::evaluation_as_text("classified", *model.class_column, *result.quality);
 }
 
 }  // namespace
@@ -81,7 +80,7 @@ tree::classification_result classify_command::classify(const tree::decision_tree
   options.progress = [&](std::size_t rows) {
     if (progress.due()) progress.show(std::to_string(rows) + " rows classified");
   };
-  return tree::classify_table(table_path, model, options, out);
+  return tree::classify_table(table_path, model, options, &out);
 }
 
 // The old file, if there is one, stays until all rows are written.

@@ -56,16 +56,18 @@ void print_tree(const timed_tree& grown) {
             << tree::size_line(grown.tree) << fmt::format(", grown in {:.3f} s\n", grown.seconds);
 }
 
-// The matrix is that of the held-back cases, if there are any.
-void print_errors(const tree::decision_tree& grown, const tree::table& rows,
-                  const tree::divided_cases& cases) {
-  tree::confusion_matrix matrix = tree::classify_cases(grown, rows, cases.training);
-  std::cout << tree::error_line("training", matrix) << '\n';
-  if (!cases.held_back.empty()) {
-    matrix = tree::classify_cases(grown, rows, cases.held_back);
-    std::cout << tree::error_line("held-back", matrix) << '\n';
+// All of the evaluation is shown for the held-back cases, if there are any.
+void print_evaluation(const tree::decision_tree& grown, const tree::table& rows,
+                      const tree::divided_cases& cases) {
+  const impls::column& classes = *grown.class_column;
+  const tree::evaluation training = tree::classify_cases(grown, rows, cases.training);
+  if (cases.held_back.empty()) {
+    std::cout << tree::evaluation_as_text("training", classes, training);
+    return;
   }
-  std::cout << '\n' << tree::matrix_as_text(grown, matrix);
+  std::cout << tree::error_line("training", training.matrix()) << '\n'
+            << tree::evaluation_as_text("held-back", classes,
+                                        tree::classify_cases(grown, rows, cases.held_back));
 }
 
 }  // namespace
@@ -120,7 +122,7 @@ void grow_command::run() {
 
   std::cout << tree::table_line(rows, rows.cases) << "\n\n";
   print_tree(grown);
-  print_errors(grown.tree, rows, cases);
+  print_evaluation(grown.tree, rows, cases);
 }
 
 tree::grow_options grow_command::chosen_options() const {

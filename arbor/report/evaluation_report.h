@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "arbor/tree/confusion_matrix.h"
 #include "arbor/tree/decision_tree.h"
+#include "arbor/tree/evaluation.h"
 
 namespace arbor::tree {
 
@@ -13,9 +13,11 @@ namespace arbor::tree {
 // weights.
 std::string error_line(const std::string& which_cases, const confusion_matrix& matrix);
 
-// A line for each actual class and a column for each predicted class, with the weight of the cases.
-// Only classes that occur in the matrix are shown; more than twenty are only counted.
-std::string matrix_as_text(const decision_tree& tree, const confusion_matrix& matrix);
+// The error line and the other figures of an evaluation; a table of how well each class is
+// predicted, of more than twenty classes only the heaviest; and the confusions, see
+// confusion_report.h. `classes` is the class column.
+std::string evaluation_as_text(const std::string& which_cases, const impls::column& classes,
+                               const evaluation& quality);
 
 }  // namespace arbor::tree
 

@@ -16,9 +16,13 @@ std::string weight_text(double weight) {
   return text;
 }
 
+std::string class_text(const column& classes, std::size_t entry) {
+  if (entry + 1 == classes.get_distinct()) return "(another)";
+  return value_text(classes, static_cast<unsigned int>(entry) + 1);
+}
+
 std::string class_text(const decision_tree& tree, std::size_t entry) {
-  if (entry + 1 == tree.class_column->get_distinct()) return "(another)";
-  return value_text(*tree.class_column, static_cast<unsigned int>(entry) + 1);
+  return class_text(*tree.class_column, entry);
 }
 
 std::string test_threshold(const column& tested, const tree_node& test) {

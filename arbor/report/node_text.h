@@ -14,8 +14,9 @@ namespace arbor::tree {
 // A weight with at most two decimals: 4, 2.5, 0.33.
 std::string weight_text(double weight);
 
-// The class with the code `entry` + 1. The entry after the last class of the tree is for all other
-// classes of a table: "(another)".
+// The class with the code `entry` + 1. The entry after the last class of a class column, or of a
+// tree's, is for all other classes: "(another)".
+std::string class_text(const impls::column& classes, std::size_t entry);
 std::string class_text(const decision_tree& tree, std::size_t entry);
 
 // The threshold of a test of a continuous attribute.

@@ -80,12 +80,12 @@ double row_classifier::weight_at(unsigned int row, std::size_t node) const {
   return weight;
 }
 
-confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
-                                const impls::w_sequence& cases) {
+evaluation classify_cases(const decision_tree& tree, const table& rows,
+                          const impls::w_sequence& cases) {
   const row_classifier classify(tree, rows);
-  confusion_matrix result;
+  evaluation result;
   for (const auto& [row, weight] : cases) {
-    result.add(rows.class_column().get_row_index(row) - 1, likeliest_class(classify(row)),
+    result.add(rows.class_column().get_row_index(row) - 1, classify(row),
                static_cast<double>(weight));
   }
   return result;

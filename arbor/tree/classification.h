@@ -2,7 +2,7 @@
 //
 //   row_classifier classify(tree, golf);
 //   std::vector<double> distribution = classify(0);
-//   confusion_matrix matrix = classify_cases(tree, golf, golf.cases);
+//   evaluation quality = classify_cases(tree, golf, golf.cases);
 //
 // class_distribution.h says which way a case goes, text_classifier.h classifies texts.
 #ifndef ARBOR_TREE_CLASSIFICATION_H
@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "arbor/table/table.h"
-#include "arbor/tree/confusion_matrix.h"
 #include "arbor/tree/decision_tree.h"
+#include "arbor/tree/evaluation.h"
 
 namespace arbor::tree {
 
@@ -43,8 +43,8 @@ class row_classifier {
 };
 
 // Classifies cases of a table that has the tree's class column, and compares with their classes.
-confusion_matrix classify_cases(const decision_tree& tree, const table& rows,
-                                const impls::w_sequence& cases);
+evaluation classify_cases(const decision_tree& tree, const table& rows,
+                          const impls::w_sequence& cases);
 
 // The cases of a table that come to a node, given by its index in the tree: in the order of the
 // rows, each with its row's weight multiplied by the part that comes down. Cases without weight are
