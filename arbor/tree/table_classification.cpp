@@ -144,9 +144,10 @@ class file_classifier {
   void remark_on(const stray_texts& stray, std::size_t cell) {
     if (stray.count == 0) return;
     result.remarks.push_back(fmt::format(
-        "{}: column {}: {} no number{} and taken as unknown, the first is {} in line {}",
-        file.name(), in_quotes(file.names()[cell]), counted(stray.count, "text is", "texts are"),
-        stray.count == 1 ? "" : "s", stray.first, stray.line));
+        "{}: column {}: {} taken as unknown, the first is {} in line {}", file.name(),
+        in_quotes(file.names()[cell]),
+        counted(stray.count, "text that is no number was", "texts that are no numbers were"),
+        stray.first, stray.line));
   }
 
   csv_table file;
