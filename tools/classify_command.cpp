@@ -51,6 +51,9 @@ classify_command::classify_command(CLI::App& app)
   add_force(parser, "--output", force);
   parser.add_flag("--quiet", quiet, "Print no rows, only the evaluation");
   parser.add_flag("--probability", all_probabilities, "Print the probability of every class");
+  parser.add_flag("--unsmoothed", unsmoothed,
+                  "Take the shares of the training cases at a leaf for its probabilities (default: "
+                  "smoothed toward those of the nodes above it)");
   parser
       .add_option("--class", class_name,
                   "The column of the actual classes (default: the one with the name of the model's "
@@ -90,6 +93,7 @@ tree::classification_options classify_command::chosen_options(
   tree::classification_options options = options_from(table.chosen());
   options.all_probabilities = all_probabilities;
   options.strict = strict;
+  if (unsmoothed) options.estimate = tree::leaf_estimate::training_share;
   options.class_name = class_name;
   options.class_from = given("--class") ? "--class" : "--quiet";
   if (quiet && class_name.empty()) options.class_name = model.class_column->get_name();

@@ -27,6 +27,7 @@ class classify_command : public command {
   std::string output_path = "-";
   std::string class_name;
   bool all_probabilities = false;
+  bool unsmoothed = false;
   bool strict = false;
   bool quiet = false;
   bool force = false;

@@ -27,7 +27,7 @@ class file_classifier {
         tree(of_tree),
         options(chosen),
         out(to),
-        distribution_of(of_tree),
+        distribution_of(of_tree, chosen.estimate),
         strays(of_tree.attributes.size()) {}
 
   classification_result run() {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/class_distribution.h"
 #include "arbor/tree/evaluation.h"
 
 namespace arbor::tree {
@@ -28,7 +28,8 @@ struct classification_options {
   // Whether a text that is no number, in an attribute of numbers, is refused. Otherwise it is an
   // unknown value. In a row of weight 0 it always is.
   bool strict = false;
-  bool all_probabilities = false;  // a column for each class instead of one
+  leaf_estimate estimate = leaf_estimate::smoothed;  // of the probabilities
+  bool all_probabilities = false;                    // a column for each class instead of one
   // Called with the number of rows after each row. May be empty.
   std::function<void(std::size_t rows)> progress;
 };

@@ -3,12 +3,11 @@
 #include <cstring>
 
 #include "arbor/table/value_text.h"
-#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
-text_classifier::text_classifier(const decision_tree& grown)
-    : tree(grown), values(grown.attributes.size()) {
+text_classifier::text_classifier(const decision_tree& grown, leaf_estimate estimate)
+    : tree(grown), probabilities(grown, estimate), values(grown.attributes.size()) {
   for (const auto& attribute : tree.attributes)
     rounds.push_back(attribute->get_o_set()->get_datatype() == "float");
   for (const tree_node& node : tree.nodes) {
@@ -42,7 +41,7 @@ std::vector<double> text_classifier::operator()(const std::vector<const char*>& 
       unfit_attributes.push_back(i);
     }
   }
-  return distribution_of(tree, [&](std::size_t index) {
+  return probabilities.of_case([&](std::size_t index) {
     const unsigned int attribute = tree.nodes[index].attribute;
     const value& tested = values[attribute];
     if (!tested.known) return every_branch;

@@ -11,14 +11,15 @@
 #include <cstddef>
 #include <vector>
 
-#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
 // Classifies cases given as texts. The tree must outlive the classifier.
 class text_classifier {
  public:
-  explicit text_classifier(const decision_tree& tree);
+  explicit text_classifier(const decision_tree& tree,
+                           leaf_estimate estimate = leaf_estimate::smoothed);
 
   // `texts` has an entry for each attribute of the tree: the text as it stands in a table, null for
   // the unknown value. Numbers are compared as numbers, whatever the data type of the attribute: of
@@ -41,6 +42,7 @@ class text_classifier {
   bool read(std::size_t attribute, const char* text, value& result) const;
 
   const decision_tree& tree;
+  class_probabilities probabilities;
   std::vector<bool> rounds;                   // by attribute: whether it is of the type float
   std::vector<double> thresholds;             // by node
   std::vector<value> values;                  // by attribute, of the present case

@@ -147,7 +147,8 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
     const decision_tree t = grown(rows, 5);
     std::ostringstream out;
     const auto by_text = tree::classify_table(path, t, {}, &out);
-    EXPECT_EQ(by_text.quality->matrix().pairs(), tree::classify_cases(t, rows, rows.cases).pairs())
+    EXPECT_EQ(by_text.quality->matrix().pairs(),
+              tree::classify_cases(t, rows, rows.cases).matrix().pairs())
         << name;
     for (std::size_t i = 0; i < t.nodes.size(); i += t.nodes.size() / 20 + 1) {
       const w_sequence here = tree::cases_at_node(t, rows, i);
