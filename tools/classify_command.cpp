@@ -32,8 +32,8 @@ Examples:
   arbor classify birds.model more.csv --output predicted.csv --probability
   arbor classify golf.model checked.csv --quiet --class actual)";
 
-void print_evaluation(const tree::decision_tree& model, const tree::classification_result& result,
-                      std::ostream& out) {
+void print_evaluation_of_rows(const tree::decision_tree& model,
+                              const tree::classification_result& result, std::ostream& out) {
   if (!result.quality) return;
   out << tree::evaluation_as_text("classified", *model.class_column, *result.quality);
 }
@@ -71,13 +71,13 @@ void classify_command::run() {
     const tree::classification_result result = classify(model, nullptr);
     if (!result.quality)
       throw tree::table_error("there is nothing to evaluate: no row has a known class");
-    print_evaluation(model, result, std::cout);
+    print_evaluation_of_rows(model, result, std::cout);
   } else if (output_path == "-") {
-    print_evaluation(model, classify(model, &std::cout), std::cerr);
+    print_evaluation_of_rows(model, classify(model, &std::cout), std::cerr);
   } else {
     const tree::classification_result result = classify_into_file(model);
     std::cout << tree::counted(result.rows, "row") << " classified\n";
-    print_evaluation(model, result, std::cout);
+    print_evaluation_of_rows(model, result, std::cout);
   }
 }
 

@@ -14,6 +14,7 @@
 #include "arbor/store/model_store.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/holdout.h"
+#include "arbor/tree/single_leaf.h"
 #include "tools/classify_rows.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
@@ -52,6 +53,32 @@ timed_tree grow_with_progress(const tree::table& rows, const impls::w_sequence& 
   return {std::move(grown), time.count()};
 }
 
+const char* words_for(tree::single_leaf_reason reason) {
+  using reasons = tree::single_leaf_reason;
+  switch (reason) {
+    case reasons::one_class:
+      return "all training cases are of one class; --class NAME predicts another column";
+    case reasons::no_depth:
+      return "--max-depth 0 allows no test";
+    case reasons::too_light:
+      return "a test needs two branches of --min-weight, and all cases together weigh less";
+    case reasons::no_split:
+      return "no attribute splits the cases with a gain; \"arbor rate\" shows why";
+    case reasons::pruned:
+      break;
+  }
+  return "its branches were pruned, as they are not expected to make fewer errors; --no-pruning "
+         "keeps them";
+}
+
+// Says why a tree is a single leaf, unless a remark on the table has said so.
+void warn_of_single_leaf(const tree::decision_tree& grown, const tree::table& rows,
+                         const impls::w_sequence& cases, const tree::grow_options& options) {
+  if (!grown.nodes.front().is_leaf() || rows.class_column().get_distinct() == 2) return;
+  std::cerr << "arbor: " << rows.name << ": the tree is a single leaf: "
+            << words_for(tree::why_single_leaf(rows, cases, options)) << '\n';
+}
+
 // A large tree is shown in part.
 void print_tree(const timed_tree& grown) {
   constexpr std::size_t screen_lines = 40;
@@ -83,7 +110,7 @@ grow_command::grow_command(CLI::App& app)
   parser.add_option("--model", model_path, "File to save the tree to (default: it is not saved)")
       ->type_name("FILE");
   add_force(parser, "--model", force);
-  table.add_to(parser);
+  table.add_training_options_to(parser);
   parser
       .add_option("--min-weight", min_weight,
                   "Minimum weight of both sides of a threshold, or of two branches of a discrete "
@@ -127,6 +154,7 @@ void grow_command::run() {
             "--holdout: \"" + holdout + "\" leaves no rows to grow the tree on");
   const timed_tree grown = grow_with_progress(rows, cases.training, options);
   if (!model_path.empty()) tree::save_model(model_path, grown.tree);
+  warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
   std::cout << tree::table_line(rows, rows.cases) << "\n\n";
   print_tree(grown);
