@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <utility>
 
 #include "arbor/model/code_readers.h"
@@ -118,19 +119,22 @@ std::unique_ptr<w_sequence> node_split::partitioned_side(unsigned int number, fl
 void node_split::share_out_unknown(w_sequence& cases, unsigned int number, float& share) const {
   std::array<double, 3> weights{};  // of the unknown cases and of both sides
   impls::with_codes(attribute(), [&](auto code_of) {
-    const auto side_of = [&](unsigned int row) -> std::size_t {
-      const unsigned int code = code_of(row);
+    const auto side_of = [&](const auto& weighted) -> std::size_t {
+      const unsigned int code = code_of(weighted.first);
       return code == 0 ? 0 : code <= threshold ? 1 : 2;
     };
-    for (const auto& [row, weight] : *node.cases)
-      weights[side_of(row)] += static_cast<double>(weight);
+    for (const auto& weighted : *node.cases)
+      weights[side_of(weighted)] += static_cast<double>(weighted.second);
     if (!(weights[0] > 0)) return;
     share = static_cast<float>(weights[number] / (weights[1] + weights[2]));
     auto whole = node.cases->begin();  // both are in the same order
-    for (auto& [row, weight] : cases) {
-      if (side_of(row) != 0) continue;
-      while (whole->first != row) ++whole;
-      weight = share * whole->second;
+    for (auto& part : cases) {
+      if (side_of(part) != 0) continue;
+      const auto is_this = [&](const auto& weighted) { return weighted.first == part.first; };
+      whole = std::find_if(whole, node.cases->end(), is_this);
+      if (whole == node.cases->end())
+        throw std::logic_error("a column's partition has not kept the order of its cases");
+      part.second = share * whole->second;
     }
   });
 }

@@ -139,7 +139,7 @@ TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
 }
 
 // In tables with unknown values, many values and noise: rows, their texts and the training cases
-// take the same ways.
+// take the same ways, and each case counts once.
 TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
   for (const char* name : {"housevotes84", "pima2", "soybean", "birdstrikes"}) {
     const std::string path = std::string(ARBOR_DATA "/") + name + ".csv";
@@ -150,6 +150,15 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
     EXPECT_EQ(by_text.quality->matrix().pairs(),
               tree::classify_cases(t, rows, rows.cases).matrix().pairs())
         << name;
+    double in_leaves = 0;
+    for (const tree::tree_node& node : t.nodes) {
+      double shares = node.is_leaf() ? 1 : 0;
+      for (unsigned int i = 0; i < node.child_count; ++i)
+        shares += static_cast<double>(t.nodes[node.first_child + i].share);
+      EXPECT_NEAR(shares, 1, 1e-5) << name;
+      in_leaves += node.is_leaf() ? tree::weigh(node).cases : 0;
+    }
+    EXPECT_NEAR(in_leaves / tree::weigh(t.nodes[0]).cases, 1, 0.003) << name;
     for (std::size_t i = 0; i < t.nodes.size(); i += t.nodes.size() / 20 + 1) {
       const w_sequence here = tree::cases_at_node(t, rows, i);
       EXPECT_NEAR(tree::total_weight(here) / tree::weigh(t.nodes[i]).cases, 1, 0.02) << name << i;
