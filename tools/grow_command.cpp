@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include "arbor/csv/input_file.h"
 #include "arbor/csv/table_error.h"
@@ -167,7 +169,9 @@ void grow_command::check_files() const {
   refuse_if(given("--model") && model_path.empty(), "--model: the name of the file is empty");
   refuse_if(given("--test") && test_path.empty(), "--test: the name of the file is empty");
   refuse_if(test_path == "-" && table_path == "-", "--test: standard input is the table already");
-  if (!test_path.empty()) tree::input_file can_be_read(test_path);
+  std::error_code ignored;
+  const bool opens_once = std::filesystem::is_fifo(test_path, ignored);
+  if (!test_path.empty() && !opens_once) static_cast<void>(tree::input_file(test_path));
   if (model_path.empty()) return;
   const output_file model{"--model", model_path, force};
   model.keep_input(table_path, "the table");
