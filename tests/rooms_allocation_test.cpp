@@ -89,8 +89,8 @@ TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
   });
   fail_each("file", [&] {
     std::ofstream out("/dev/null");
-    const auto result = tree::classify_table(csv.path(), t, {}, out);
-    return tree::error_line("new", *result.matrix);
+    const auto result = tree::classify_table(csv.path(), t, {}, &out);
+    return tree::error_line("new", result.quality->matrix());
   });
 }
 

@@ -7,11 +7,11 @@
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/table_error.h"
-#include "arbor/report/confusion_report.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
-#include "tools/progress_line.h"
+#include "tools/classify_rows.h"
+#include "tools/output_file.h"
 
 namespace arbor::tools {
 
@@ -21,20 +21,21 @@ constexpr const char* classify_help =
     R"(Prints the table as CSV, with the predicted class and its probability at the end
 of each row. Columns are found by their names. Where the value that a test needs
 is unknown, or did not occur in training, the row goes down every branch. Use
---unknown as for the table that the tree was grown on.
+--unknown as for the table that the tree was grown on. A text in a column of
+numbers that is no number is unknown too, and counted on standard error.
 
-If the table has the class too, the errors and the confusion matrix are printed:
-on standard error, or with --output on standard output.
+If the table has the class too, the predictions are evaluated: on standard
+error, or with --output FILE or --quiet on standard output.
 
 Examples:
   arbor classify golf.model tomorrow.csv
-  arbor classify birds.model more.csv --output predicted.csv --probability)";
+  arbor classify birds.model more.csv --output predicted.csv --probability
+  arbor classify golf.model checked.csv --quiet --class actual)";
 
-void print_errors_of_rows(const tree::decision_tree& model,
-                          const tree::classification_result& result, std::ostream& out) {
-  if (!result.matrix || result.matrix->total() == 0) return;
-  out << tree::error_line("classified", *result.matrix) << "\n\n"
-      << tree::confusions_as_text(*model.class_column, *result.matrix);
+void print_evaluation_of_rows(const tree::decision_tree& model,
+                              const tree::classification_result& result, std::ostream& out) {
+  if (!result.quality) return;
+  out << tree::evaluation_as_text("classified", *model.class_column, *result.quality);
 }
 
 }  // namespace
@@ -44,53 +45,79 @@ classify_command::classify_command(CLI::App& app)
   parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   parser
-      .add_option("--output", output_path, "File to write the rows to (default: standard output)")
+      .add_option("--output", output_path,
+                  "File to write the rows to (default: -, standard output)")
       ->type_name("FILE");
+  add_force(parser, "--output", force);
+  parser.add_flag("--quiet", quiet, "Print no rows, only the evaluation");
   parser.add_flag("--probability", all_probabilities, "Print the probability of every class");
+  parser.add_flag("--unsmoothed", unsmoothed,
+                  "Take the shares of the training cases at a leaf for its probabilities (default: "
+                  "smoothed toward those of the nodes above it)");
+  parser
+      .add_option("--class", class_name,
+                  "The column of the actual classes (default: the one with the name of the model's "
+                  "class, if there is one)")
+      ->type_name("NAME");
   table.add_cell_options_to(parser);
+  parser.add_flag("--strict", strict,
+                  "Refuse a text that is no number in a column where the model has numbers");
 }
 
 void classify_command::run() {
-  const tree::classification_options options = chosen_options();
-  refuse_if(table_path.empty(), "name a model and a table");
+  check_combination();
   const tree::decision_tree model = tree::load_model(model_path);
-  if (output_path.empty()) {
-    print_errors_of_rows(model, classify(model, options, std::cout), std::cerr);
-    return;
+  if (quiet) {
+    const tree::classification_result result = classify(model, nullptr);
+    if (!result.quality)
+      throw tree::table_error("there is nothing to evaluate: no row has a known class");
+    print_evaluation_of_rows(model, result, std::cout);
+  } else if (output_path == "-") {
+    print_evaluation_of_rows(model, classify(model, &std::cout), std::cerr);
+  } else {
+    const tree::classification_result result = classify_into_file(model);
+    std::cout << tree::counted(result.rows, "row") << " classified\n";
+    print_evaluation_of_rows(model, result, std::cout);
   }
-  const tree::classification_result result = classify_into_file(model, options);
-  std::cout << result.rows << " rows classified\n";
-  print_errors_of_rows(model, result, std::cout);
 }
 
-tree::classification_options classify_command::chosen_options() const {
-  const tree::load_options load = table.chosen();
-  tree::classification_options options;
-  options.weights_name = load.weights_name;
-  options.weights_from = load.weights_from;
-  options.unknown_texts = load.unknown_texts;
+void classify_command::check_combination() const {
+  refuse_if(table_path.empty(), "name a model and a table");
+  refuse_if(output_path.empty(), "--output: the name of the file is empty");
+  for (const std::string option : {"--output", "--probability"})
+    refuse_if(quiet && given(option), option + " does not go with --quiet, which prints no rows");
+}
+
+tree::classification_options classify_command::chosen_options(
+    const tree::decision_tree& model) const {
+  tree::classification_options options = options_from(table.chosen());
   options.all_probabilities = all_probabilities;
+  options.strict = strict;
+  if (unsmoothed) options.estimate = tree::leaf_estimate::training_share;
+  options.class_name = class_name;
+  options.class_from = given("--class") ? "--class" : "--quiet";
+  if (quiet && class_name.empty()) options.class_name = model.class_column->get_name();
   return options;
 }
 
 tree::classification_result classify_command::classify(const tree::decision_tree& model,
-                                                       tree::classification_options options,
-                                                       std::ostream& out) const {
-  progress_line progress;
-  options.progress = [&](std::size_t rows) {
-    if (progress.due()) progress.show(std::to_string(rows) + " rows classified");
-  };
-  return tree::classify_table(table_path, model, options, out);
+                                                       std::ostream* rows) const {
+  return classify_rows(table_path, model, chosen_options(model), rows,
+                       "; --strict refuses such texts");
 }
 
 // The old file, if there is one, stays until all rows are written.
 tree::classification_result classify_command::classify_into_file(
-    const tree::decision_tree& model, const tree::classification_options& options) const {
+    const tree::decision_tree& model) const {
+  const output_file output{"--output", output_path, force};
+  output.keep_input(model_path, "the model");
+  output.keep_input(table_path, "the table");
+  output.replace_no_model();
   tree::file_replacement file(output_path);
-  std::ofstream out(file.temporary_path(), std::ios::binary);
-  tree::classification_result result = classify(model, options, out);
-  out.close();
-  if (!out) {
+  std::ofstream rows(file.temporary_path(), std::ios::binary);
+  tree::classification_result result = classify(model, &rows);
+  rows.close();
+  if (!rows) {
     throw tree::table_error(tree::printable(output_path) +
                             ": cannot be written: " + std::strerror(errno));
   }

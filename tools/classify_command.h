@@ -16,18 +16,21 @@ class classify_command : public command {
   void run() override;
 
  private:
-  tree::classification_options chosen_options() const;
-  tree::classification_result classify(const tree::decision_tree& model,
-                                       tree::classification_options options,
-                                       std::ostream& out) const;
-  tree::classification_result classify_into_file(const tree::decision_tree& model,
-                                                 const tree::classification_options& options) const;
+  void check_combination() const;
+  tree::classification_options chosen_options(const tree::decision_tree& model) const;
+  tree::classification_result classify(const tree::decision_tree& model, std::ostream* rows) const;
+  tree::classification_result classify_into_file(const tree::decision_tree& model) const;
 
   table_options table;
   std::string model_path;
   std::string table_path;
-  std::string output_path;
+  std::string output_path = "-";
+  std::string class_name;
   bool all_probabilities = false;
+  bool unsmoothed = false;
+  bool strict = false;
+  bool quiet = false;
+  bool force = false;
 };
 
 }  // namespace arbor::tools

@@ -3,8 +3,12 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
+#include "arbor/csv/input_file.h"
+#include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/rating_report.h"
 #include "arbor/report/tree_report.h"
@@ -12,6 +16,9 @@
 #include "arbor/store/model_store.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/holdout.h"
+#include "arbor/tree/single_leaf.h"
+#include "tools/classify_rows.h"
+#include "tools/output_file.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
@@ -27,6 +34,7 @@ errors.
 Examples:
   arbor grow golf.csv --model golf.model
   arbor grow birds.csv --model birds.model --class "Time of day" --holdout 0.3
+  arbor grow birds.csv --test other_birds.csv
   arbor grow big.csv --model big.model --min-weight 50 --max-depth 8)";
 
 struct timed_tree {
@@ -47,6 +55,32 @@ timed_tree grow_with_progress(const tree::table& rows, const impls::w_sequence& 
   return {std::move(grown), time.count()};
 }
 
+const char* words_for(tree::single_leaf_reason reason) {
+  using reasons = tree::single_leaf_reason;
+  switch (reason) {
+    case reasons::one_class:
+      return "all training cases are of one class; --class NAME predicts another column";
+    case reasons::no_depth:
+      return "--max-depth 0 allows no test";
+    case reasons::too_light:
+      return "a test needs two branches of --min-weight, and all cases together weigh less";
+    case reasons::no_split:
+      return "no attribute splits the cases with a gain; \"arbor rate\" shows why";
+    case reasons::pruned:
+      break;
+  }
+  return "its branches were pruned, as they are not expected to make fewer errors; --no-pruning "
+         "keeps them";
+}
+
+// Says why a tree is a single leaf, unless a remark on the table has said so.
+void warn_of_single_leaf(const tree::decision_tree& grown, const tree::table& rows,
+                         const impls::w_sequence& cases, const tree::grow_options& options) {
+  if (!grown.nodes.front().is_leaf() || rows.class_column().get_distinct() == 2) return;
+  std::cerr << "arbor: " << rows.name << ": the tree is a single leaf: "
+            << words_for(tree::why_single_leaf(rows, cases, options)) << '\n';
+}
+
 // A large tree is shown in part.
 void print_tree(const timed_tree& grown) {
   constexpr std::size_t screen_lines = 40;
@@ -55,17 +89,18 @@ void print_tree(const timed_tree& grown) {
             << tree::size_line(grown.tree) << fmt::format(", grown in {:.3f} s\n", grown.seconds);
 }
 
-// All of the evaluation is shown for the held-back cases, if there are any.
+// How well the tree predicts its own training cases is shown in one line when there are others.
 void print_evaluation(const tree::decision_tree& grown, const tree::table& rows,
-                      const tree::divided_cases& cases) {
+                      const tree::divided_cases& cases, bool has_test_table) {
   const impls::column& classes = *grown.class_column;
   const tree::evaluation training = tree::classify_cases(grown, rows, cases.training);
-  if (cases.held_back.empty()) {
+  if (cases.held_back.empty() && !has_test_table) {
     std::cout << tree::evaluation_as_text("training", classes, training);
     return;
   }
-  std::cout << tree::error_line("training", training.matrix()) << '\n'
-            << tree::evaluation_as_text("held-back", classes,
+  std::cout << tree::error_line("training", training.matrix()) << '\n';
+  if (cases.held_back.empty()) return;
+  std::cout << tree::evaluation_as_text("held-back", classes,
                                         tree::classify_cases(grown, rows, cases.held_back));
 }
 
@@ -76,7 +111,8 @@ grow_command::grow_command(CLI::App& app)
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
   parser.add_option("--model", model_path, "File to save the tree to (default: it is not saved)")
       ->type_name("FILE");
-  table.add_to(parser);
+  add_force(parser, "--model", force);
+  table.add_training_options_to(parser);
   parser
       .add_option("--min-weight", min_weight,
                   "Minimum weight of both sides of a threshold, or of two branches of a discrete "
@@ -97,6 +133,10 @@ grow_command::grow_command(CLI::App& app)
                   "Share of the rows to hold back and evaluate the tree on (default: 0)")
       ->type_name("SHARE");
   parser
+      .add_option("--test", test_path,
+                  "Another table to evaluate the tree on, read as by arbor classify")
+      ->type_name("FILE");
+  parser
       .add_option("--threads", threads, "Number of threads (default: one for each processor core)")
       ->type_name("N");
   parser.add_option("--seed", seed, "Chooses which rows are held back (default: 1)")
@@ -105,11 +145,10 @@ grow_command::grow_command(CLI::App& app)
 
 void grow_command::run() {
   const tree::load_options load = table.chosen();
-  refuse_if(given("--model") && model_path.empty(), "--model: the name of the file is empty");
   const tree::grow_options options = chosen_options();
   const auto held_back_share = static_cast<double>(share_value("--holdout", holdout));
   const unsigned int held_back_seed = whole_value("--seed", seed);
-  check_model_path();
+  check_files();
 
   const tree::table rows = read_table(table_path, load);
   const tree::divided_cases cases = tree::hold_out(rows.cases, held_back_share, held_back_seed);
@@ -117,10 +156,38 @@ void grow_command::run() {
             "--holdout: \"" + holdout + "\" leaves no rows to grow the tree on");
   const timed_tree grown = grow_with_progress(rows, cases.training, options);
   if (!model_path.empty()) tree::save_model(model_path, grown.tree);
+  warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
   std::cout << tree::table_line(rows, rows.cases) << "\n\n";
   print_tree(grown);
-  print_evaluation(grown.tree, rows, cases);
+  print_evaluation(grown.tree, rows, cases, !test_path.empty());
+  if (!test_path.empty()) evaluate_on_test_table(grown.tree, load);
+}
+
+// Fails before the work is done if its result could not be saved or evaluated.
+void grow_command::check_files() const {
+  refuse_if(given("--model") && model_path.empty(), "--model: the name of the file is empty");
+  refuse_if(given("--test") && test_path.empty(), "--test: the name of the file is empty");
+  refuse_if(test_path == "-" && table_path == "-", "--test: standard input is the table already");
+  std::error_code ignored;
+  const bool opens_once = std::filesystem::is_fifo(test_path, ignored);
+  if (!test_path.empty() && !opens_once) static_cast<void>(tree::input_file(test_path));
+  if (model_path.empty()) return;
+  const output_file model{"--model", model_path, force};
+  model.keep_input(table_path, "the table");
+  if (!test_path.empty()) model.keep_input(test_path, "the test table");
+  model.replace_models_only();
+  tree::file_replacement can_be_written(model_path);
+}
+
+void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
+                                          const tree::load_options& load) const {
+  tree::classification_options options = options_from(load);
+  options.class_name = grown.class_column->get_name();
+  options.class_from = "the class of the tree";
+  const tree::classification_result result = classify_rows(test_path, grown, options, nullptr, "");
+  if (!result.quality) throw tree::table_error("--test: no row has a known class");
+  std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);
 }
 
 tree::grow_options grow_command::chosen_options() const {
@@ -141,11 +208,6 @@ unsigned int grow_command::chosen_threads() const {
   refuse_if(count == 0 || count > most_threads,
             fmt::format("--threads: \"{}\" is not from 1 to {}", threads, most_threads));
   return count;
-}
-
-// Fails before the work is done if its result could not be saved.
-void grow_command::check_model_path() const {
-  if (!model_path.empty()) tree::file_replacement can_be_written(model_path);
 }
 
 }  // namespace arbor::tools

@@ -16,11 +16,14 @@ class grow_command : public command {
  private:
   tree::grow_options chosen_options() const;
   unsigned int chosen_threads() const;
-  void check_model_path() const;
+  void check_files() const;
+  void evaluate_on_test_table(const tree::decision_tree& grown,
+                              const tree::load_options& load) const;
 
   table_options table;
   std::string table_path;
   std::string model_path;
+  std::string test_path;
   std::string min_weight = "2";
   std::string max_depth;
   std::string confidence = "0.25";
@@ -28,6 +31,7 @@ class grow_command : public command {
   std::string threads;
   std::string seed = "1";
   bool no_pruning = false;
+  bool force = false;
 };
 
 }  // namespace arbor::tools

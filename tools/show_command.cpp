@@ -11,6 +11,7 @@
 #include "arbor/store/model_store.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/rating.h"
+#include "tools/output_file.h"
 #include "tools/print_ratings.h"
 
 namespace arbor::tools {
@@ -43,6 +44,7 @@ show_command::show_command(CLI::App& app)
       ->type_name("N");
   parser.add_option("--picture", picture_path, "Draw the tree with Graphviz, as an SVG file")
       ->type_name("FILE.svg");
+  add_force(parser, "--picture", force);
   parser.add_option("--node", node, "Number of the test for --rate (default: 0, the root)")
       ->type_name("N");
   parser
@@ -123,6 +125,9 @@ tree::load_options show_command::options_of(const tree::decision_tree& model) co
 }
 
 void show_command::draw_picture(const std::string& graph) const {
+  const output_file picture{"--picture", picture_path, force};
+  picture.keep_input(model_path, "the model");
+  picture.replace_pictures_only();
   if (!tree::can_draw()) {
     throw tree::table_error(
         "a picture needs Graphviz, whose program dot is not installed; --format dot prints the "

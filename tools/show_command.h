@@ -29,6 +29,7 @@ class show_command : public command {
   std::string node;
   std::string rated_path;
   std::string min_weight = "2";
+  bool force = false;
 };
 
 }  // namespace arbor::tools

@@ -46,8 +46,10 @@ float number_value(const std::string& option, const std::string& given, float mo
   return static_cast<float>(value);
 }
 
-// The options that declare the texts of a remark as unknown, if it names some.
+// The options that do what a remark proposes, if it does.
 std::string advice(const tree::table_remark& remark) {
+  if (!remark.to_ignore.empty())
+    return "; --kind " + tree::shell_word(remark.to_ignore + "=ignore") + " leaves it out";
   if (remark.to_declare.empty()) return "";
   std::string options;
   for (const std::string& text : remark.to_declare)
@@ -70,6 +72,12 @@ void table_options::add_to(CLI::App& to) {
       ->type_name("NAME=KIND")
       ->take_all()
       ->allow_extra_args(false);
+}
+
+void table_options::add_training_options_to(CLI::App& to) {
+  add_to(to);
+  limits_classes = true;
+  to.add_flag("--many-classes", many_classes, "Accept a class of more than 1000 values");
 }
 
 void table_options::add_cell_options_to(CLI::App& to) {
@@ -98,6 +106,12 @@ tree::load_options table_options::chosen() const {
   options.unknown_texts = unknown_texts;
   options.types = name_values("--type", types);
   options.kinds = name_values("--kind", kinds);
+  if (limits_classes && !many_classes) {
+    options.most_classes = 1000;
+    options.most_classes_advice =
+        "; divide numbers into a few ranges first, or choose another class; --many-classes accepts "
+        "more";
+  }
   options.class_from = "--class";
   options.weights_from = "--weights";
   options.types_from = "--type";

@@ -15,6 +15,8 @@ class table_options {
   // Adds the options to a command. This object must stay at its address until the command line has
   // been parsed.
   void add_to(CLI::App& command);
+  // Adds them to a command that grows trees, for which a table may have too many classes.
+  void add_training_options_to(CLI::App& command);
   // Adds only the options for unknown texts and weights, for tables whose types and class are those
   // of a model.
   void add_cell_options_to(CLI::App& command);
@@ -29,6 +31,8 @@ class table_options {
   std::vector<std::string> unknown_texts;
   std::vector<std::string> types;
   std::vector<std::string> kinds;
+  bool limits_classes = false;
+  bool many_classes = false;
 };
 
 // Loads a table, and shows its progress and its remarks on standard error. Throws usage_error when

@@ -123,4 +123,9 @@ decision_tree load_model(const std::string& path) {
   }
 }
 
+bool begins_like_model(std::string_view beginning) {
+  return beginning.size() >= magic.size() &&
+         std::equal(magic.begin(), magic.end(), beginning.begin());
+}
+
 }  // namespace arbor::tree

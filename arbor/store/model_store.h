@@ -6,6 +6,7 @@
 #define ARBOR_STORE_MODEL_STORE_H
 
 #include <string>
+#include <string_view>
 
 #include "arbor/tree/decision_tree.h"
 
@@ -20,6 +21,9 @@ void save_model(const std::string& path, const decision_tree& tree);
 // file. A tree that is returned is sound:
 // every index, code and number in it may be used without a check.
 decision_tree load_model(const std::string& path);
+
+// Whether a file with this beginning is a model, of any format version.
+bool begins_like_model(std::string_view beginning);
 
 }  // namespace arbor::tree
 

@@ -43,6 +43,7 @@ void column_loader::make_column() {
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind(), error));
   if (made == nullptr) throw std::runtime_error(error + advice());
   domain.release();  // the column has adopted it
+  known_cells = cells.keys().size() - cells.unknown_cells();
   made->reserve(static_cast<unsigned int>(cells.keys().size()));
   cells.keys().consume([&](const std::uint32_t* codes, std::size_t count) {
     made->append_codes(codes, static_cast<unsigned int>(count));
@@ -89,7 +90,7 @@ table_remark column_loader::remark_on_other_texts(
   for (const auto& other : survey.others) other_cells += other.cells;
   const bool are_few = survey.others.size() < other_texts_end && other_cells < survey.number_cells;
   if (survey.others.empty() || !are_few || made->is_class() || made->is_ignore()) return {};
-  table_remark remark{"is of texts, but all its values are numbers except ", unknown_texts};
+  table_remark remark{"is of texts, but all its values are numbers except ", unknown_texts, {}};
   bool can_be_declared = true;
   for (const auto& other : survey.others) {
     const char* const between = &other == &survey.others.front() ? "" : ", ";
@@ -99,6 +100,32 @@ table_remark column_loader::remark_on_other_texts(
   }
   if (!can_be_declared) remark.to_declare.clear();
   return remark;
+}
+
+// On columns whose number of values makes poor trees.
+std::vector<table_remark> column_loader::remarks_on_values() const {
+  // Of fewer rows the values of any column may be different.
+  constexpr std::size_t least_rows = 20;
+  constexpr std::size_t most_numeric_classes = 100;
+  std::vector<table_remark> remarks;
+  if (made->is_discrete() && known_cells >= least_rows && 2 * values() > known_cells) {
+    remarks.push_back({fmt::format("has {} different values in {} rows, and a split by them says "
+                                   "little about other rows",
+                                   values(), known_cells),
+                       {},
+                       chosen.name});
+  }
+  if (made->is_class() && survey.data_type != "string" && values() > most_numeric_classes) {
+    remarks.push_back({fmt::format("is the class and has {} different numbers: each is a class of "
+                                   "its own, since there is no regression; divide them into a few "
+                                   "ranges first",
+                                   values()),
+                       {},
+                       {}});
+  }
+  if (made->is_class() && values() == 1)
+    remarks.push_back({"is the class and has a single value: nothing can be gained", {}, {}});
+  return remarks;
 }
 
 std::unique_ptr<impls::column> column_loader::take(const std::vector<std::string>& unknown_texts,
@@ -113,11 +140,11 @@ std::unique_ptr<impls::column> column_loader::take(const std::vector<std::string
     const char* const are_equal =
         lost_numbers == 1 ? "it is equal to another one" : "they are equal to others";
     add({fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"), are_equal),
+         {},
          {}});
   }
-  if (survey.data_type == "null") add({"has no known value and is ignored", {}});
-  if (made->is_class() && made->get_distinct() == 2)
-    add({"is the class and has a single value: nothing can be gained", {}});
+  if (survey.data_type == "null") add({"has no known value and is ignored", {}, {}});
+  for (table_remark& remark : remarks_on_values()) add(std::move(remark));
   return std::move(made);
 }
 

@@ -45,6 +45,9 @@ class column_loader {
   // its message and what would be accepted.
   void make_column();
 
+  // How many distinct values the column that was made has.
+  std::size_t values() const { return made->get_distinct() - 1U; }
+
   // The column, complete. What a person should know about it is added to `remarks`. `unknown_texts`
   // are those that were taken for the unknown value.
   std::unique_ptr<impls::column> take(const std::vector<std::string>& unknown_texts,
@@ -56,11 +59,13 @@ class column_loader {
   std::string kind() const;
   std::string advice() const;
   table_remark remark_on_other_texts(const std::vector<std::string>& unknown_texts) const;
+  std::vector<table_remark> remarks_on_values() const;
 
   settings chosen;
   column_cells cells;
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
+  std::size_t known_cells = 0;
   std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
 };
 

@@ -4,18 +4,11 @@
 #include <cstring>
 #include <limits>
 
-#include "arbor/utils/number_text.h"
+#include "arbor/table/value_text.h"
 
 namespace arbor::tree {
 
 namespace {
-
-bool read_known_number(const char* text, double& number) {
-  double value = 0;
-  if (!strata::util::read_number(text, value) || std::isnan(value)) return false;
-  number = value;
-  return true;
-}
 
 // Whether a number is written as an integer: blanks, one of these signs or none, and digits.
 bool is_written_whole(const char* number, const char* signs) {

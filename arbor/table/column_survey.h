@@ -30,8 +30,7 @@ constexpr std::size_t other_texts_end = 4;
 
 column_survey surveyed(column_cells& cells);
 
-// Whether a text is of a data type of numbers, and which number it is then. "nan" is of none: it
-// equals nothing, so that no column can find it again. A sign alone is not a number either.
+// Whether a text is of a data type of numbers, and which number it is then.
 bool read_as(const std::string& data_type, const char* text, double& number);
 
 }  // namespace arbor::tree

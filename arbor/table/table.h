@@ -17,6 +17,8 @@ struct table_remark {
   // Not empty: if certain texts of the table mean the unknown value, then it should be read again
   // with these unknown_texts (see load_options): those in use and these texts.
   std::vector<std::string> to_declare;
+  // Not empty: the name of a column that should rather have the kind ignore.
+  std::string to_ignore;
 };
 
 struct table {

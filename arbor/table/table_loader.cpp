@@ -1,5 +1,7 @@
 #include "arbor/table/table_loader.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 #include <limits>
 #include <new>
@@ -45,7 +47,10 @@ class loading {
     file.read([&] { assign_columns(); }, [&](const csv_row& row) { take(row); });
     if (rows == 0)
       file.fail(rows_read == 0 ? "no rows below the column names" : "every row has the weight 0");
-    for (column_loader& loader : loaders) make_column(loader);
+    make_class_column();
+    for (column_loader& loader : loaders) {
+      if (&loader != &loaders[class_cell]) make_column(loader);
+    }
     table result;
     result.name = file.name();
     result.class_index = class_cell;
@@ -130,6 +135,16 @@ class loading {
                 "not of the type " + options.types[file.names()[cell]] +
                     " that was chosen for the column");
     }
+  }
+
+  // Before the others are made, as it may have too many values.
+  void make_class_column() {
+    column_loader& loader = loaders[class_cell];
+    make_column(loader);
+    if (loader.values() <= options.most_classes) return;
+    file.fail(fmt::format("column {} is the class and has {} values, more than {}{}",
+                          in_quotes(loader.name()), loader.values(), options.most_classes,
+                          options.most_classes_advice));
   }
 
   void make_column(column_loader& loader) const {

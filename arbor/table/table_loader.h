@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
@@ -34,7 +35,11 @@ struct load_options {
   // By attribute name: discrete, continuous or ignore.
   std::map<std::string, std::string> kinds;
 
-  // What messages call the four choices, so that a person knows where each one was made.
+  // The most classes that a table may have. The message that refuses more ends with the advice.
+  std::size_t most_classes = std::numeric_limits<std::size_t>::max();
+  std::string most_classes_advice;
+
+  // What messages call the choices of columns, so that a person knows where each one was made.
   std::string class_from = "the class";
   std::string weights_from = "the weights";
   std::string types_from = "the type";

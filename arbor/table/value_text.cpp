@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "arbor/utils/number_text.h"
 
@@ -45,6 +46,13 @@ float compared_float(impls::o_set& domain, unsigned int code) {
     }
   }
   return numbered_float(low);
+}
+
+// Whether a number is a value that a domain of this type of integers may hold.
+bool is_of_integer_type(const std::string& data_type, double number) {
+  if (std::floor(number) != number) return false;
+  return data_type == "integer" ? std::fabs(number) <= std::numeric_limits<int>::max()
+                                : number >= 0 && number <= std::numeric_limits<unsigned int>::max();
 }
 
 }  // namespace
@@ -108,6 +116,27 @@ bool code_of_text(const column& column, const char* text, unsigned int& code) {
   if (domain.get_datatype() == "string")
     return domain.get_order(to_domain_text(text).c_str(), code);
   return domain.get_order(text, code);
+}
+
+bool find_value(const column& column, const char* text, unsigned int& code) {
+  impls::o_set& domain = *column.get_o_set();
+  const std::string data_type = domain.get_datatype();
+  double number = 0;
+  if (data_type != "string" && !read_known_number(text, number)) return false;
+  code = 0;
+  if (data_type != "integer" && data_type != "uinteger") {
+    code_of_text(column, text, code);
+  } else if (is_of_integer_type(data_type, number)) {
+    domain.get_order(std::to_string(static_cast<long long>(number)).c_str(), code);
+  }
+  return true;
+}
+
+bool read_known_number(const char* text, double& number) {
+  double value = 0;
+  if (!strata::util::read_number(text, value) || std::isnan(value)) return false;
+  number = value;
+  return true;
 }
 
 }  // namespace arbor::tree

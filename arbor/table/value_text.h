@@ -43,6 +43,15 @@ std::string value_text(const impls::column& column, unsigned int code);
 // then sets `code`. Throws std::runtime_error for a text that is not of the data type.
 bool code_of_text(const impls::column& column, const char* text, unsigned int& code);
 
+// Looks up a value, however it is written: in a domain of integers "7.0" is found as 7. Returns
+// whether the text is a value at all, which in a domain of numbers only numbers are. Sets `code`
+// then: to 0 if the domain does not hold the value. Throws nothing but std::bad_alloc.
+bool find_value(const impls::column& column, const char* text, unsigned int& code);
+
+// Returns whether the text is a number, and only then sets `number`. "nan" is none: it equals
+// nothing, so that no column can find it again. A sign alone is not a number either.
+bool read_known_number(const char* text, double& number);
+
 }  // namespace arbor::tree
 
 #endif

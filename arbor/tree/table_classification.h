@@ -9,36 +9,47 @@
 #include <string>
 #include <vector>
 
-#include "arbor/tree/confusion_matrix.h"
-#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/class_distribution.h"
+#include "arbor/tree/evaluation.h"
 
 namespace arbor::tree {
 
 struct classification_options {
-  // The column of the rows' weights in the matrix; a row of weight 0 is left out of it. Empty if
-  // every row weighs 1.
+  // The column of the actual classes, which the table must have. Empty: the column with the name of
+  // the tree's class, if there is one.
+  std::string class_name;
+  // The column of the rows' weights in the evaluation; a row of weight 0 is left out of it. Empty
+  // if every row weighs 1.
   std::string weights_name;
-  // What a message calls that choice, so that a person knows where it was made.
+  // What messages call these choices, so that a person knows where they were made.
+  std::string class_from = "the class";
   std::string weights_from = "the weights";
   std::vector<std::string> unknown_texts;  // see unknown_texts.h
-  bool all_probabilities = false;          // a column for each class instead of one
+  // Whether a text that is no number, in an attribute of numbers, is refused. Otherwise it is an
+  // unknown value. In a row of weight 0 it always is.
+  bool strict = false;
+  leaf_estimate estimate = leaf_estimate::smoothed;  // of the probabilities
+  bool all_probabilities = false;                    // a column for each class instead of one
   // Called with the number of rows after each row. May be empty.
   std::function<void(std::size_t rows)> progress;
 };
 
 struct classification_result {
   std::size_t rows = 0;
-  // Of the rows whose class is known. The entry after the last of the tree's classes is for all
-  // other classes. Absent if the table has no column with the class's name.
-  std::optional<confusion_matrix> matrix;
+  // Of the rows whose class is known and whose weight is above 0; absent if there are none. The
+  // entry after the last of the tree's classes is for all other classes.
+  std::optional<evaluation> quality;
+  // What a person should know, a line each that names the file: for each attribute of numbers, how
+  // many texts were no numbers.
+  std::vector<std::string> remarks;
 };
 
-// Writes the table's cells unchanged and, after them, the columns "predicted" and "probability" or,
-// with all probabilities, "predicted" and one "P(class)" for each class. Columns are found by name.
-// Throws table_error if a column is missing or a cell is not of the data type of the tree's
-// attribute; the rows before it are then written.
+// Writes to `rows`, unless it is null, the table's cells unchanged and, after them, the columns
+// "predicted" and "probability" or, with all probabilities, "predicted" and one "P(class)" for each
+// class. Columns are found by name. Throws table_error if a column is missing or, in a strict
+// classification, a text is no number; the rows before it are then written.
 classification_result classify_table(const std::string& path, const decision_tree& tree,
-                                     const classification_options& options, std::ostream& out);
+                                     const classification_options& options, std::ostream* rows);
 
 }  // namespace arbor::tree
 

@@ -9,22 +9,11 @@
 #define ARBOR_TREE_TEXT_CLASSIFIER_H
 
 #include <cstddef>
-#include <stdexcept>
 #include <vector>
 
 #include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
-
-// Thrown for a text that is not of the data type of its attribute.
-class unfit_text : public std::runtime_error {
- public:
-  explicit unfit_text(std::size_t of_attribute)
-      : std::runtime_error("a text is not of the data type of its attribute"),
-        attribute(of_attribute) {}
-
-  std::size_t attribute;  // its index in the tree
-};
 
 // Classifies cases given as texts. The tree must outlive the classifier.
 class text_classifier {
@@ -33,9 +22,14 @@ class text_classifier {
                            leaf_estimate estimate = leaf_estimate::smoothed);
 
   // `texts` has an entry for each attribute of the tree: the text as it stands in a table, null for
-  // the unknown value. Throws unfit_text for the first text that is not of the data type or reads
-  // as not a number, unless it is the text of the unknown value in the attribute's domain.
+  // the unknown value. Numbers are compared as numbers, whatever the data type of the attribute: of
+  // the type float they are rounded first, as they were when the tree was grown. A text that is no
+  // number, where the attribute has numbers, is an unknown value.
   std::vector<double> operator()(const std::vector<const char*>& texts);
+
+  // The attributes, by index in the tree, of which the last case had a text that is no number. Not
+  // among them are those with the text that the attribute's domain has for the unknown value.
+  const std::vector<std::size_t>& unfit() const { return unfit_attributes; }
 
  private:
   // A value as tests compare it: of a continuous attribute the number, of a discrete one the code.
@@ -44,17 +38,15 @@ class text_classifier {
     double number = 0;
     unsigned int code = 0;
   };
-  // Throws std::runtime_error for a text that is not of the data type.
-  using number_reader = double (*)(const char* text);
 
-  static number_reader reader_for(const impls::column& attribute);
-  value read(std::size_t attribute, const char* text) const;
+  bool read(std::size_t attribute, const char* text, value& result) const;
 
   const decision_tree& tree;
   class_probabilities probabilities;
-  std::vector<number_reader> readers;  // by attribute, for continuous ones
-  std::vector<double> thresholds;      // by node
-  std::vector<value> values;           // by attribute, of the present case
+  std::vector<bool> rounds;                   // by attribute: whether it is of the type float
+  std::vector<double> thresholds;             // by node
+  std::vector<value> values;                  // by attribute, of the present case
+  std::vector<std::size_t> unfit_attributes;  // of the present case
 };
 
 }  // namespace arbor::tree

@@ -15,7 +15,7 @@ save() {  # under strace, with the options given
 }
 fail() { echo "$*"; cat "$work/said"; exit 1; }
 
-program=("$1" grow "$work/table.csv" --threads 1 --model "$model")
+program=("$1" grow "$work/table.csv" --threads 1 --force --model "$model")
 save || fail "a process cannot be traced here, or not be saved"
 cp "$model" "$work/newer"
 # "NAME N" for the Nth call of each name, from where the program first asks for the model until it has closed the folder.

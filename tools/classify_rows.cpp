@@ -1,0 +1,31 @@
+#include "tools/classify_rows.h"
+
+#include <iostream>
+
+#include "tools/progress_line.h"
+
+namespace arbor::tools {
+
+tree::classification_options options_from(const tree::load_options& load) {
+  tree::classification_options options;
+  options.weights_name = load.weights_name;
+  options.weights_from = load.weights_from;
+  options.unknown_texts = load.unknown_texts;
+  return options;
+}
+
+tree::classification_result classify_rows(const std::string& path, const tree::decision_tree& model,
+                                          tree::classification_options options, std::ostream* rows,
+                                          const std::string& advice) {
+  progress_line progress;
+  options.progress = [&](std::size_t done) {
+    if (progress.due()) progress.show(std::to_string(done) + " rows classified");
+  };
+  tree::classification_result result = tree::classify_table(path, model, options, rows);
+  progress.clear();
+  for (const std::string& remark : result.remarks)
+    std::cerr << "arbor: " << remark << advice << '\n';
+  return result;
+}
+
+}  // namespace arbor::tools

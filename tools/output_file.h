@@ -1,0 +1,38 @@
+// Checks before long work that its result will not destroy a file that is still wanted.
+//
+//   const output_file output{"--output", output_path, force};
+//   output.keep_input(table_path, "the table");
+//   output.replace_no_model();
+#ifndef ARBOR_TOOLS_OUTPUT_FILE_H
+#define ARBOR_TOOLS_OUTPUT_FILE_H
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace arbor::tools {
+
+// A file that a command writes. Each check throws usage_error, naming the option; a file that does
+// not exist passes all of them.
+struct output_file {
+  std::string option;
+  std::string path;
+  bool force = false;  // writes over any file but the inputs
+
+  // Refuses the file that is read as `input`, "-" for standard input; `what` is what it is.
+  void keep_input(const std::string& input, const std::string& what) const;
+
+  // Refuses an existing file that is a model; is not a model; is neither a picture nor empty.
+  void replace_no_model() const;
+  void replace_models_only() const;
+  void replace_pictures_only() const;
+
+ private:
+  void refuse_unless_forced(bool wanted, const std::string& what) const;
+};
+
+// Adds --force to a command whose output `option` is; it sets `force`.
+void add_force(CLI::App& command, const std::string& option, bool& force);
+
+}  // namespace arbor::tools
+
+#endif
