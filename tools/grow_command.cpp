@@ -5,6 +5,7 @@
 #include <chrono>
 #include <filesystem>
 #include <iostream>
+#include <random>
 #include <system_error>
 
 #include "arbor/csv/input_file.h"
@@ -14,9 +15,11 @@
 #include "arbor/report/tree_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
+#include "arbor/table/value_text.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/holdout.h"
 #include "arbor/tree/single_leaf.h"
+#include "arbor/tree/tuning.h"
 #include "tools/classify_rows.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
@@ -34,7 +37,7 @@ errors.
 Examples:
   arbor grow golf.csv --model golf.model
   arbor grow birds.csv --model birds.model --class "Time of day" --holdout 0.3
-  arbor grow birds.csv --test other_birds.csv
+  arbor grow birds.csv --tune --test other_birds.csv
   arbor grow big.csv --model big.model --min-weight 50 --max-depth 8)";
 
 struct timed_tree {
@@ -81,6 +84,19 @@ void warn_of_single_leaf(const tree::decision_tree& grown, const tree::table& ro
             << words_for(tree::why_single_leaf(rows, cases, options)) << '\n';
 }
 
+tree::grow_options tune_with_progress(const tree::table& rows, const impls::w_sequence& cases,
+                                      const tree::grow_options& options, unsigned int seed) {
+  progress_line progress;
+  tree::grow_options tuned = options;
+  tuned.progress = [&](double done) {
+    if (progress.due()) progress.show(fmt::format("{:.0f}% tuned", 100 * done));
+  };
+  std::mt19937_64 random(seed);
+  tuned = tree::tuned_options(rows, cases, tuned, random);
+  tuned.progress = nullptr;
+  return tuned;
+}
+
 // A large tree is shown in part.
 void print_tree(const timed_tree& grown) {
   constexpr std::size_t screen_lines = 40;
@@ -113,21 +129,7 @@ grow_command::grow_command(CLI::App& app)
       ->type_name("FILE");
   add_force(parser, "--model", force);
   table.add_training_options_to(parser);
-  parser
-      .add_option("--min-weight", min_weight,
-                  "Minimum weight of both sides of a threshold, or of two branches of a discrete "
-                  "split (default: 2)")
-      ->type_name("W");
-  parser
-      .add_option("--max-depth", max_depth,
-                  "Maximum number of tests from the root to a leaf (default: no limit)")
-      ->type_name("D");
-  parser.add_flag("--no-pruning", no_pruning, "Keep every branch");
-  parser
-      .add_option("--confidence", confidence,
-                  "Confidence of pruning, above 0 and up to 0.5; a smaller one prunes more "
-                  "(default: 0.25)")
-      ->type_name("C");
+  tree_growth.add_to(parser);
   parser
       .add_option("--holdout", holdout,
                   "Share of the rows to hold back and evaluate the tree on (default: 0)")
@@ -137,28 +139,33 @@ grow_command::grow_command(CLI::App& app)
                   "Another table to evaluate the tree on, read as by arbor classify")
       ->type_name("FILE");
   parser
-      .add_option("--threads", threads, "Number of threads (default: one for each processor core)")
-      ->type_name("N");
-  parser.add_option("--seed", seed, "Chooses which rows are held back (default: 1)")
+      .add_option("--seed", seed,
+                  "Chooses which rows are held back, and the folds of --tune (default: 1)")
       ->type_name("N");
 }
 
 void grow_command::run() {
   const tree::load_options load = table.chosen();
-  const tree::grow_options options = chosen_options();
+  tree::grow_options options = tree_growth.chosen();
   const auto held_back_share = static_cast<double>(share_value("--holdout", holdout));
-  const unsigned int held_back_seed = whole_value("--seed", seed);
+  const unsigned int seed_number = whole_value("--seed", seed);
   check_files();
 
   const tree::table rows = read_table(table_path, load);
-  const tree::divided_cases cases = tree::hold_out(rows.cases, held_back_share, held_back_seed);
+  const tree::divided_cases cases = tree::hold_out(rows.cases, held_back_share, seed_number);
   refuse_if(cases.training.empty(),
             "--holdout: \"" + holdout + "\" leaves no rows to grow the tree on");
+  if (tree_growth.tune()) options = tune_with_progress(rows, cases.training, options, seed_number);
   const timed_tree grown = grow_with_progress(rows, cases.training, options);
   if (!model_path.empty()) tree::save_model(model_path, grown.tree);
   warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
   std::cout << tree::table_line(rows, rows.cases) << "\n\n";
+  if (tree_growth.tune()) {
+    std::cout << fmt::format("chosen: minimum weight {}, confidence {}\n\n",
+                             tree::shortest_text(options.min_weight),
+                             tree::shortest_text(options.confidence));
+  }
   print_tree(grown);
   print_evaluation(grown.tree, rows, cases, !test_path.empty());
   if (!test_path.empty()) evaluate_on_test_table(grown.tree, load);
@@ -188,26 +195,6 @@ void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
   const tree::classification_result result = classify_rows(test_path, grown, options, nullptr, "");
   if (!result.quality) throw tree::table_error("--test: no row has a known class");
   std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);
-}
-
-tree::grow_options grow_command::chosen_options() const {
-  tree::grow_options options;
-  options.min_weight = weight_value("--min-weight", min_weight);
-  if (!max_depth.empty()) options.max_depth = whole_value("--max-depth", max_depth);
-  if (!threads.empty()) options.threads = chosen_threads();
-  options.prune = !no_pruning;
-  options.confidence = share_value("--confidence", confidence);
-  refuse_if(options.confidence == 0 || options.confidence > 0.5F,
-            "--confidence: \"" + confidence + "\" is not above 0 and up to 0.5");
-  return options;
-}
-
-unsigned int grow_command::chosen_threads() const {
-  constexpr unsigned int most_threads = 1024;  // a greater number is a mistake, not a machine
-  const unsigned int count = whole_value("--threads", threads);
-  refuse_if(count == 0 || count > most_threads,
-            fmt::format("--threads: \"{}\" is not from 1 to {}", threads, most_threads));
-  return count;
 }
 
 }  // namespace arbor::tools

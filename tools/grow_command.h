@@ -5,6 +5,7 @@
 #include "arbor/tree/grower.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
+#include "tools/tree_options.h"
 
 namespace arbor::tools {
 
@@ -14,23 +15,17 @@ class grow_command : public command {
   void run() override;
 
  private:
-  tree::grow_options chosen_options() const;
-  unsigned int chosen_threads() const;
   void check_files() const;
   void evaluate_on_test_table(const tree::decision_tree& grown,
                               const tree::load_options& load) const;
 
   table_options table;
+  tree_options tree_growth;
   std::string table_path;
   std::string model_path;
   std::string test_path;
-  std::string min_weight = "2";
-  std::string max_depth;
-  std::string confidence = "0.25";
   std::string holdout = "0";
-  std::string threads;
   std::string seed = "1";
-  bool no_pruning = false;
   bool force = false;
 };
 

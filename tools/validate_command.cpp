@@ -55,7 +55,7 @@ validate_command::validate_command(CLI::App& app)
     : command(app, "validate", "Estimate by cross-validation how well trees predict",
               validate_help) {
   parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
-  table.add_to(parser);
+  table.add_training_options_to(parser);
   tree_growth.add_to(parser);
   parser.add_option("--folds", folds, "Number of folds, from 2 to that of the rows (default: 10)")
       ->type_name("N");
