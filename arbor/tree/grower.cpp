@@ -37,7 +37,7 @@ decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options) {
   grown_nodes grown = grow_unpruned(training, cases, options);
   if (options.prune) prune(grown.nodes, options.confidence);
-  decision_tree tree = to_tree(training, std::move(grown));
+  decision_tree tree = to_tree(training, cases, std::move(grown));
   tree.origin = {training.name,     cases.size(),  options.min_weight,
                  options.max_depth, options.prune, options.confidence};
   return tree;

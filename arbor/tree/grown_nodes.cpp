@@ -3,6 +3,8 @@
 #include <iterator>
 #include <utility>
 
+#include "arbor/model/code_readers.h"
+
 namespace arbor::tree {
 
 void grown_nodes::add_child(unsigned int branch) {
@@ -25,18 +27,52 @@ void grown_nodes::graft(std::size_t node, grown_nodes part) {
 
 namespace {
 
-std::string split_text(const impls::column& attribute, cut place) {
-  return attribute.is_continuous() ? threshold_text(attribute, place)
-                                   : attribute.get_o_set()->get_null();
+// The codes of each column that occur among the training cases.
+class training_codes {
+ public:
+  training_codes(const table& of_training, const impls::w_sequence& of_cases)
+      : training(of_training), cases(of_cases), occurs(of_training.columns.size()) {}
+
+  // The greatest one up to `code`, which must not be below all of them.
+  unsigned int up_to(std::size_t column, unsigned int code) {
+    if (cases.size() == training.cases.size()) return code;  // every code of the table occurs
+    if (occurs[column].empty()) find(column);
+    while (!occurs[column][code]) --code;
+    return code;
+  }
+
+ private:
+  void find(std::size_t column) {
+    occurs[column].resize(training.columns[column]->get_distinct());
+    impls::with_codes(*training.columns[column], [&](auto code_of) {
+      for (const auto& weighted : cases) occurs[column][code_of(weighted.first)] = true;
+    });
+  }
+
+  const table& training;
+  const impls::w_sequence& cases;
+  std::vector<std::vector<bool>> occurs;  // by column, empty until it is asked for
+};
+
+std::string split_text(const table& training, std::size_t column, cut place,
+                       training_codes& codes) {
+  const impls::column& attribute = *training.columns[column];
+  if (!attribute.is_continuous()) return attribute.get_o_set()->get_null();
+  const unsigned int middle = threshold_code(attribute, place);
+  const unsigned int threshold = codes.up_to(column, middle);
+  if (threshold != middle) place = {threshold, threshold};
+  return threshold_text(attribute, place);
 }
 
-std::vector<tree_node> reachable_nodes(const table& training, grown_nodes grown) {
+std::vector<tree_node> reachable_nodes(const table& training, const impls::w_sequence& cases,
+                                       grown_nodes grown) {
+  training_codes codes(training, cases);
   std::vector<tree_node> kept;
   std::vector<std::size_t> sources{0};  // by kept node: its present number
   for (std::size_t i = 0; i < sources.size(); ++i) {
     tree_node& node = kept.emplace_back(std::move(grown.nodes[sources[i]]));
     if (!node.is_leaf())
-      node.split.threshold = split_text(*training.columns[node.attribute], grown.cuts[sources[i]]);
+      node.split.threshold = split_text(training, node.attribute, grown.cuts[sources[i]], codes);
     const unsigned int first_child = node.first_child;
     node.first_child = static_cast<unsigned int>(sources.size());
     for (unsigned int child = 0; child < node.child_count; ++child)
@@ -47,9 +83,9 @@ std::vector<tree_node> reachable_nodes(const table& training, grown_nodes grown)
 
 }  // namespace
 
-decision_tree to_tree(const table& training, grown_nodes grown) {
+decision_tree to_tree(const table& training, const impls::w_sequence& cases, grown_nodes grown) {
   decision_tree tree;
-  tree.nodes = reachable_nodes(training, std::move(grown));
+  tree.nodes = reachable_nodes(training, cases, std::move(grown));
   tree.class_column.reset(training.class_column().clone(true));
   std::vector<unsigned int> attribute_of(training.columns.size(), tree_node::no_attribute);
   for (const tree_node& node : tree.nodes) {

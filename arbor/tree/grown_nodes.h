@@ -25,8 +25,10 @@ struct grown_nodes {
 };
 
 // Makes the tree of the nodes reachable from the root (pruning leaves others behind), renumbered
-// breadth-first, with the texts of their thresholds and the columns that some node tests.
-decision_tree to_tree(const table& training, grown_nodes grown);
+// breadth-first, with the texts of their thresholds and the columns that some node tests. `cases`
+// are those that the nodes were grown on. Only their values become thresholds, so that held-back
+// cases do not shape the tree that they evaluate.
+decision_tree to_tree(const table& training, const impls::w_sequence& cases, grown_nodes grown);
 
 }  // namespace arbor::tree
 

@@ -40,7 +40,7 @@ std::vector<trial> try_confidences(const table& training, const divided_cases& c
   for (const float confidence : tuned_confidences) {
     grown_nodes pruned = grown;
     prune(pruned.nodes, confidence);
-    const decision_tree tree = to_tree(training, std::move(pruned));
+    const decision_tree tree = to_tree(training, cases.training, std::move(pruned));
     trials.push_back({classify_cases(tree, training, cases.held_back), size_of(tree).leaves});
   }
   return trials;

@@ -112,18 +112,18 @@ TEST(ThreadPool, DoesEachPieceOnceAndRethrowsWhatOneThrows) {
   }
 }
 
-// The first number of each line is not among the cases; it may be the threshold all the same.
+// The first number of each line is not among the cases, so it is never the threshold.
 TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
   for (const char* line :
-       {"1,1,inf,1", "1e-33,1e-33,2e-33,1e-33", "1.2e-33,1e-33,2e-33,1e-33",
-        "1.0000001,1.0000001,1.0000002,1.0000001", "3,1,5,3", "4,1,5,1", "2,-3,7,2"}) {
-    const texts numbers = listed(line);  // other, low, high, threshold
+       {"1,1,inf", "1e-33,1e-33,2e-33", "1.2e-33,1e-33,2e-33", "1.0000001,1.0000001,1.0000002",
+        "3,1,5", "4,1,5", "2,-3,7"}) {
+    const texts numbers = listed(line);  // other, low, high
     std::string csv = "a,c\n" + numbers[0] + ",x\n";
     for (int i = 0; i < 2; ++i) csv += numbers[1] + ",x\n" + numbers[2] + ",y\n";
     const table rows = load_csv(csv);
     const decision_tree t = tree::grow_tree(rows, {rows.cases.begin() + 1, rows.cases.end()}, {});
     EXPECT_EQ(tree::tree_as_text(t, 1),
-              "a <= " + numbers[3] + ": x (2)\na > " + numbers[3] + ": y (2)\n");
+              "a <= " + numbers[1] + ": x (2)\na > " + numbers[1] + ": y (2)\n");
   }
 }
 
