@@ -32,10 +32,17 @@ double beta_fraction(double a, double b, double x) {
   return fraction;
 }
 
+// For x above 0. std::lgamma also writes the sign to a global variable, which several threads that
+// prune trees side by side must not do.
+double log_gamma(double x) {
+  int sign = 0;
+  return ::lgamma_r(x, &sign);
+}
+
 // The regularised incomplete beta function I_x(a, b).
 double incomplete_beta(double a, double b, double x) {
-  const double factor = std::exp(std::lgamma(a + b) - std::lgamma(a) - std::lgamma(b) +
-                                 a * std::log(x) + b * std::log1p(-x));
+  const double factor = std::exp(log_gamma(a + b) - log_gamma(a) - log_gamma(b) + a * std::log(x) +
+                                 b * std::log1p(-x));
   // Above the mean, the fraction of the complement converges faster.
   if (x > (a + 1) / (a + b + 2)) return 1 - factor * beta_fraction(b, a, 1 - x) / b;
   return factor * beta_fraction(a, b, x) / a;
