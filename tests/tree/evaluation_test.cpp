@@ -6,6 +6,7 @@
 
 #include <map>
 #include <tuple>
+#include <utility>
 
 #include "arbor/tree/classification.h"
 #include "arbor/tree/cross_validation.h"
@@ -72,14 +73,13 @@ TEST(Folds, HaveEachClassAsEvenlyAsPossible) {
 }
 
 // The plain way: each pair of options grows and prunes trees of its own.
-TEST(Tuning, ChoosesTheLeastErrorsAndThenTheSmallestTrees) {
+TEST(Tuning, ChoosesTheLeastErrorsAndTheSmallestTreesOnAnyThreads) {
   for (const char* name : {"iris", "golf", "pima2"}) {
     const table rows = tree::load_table(std::string(ARBOR_DATA "/") + name + ".csv", {});
     std::mt19937_64 random(3), same(3);
     const auto folds = tree::deal_folds(rows.class_column(), rows.cases, 5, random);
     std::tuple<double, std::size_t, float, float> best{9, 0, 0, 0};
     tree::grow_options options;
-    options.threads = 2;
     for (const float weight : tree::tuned_min_weights) {
       for (const float confidence : tree::tuned_confidences) {
         evaluation sum;
@@ -95,7 +95,11 @@ TEST(Tuning, ChoosesTheLeastErrorsAndThenTheSmallestTrees) {
         best = std::min(best, {1 - sum.accuracy() + sum.brier_score(), leaves, weight, confidence});
       }
     }
-    const tree::grow_options tuned = tree::tuned_options(rows, rows.cases, {}, same);
+    double done = 0;
+    options.threads = 3;
+    options.progress = [&](double share) { EXPECT_GE(share, std::exchange(done, share)); };
+    const tree::grow_options tuned = tree::tuned_options(rows, rows.cases, options, same);
+    EXPECT_NEAR(done, 1, 1e-3);
     EXPECT_EQ(tuned.min_weight, std::get<2>(best)) << name;
     EXPECT_EQ(tuned.confidence, std::get<3>(best)) << name;
   }
