@@ -19,7 +19,7 @@ void output_file::replace_no_model() const {
 
 void output_file::replace_models_only() const {
   const file_content present = tree::content_of(path);
-  refuse_unless_forced(present != file_content::none && present != file_content::model,
+  refuse_unless_forced(present == file_content::svg || present == file_content::other,
                        "not a model of arbor grow");
 }
 

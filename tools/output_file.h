@@ -21,7 +21,8 @@ struct output_file {
   // Refuses the file that is read as `input`, "-" for standard input; `what` is what it is.
   void keep_input(const std::string& input, const std::string& what) const;
 
-  // Refuses an existing file that is a model; is not a model; is neither a picture nor empty.
+  // Refuses an existing file that is a model; is neither a model nor empty; is neither a picture
+  // nor empty.
   void replace_no_model() const;
   void replace_models_only() const;
   void replace_pictures_only() const;

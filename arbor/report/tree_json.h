@@ -14,8 +14,8 @@ namespace arbor::tree {
 // "children": [node]}]}. The root is node 0. "class" of a node is the one that is predicted there,
 // "branch" is the text of a discrete value, "<=" or ">"; a threshold is a text. What does not apply
 // to a node is left out. "origin" is null for a model that does not have it, "max_depth" without a
-// limit, and "confidence" where the tree was not pruned. Numbers read back to the same float; bytes that are not UTF-8 become
-// U+FFFD.
+// limit, and "confidence" where the tree was not pruned. Numbers read back to the same float; bytes
+// that are not UTF-8 become U+FFFD.
 //
 // The weights of many classes are mostly 0. Of a tree with more than a thousand classes, a node has
 // in place of "weights" a list "class_weights": [[index in "classes", weight]] of those that occur.

@@ -30,9 +30,9 @@ enum class leaf_estimate {
   //
   //   p = (w + m p_parent) / (n + m)
   //
-  // Few cases do not make a class certain or impossible, and many outweigh their parent: B. Cestnik,
-  // "Estimating probabilities: a crucial task in machine learning", Proceedings of the 9th European
-  // Conference on Artificial Intelligence (1990), 147-149.
+  // Few cases do not make a class certain or impossible, and many outweigh their parent:
+  // B. Cestnik, "Estimating probabilities: a crucial task in machine learning", Proceedings of the
+  // 9th European Conference on Artificial Intelligence (1990), 147-149.
   smoothed,
   // The share of each class in the weight of its training cases.
   training_share
