@@ -9,6 +9,8 @@
 #include "arbor/report/tree_graph.h"
 #include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
+#include "arbor/report/validation_json.h"
+#include "arbor/report/validation_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
@@ -73,6 +75,20 @@ TEST(AllocationFailure, LeavesATableToGrowTreesOn) {
     const auto grow = [&] { return shown(grown(large, threads)); };
     fail_each("large", grow, 97);
   }
+}
+
+TEST(AllocationFailure, EndsAValidation) {
+  const table rows = loaded(ARBOR_DATA "/golf.csv");
+  tree::validation_options options;
+  options.folds = 2;
+  options.tune = options.importance = true;
+  options.grow.threads = 2;
+  const auto validate = [&] {
+    const tree::validation result = tree::cross_validate(rows, options);
+    return tree::validation_as_text(rows, options, result, 0) + tree::validation_as_csv(result) +
+           tree::validation_as_json(rows, options, result, 0);
+  };
+  fail_each("validate", validate, 97);
 }
 
 TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
