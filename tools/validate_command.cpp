@@ -35,7 +35,7 @@ Examples:
 
 struct timed_validation {
   tree::validation result;
-  double seconds;
+  double seconds = 0;
 };
 
 timed_validation validate_with_progress(const tree::table& rows, tree::validation_options options) {

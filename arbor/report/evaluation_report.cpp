@@ -42,9 +42,10 @@ std::string classes_as_text(const impls::column& classes, const confusion_matrix
   std::vector<std::vector<std::string>> rows{{"class", "cases", "precision", "recall", "F1"}};
   for (const class_quality& quality : shown) rows.push_back(class_line(classes, quality));
   std::string report = aligned(rows, "lrrrr");
-  if (occurring > most_classes)
+  if (occurring > most_classes) {
     report +=
         fmt::format("and {}\n", counted(occurring - most_classes, "other class", "other classes"));
+  }
   return report;
 }
 

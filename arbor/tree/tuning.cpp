@@ -16,21 +16,15 @@ namespace arbor::tree {
 
 namespace {
 
-// How well trees with one pair of options predict.
-struct trial {
-  evaluation quality;
-  std::size_t leaves = 0;
+// How badly a tree predicts held-back cases: the sum of the share of errors and the Brier score,
+// times the weight of the cases; and its leaves. Less is better.
+using trial = std::pair<double, std::size_t>;
 
-  void add(const trial& other) {
-    quality.add(other.quality);
-    leaves += other.leaves;
-  }
-
-  // Less is better.
-  std::pair<double, std::size_t> rank() const {
-    return {1 - quality.accuracy() + quality.brier_score(), leaves};
-  }
-};
+trial try_tree(const decision_tree& tree, const table& rows, const impls::w_sequence& held_back) {
+  const evaluation quality = classify_cases(tree, rows, held_back);
+  const confusion_matrix& matrix = quality.matrix();
+  return {matrix.errors() + quality.brier_score() * matrix.total(), size_of(tree).leaves};
+}
 
 // The trials of all confidences. They prune the same nodes.
 std::vector<trial> try_confidences(const table& training, const divided_cases& cases,
@@ -41,7 +35,7 @@ std::vector<trial> try_confidences(const table& training, const divided_cases& c
     grown_nodes pruned = grown;
     prune(pruned.nodes, confidence);
     const decision_tree tree = to_tree(training, cases.training, std::move(pruned));
-    trials.push_back({classify_cases(tree, training, cases.held_back), size_of(tree).leaves});
+    trials.push_back(try_tree(tree, training, cases.held_back));
   }
   return trials;
 }
@@ -66,15 +60,18 @@ grow_options tuned_options(const table& training, const impls::w_sequence& cases
 
   grow_options best = options;
   best.prune = true;
-  std::pair<double, std::size_t> least;  // of the best pair
+  trial least;  // of the best pair
   for (std::size_t i = 0; i < weights * tuned_confidences.size(); ++i) {
     const std::size_t weight = i / tuned_confidences.size();
     const std::size_t confidence = i % tuned_confidences.size();
     trial sum;
-    for (std::size_t fold = 0; fold < folds; ++fold)
-      sum.add(trials[weight * folds + fold][confidence]);
-    if (i > 0 && sum.rank() >= least) continue;
-    least = sum.rank();
+    for (std::size_t fold = 0; fold < folds; ++fold) {
+      const auto& [loss, leaves] = trials[weight * folds + fold][confidence];
+      sum.first += loss;
+      sum.second += leaves;
+    }
+    if (i > 0 && sum >= least) continue;
+    least = sum;
     best.min_weight = tuned_min_weights[weight];
     best.confidence = tuned_confidences[confidence];
   }
