@@ -88,7 +88,7 @@ TEST(AllocationFailure, EndsAValidation) {
     return tree::validation_as_text(rows, options, result, 0) + tree::validation_as_csv(result) +
            tree::validation_as_json(rows, options, result, 0);
   };
-  fail_each("validate", validate, 97);
+  fail_each("validate", validate, 397);
 }
 
 TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {

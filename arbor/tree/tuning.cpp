@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -40,42 +41,47 @@ std::vector<trial> try_confidences(const table& training, const divided_cases& c
   return trials;
 }
 
+// By minimum weight, then by fold, then by confidence.
+using all_trials = std::vector<std::vector<trial>>;
+
+grow_options with_best_pair(const grow_options& options, const all_trials& trials) {
+  const std::size_t folds = trials.size() / tuned_min_weights.size();
+  grow_options best = options;
+  best.prune = true;
+  std::optional<trial> least;
+  for (std::size_t weight = 0; weight < tuned_min_weights.size(); ++weight) {
+    for (std::size_t confidence = 0; confidence < tuned_confidences.size(); ++confidence) {
+      trial sum{0, 0};
+      for (std::size_t fold = 0; fold < folds; ++fold) {
+        const auto& [loss, leaves] = trials[weight * folds + fold][confidence];
+        sum.first += loss;
+        sum.second += leaves;
+      }
+      if (least && sum >= *least) continue;
+      least = sum;
+      best.min_weight = tuned_min_weights[weight];
+      best.confidence = tuned_confidences[confidence];
+    }
+  }
+  return best;
+}
+
 }  // namespace
 
 grow_options tuned_options(const table& training, const impls::w_sequence& cases,
                            const grow_options& options, std::mt19937_64& random) {
-  constexpr std::size_t most_folds = 5;
+  constexpr std::size_t most_folds = 10;
   const std::size_t folds = std::min(most_folds, cases.size());
   if (folds < 2) return options;
   const std::vector<unsigned int> fold_of_case =
       deal_folds(training.class_column(), cases, static_cast<unsigned int>(folds), random);
-
-  const std::size_t weights = tuned_min_weights.size();
-  std::vector<std::vector<trial>> trials(weights * folds);  // by minimum weight, then by fold
+  all_trials trials(tuned_min_weights.size() * folds);
   grow_side_by_side(training, options, trials.size(), [&](std::size_t i, grow_options own) {
     own.min_weight = tuned_min_weights[i / folds];
     const auto fold = static_cast<unsigned int>(i % folds);
     trials[i] = try_confidences(training, hold_out_fold(cases, fold_of_case, fold), own);
   });
-
-  grow_options best = options;
-  best.prune = true;
-  trial least;  // of the best pair
-  for (std::size_t i = 0; i < weights * tuned_confidences.size(); ++i) {
-    const std::size_t weight = i / tuned_confidences.size();
-    const std::size_t confidence = i % tuned_confidences.size();
-    trial sum;
-    for (std::size_t fold = 0; fold < folds; ++fold) {
-      const auto& [loss, leaves] = trials[weight * folds + fold][confidence];
-      sum.first += loss;
-      sum.second += leaves;
-    }
-    if (i > 0 && sum >= least) continue;
-    least = sum;
-    best.min_weight = tuned_min_weights[weight];
-    best.confidence = tuned_confidences[confidence];
-  }
-  return best;
+  return with_best_pair(options, trials);
 }
 
 }  // namespace arbor::tree

@@ -4,7 +4,7 @@
 //   const grow_options best = tuned_options(golf, golf.cases, {}, random);
 //   decision_tree tree = grow_tree(golf, golf.cases, best);
 //
-// Each pair of the grid below is tried in five folds. The pair with the least sum of the share of
+// Each pair of the grid below is tried in ten folds. The pair with the least sum of the share of
 // errors and the Brier score wins, of equal ones that with the smaller trees. On small tables the
 // share of errors alone is too coarse to tell the pairs apart. The Brier score alone, like the
 // log-loss, prefers cautious trees that make more errors.

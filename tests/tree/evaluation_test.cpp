@@ -77,14 +77,14 @@ TEST(Tuning, ChoosesTheLeastErrorsAndTheSmallestTreesOnAnyThreads) {
   for (const char* name : {"iris", "golf", "pima2"}) {
     const table rows = tree::load_table(std::string(ARBOR_DATA "/") + name + ".csv", {});
     std::mt19937_64 random(3), same(3);
-    const auto folds = tree::deal_folds(rows.class_column(), rows.cases, 5, random);
+    const auto folds = tree::deal_folds(rows.class_column(), rows.cases, 10, random);
     std::tuple<double, std::size_t, float, float> best{9, 0, 0, 0};
     tree::grow_options options;
     for (const float weight : tree::tuned_min_weights) {
       for (const float confidence : tree::tuned_confidences) {
         evaluation sum;
         std::size_t leaves = 0;
-        for (unsigned int fold = 0; fold < 5; ++fold) {
+        for (unsigned int fold = 0; fold < 10; ++fold) {
           const auto cases = tree::hold_out_fold(rows.cases, folds, fold);
           options.min_weight = weight;
           options.confidence = confidence;
