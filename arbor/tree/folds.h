@@ -1,6 +1,6 @@
 // Divides cases into the folds of a cross-validation.
 //
-//   const std::vector<unsigned int> folds = deal_folds(golf.class_column(), golf.cases, 10, random);
+//   const auto folds = deal_folds(golf.class_column(), golf.cases, 10, random);
 //   const divided_cases cases = hold_out_fold(golf.cases, folds, 0);
 #ifndef ARBOR_TREE_FOLDS_H
 #define ARBOR_TREE_FOLDS_H
