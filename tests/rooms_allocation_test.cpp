@@ -82,7 +82,8 @@ TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
   fail_each("text", [&] {
     return tree::tree_as_text(t, 2) + tree::first_lines(shown(t), 3) + tree::size_line(t) +
            tree::matrix_as_text(t, tree::classify_cases(t, rows, rows.cases)) +
-           tree::tree_as_dot(t, 3) + tree::tree_as_json(t) +
+           tree::tree_as_dot(t, 3) + tree::tree_as_json(t) + tree::description(t) +
+           tree::importance_as_text(t) +
            tree::ratings_as_json(rows, rows.cases, tree::rate_attributes(rows, rows.cases, 1));
   });
   fail_each("file", [&] {

@@ -68,7 +68,9 @@ void show_command::run() {
   } else if (format == "dot") {
     std::cout << tree::tree_as_dot(model, shown_depth);
   } else {
-    std::cout << tree::tree_as_text(model, shown_depth);
+    std::cout << tree::description(model) << '\n' << tree::tree_as_text(model, shown_depth);
+    const std::string importance = tree::importance_as_text(model);
+    if (!importance.empty()) std::cout << '\n' << importance;
   }
 }
 

@@ -30,11 +30,13 @@ std::string branch_value(const column& tested, const tree_node& child) {
   return child.branch == 1 ? "<=" : ">";
 }
 
-std::string leaf_text(const decision_tree& tree, const tree_node& node) {
-  const leaf_weight weight = weigh(node);
-  const std::string errors = weight_text(weight.errors);
-  const std::string majority = printable(class_text(tree, heaviest_class(node.class_weights)));
-  return fmt::format("{} ({}{})", majority, weight_text(weight.cases),
+std::string leaf_text(const decision_tree& tree, const class_probabilities& probabilities,
+                      std::size_t index) {
+  const tree_node& node = tree.nodes[index];
+  const std::size_t predicted = probabilities.likeliest_at(index);
+  const double cases = weigh(node).cases;
+  const std::string errors = weight_text(cases - static_cast<double>(weight_of(node, predicted)));
+  return fmt::format("{} ({}{})", printable(class_text(tree, predicted)), weight_text(cases),
                      errors == "0" ? "" : "/" + errors);
 }
 

@@ -8,11 +8,17 @@
 
 namespace arbor::tree {
 
-// One object {"class", "classes": [text], "nodes": [{"node", "weights": [number by class], "class",
-// "parent", "branch", "share", "attribute", "threshold", "children": [node]}]}. The root is node 0.
+// One object {"class", "classes": [text], "origin": {"table", "rows", "min_weight", "max_depth",
+// "confidence"}, "attributes": [{"name", "kind", "type", "importance"}], "nodes": [{"node",
+// "weights": [number by class], "class", "parent", "branch", "share", "attribute", "threshold",
+// "children": [node]}]}. The root is node 0. "class" of a node is the one that is predicted there,
 // "branch" is the text of a discrete value, "<=" or ">"; a threshold is a text. What does not apply
-// to a node is left out. Numbers read back to the same float; bytes that are not UTF-8 become
+// to a node is left out. "origin" is null for a model that does not have it, "max_depth" without a
+// limit, and "confidence" where the tree was not pruned. Numbers read back to the same float; bytes that are not UTF-8 become
 // U+FFFD.
+//
+// The weights of many classes are mostly 0. Of a tree with more than a thousand classes, a node has
+// in place of "weights" a list "class_weights": [[index in "classes", weight]] of those that occur.
 std::string tree_as_json(const decision_tree& tree);
 
 }  // namespace arbor::tree

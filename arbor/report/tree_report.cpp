@@ -3,11 +3,17 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
+#include <numeric>
+#include <utility>
 #include <vector>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/node_walk.h"
+#include "arbor/report/text_table.h"
+#include "arbor/table/value_text.h"
+#include "arbor/tree/attribute_importance.h"
 
 namespace arbor::tree {
 
@@ -48,6 +54,7 @@ std::vector<std::size_t> leaves_below(const decision_tree& tree) {
 std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
   const std::vector<std::size_t> parents = node_parents(tree);
   const std::vector<std::size_t> leaves = leaves_below(tree);
+  const class_probabilities probabilities(tree);
   std::string report;
   for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
     const tree_node& node = tree.nodes[index];
@@ -55,7 +62,7 @@ std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
       report += indentation(level) + branch_text(tree, tree.nodes[parents[index]], node);
     const char* separator = level > 0 ? ": " : "";
     if (node.is_leaf()) {
-      report += separator + leaf_text(tree, node) + '\n';
+      report += separator + leaf_text(tree, probabilities, index) + '\n';
     } else if (level == depth) {
       report += fmt::format("{}... {} below [{}]\n", separator,
                             counted(leaves[index], "leaf", "leaves"), index);
@@ -94,6 +101,35 @@ std::string size_line(const decision_tree& tree) {
   const tree_size size = size_of(tree);
   return fmt::format("{}, {}, depth {}", counted(size.nodes, "node"),
                      counted(size.leaves, "leaf", "leaves"), size.depth);
+}
+
+std::string description(const decision_tree& tree) {
+  std::string lines =
+      fmt::format("class {}: {}\n", in_quotes(tree.class_column->get_name()), size_line(tree));
+  if (!tree.origin) return lines;
+  const tree_origin& origin = *tree.origin;
+  lines += fmt::format("grown on {} of {} with minimum weight {}", counted(origin.rows, "row"),
+                       printable(origin.table), shortest_text(origin.min_weight));
+  if (origin.max_depth != std::numeric_limits<unsigned int>::max())
+    lines += fmt::format(", at most {}", counted(origin.max_depth, "level"));
+  return lines + (origin.pruned ? ", confidence " + shortest_text(origin.confidence) + '\n'
+                                : ", not pruned\n");
+}
+
+std::string importance_as_text(const decision_tree& tree) {
+  const std::vector<double> importance = importance_of_attributes(tree);
+  if (importance.empty()) return "";
+  const double sum = std::accumulate(importance.begin(), importance.end(), 0.0);
+  std::vector<std::size_t> order(importance.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return importance[a] > importance[b]; });
+  std::vector<std::vector<std::string>> rows{{"attribute", "importance", "share"}};
+  for (const std::size_t i : order) {
+    rows.push_back({printable(tree.attributes[i]->get_name()), fmt::format("{:.4f}", importance[i]),
+                    fmt::format("{:.1f}%", sum > 0 ? 100 * importance[i] / sum : 0)});
+  }
+  return aligned(rows, "lrr");
 }
 
 }  // namespace arbor::tree

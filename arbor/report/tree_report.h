@@ -37,6 +37,16 @@ std::string first_lines(const std::string& text, std::size_t lines);
 // "17 nodes, 9 leaves, depth 4"
 std::string size_line(const decision_tree& tree);
 
+// Two lines: the class and the size, and, unless the model does not have it, the origin:
+//
+//   class "play": 8 nodes, 5 leaves, depth 2
+//   grown on 14 rows of golf.csv with minimum weight 2, confidence 0.1
+std::string description(const decision_tree& tree);
+
+// A line of headings and a line for each attribute of the tree, the most important first, with its
+// importance (attribute_importance.h) and the share of that in the sum. Empty for a single leaf.
+std::string importance_as_text(const decision_tree& tree);
+
 }  // namespace arbor::tree
 
 #endif

@@ -33,13 +33,16 @@ void check_column(const column& checked) {
   check_domain(checked);
 }
 
-void check_weights(const tree_node& node) {
-  double weight = 0;
-  for (const float w : node.class_weights) {
-    if (!(w >= 0) || !std::isfinite(w)) refuse("a class has no proper weight");
-    weight += static_cast<double>(w);
+void check_weights(const decision_tree& tree, const tree_node& node) {
+  if (node.class_weights.empty()) refuse("a node has no weight");
+  std::size_t next = 0;  // the least entry that may follow
+  for (const auto& [entry, weight] : node.class_weights) {
+    check_weight(weight);
+    if (!(weight > 0)) refuse("a class has no proper weight");
+    if (entry < next || entry >= tree.class_count())
+      refuse("the classes of a node are out of order");
+    next = std::size_t{entry} + 1;
   }
-  if (!(weight > 0)) refuse("a node has no weight");
   // A share is at most 1, but for the rounding of float sums, which is far smaller than this.
   if (!(node.share >= 0 && node.share <= 2)) refuse("a branch has no proper share");
 }
@@ -74,7 +77,7 @@ void check_children(const decision_tree& tree, std::size_t index, unsigned int l
 
 void check_node(const decision_tree& tree, std::size_t index, std::vector<bool>& has_parent) {
   const tree_node& node = tree.nodes[index];
-  check_weights(node);
+  check_weights(tree, node);
   if (node.is_leaf()) {
     if (node.child_count != 0) refuse("a leaf has branches");
     return;
@@ -97,6 +100,16 @@ void check_attribute(const column& checked) {
   check_column(checked);
   if (!checked.is_discrete() && !checked.is_continuous())
     refuse("an attribute is neither discrete nor continuous");
+}
+
+void check_origin(const tree_origin& origin) {
+  const bool proper = origin.min_weight >= 0 && std::isfinite(origin.min_weight) &&
+                      (!origin.pruned || (origin.confidence > 0 && origin.confidence < 1));
+  if (!proper) refuse("its origin is no growing of a tree");
+}
+
+void check_weight(float weight) {
+  if (!(weight >= 0) || !std::isfinite(weight)) refuse("a class has no proper weight");
 }
 
 void check_nodes(const decision_tree& tree) {

@@ -10,6 +10,9 @@ namespace arbor::tree {
 // Each throws std::runtime_error with what is wrong, as in "a leaf has branches".
 void check_class_column(const impls::column& column);
 void check_attribute(const impls::column& column);
+void check_origin(const tree_origin& origin);
+// The weight of a class: a finite number from 0 up.
+void check_weight(float weight);
 // Every index, code and number of the nodes, of which there is at least one. The columns have
 // passed the checks above.
 void check_nodes(const decision_tree& tree);

@@ -36,7 +36,6 @@ using strata::inpout::memory_device;
 using strata::inpout::obinstream;
 
 constexpr std::array<unsigned char, 8> magic{'A', 'r', 'b', 'o', 'r', 'D', 'T', '\n'};
-constexpr unsigned int format_version = 1;
 constexpr std::size_t head_bytes = magic.size() + 4 + 8 + 4;
 
 unsigned int checksum(const std::vector<unsigned char>& record) {
@@ -47,7 +46,7 @@ void write_file(const std::string& path, const std::vector<unsigned char>& recor
   file_device device(path, file_device::mode::write);
   obinstream out(device);
   out.write_block(magic.data(), magic.size());
-  out << format_version << static_cast<unsigned long long>(record.size()) << checksum(record);
+  out << record_version << static_cast<unsigned long long>(record.size()) << checksum(record);
   constexpr std::size_t part = 1U << 30U;  // a device counts bytes in 32 bits
   for (std::size_t done = 0; done < record.size(); done += part) {
     device.write(record.data() + done,
@@ -69,8 +68,9 @@ std::vector<unsigned char> read_file(input_file& file) {
   return bytes;
 }
 
-// Checks the head of a file's bytes and removes it; the record is left. Throws std::runtime_error.
-void check_head(std::vector<unsigned char>& bytes) {
+// Checks the head of a file's bytes and removes it; the record is left. Returns its version. Throws
+// std::runtime_error.
+unsigned int check_head(std::vector<unsigned char>& bytes) {
   if (bytes.size() < magic.size()) throw std::runtime_error("not a model of arbor grow");
   if (bytes.size() < head_bytes) throw std::runtime_error("damaged: it ends too early");
   memory_device device({bytes.begin() + magic.size(), bytes.begin() + head_bytes});
@@ -79,9 +79,9 @@ void check_head(std::vector<unsigned char>& bytes) {
   unsigned long long length = 0;
   unsigned int expected = 0;
   in >> version >> length >> expected;
-  if (version != format_version) {
+  if (version == 0 || version > record_version) {
     throw std::runtime_error("a model of format " + std::to_string(version) +
-                             "; this program reads format " + std::to_string(format_version));
+                             "; this program reads formats 1 to " + std::to_string(record_version));
   }
   bytes.erase(bytes.begin(), bytes.begin() + head_bytes);
   if (length != bytes.size()) {
@@ -89,6 +89,7 @@ void check_head(std::vector<unsigned char>& bytes) {
                              " bytes of a tree of " + std::to_string(length));
   }
   if (checksum(bytes) != expected) throw std::runtime_error("damaged: its checksum is wrong");
+  return version;
 }
 
 }  // namespace
@@ -107,13 +108,14 @@ void save_model(const std::string& path, const decision_tree& tree) {
 decision_tree load_model(const std::string& path) {
   input_file file(path);
   std::vector<unsigned char> bytes = read_file(file);
+  unsigned int version = 0;
   try {
-    check_head(bytes);
+    version = check_head(bytes);
   } catch (const std::runtime_error& failure) {
     throw table_error(file.name() + ": " + failure.what());
   }
   try {
-    return read_model_record(std::move(bytes));
+    return read_model_record(std::move(bytes), version);
   } catch (const strata::util::no_storage&) {
     throw std::bad_alloc();  // no fault of the file
   } catch (const std::runtime_error& failure) {

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "arbor/table/value_text.h"
-#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
@@ -36,8 +35,9 @@ unsigned int last_code_up_to(const column& source, const std::string& threshold)
 
 }  // namespace
 
-row_classifier::row_classifier(const decision_tree& grown, const table& rows)
-    : tree(grown), parents(node_parents(grown)) {
+row_classifier::row_classifier(const decision_tree& grown, const table& rows,
+                               leaf_estimate estimate)
+    : tree(grown), probabilities(grown, estimate), parents(node_parents(grown)) {
   for (const auto& attribute : tree.attributes) {
     const column& source = column_named(rows, attribute->get_name());
     columns.push_back(&source);
@@ -62,7 +62,7 @@ unsigned int row_classifier::branch_of(std::size_t node, unsigned int row) const
 }
 
 std::vector<double> row_classifier::operator()(unsigned int row) const {
-  return distribution_of(tree, [&](std::size_t node) { return branch_of(node, row); });
+  return probabilities.of_case([&](std::size_t node) { return branch_of(node, row); });
 }
 
 double row_classifier::weight_at(unsigned int row, std::size_t node) const {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "arbor/table/table.h"
+#include "arbor/tree/class_distribution.h"
 #include "arbor/tree/confusion_matrix.h"
 #include "arbor/tree/decision_tree.h"
 
@@ -22,7 +23,8 @@ namespace arbor::tree {
 // stay unchanged. Throws std::runtime_error if the table lacks an attribute of the tree.
 class row_classifier {
  public:
-  row_classifier(const decision_tree& tree, const table& rows);
+  row_classifier(const decision_tree& tree, const table& rows,
+                 leaf_estimate estimate = leaf_estimate::smoothed);
 
   // The probability of each class; entry c is that of the class with code c + 1.
   std::vector<double> operator()(unsigned int row) const;
@@ -34,6 +36,7 @@ class row_classifier {
   unsigned int branch_of(std::size_t node, unsigned int row) const;
 
   const decision_tree& tree;
+  class_probabilities probabilities;
   std::vector<const impls::column*> columns;  // of the table, by attribute of the tree
   // By discrete attribute and code of the table: the code of the same value in the tree.
   std::vector<std::vector<unsigned int>> codes;

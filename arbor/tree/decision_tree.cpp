@@ -1,19 +1,35 @@
 #include "arbor/tree/decision_tree.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace arbor::tree {
 
-std::size_t heaviest_class(const std::vector<float>& class_weights) {
-  return static_cast<std::size_t>(std::max_element(class_weights.begin(), class_weights.end()) -
-                                  class_weights.begin());
+std::vector<weighted_class> present_classes(const std::vector<float>& class_weights) {
+  std::vector<weighted_class> present;
+  for (std::size_t i = 0; i < class_weights.size(); ++i) {
+    if (class_weights[i] > 0) present.push_back({static_cast<unsigned int>(i), class_weights[i]});
+  }
+  return present;
+}
+
+float weight_of(const tree_node& node, std::size_t entry) {
+  const auto found = std::lower_bound(
+      node.class_weights.begin(), node.class_weights.end(), entry,
+      [](const weighted_class& present, std::size_t wanted) { return present.entry < wanted; });
+  return found != node.class_weights.end() && found->entry == entry ? found->weight : 0;
+}
+
+std::size_t heaviest_class(const tree_node& node) {
+  const auto lighter = [](const weighted_class& a, const weighted_class& b) {
+    return a.weight < b.weight;
+  };
+  return std::max_element(node.class_weights.begin(), node.class_weights.end(), lighter)->entry;
 }
 
 leaf_weight weigh(const tree_node& node) {
-  const double cases = std::accumulate(node.class_weights.begin(), node.class_weights.end(), 0.0);
-  return {cases,
-          cases - static_cast<double>(node.class_weights[heaviest_class(node.class_weights)])};
+  double cases = 0;
+  for (const auto& present : node.class_weights) cases += static_cast<double>(present.weight);
+  return {cases, cases - static_cast<double>(weight_of(node, heaviest_class(node)))};
 }
 
 std::vector<std::size_t> node_parents(const decision_tree& tree) {

@@ -5,13 +5,22 @@
 #ifndef ARBOR_TREE_DECISION_TREE_H
 #define ARBOR_TREE_DECISION_TREE_H
 
+#include <cstddef>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "arbor/model/column.h"
 
 namespace arbor::tree {
+
+// The weight of the cases of one class at a node.
+struct weighted_class {
+  unsigned int entry;  // the code of the class less 1
+  float weight;        // above 0
+};
 
 // A test or a leaf.
 struct tree_node {
@@ -32,21 +41,41 @@ struct tree_node {
   unsigned int branch = 0;
   // That branch's share of the known weight, by which the weight of unknown cases is multiplied.
   float share = 0;
-  // The weight of the training cases by class; entry c is that of the class with code c + 1.
-  std::vector<float> class_weights;
+  // The weight of the training cases of each class that occurs, in ascending order of classes. All
+  // classes would take too much memory: there may be as many as cases.
+  std::vector<weighted_class> class_weights;
 
   bool is_leaf() const { return attribute == no_attribute; }
+};
+
+// What a tree was grown on, and how; see grow_options.
+struct tree_origin {
+  std::string table;            // its name, as messages show it
+  unsigned long long rows = 0;  // the number of training cases
+  float min_weight = 0;
+  unsigned int max_depth = 0;
+  bool pruned = false;
+  float confidence = 0;  // of pruning
 };
 
 // The columns have names and domains, but no rows.
 struct decision_tree {
   std::unique_ptr<impls::column> class_column;
   std::vector<std::unique_ptr<impls::column>> attributes;  // those that some node tests
-  std::vector<tree_node> nodes;  // the root first, every child after its parent
+  std::vector<tree_node> nodes;       // the root first, every child after its parent
+  std::optional<tree_origin> origin;  // models of format version 1 do not have it
+
+  std::size_t class_count() const { return class_column->get_distinct() - 1; }
 };
 
+// The entries above 0 of the weights of all classes, by code less 1.
+std::vector<weighted_class> present_classes(const std::vector<float>& class_weights);
+
+// The weight of a node's training cases of one class, given by its entry.
+float weight_of(const tree_node& node, std::size_t entry);
+
 // The entry of the class with the greatest weight; of equal ones the first.
-std::size_t heaviest_class(const std::vector<float>& class_weights);
+std::size_t heaviest_class(const tree_node& node);
 
 // The weight of a node's training cases, and of those that are not of its heaviest class.
 struct leaf_weight {

@@ -32,7 +32,10 @@ decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
   }
   grown_nodes grown = all.take_nodes();
   if (options.prune) prune(grown.nodes, options.confidence);
-  return to_tree(training, std::move(grown));
+  decision_tree tree = to_tree(training, std::move(grown));
+  tree.origin = {training.name,     cases.size(),  options.min_weight,
+                 options.max_depth, options.prune, options.confidence};
+  return tree;
 }
 
 }  // namespace arbor::tree

@@ -1,6 +1,8 @@
 #include "arbor/tree/node_split.h"
 
 #include <algorithm>
+#include <array>
+#include <stdexcept>
 #include <utility>
 
 #include "arbor/model/code_readers.h"
@@ -90,6 +92,13 @@ std::unique_ptr<w_sequence> node_split::cases_of_value(const branch& taken, floa
 
 std::unique_ptr<w_sequence> node_split::cases_of_side(unsigned int number, float& share,
                                                       code_range& range) const {
+  std::unique_ptr<w_sequence> cases = partitioned_side(number, share, range);
+  if (attribute().get_o_set()->contains_null()) share_out_unknown(*cases, number, share);
+  return cases;
+}
+
+std::unique_ptr<w_sequence> node_split::partitioned_side(unsigned int number, float& share,
+                                                         code_range& range) const {
   const auto begin = node.cases->begin();
   const auto end = node.cases->end();
   if (!impls::is_library_column(attribute())) {
@@ -102,6 +111,32 @@ std::unique_ptr<w_sequence> node_split::cases_of_side(unsigned int number, float
   });
   share = result.ratio;
   return std::move(result.cases);
+}
+
+// Weighs the unknown cases on a side of the threshold anew, by the side's share of the known weight
+// alone. A column's partition counts them in the low branch's weight as well, so that each would be
+// worth more than one case.
+void node_split::share_out_unknown(w_sequence& cases, unsigned int number, float& share) const {
+  std::array<double, 3> weights{};  // of the unknown cases and of both sides
+  impls::with_codes(attribute(), [&](auto code_of) {
+    const auto side_of = [&](const auto& weighted) -> std::size_t {
+      const unsigned int code = code_of(weighted.first);
+      return code == 0 ? 0 : code <= threshold ? 1 : 2;
+    };
+    for (const auto& weighted : *node.cases)
+      weights[side_of(weighted)] += static_cast<double>(weighted.second);
+    if (!(weights[0] > 0)) return;
+    share = static_cast<float>(weights[number] / (weights[1] + weights[2]));
+    auto whole = node.cases->begin();  // both are in the same order
+    for (auto& part : cases) {
+      if (side_of(part) != 0) continue;
+      const auto is_this = [&](const auto& weighted) { return weighted.first == part.first; };
+      whole = std::find_if(whole, node.cases->end(), is_this);
+      if (whole == node.cases->end())
+        throw std::logic_error("a column's partition has not kept the order of its cases");
+      part.second = share * whole->second;
+    }
+  });
 }
 
 // Leaves out cases that have little of their weight left. Each would take the time and the memory

@@ -34,7 +34,7 @@ class node_split {
   const std::vector<branch>& branches() const { return all_branches; }
 
   // The cases of a branch. `share` receives the branch's share of the known weight, by which the
-  // weight of the unknown cases is multiplied.
+  // weight of the unknown cases is multiplied. The shares of all branches add up to 1.
   node_cases cases_of(const branch& taken, float& share) const;
 
  private:
@@ -44,6 +44,9 @@ class node_split {
                                                     code_range& range) const;
   std::unique_ptr<impls::w_sequence> cases_of_side(unsigned int number, float& share,
                                                    code_range& range) const;
+  std::unique_ptr<impls::w_sequence> partitioned_side(unsigned int number, float& share,
+                                                      code_range& range) const;
+  void share_out_unknown(impls::w_sequence& cases, unsigned int number, float& share) const;
   void drop_slivers(impls::w_sequence& cases) const;
   const impls::column& attribute() const { return *node.rows->columns()[column_index]; }
 

@@ -78,7 +78,7 @@ subtree::waiting_node subtree::take_next() {
 void subtree::settle(waiting_node next, thread_pool* pool) {
   const float weight = total_weight(*next.cases.cases);
   grown.nodes[next.node].class_weights =
-      class_weights(next.cases.rows->class_column(), *next.cases.cases);
+      present_classes(class_weights(next.cases.rows->class_column(), *next.cases.cases));
   std::optional<rated_test> best;
   if (may_split(next, weight)) {
     gather_rows(next.cases);
@@ -92,9 +92,8 @@ void subtree::settle(waiting_node next, thread_pool* pool) {
 }
 
 bool subtree::may_split(const waiting_node& next, float weight) const {
-  const std::vector<float>& classes = grown.nodes[next.node].class_weights;
-  const auto present = std::count_if(classes.begin(), classes.end(), [](float w) { return w > 0; });
-  return present > 1 && weight >= 2 * options.min_weight && next.cases.depth < options.max_depth;
+  const std::size_t classes = grown.nodes[next.node].class_weights.size();
+  return classes > 1 && weight >= 2 * options.min_weight && next.cases.depth < options.max_depth;
 }
 
 void subtree::make_test(waiting_node next, float weight, const rated_test& test) {

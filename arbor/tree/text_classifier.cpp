@@ -5,7 +5,6 @@
 #include <string>
 
 #include "arbor/table/value_text.h"
-#include "arbor/tree/class_distribution.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 
@@ -32,8 +31,8 @@ double read_float(const char* text) {
 
 }  // namespace
 
-text_classifier::text_classifier(const decision_tree& grown)
-    : tree(grown), values(grown.attributes.size()) {
+text_classifier::text_classifier(const decision_tree& grown, leaf_estimate estimate)
+    : tree(grown), probabilities(grown, estimate), values(grown.attributes.size()) {
   for (const auto& attribute : tree.attributes) readers.push_back(reader_for(*attribute));
   for (const tree_node& node : tree.nodes) {
     const bool is_cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
@@ -71,7 +70,7 @@ std::vector<double> text_classifier::operator()(const std::vector<const char*>& 
       values[i] = {};
     }
   }
-  return distribution_of(tree, [&](std::size_t index) {
+  return probabilities.of_case([&](std::size_t index) {
     const unsigned int attribute = tree.nodes[index].attribute;
     const value& tested = values[attribute];
     if (!tested.known) return every_branch;

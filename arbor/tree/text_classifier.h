@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "arbor/tree/decision_tree.h"
+#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
@@ -29,7 +29,8 @@ class unfit_text : public std::runtime_error {
 // Classifies cases given as texts. The tree must outlive the classifier.
 class text_classifier {
  public:
-  explicit text_classifier(const decision_tree& tree);
+  explicit text_classifier(const decision_tree& tree,
+                           leaf_estimate estimate = leaf_estimate::smoothed);
 
   // `texts` has an entry for each attribute of the tree: the text as it stands in a table, null for
   // the unknown value. Throws unfit_text for the first text that is not of the data type or reads
@@ -50,6 +51,7 @@ class text_classifier {
   value read(std::size_t attribute, const char* text) const;
 
   const decision_tree& tree;
+  class_probabilities probabilities;
   std::vector<number_reader> readers;  // by attribute, for continuous ones
   std::vector<double> thresholds;      // by node
   std::vector<value> values;           // by attribute, of the present case

@@ -24,12 +24,16 @@ static void classify(const decision_tree& tree, unsigned int code) {
 }
 
 // Uses the tree and gives its record.
-static std::vector<unsigned char> used(const std::vector<unsigned char>& record) {
-  const decision_tree tree = read_model_record(record);
+static std::vector<unsigned char> used(const std::vector<unsigned char>& record,
+                                       unsigned int version = record_version) {
+  const decision_tree tree = read_model_record(record, version);
   for (unsigned int code = 0; code < 4; ++code)
     message_of<unfit_text>([&] { classify(tree, code); });
   first_lines(tree_as_text(tree, depth_of_lines(tree, 5)), 5);
-  check(tree_as_dot(tree, whole_depth) + tree_as_json(tree) != "", "a tree is shown");
+  check(tree_as_dot(tree, whole_depth) + tree_as_json(tree) + description(tree) +
+                importance_as_text(tree) !=
+            "",
+        "a tree is shown");
   const std::vector<unsigned char> again = model_record(tree);
   thaw(tree.class_column->get_o_set());
   thaw_all(tree.attributes);
@@ -37,9 +41,11 @@ static std::vector<unsigned char> used(const std::vector<unsigned char>& record)
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  check_one_line(message_of([&] {
-    const std::vector<unsigned char> saved = used({data, data + size});
-    check(used(saved) == saved, "a model is read back to the same bytes");
-  }));
+  for (unsigned int version = 1; version <= record_version; ++version) {
+    check_one_line(message_of([&] {
+      const std::vector<unsigned char> saved = used({data, data + size}, version);
+      check(used(saved) == saved, "a model is read back to the same bytes");
+    }));
+  }
   return 0;
 }

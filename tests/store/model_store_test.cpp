@@ -16,6 +16,7 @@
 namespace arbor::tests {
 namespace {
 
+using tree::decision_tree;
 using tree::tree_node;
 
 constexpr std::size_t head = 8 + 4 + 8 + 4;  // magic, version, length, checksum
@@ -25,7 +26,7 @@ constexpr std::size_t head = 8 + 4 + 8 + 4;  // magic, version, length, checksum
 tree::decision_tree sample_tree() {
   return grown(
       load_csv("d,f,i,c\np,0.5,?,x\np,0.5,1,x\np,1.5,1,y\np,1.5,9,y\np,1.5,9,y\n"
-               "q,0.5,1,x\nq,0.5,1,x\nq,1.5,1,x\nq,?,9,y\nq,0.5,9,y\n"));
+               "q,0.5,1,z\nq,1.5,1,z\nq,1.5,1,z\nq,?,9,w\nq,0.5,9,w\n"));
 }
 
 std::string saved(const tree::decision_tree& t) {
@@ -74,8 +75,10 @@ void refuses(const std::string& message, Field tree_node::*field,
 
 TEST(ModelStore, RefusesEachFaultOfATreeBehindACorrectChecksum) {
   refuses("a class has no proper weight", &tree_node::class_weights,
-          {{3, {1, -1}}, {3, {1, INFINITY}}});
-  refuses("a node has no weight", &tree_node::class_weights, {{6, {0, 0}}});
+          {{3, {{0, 1}, {1, -1}}}, {3, {{0, 1}, {1, INFINITY}}}, {3, {{0, 0}}}});
+  refuses("a node has no weight", &tree_node::class_weights, {{6, {}}});
+  refuses("the classes of a node are out of order", &tree_node::class_weights,
+          {{3, {{1, 1}, {1, 1}}}, {3, {{1, 1}, {0, 1}}}, {3, {{4, 1}}}});
   refuses("a branch has no proper share", &tree_node::share, {{6, -0.5F}, {6, 2.5F}});
   refuses("a leaf has branches", &tree_node::child_count, {{6, 1}});
   refuses("a node tests no attribute", &tree_node::attribute, {{0, 3}});
@@ -87,6 +90,7 @@ TEST(ModelStore, RefusesEachFaultOfATreeBehindACorrectChecksum) {
   refuses("the branches of a test have no share",
           [](auto& t) { t.nodes[1].share = t.nodes[2].share = 0; });
   refuses("a node has no parent", [](auto& t) { t.nodes.push_back(tree_node(t.nodes[6])); });
+  refuses("its origin is no growing of a tree", [](auto& t) { t.origin->min_weight = NAN; });
   refuses("it has no nodes", [](auto& t) { t.nodes.clear(); });
   refuses("it has no class", [](auto& t) { std::swap(t.class_column, t.attributes[0]); });
   refuses("an attribute is neither discrete nor continuous",
@@ -116,15 +120,33 @@ TEST(ModelStore, RefusesEveryTruncationAndChangedByteAndIsNotHarmedByThoseItCann
   EXPECT_THAT(used(bytes + "x"), testing::HasSubstr(" bytes of a tree of "));
 }
 
+TEST(ModelStore, ReadsTheFirstFormatAndRefusesLaterOnes) {
+  std::ifstream in(ARBOR_DATA "/../tests/fuzz/corpus/model_file_fuzz/golf_payload");
+  std::string bytes = saved(sample_tree()).substr(0, head);
+  bytes.append(std::istreambuf_iterator<char>(in), {});
+  correct_checksum(bytes);
+  for (const auto& [version, message] :
+       {std::pair{'\1', ""}, {'\3', ": a model of format 3; this program reads formats 1 to 2"}}) {
+    bytes[8] = version;
+    EXPECT_EQ(used(bytes), message);
+  }
+  bytes[8] = '\1';
+  const decision_tree golf = tree::load_model(temporary_file(bytes).path());
+  EXPECT_EQ(tree::description(golf), "class \"play\": 8 nodes, 5 leaves, depth 2\n");
+  EXPECT_EQ(tree::tree_as_text(golf, 1),
+            "outlook = overcast: yes (4)\noutlook = rainy: ... 2 leaves below [2]\n"
+            "outlook = sunny: ... 2 leaves below [3]\n");
+}
+
 TEST(ModelStore, TakesATreeOfAnyDepth) {
   constexpr unsigned int depth = 100000;
   tree::decision_tree chain;
   chain.class_column.reset(make_column("class", "string", listed("x,y"))->clone(true));
   chain.attributes.emplace_back(make_column("continuous", "integer", listed("1,2"))->clone(true));
-  const tree::tree_node leaf{tree::tree_node::no_attribute, {}, 0, 0, 1, 0.5F, {1, 2}};
+  const tree::tree_node leaf{tree::tree_node::no_attribute, {}, 0, 0, 1, 0.5F, {{0, 1}, {1, 2}}};
   chain.nodes.assign(2 * depth + 1, leaf);
   for (unsigned int i = 0; i < 2 * depth; i += 2) {
-    chain.nodes[i] = {0, {"1", 2}, i + 1, 2, i == 0 ? 0U : 2U, 0.5F, {1, 2}};
+    chain.nodes[i] = {0, {"1", 2}, i + 1, 2, i == 0 ? 0U : 2U, 0.5F, {{0, 1}, {1, 2}}};
     chain.nodes[i + 2].branch = 2;
   }
   const temporary_file file("");

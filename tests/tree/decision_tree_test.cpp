@@ -139,7 +139,7 @@ TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
 }
 
 // In tables with unknown values, many values and noise: rows, their texts and the training cases
-// take the same ways.
+// take the same ways, and each case counts once.
 TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
   for (const char* name : {"housevotes84", "pima2", "soybean", "birdstrikes"}) {
     const std::string path = std::string(ARBOR_DATA "/") + name + ".csv";
@@ -148,6 +148,15 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
     std::ostringstream out;
     const auto by_text = tree::classify_table(path, t, {}, out);
     EXPECT_EQ(by_text.matrix->pairs(), tree::classify_cases(t, rows, rows.cases).pairs()) << name;
+    double in_leaves = 0;
+    for (const tree::tree_node& node : t.nodes) {
+      double shares = node.is_leaf() ? 1 : 0;
+      for (unsigned int i = 0; i < node.child_count; ++i)
+        shares += static_cast<double>(t.nodes[node.first_child + i].share);
+      EXPECT_NEAR(shares, 1, 1e-5) << name;
+      in_leaves += node.is_leaf() ? tree::weigh(node).cases : 0;
+    }
+    EXPECT_NEAR(in_leaves / tree::weigh(t.nodes[0]).cases, 1, 0.003) << name;
     for (std::size_t i = 0; i < t.nodes.size(); i += t.nodes.size() / 20 + 1) {
       const w_sequence here = tree::cases_at_node(t, rows, i);
       EXPECT_NEAR(tree::total_weight(here) / tree::weigh(t.nodes[i]).cases, 1, 0.02) << name << i;
@@ -164,8 +173,11 @@ TEST(Classification, ReadsNumbersAsTheDomainOfTheAttributeDoes) {
     const auto options = options_of(std::string("type a ") + type);
     const decision_tree t = grown(load_csv("a,c\n1,x\n1,x\n5,y\n5,y\n", options));
     tree::text_classifier classify(t);
-    for (const std::string& text : listed(low)) EXPECT_EQ(classify({text.c_str()})[0], 1) << text;
-    for (const std::string& text : listed(high)) EXPECT_EQ(classify({text.c_str()})[1], 1) << text;
+    // Each leaf has two cases of one class, below a root with as many of either.
+    for (const std::string& text : listed(low))
+      EXPECT_EQ(classify({text.c_str()})[0], 0.75) << text;
+    for (const std::string& text : listed(high))
+      EXPECT_EQ(classify({text.c_str()})[1], 0.75) << text;
     for (const std::string& text : listed(unfit))
       EXPECT_THROW(classify({text.c_str()}), tree::unfit_text) << text;
     EXPECT_EQ(classify({"?"})[0], 0.5);
