@@ -20,8 +20,8 @@ namespace {
 
 constexpr const char* grow_help =
     R"(The table is read as by "arbor rate". Each node tests the attribute with the
-best gain ratio among those whose gain is at least the average. Pruning then
-replaces a test by a leaf where its branches are not expected to make fewer
+best gain ratio among those whose judged gain is at least the average. Pruning
+then replaces a test by a leaf where its branches are not expected to make fewer
 errors.
 
 Examples:
@@ -88,7 +88,7 @@ grow_command::grow_command(CLI::App& app)
   parser
       .add_option("--confidence", confidence,
                   "Confidence of pruning, above 0 and up to 0.5; a smaller one prunes more "
-                  "(default: 0.25)")
+                  "(default: 0.1)")
       ->type_name("C");
   parser
       .add_option("--holdout", holdout,

@@ -23,7 +23,7 @@ class grow_command : public command {
   std::string model_path;
   std::string min_weight = "2";
   std::string max_depth;
-  std::string confidence = "0.25";
+  std::string confidence = "0.1";
   std::string holdout = "0";
   std::string threads;
   std::string seed = "1";
