@@ -1,15 +1,11 @@
 #include "arbor/tree/judged_split.h"
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <numeric>
-#include <vector>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/class_table.h"
 #include "arbor/model/measure/discrete_quality.h"
-#include "arbor/model/measure/entropy.h"
+#include "arbor/utils/work_array.h"
 
 namespace arbor::tree {
 
@@ -18,84 +14,99 @@ namespace {
 using impls::class_table;
 using impls::column;
 
-// The gain in bits that a case of a value has on average if the classes of the value's cases are
-// drawn at random from those of the node.
-class gain_by_chance {
- public:
-  template <class Weight>
-  explicit gain_by_chance(const class_table<Weight>& table) {
-    const auto sum = static_cast<double>(
-        std::accumulate(table.totals(), table.totals() + table.classes(), Weight()));
-    for (unsigned int c = 0; c < table.classes(); ++c) {
-      const auto weight = static_cast<double>(table.totals()[c]);
-      if (weight > 0) class_shares.push_back(weight / sum);
-    }
-    known.fill(not_yet);
-  }
-
-  // `weight` is that of the value. It is rounded to whole cases, at least one, so that few weights
-  // need logarithms.
-  double of_value(double weight) {
-    const double cases = std::max(1.0, std::floor(weight + 0.5));
-    if (cases >= static_cast<double>(known.size())) return of_cases(cases);
-    double& gain = known[static_cast<std::size_t>(cases)];
-    if (gain == not_yet) gain = of_cases(cases);
-    return gain;
-  }
-
- private:
-  // A case of a class with the share p finds 1 + x cases of its class among the n of its value; x
-  // is binomial with the mean (n - 1) p. Its gain is log2((1 + x) / (n p)), of which this is the
-  // mean by the Taylor series about that of x, up to the square.
-  double of_cases(double cases) const {
-    const double others = cases - 1;
-    double gain = 0;
-    for (const double p : class_shares) {
-      const double of_class = 1 + others * p;
-      const double variance = others * p * (1 - p);
-      const double bits = static_cast<double>(impls::binary_log(of_class / (cases * p))) -
-                          variance / (2 * of_class * of_class * natural_log_of_2);
-      gain += p * bits;
-    }
-    return gain;
-  }
-
-  static constexpr double natural_log_of_2 = 0.6931471805599453;
-  static constexpr double not_yet = -1e9;
-
-  std::vector<double> class_shares;  // of the classes that occur
-  std::array<double, 256> known;     // by number of cases
-};
-
 template <class Weight>
-float judged_gain(const class_table<Weight>& table, float gain) {
+float judged_gain(float gain, const class_table<Weight>& table, const rated_cases& of_node) {
   constexpr double charged = 1.5;
-  gain_by_chance chance(table);
+  if (!(gain > 0)) return gain;
   double by_chance = 0;
-  double weight = 0;
   unsigned int values = 0;
   for (unsigned int i = 1; i < table.rows(); ++i) {
-    const auto of_value = static_cast<double>(
+    const auto weight = static_cast<double>(
         std::accumulate(table.row(i), table.row(i) + table.classes(), Weight()));
-    if (!(of_value > 0)) continue;
-    by_chance += of_value * chance.of_value(of_value);
-    weight += of_value;
+    if (!(weight > 0)) continue;
+    by_chance += weight * of_node.chance.of_value(weight);
     ++values;
   }
   if (values <= 2) return gain;
-  // As the gain, this is per unit of all weight.
-  by_chance /= weight + static_cast<double>(table.unknown_weight());
+  by_chance /= static_cast<double>(of_node.weight);
   return static_cast<float>(static_cast<double>(gain) -
                             charged * by_chance * (values - 2) / (values - 1));
 }
 
-void rate(const column& attribute, column& class_column, float total_weight,
-          const impls::w_sequence& cases, code_range range, float min_weight,
-          column::splitting_desc& rating) {
+// A reader of the codes that occur among some cases, numbered from 1 in their order. A table by
+// these numbers has no empty rows.
+template <class CodeOf>
+class occurring_codes {
+ public:
+  occurring_codes(CodeOf all_codes, const impls::w_sequence& cases, const code_range& range)
+      : code_of(all_codes),
+        code_before_range(range.first - 1),
+        numbers(range.second - code_before_range) {
+    for (const auto& c : cases) numbers[place_of(c.first)] = 1;
+    numbers[0] = 0;
+    for (std::size_t i = 1; i < numbers.size(); ++i) {
+      if (numbers[i] != 0) numbers[i] = ++values;
+    }
+  }
+
+  code_range range() const { return {1, values + 1}; }
+  unsigned int operator()(unsigned int row) const { return numbers[place_of(row)]; }
+
+ private:
+  std::size_t place_of(unsigned int row) const {
+    const unsigned int code = code_of(row);
+    return code == 0 ? 0 : code - code_before_range;
+  }
+
+  CodeOf code_of;
+  unsigned int code_before_range;
+  strata::util::work_array<unsigned int, 64> numbers;  // by code; that of the unknown value is 0
+  unsigned int values = 0;
+};
+
+// Calls `use` with the table of an attribute's values and the classes.
+template <class Use>
+void with_table(const column& attribute, code_range range, const rated_cases& of_node, Use use) {
+  // To clear and to read a table of far more values than cases takes longer than to number those
+  // that occur. But without a minimum weight, values that do not occur count as well.
+  const std::size_t cells =
+      (range.second - range.first) * static_cast<std::size_t>(of_node.class_column.get_distinct());
+  const bool is_sparse = of_node.min_weight > 0 && cells > 16 * of_node.cases.size();
+  impls::with_codes(attribute, [&](auto code_of) {
+    if (is_sparse) {
+      const occurring_codes<decltype(code_of)> occurring(code_of, of_node.cases, range);
+      const auto number_of = [&occurring](unsigned int row) { return occurring(row); };
+      impls::with_class_table(number_of, of_node.class_column, of_node.cases, occurring.range(),
+                              use);
+    } else {
+      impls::with_class_table(code_of, of_node.class_column, of_node.cases, range, use);
+    }
+  });
+}
+
+// As the attribute would rate itself, but rated and judged by one table: reading the cases takes
+// most of the time.
+judged_split rate_discrete_split(const column& attribute, code_range range,
+                                 const rated_cases& of_node) {
+  judged_split result;
+  column::splitting_desc& rating = result.rating;
+  rating.branches = attribute.get_o_set()->size_of_known();
+  rating.split_column = const_cast<column*>(&attribute);  // handed out, not changed
+  with_table(attribute, range, of_node, [&](const auto& table) {
+    impls::rate_discrete(table, of_node.weight, of_node.min_weight, rating);
+    result.judged_gain = judged_gain(rating.gain, table, of_node);
+  });
+  return result;
+}
+
+judged_split rate_any_split(const column& attribute, code_range range, const rated_cases& of_node) {
+  judged_split result;
   // A measure that may copy the cases does not reorder them.
-  auto& unchanged = const_cast<impls::w_sequence&>(cases);
-  attribute.quality_measure(&class_column, total_weight, &unchanged, range, min_weight, nullptr,
-                            rating, true);
+  auto& unchanged = const_cast<impls::w_sequence&>(of_node.cases);
+  attribute.quality_measure(&of_node.class_column, of_node.weight, &unchanged, range,
+                            of_node.min_weight, nullptr, result.rating, true);
+  result.judged_gain = result.rating.gain;
+  return result;
 }
 
 }  // namespace
@@ -104,28 +115,17 @@ double judged_split::gain_ratio() const {
   return static_cast<double>(rating.gain) / static_cast<double>(rating.split_info);
 }
 
-judged_split rate_split(const column& attribute, column& class_column, float total_weight,
-                        const impls::w_sequence& cases, code_range range, float min_weight) {
-  judged_split result;
+judged_split rate_split(const column& attribute, code_range range, const rated_cases& of_node) {
   const bool judged = attribute.is_discrete() && range.second - range.first > 2;
-  const bool measured = !judged || !impls::is_library_column(attribute);
-  if (measured) {
-    rate(attribute, class_column, total_weight, cases, range, min_weight, result.rating);
-    result.judged_gain = result.rating.gain;
-    if (!judged || !(result.rating.gain > 0)) return result;
-  }
-  impls::with_codes(attribute, [&](auto code_of) {
-    impls::with_class_table(code_of, class_column, cases, range, [&](const auto& table) {
-      // The gain is rated and judged by one table: reading the cases takes most of the time.
-      if (!measured) {
-        result.rating.branches = attribute.get_o_set()->size_of_known();
-        result.rating.split_column = const_cast<column*>(&attribute);  // handed out, not changed
-        impls::rate_discrete(table, total_weight, min_weight, result.rating);
-      }
-      result.judged_gain =
-          result.rating.gain > 0 ? judged_gain(table, result.rating.gain) : result.rating.gain;
+  if (judged && impls::is_library_column(attribute))
+    return rate_discrete_split(attribute, range, of_node);
+  judged_split result = rate_any_split(attribute, range, of_node);
+  // A class derived by a user may rate itself in its own way.
+  if (judged) {
+    with_table(attribute, range, of_node, [&](const auto& table) {
+      result.judged_gain = judged_gain(result.rating.gain, table, of_node);
     });
-  });
+  }
   return result;
 }
 

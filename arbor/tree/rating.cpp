@@ -55,11 +55,11 @@ attribute_rating rating_of(const column& attribute, const impls::w_sequence& cas
 table_rating rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight) {
   table_rating result;
   std::vector<judged_split> splits;
-  const float weight = total_weight(cases);
+  const gain_by_chance chance(present_classes(class_weights(rated.class_column(), cases)));
+  const rated_cases of_node{cases, rated.class_column(), total_weight(cases), min_weight, chance};
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
-    splits.push_back(rate_split(*attribute, rated.class_column(), weight, cases,
-                                occurring_range(*attribute, cases), min_weight));
+    splits.push_back(rate_split(*attribute, occurring_range(*attribute, cases), of_node));
     result.attributes.push_back(rating_of(*attribute, cases, splits.back()));
   }
   const split_choice choice = choose(splits);

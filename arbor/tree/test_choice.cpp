@@ -14,16 +14,13 @@ std::vector<std::size_t> testable_columns(const case_rows& rows) {
   return result;
 }
 
-judged_split split_on(std::size_t column_index, node_cases& node, float node_weight,
-                      float min_weight) {
+judged_split split_on(std::size_t column_index, node_cases& node, const rated_cases& of_node) {
   const column& attribute = *node.rows->columns()[column_index];
   code_range& range = node.ranges[column_index];
   // Reading every case once is cheaper than rating a range with more codes than there are cases.
   const bool too_wide = range.second - range.first > node.cases->size();
   if (too_wide) range = occurring_range(attribute, *node.cases);
-  // Each attribute is rated on the same order of cases, and several threads may share them.
-  return rate_split(attribute, node.rows->class_column(), node_weight, *node.cases, range,
-                    min_weight);
+  return rate_split(attribute, range, of_node);
 }
 
 double average_judged_gain(const std::vector<judged_split>& splits) {
@@ -49,13 +46,15 @@ split_choice choose(const std::vector<judged_split>& splits) {
   return result;
 }
 
-std::optional<rated_test> best_test(node_cases& node, float node_weight, float min_weight,
-                                    thread_pool* pool) {
+std::optional<rated_test> best_test(node_cases& node,
+                                    const std::vector<weighted_class>& class_weights,
+                                    float node_weight, float min_weight, thread_pool* pool) {
+  const gain_by_chance chance(class_weights);
+  const rated_cases of_node{*node.cases, node.rows->class_column(), node_weight, min_weight,
+                            chance};
   const std::vector<std::size_t> columns = testable_columns(*node.rows);
   std::vector<judged_split> splits(columns.size());
-  const auto rate_one = [&](std::size_t i) {
-    splits[i] = split_on(columns[i], node, node_weight, min_weight);
-  };
+  const auto rate_one = [&](std::size_t i) { splits[i] = split_on(columns[i], node, of_node); };
   if (pool != nullptr) {
     pool->for_each(splits.size(), rate_one);
   } else {

@@ -30,11 +30,12 @@ struct rated_test {
 };
 
 // The best test of a node; none if no attribute splits its cases so that a gain is left when it is
-// judged. `node_weight` is the weight of the cases, `min_weight` the least weight of a branch.
-// Ranges of codes that turn out to be far too wide are narrowed in `node`. The columns are rated on
-// the threads of `pool`; null for one thread.
-std::optional<rated_test> best_test(node_cases& node, float node_weight, float min_weight,
-                                    thread_pool* pool);
+// judged. `class_weights` are those of the cases, `node_weight` is their sum, and `min_weight` the
+// least weight of a branch. Ranges of codes that turn out to be far too wide are narrowed in
+// `node`. The columns are rated on the threads of `pool`; null for one thread.
+std::optional<rated_test> best_test(node_cases& node,
+                                    const std::vector<weighted_class>& class_weights,
+                                    float node_weight, float min_weight, thread_pool* pool);
 
 }  // namespace arbor::tree
 
