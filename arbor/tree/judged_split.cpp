@@ -1,6 +1,7 @@
 #include "arbor/tree/judged_split.h"
 
 #include <numeric>
+#include <vector>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/class_table.h"
@@ -14,23 +15,36 @@ namespace {
 using impls::class_table;
 using impls::column;
 
+// What is charged for the number of values, per unit of the weight of all cases.
 template <class Weight>
-float judged_gain(float gain, const class_table<Weight>& table, const rated_cases& of_node) {
+double charge(const class_table<Weight>& table, float all_weight, const gain_by_chance& chance) {
   constexpr double charged = 1.5;
-  if (!(gain > 0)) return gain;
   double by_chance = 0;
   unsigned int values = 0;
   for (unsigned int i = 1; i < table.rows(); ++i) {
     const auto weight = static_cast<double>(
         std::accumulate(table.row(i), table.row(i) + table.classes(), Weight()));
     if (!(weight > 0)) continue;
-    by_chance += weight * of_node.chance.of_value(weight);
+    by_chance += weight * chance.of_value(weight);
     ++values;
   }
-  if (values <= 2) return gain;
-  by_chance /= static_cast<double>(of_node.weight);
-  return static_cast<float>(static_cast<double>(gain) -
-                            charged * by_chance * (values - 2) / (values - 1));
+  if (values <= 2) return 0;
+  return charged * by_chance * (values - 2) / (values - 1) / static_cast<double>(all_weight);
+}
+
+template <class Weight>
+float judged_gain(float gain, const class_table<Weight>& table, const rated_cases& of_node) {
+  if (!(gain > 0)) return gain;
+  double charged = 0;
+  if (table.unknown_weight() > 0) {
+    // The gain is that of the known cases, whose classes may be others.
+    const gain_by_chance of_known(
+        present_classes(std::vector<float>(table.totals(), table.totals() + table.classes())));
+    charged = charge(table, of_node.weight, of_known);
+  } else {
+    charged = charge(table, of_node.weight, of_node.chance);
+  }
+  return static_cast<float>(static_cast<double>(gain) - charged);
 }
 
 // A reader of the codes that occur among some cases, numbered from 1 in their order. A table by
