@@ -147,7 +147,7 @@ def change_text(before, after, decimals, better):
     if abs(change) > 2 * error:
         mark = {1: "+", 0: " ", -1: "-"}[better if change > 0 else -better]
     return (f"{statistics.mean(before):8.{decimals}f}{statistics.mean(after):8.{decimals}f}"
-            f"{change:+8.{decimals}f} ± {error:<5.{decimals}f}{mark}")
+            f"{change:+8.{decimals}f} ± {error:<5.{decimals}f} {mark}")
 
 
 def line(name, pairs):
@@ -164,8 +164,8 @@ def mean_pairs(pairs_of_tables):
 
 
 def heading():
-    groups = " ".join(f"{name:^33}" for name in HEADINGS)
-    columns = " ".join(f"{'before':>8}{'after':>8}{'change':>8}{'':9}" for _ in HEADINGS)
+    groups = " ".join(f"{name:^34}" for name in HEADINGS)
+    columns = " ".join(f"{'before':>8}{'after':>8}{'change':>8}{'':10}" for _ in HEADINGS)
     return f"{'':16}{groups}\n{'table':<16}{columns}"
 
 
