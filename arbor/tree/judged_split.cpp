@@ -15,36 +15,44 @@ namespace {
 using impls::class_table;
 using impls::column;
 
-// What is charged for the number of values, per unit of the weight of all cases.
+// In bits per unit of the weight of all cases of the node.
+struct value_charge {
+  double charged = 0;    // for the number of values
+  double most_gain = 0;  // the gain of values that tell the class of every case
+};
+
 template <class Weight>
-double charge(const class_table<Weight>& table, float all_weight, const gain_by_chance& chance) {
+value_charge charge(const class_table<Weight>& table, double all_weight,
+                    const gain_by_chance& chance) {
   constexpr double charged = 1.5;
   double by_chance = 0;
+  double known_weight = 0;
   unsigned int values = 0;
   for (unsigned int i = 1; i < table.rows(); ++i) {
     const auto weight = static_cast<double>(
         std::accumulate(table.row(i), table.row(i) + table.classes(), Weight()));
     if (!(weight > 0)) continue;
     by_chance += weight * chance.of_value(weight);
+    known_weight += weight;
     ++values;
   }
-  if (values <= 2) return 0;
-  return charged * by_chance * (values - 2) / (values - 1) / static_cast<double>(all_weight);
+  if (values <= 2) return {};
+  return {charged * by_chance * (values - 2) / (values - 1) / all_weight,
+          chance.of_value(1) * known_weight / all_weight};
 }
 
 template <class Weight>
-float judged_gain(float gain, const class_table<Weight>& table, const rated_cases& of_node) {
-  if (!(gain > 0)) return gain;
-  double charged = 0;
-  if (table.unknown_weight() > 0) {
-    // The gain is that of the known cases, whose classes may be others.
-    const gain_by_chance of_known(
-        present_classes(std::vector<float>(table.totals(), table.totals() + table.classes())));
-    charged = charge(table, of_node.weight, of_known);
-  } else {
-    charged = charge(table, of_node.weight, of_node.chance);
-  }
-  return static_cast<float>(static_cast<double>(gain) - charged);
+value_charge charge(const class_table<Weight>& table, const rated_cases& of_node) {
+  const auto all_weight = static_cast<double>(of_node.weight);
+  if (!(table.unknown_weight() > 0)) return charge(table, all_weight, of_node.chance);
+  // The gain is that of the known cases, whose classes may be others.
+  const gain_by_chance of_known(
+      present_classes(std::vector<float>(table.totals(), table.totals() + table.classes())));
+  return charge(table, all_weight, of_known);
+}
+
+float judged_gain(float gain, const value_charge& many) {
+  return gain > 0 ? static_cast<float>(static_cast<double>(gain) - many.charged) : gain;
 }
 
 // A reader of the codes that occur among some cases, numbered from 1 in their order. A table by
@@ -107,8 +115,11 @@ judged_split rate_discrete_split(const column& attribute, code_range range,
   rating.branches = attribute.get_o_set()->size_of_known();
   rating.split_column = const_cast<column*>(&attribute);  // handed out, not changed
   with_table(attribute, range, of_node, [&](const auto& table) {
-    impls::rate_discrete(table, of_node.weight, of_node.min_weight, rating);
-    result.judged_gain = judged_gain(rating.gain, table, of_node);
+    const value_charge many = charge(table, of_node);
+    rating.set_no_split();
+    if (of_node.need == rating_need::all || !(many.charged > 0) || many.charged < many.most_gain)
+      impls::rate_discrete(table, of_node.weight, of_node.min_weight, rating);
+    result.judged_gain = judged_gain(rating.gain, many);
   });
   return result;
 }
@@ -137,7 +148,7 @@ judged_split rate_split(const column& attribute, code_range range, const rated_c
   // A class derived by a user may rate itself in its own way.
   if (judged) {
     with_table(attribute, range, of_node, [&](const auto& table) {
-      result.judged_gain = judged_gain(result.rating.gain, table, of_node);
+      result.judged_gain = judged_gain(result.rating.gain, charge(table, of_node));
     });
   }
   return result;

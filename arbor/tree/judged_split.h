@@ -30,6 +30,10 @@ struct judged_split {
   double gain_ratio() const;  // the gain divided by the split information
 };
 
+// Whether all splits are rated, or only those that might be chosen. A column that has hardly a value
+// twice is rated at every node below, and never chosen.
+enum class rating_need { all, choice };
+
 // The cases of a node, and what is known of them; nothing is owned.
 struct rated_cases {
   const impls::w_sequence& cases;  // at least one
@@ -37,6 +41,7 @@ struct rated_cases {
   float weight;  // of the cases
   float min_weight;
   const gain_by_chance& chance;
+  rating_need need;
 };
 
 // Rates the split of an attribute as column::quality_measure does, and judges its gain. `range` has

@@ -56,7 +56,8 @@ table_rating rate_attributes(const table& rated, const impls::w_sequence& cases,
   table_rating result;
   std::vector<judged_split> splits;
   const gain_by_chance chance(present_classes(class_weights(rated.class_column(), cases)));
-  const rated_cases of_node{cases, rated.class_column(), total_weight(cases), min_weight, chance};
+  const rated_cases of_node{cases,  rated.class_column(), total_weight(cases), min_weight,
+                            chance, rating_need::all};
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
     splits.push_back(rate_split(*attribute, occurring_range(*attribute, cases), of_node));

@@ -51,7 +51,7 @@ std::optional<rated_test> best_test(node_cases& node,
                                     float node_weight, float min_weight, thread_pool* pool) {
   const gain_by_chance chance(class_weights);
   const rated_cases of_node{*node.cases, node.rows->class_column(), node_weight, min_weight,
-                            chance};
+                            chance,      rating_need::choice};
   const std::vector<std::size_t> columns = testable_columns(*node.rows);
   std::vector<judged_split> splits(columns.size());
   const auto rate_one = [&](std::size_t i) { splits[i] = split_on(columns[i], node, of_node); };
