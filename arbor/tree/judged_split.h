@@ -30,8 +30,8 @@ struct judged_split {
   double gain_ratio() const;  // the gain divided by the split information
 };
 
-// Whether all splits are rated, or only those that might be chosen. A column that has hardly a value
-// twice is rated at every node below, and never chosen.
+// Whether all splits are rated, or only those that may be chosen. A column in which hardly any
+// value occurs twice may not, at any node; not to rate it saves much of the time that it takes.
 enum class rating_need { all, choice };
 
 // The cases of a node, and what is known of them; nothing is owned.
