@@ -30,8 +30,8 @@ namespace {
 
 constexpr const char* grow_help =
     R"(The table is read as by "arbor rate". Each node tests the attribute with the
-best gain ratio among those whose gain is at least the average. Pruning then
-replaces a test by a leaf where its branches are not expected to make fewer
+best gain ratio among those whose judged gain is at least the average. Pruning
+then replaces a test by a leaf where its branches are not expected to make fewer
 errors.
 
 Examples:

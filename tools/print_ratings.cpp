@@ -7,7 +7,7 @@
 namespace arbor::tools {
 
 void print_ratings(const tree::table& rated, const impls::w_sequence& cases,
-                   const std::vector<tree::attribute_rating>& ratings, const std::string& format) {
+                   const tree::table_rating& ratings, const std::string& format) {
   if (format == "json") {
     std::cout << tree::ratings_as_json(rated, cases, ratings);
   } else if (format == "csv") {

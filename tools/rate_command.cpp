@@ -17,7 +17,10 @@ value.
 
 The gain is the information gain in bits, scaled by the share of known values.
 The gain of a threshold is reduced by a penalty, since it is the best of many.
-The gain ratio is the gain divided by the split information.
+The gain ratio is the gain divided by the split information. The judged gain is
+the gain, less what so many values are likely to gain by chance; a tree tests
+the attribute with the best gain ratio of those whose judged gain is at least
+the average of the judged gains above 0.
 
 Examples:
   arbor rate golf.csv
@@ -54,9 +57,8 @@ void rate_command::run() {
   const tree::load_options load = table.chosen();
   const float least_weight = weight_value("--min-weight", min_weight);
   const tree::table rated = read_table(table_path, load);
-  std::vector<tree::attribute_rating> ratings =
-      tree::rate_attributes(rated, rated.cases, least_weight);
-  tree::sort_ratings(ratings, order_named(sort));
+  tree::table_rating ratings = tree::rate_attributes(rated, rated.cases, least_weight);
+  tree::sort_ratings(ratings.attributes, order_named(sort));
   print_ratings(rated, rated.cases, ratings, format);
 }
 

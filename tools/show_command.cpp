@@ -97,9 +97,9 @@ void show_command::rate_at_node(const tree::decision_tree& model) const {
   const impls::w_sequence cases = tree::cases_at_node(model, rows, test);
   if (cases.empty())
     throw tree::table_error(rows.name + ": no row reaches node " + std::to_string(test));
-  std::vector<tree::attribute_rating> ratings =
+  tree::table_rating ratings =
       tree::rate_attributes(rows, cases, weight_value("--min-weight", min_weight));
-  tree::sort_ratings(ratings, tree::rating_order::ratio);
+  tree::sort_ratings(ratings.attributes, tree::rating_order::ratio);
   print_ratings(rows, cases, ratings, format);
 }
 

@@ -91,6 +91,23 @@ std::string decimal(const attribute_rating& rating, float split_rating::*member)
   return rating.split ? fmt::format("{:.6f}", (*rating.split).*member) : "-";
 }
 
+std::optional<std::string> chosen_attribute(const table_rating& ratings) {
+  for (const attribute_rating& rating : ratings.attributes) {
+    if (rating.chosen) return rating.name;
+  }
+  return std::nullopt;
+}
+
+// Which attribute a tree would test, so that the choice can be followed in the ratings.
+std::string choice_as_text(const table_rating& ratings) {
+  const std::optional<std::string> chosen = chosen_attribute(ratings);
+  if (!chosen) return "\nNo judged gain is above 0.\n";
+  return fmt::format(
+      "\nThe judged gains above 0 are {:.6f} on average; of the attributes that reach this, {} has "
+      "the best gain ratio.\n",
+      ratings.average_judged_gain, in_quotes(*chosen));
+}
+
 void table_to_json(json_writer& json, const table& rated, const impls::w_sequence& cases) {
   json.open('{');
   json.member("name", rated.name);
@@ -123,6 +140,7 @@ void rating_to_json(json_writer& json, const impls::w_sequence& cases,
   json.member("branches", of_split(&split_rating::branches));
   json.member("threshold", rating.split ? rating.split->threshold : std::nullopt);
   json.member("no_split", rating.split ? std::nullopt : std::optional(rating.no_split_reason));
+  json.member("judged_gain", of_split(&split_rating::judged_gain));
   json.close();
 }
 
@@ -136,47 +154,52 @@ std::string table_line(const table& described, const impls::w_sequence& cases) {
                      class_list(named_class_weights(described, cases)));
 }
 
-std::string ratings_as_text(const impls::w_sequence& cases,
-                            const std::vector<attribute_rating>& ratings) {
+std::string ratings_as_text(const impls::w_sequence& cases, const table_rating& ratings) {
   std::vector<std::vector<std::string>> rows{{"attribute", "kind", "type", "values", "unknown",
-                                              "gain", "split info", "gain ratio", "split"}};
-  for (const attribute_rating& rating : ratings) {
+                                              "gain", "judged", "split info", "gain ratio",
+                                              "split"}};
+  for (const attribute_rating& rating : ratings.attributes) {
     rows.push_back(
         {printable(rating.name), rating.kind, rating.data_type, std::to_string(rating.values),
          fmt::format("{:.1f}%", 100 * unknown_share(cases, rating)),
-         decimal(rating, &split_rating::gain), decimal(rating, &split_rating::split_info),
-         decimal(rating, &split_rating::gain_ratio), split_as_text(rating)});
+         decimal(rating, &split_rating::gain), decimal(rating, &split_rating::judged_gain),
+         decimal(rating, &split_rating::split_info), decimal(rating, &split_rating::gain_ratio),
+         split_as_text(rating)});
   }
-  return aligned(rows, "lllrrrrrl");
+  return aligned(rows, "lllrrrrrrl") + choice_as_text(ratings);
 }
 
-std::string ratings_as_csv(const impls::w_sequence& cases,
-                           const std::vector<attribute_rating>& ratings) {
+std::string ratings_as_csv(const impls::w_sequence& cases, const table_rating& ratings) {
   std::string report =
-      "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split\n";
-  for (const attribute_rating& rating : ratings) {
+      "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split,"
+      "judged_gain\n";
+  for (const attribute_rating& rating : ratings.attributes) {
     report +=
         fmt::format("{},{},{},{},{},", csv_cell(rating.name), rating.kind, rating.data_type,
                     rating.values, shortest_text(static_cast<float>(unknown_share(cases, rating))));
     if (rating.split) {
       const split_rating& split = *rating.split;
-      report += fmt::format("{},{},{},{},{},\n", shortest_text(split.gain),
+      report += fmt::format("{},{},{},{},{},,{}\n", shortest_text(split.gain),
                             shortest_text(split.split_info), shortest_text(split.gain_ratio),
-                            split.branches, split.threshold.value_or(""));
+                            split.branches, split.threshold.value_or(""),
+                            shortest_text(split.judged_gain));
     } else {
-      report += fmt::format(",,,,,{}\n", csv_cell(rating.no_split_reason));
+      report += fmt::format(",,,,,{},\n", csv_cell(rating.no_split_reason));
     }
   }
   return report;
 }
 
 std::string ratings_as_json(const table& rated, const impls::w_sequence& cases,
-                            const std::vector<attribute_rating>& ratings) {
+                            const table_rating& ratings) {
   json_writer json;
   table_to_json(json.open('{').key("table"), rated, cases);
   json.key("ratings").open('[');
-  for (const attribute_rating& rating : ratings) rating_to_json(json, cases, rating);
-  return json.close().close().text();
+  for (const attribute_rating& rating : ratings.attributes) rating_to_json(json, cases, rating);
+  json.close();
+  json.member("average_judged_gain", static_cast<float>(ratings.average_judged_gain));
+  json.member("chosen", chosen_attribute(ratings));
+  return json.close().text();
 }
 
 }  // namespace arbor::tree

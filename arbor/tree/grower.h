@@ -24,8 +24,8 @@ struct grow_options {
   float min_weight = 2;
   // The most tests on the way from the root to a leaf.
   unsigned int max_depth = std::numeric_limits<unsigned int>::max();
-  bool prune = true;         // see pruning.h
-  float confidence = 0.25F;  // of pruning
+  bool prune = true;        // see pruning.h
+  float confidence = 0.1F;  // of pruning
   // The number of threads, 0 for one on each core. The tree is the same for any number.
   unsigned int threads = 0;
   // Called from time to time with the share (0 to 1) of the cases' weight that is in leaves; by any

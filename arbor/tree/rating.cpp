@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "arbor/table/value_text.h"
+#include "arbor/tree/test_choice.h"
 #include "arbor/tree/threshold.h"
 
 namespace arbor::tree {
@@ -11,9 +12,11 @@ namespace {
 
 using impls::column;
 
-split_rating split_rating_of(const column::splitting_desc& best, const column& attribute) {
+split_rating split_rating_of(const judged_split& judged, const column& attribute) {
+  const column::splitting_desc& best = judged.rating;
   split_rating result;
   result.gain = best.gain;
+  result.judged_gain = judged.judged_gain;
   result.split_info = best.split_info;
   result.gain_ratio = best.split_info > 0 ? best.gain / best.split_info : 0;
   result.branches = best.branches;
@@ -31,34 +34,39 @@ const char* why_no_split(const column& attribute, unsigned int values) {
   return "no threshold pays";
 }
 
+attribute_rating rating_of(const column& attribute, const impls::w_sequence& cases,
+                           const judged_split& split) {
+  attribute_rating rating;
+  rating.name = attribute.get_name();
+  rating.kind = attribute.get_type();
+  rating.data_type = attribute.get_o_set()->get_datatype();
+  rating.values = attribute.get_o_set()->size_of_known();
+  rating.unknown_cells = unknown_cells(attribute, cases);
+  if (split.exists()) {
+    rating.split = split_rating_of(split, attribute);
+  } else {
+    rating.no_split_reason = why_no_split(attribute, rating.values);
+  }
+  return rating;
+}
+
 }  // namespace
 
-std::vector<attribute_rating> rate_attributes(const table& rated, const impls::w_sequence& cases,
-                                              float min_weight) {
-  std::vector<attribute_rating> ratings;
-  // A measure that may copy the cases does not reorder them.
-  auto& unchanged = const_cast<impls::w_sequence&>(cases);
-  const float weight = total_weight(cases);
+table_rating rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight) {
+  table_rating result;
+  std::vector<judged_split> splits;
+  const gain_by_chance chance(present_classes(class_weights(rated.class_column(), cases)));
+  const rated_cases of_node{cases,  rated.class_column(), total_weight(cases), min_weight,
+                            chance, rating_need::all};
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
-    attribute_rating rating;
-    rating.name = attribute->get_name();
-    rating.kind = attribute->get_type();
-    rating.data_type = attribute->get_o_set()->get_datatype();
-    rating.values = attribute->get_o_set()->size_of_known();
-    rating.unknown_cells = unknown_cells(*attribute, cases);
-    auto code_range = occurring_range(*attribute, cases);
-    column::splitting_desc best;
-    attribute->quality_measure(&rated.class_column(), weight, &unchanged, code_range, min_weight,
-                               nullptr, best, true);
-    if (best.gain != column::splitting_desc::no_split) {
-      rating.split = split_rating_of(best, *attribute);
-    } else {
-      rating.no_split_reason = why_no_split(*attribute, rating.values);
-    }
-    ratings.push_back(std::move(rating));
+    splits.push_back(rate_split(*attribute, occurring_range(*attribute, cases), of_node));
+    result.attributes.push_back(rating_of(*attribute, cases, splits.back()));
   }
-  return ratings;
+  const split_choice choice = choose(splits);
+  result.average_judged_gain = choice.average_judged_gain;
+  if (choice.best) result.attributes[*choice.best].chosen = true;
+  return result;
 }
 
 void sort_ratings(std::vector<attribute_rating>& ratings, rating_order order) {

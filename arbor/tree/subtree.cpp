@@ -82,7 +82,8 @@ void subtree::settle(waiting_node next, thread_pool* pool) {
   std::optional<rated_test> best;
   if (may_split(next, weight)) {
     gather_rows(next.cases);
-    best = best_test(next.cases, weight, options.min_weight, pool);
+    best = best_test(next.cases, grown.nodes[next.node].class_weights, weight, options.min_weight,
+                     pool);
   }
   if (best) {
     make_test(std::move(next), weight, *best);

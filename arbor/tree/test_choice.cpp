@@ -1,68 +1,68 @@
 #include "arbor/tree/test_choice.h"
 
-#include <vector>
-
 namespace arbor::tree {
 
 namespace {
 
 using impls::column;
 
-void rate(rated_test& test, node_cases& node, float node_weight, float min_weight) {
-  const column& attribute = *node.rows->columns()[test.column_index];
-  code_range& range = node.ranges[test.column_index];
+std::vector<std::size_t> testable_columns(const case_rows& rows) {
+  std::vector<std::size_t> result;
+  for (std::size_t i = 0; i < rows.columns().size(); ++i) {
+    if (is_testable(*rows.columns()[i])) result.push_back(i);
+  }
+  return result;
+}
+
+judged_split split_on(std::size_t column_index, node_cases& node, const rated_cases& of_node) {
+  const column& attribute = *node.rows->columns()[column_index];
+  code_range& range = node.ranges[column_index];
   // Reading every case once is cheaper than rating a range with more codes than there are cases.
   const bool too_wide = range.second - range.first > node.cases->size();
   if (too_wide) range = occurring_range(attribute, *node.cases);
-  // A measure that may copy the cases does not reorder them, so that each attribute is rated on the
-  // same order and several threads may share them.
-  auto& unchanged = const_cast<impls::w_sequence&>(*node.cases);
-  attribute.quality_measure(&node.rows->class_column(), node_weight, &unchanged, range, min_weight,
-                            nullptr, test.rating, true);
+  return rate_split(attribute, range, of_node);
 }
 
-std::vector<rated_test> rated_tests(node_cases& node, float node_weight, float min_weight,
-                                    thread_pool* pool) {
-  std::vector<rated_test> tests;
-  for (std::size_t i = 0; i < node.rows->columns().size(); ++i) {
-    if (is_testable(*node.rows->columns()[i])) tests.push_back({i, {}});
-  }
-  const auto rate_one = [&](std::size_t i) { rate(tests[i], node, node_weight, min_weight); };
-  if (pool != nullptr) {
-    pool->for_each(tests.size(), rate_one);
-  } else {
-    for (std::size_t i = 0; i < tests.size(); ++i) rate_one(i);
-  }
-  return tests;
-}
-
-double average_gain(const std::vector<rated_test>& tests) {
+double average_judged_gain(const std::vector<judged_split>& splits) {
   double gains = 0;
-  std::size_t splits = 0;
-  for (const rated_test& test : tests) {
-    if (!(test.rating.gain > 0)) continue;
-    gains += static_cast<double>(test.rating.gain);
-    ++splits;
+  std::size_t counted = 0;
+  for (const judged_split& split : splits) {
+    if (!(split.judged_gain > 0)) continue;
+    gains += static_cast<double>(split.judged_gain);
+    ++counted;
   }
-  return gains / static_cast<double>(splits);
-}
-
-double gain_ratio(const rated_test& test) {
-  return static_cast<double>(test.rating.gain) / static_cast<double>(test.rating.split_info);
+  return counted == 0 ? 0 : gains / static_cast<double>(counted);
 }
 
 }  // namespace
 
-std::optional<rated_test> best_test(node_cases& node, float node_weight, float min_weight,
-                                    thread_pool* pool) {
-  const std::vector<rated_test> tests = rated_tests(node, node_weight, min_weight, pool);
-  const double average = average_gain(tests);
-  std::optional<rated_test> best;
-  for (const rated_test& test : tests) {
-    if (!(test.rating.gain > 0) || static_cast<double>(test.rating.gain) < average) continue;
-    if (!best || gain_ratio(test) > gain_ratio(*best)) best = test;
+split_choice choose(const std::vector<judged_split>& splits) {
+  split_choice result{average_judged_gain(splits), std::nullopt};
+  for (std::size_t i = 0; i < splits.size(); ++i) {
+    const auto judged_gain = static_cast<double>(splits[i].judged_gain);
+    if (!(judged_gain > 0) || judged_gain < result.average_judged_gain) continue;
+    if (!result.best || splits[i].gain_ratio() > splits[*result.best].gain_ratio()) result.best = i;
   }
-  return best;
+  return result;
+}
+
+std::optional<rated_test> best_test(node_cases& node,
+                                    const std::vector<weighted_class>& class_weights,
+                                    float node_weight, float min_weight, thread_pool* pool) {
+  const gain_by_chance chance(class_weights);
+  const rated_cases of_node{*node.cases, node.rows->class_column(), node_weight, min_weight,
+                            chance,      rating_need::choice};
+  const std::vector<std::size_t> columns = testable_columns(*node.rows);
+  std::vector<judged_split> splits(columns.size());
+  const auto rate_one = [&](std::size_t i) { splits[i] = split_on(columns[i], node, of_node); };
+  if (pool != nullptr) {
+    pool->for_each(splits.size(), rate_one);
+  } else {
+    for (std::size_t i = 0; i < splits.size(); ++i) rate_one(i);
+  }
+  const split_choice choice = choose(splits);
+  if (!choice.best) return std::nullopt;
+  return rated_test{columns[*choice.best], splits[*choice.best].rating};
 }
 
 }  // namespace arbor::tree

@@ -12,6 +12,7 @@
 #include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/tree/classification.h"
+#include "arbor/tree/gain_by_chance.h"
 #include "arbor/tree/node_cases.h"
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/table_classification.h"
@@ -112,6 +113,23 @@ TEST(ThreadPool, DoesEachPieceOnceAndRethrowsWhatOneThrows) {
   }
 }
 
+// Against the sum over the binomial distribution.
+TEST(GainByChance, IsTheMeanOverAllWaysToDrawTheClasses) {
+  const tree::gain_by_chance chance({{0, 6}, {2, 3}, {5, 3}});
+  for (const double cases : {1.0, 2.0, 3.0, 7.0, 40.0, 300.0}) {
+    double expected = 0;
+    for (const double p : {0.5, 0.25, 0.25}) {
+      double probability = std::pow(1 - p, cases - 1);  // that x of the others are of the class
+      for (double x = 0; x < cases; ++x) {
+        expected += p * probability * std::log2((1 + x) / (cases * p));
+        probability *= (cases - 1 - x) / (x + 1) * p / (1 - p);
+      }
+    }
+    EXPECT_NEAR(chance.of_value(cases + 0.4), expected, expected / 10) << cases;
+    EXPECT_EQ(chance.of_value(cases - 0.4), chance.of_value(cases)) << cases;
+  }
+}
+
 // The first number of each line is not among the cases, so it is never the threshold.
 TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
   for (const char* line :
@@ -155,7 +173,7 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
       double shares = node.is_leaf() ? 1 : 0;
       for (unsigned int i = 0; i < node.child_count; ++i)
         shares += static_cast<double>(t.nodes[node.first_child + i].share);
-      EXPECT_NEAR(shares, 1, 1e-5) << name;
+      EXPECT_NEAR(shares, 1, 1e-4) << name;
       in_leaves += node.is_leaf() ? tree::weigh(node).cases : 0;
     }
     EXPECT_NEAR(in_leaves / tree::weigh(t.nodes[0]).cases, 1, 0.003) << name;

@@ -1,0 +1,157 @@
+#include "arbor/tree/judged_split.h"
+
+#include <numeric>
+#include <vector>
+
+#include "arbor/model/code_readers.h"
+#include "arbor/model/measure/class_table.h"
+#include "arbor/model/measure/discrete_quality.h"
+#include "arbor/utils/work_array.h"
+
+namespace arbor::tree {
+
+namespace {
+
+using impls::class_table;
+using impls::column;
+
+// In bits per unit of the weight of all cases of the node.
+struct value_charge {
+  double charged = 0;    // for the number of values
+  double most_gain = 0;  // the gain of values that tell the class of every case
+};
+
+template <class Weight>
+value_charge charge(const class_table<Weight>& table, double all_weight,
+                    const gain_by_chance& chance) {
+  constexpr double charged = 1.5;
+  double by_chance = 0;
+  double known_weight = 0;
+  unsigned int values = 0;
+  for (unsigned int i = 1; i < table.rows(); ++i) {
+    const auto weight = static_cast<double>(
+        std::accumulate(table.row(i), table.row(i) + table.classes(), Weight()));
+    if (!(weight > 0)) continue;
+    by_chance += weight * chance.of_value(weight);
+    known_weight += weight;
+    ++values;
+  }
+  if (values <= 2) return {};
+  return {charged * by_chance * (values - 2) / (values - 1) / all_weight,
+          chance.of_value(1) * known_weight / all_weight};
+}
+
+template <class Weight>
+value_charge charge(const class_table<Weight>& table, const rated_cases& of_node) {
+  const auto all_weight = static_cast<double>(of_node.weight);
+  if (!(table.unknown_weight() > 0)) return charge(table, all_weight, of_node.chance);
+  // The gain is that of the known cases, whose classes may be others.
+  const gain_by_chance of_known(
+      present_classes(std::vector<float>(table.totals(), table.totals() + table.classes())));
+  return charge(table, all_weight, of_known);
+}
+
+float judged_gain(float gain, const value_charge& many) {
+  return gain > 0 ? static_cast<float>(static_cast<double>(gain) - many.charged) : gain;
+}
+
+// A reader of the codes that occur among some cases, numbered from 1 in their order. A table by
+// these numbers has no empty rows.
+template <class CodeOf>
+class occurring_codes {
+ public:
+  occurring_codes(CodeOf all_codes, const impls::w_sequence& cases, const code_range& range)
+      : code_of(all_codes),
+        code_before_range(range.first - 1),
+        numbers(range.second - code_before_range) {
+    for (const auto& c : cases) numbers[place_of(c.first)] = 1;
+    numbers[0] = 0;
+    for (std::size_t i = 1; i < numbers.size(); ++i) {
+      if (numbers[i] != 0) numbers[i] = ++values;
+    }
+  }
+
+  code_range range() const { return {1, values + 1}; }
+  unsigned int operator()(unsigned int row) const { return numbers[place_of(row)]; }
+
+ private:
+  std::size_t place_of(unsigned int row) const {
+    const unsigned int code = code_of(row);
+    return code == 0 ? 0 : code - code_before_range;
+  }
+
+  CodeOf code_of;
+  unsigned int code_before_range;
+  strata::util::work_array<unsigned int, 64> numbers;  // by code; that of the unknown value is 0
+  unsigned int values = 0;
+};
+
+// Calls `use` with the table of an attribute's values and the classes.
+template <class Use>
+void with_table(const column& attribute, code_range range, const rated_cases& of_node, Use use) {
+  // To clear and to read a table of far more values than cases takes longer than to number those
+  // that occur. But without a minimum weight, values that do not occur count as well.
+  const std::size_t cells =
+      (range.second - range.first) * static_cast<std::size_t>(of_node.class_column.get_distinct());
+  const bool is_sparse = of_node.min_weight > 0 && cells > 16 * of_node.cases.size();
+  impls::with_codes(attribute, [&](auto code_of) {
+    if (is_sparse) {
+      const occurring_codes<decltype(code_of)> occurring(code_of, of_node.cases, range);
+      const auto number_of = [&occurring](unsigned int row) { return occurring(row); };
+      impls::with_class_table(number_of, of_node.class_column, of_node.cases, occurring.range(),
+                              use);
+    } else {
+      impls::with_class_table(code_of, of_node.class_column, of_node.cases, range, use);
+    }
+  });
+}
+
+// As the attribute would rate itself, but rated and judged by one table: reading the cases takes
+// most of the time.
+judged_split rate_discrete_split(const column& attribute, code_range range,
+                                 const rated_cases& of_node) {
+  judged_split result;
+  column::splitting_desc& rating = result.rating;
+  rating.branches = attribute.get_o_set()->size_of_known();
+  rating.split_column = const_cast<column*>(&attribute);  // handed out, not changed
+  with_table(attribute, range, of_node, [&](const auto& table) {
+    const value_charge many = charge(table, of_node);
+    rating.set_no_split();
+    if (of_node.need == rating_need::all || !(many.charged > 0) || many.charged < many.most_gain)
+      impls::rate_discrete(table, of_node.weight, of_node.min_weight, rating);
+    result.judged_gain = judged_gain(rating.gain, many);
+  });
+  return result;
+}
+
+judged_split rate_any_split(const column& attribute, code_range range, const rated_cases& of_node) {
+  judged_split result;
+  // A measure that may copy the cases does not reorder them.
+  auto& unchanged = const_cast<impls::w_sequence&>(of_node.cases);
+  attribute.quality_measure(&of_node.class_column, of_node.weight, &unchanged, range,
+                            of_node.min_weight, nullptr, result.rating, true);
+  result.judged_gain = result.rating.gain;
+  return result;
+}
+
+}  // namespace
+
+double judged_split::gain_ratio() const {
+  return static_cast<double>(rating.gain) / static_cast<double>(rating.split_info);
+}
+
+judged_split rate_split(const column& attribute, code_range range, const rated_cases& of_node) {
+  const bool judged = attribute.is_discrete() && range.second - range.first > 2;
+  if (judged && impls::is_library_column(attribute))
+    return rate_discrete_split(attribute, range, of_node);
+  judged_split result = rate_any_split(attribute, range, of_node);
+  // A class derived by a user may rate itself in its own way.
+  if (judged) {
+    with_table(attribute, range, of_node, [&](const auto& table) {
+      result.judged_gain = judged_gain(result.rating.gain, charge(table, of_node));
+    });
+  }
+  return result;
+}
+
+}  // namespace arbor::tree
