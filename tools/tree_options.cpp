@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "arbor/table/value_text.h"
-#include "arbor/tree/tuning.h"
+#include "arbor/tree/validation/tuning.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
 

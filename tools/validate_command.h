@@ -2,7 +2,7 @@
 #ifndef ARBOR_TOOLS_VALIDATE_COMMAND_H
 #define ARBOR_TOOLS_VALIDATE_COMMAND_H
 
-#include "arbor/tree/cross_validation.h"
+#include "arbor/tree/validation/cross_validation.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
 #include "tools/tree_options.h"

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "arbor/tree/cross_validation.h"
+#include "arbor/tree/validation/cross_validation.h"
 
 namespace arbor::tree {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "arbor/tree/cross_validation.h"
+#include "arbor/tree/validation/cross_validation.h"
 
 namespace arbor::tree {
 

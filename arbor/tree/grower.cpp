@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "arbor/tree/grown_nodes.h"
+#include "arbor/tree/growing/grown_nodes.h"
+#include "arbor/tree/growing/subtree.h"
 #include "arbor/tree/pruning.h"
-#include "arbor/tree/subtree.h"
 
 namespace arbor::tree {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "arbor/table/value_text.h"
-#include "arbor/tree/test_choice.h"
-#include "arbor/tree/threshold.h"
+#include "arbor/tree/growing/test_choice.h"
+#include "arbor/tree/growing/threshold.h"
 
 namespace arbor::tree {
 

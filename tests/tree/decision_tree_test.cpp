@@ -12,8 +12,8 @@
 #include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/tree/classification.h"
-#include "arbor/tree/gain_by_chance.h"
-#include "arbor/tree/node_cases.h"
+#include "arbor/tree/growing/gain_by_chance.h"
+#include "arbor/tree/growing/node_cases.h"
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/table_classification.h"
 #include "arbor/tree/text_classifier.h"
@@ -132,9 +132,8 @@ TEST(GainByChance, IsTheMeanOverAllWaysToDrawTheClasses) {
 
 // The first number of each line is not among the cases, so it is never the threshold.
 TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
-  for (const char* line :
-       {"1,1,inf", "1e-33,1e-33,2e-33", "1.2e-33,1e-33,2e-33", "1.0000001,1.0000001,1.0000002",
-        "3,1,5", "4,1,5", "2,-3,7"}) {
+  for (const char* line : {"1,1,inf", "1e-33,1e-33,2e-33", "1.2e-33,1e-33,2e-33",
+                           "1.0000001,1.0000001,1.0000002", "3,1,5", "4,1,5", "2,-3,7"}) {
     const texts numbers = listed(line);  // other, low, high
     std::string csv = "a,c\n" + numbers[0] + ",x\n";
     for (int i = 0; i < 2; ++i) csv += numbers[1] + ",x\n" + numbers[2] + ",y\n";

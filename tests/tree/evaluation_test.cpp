@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "arbor/tree/classification.h"
-#include "arbor/tree/cross_validation.h"
-#include "arbor/tree/folds.h"
-#include "arbor/tree/tuning.h"
+#include "arbor/tree/validation/cross_validation.h"
+#include "arbor/tree/validation/folds.h"
+#include "arbor/tree/validation/tuning.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {

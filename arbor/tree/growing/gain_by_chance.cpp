@@ -1,4 +1,4 @@
-#include "arbor/tree/gain_by_chance.h"
+#include "arbor/tree/growing/gain_by_chance.h"
 
 #include <cmath>
 

@@ -1,12 +1,12 @@
 // The nodes of a growing tree or of a part of one, and how they become a decision_tree.
-#ifndef ARBOR_TREE_GROWN_NODES_H
-#define ARBOR_TREE_GROWN_NODES_H
+#ifndef ARBOR_TREE_GROWING_GROWN_NODES_H
+#define ARBOR_TREE_GROWING_GROWN_NODES_H
 
 #include <vector>
 
 #include "arbor/table/table.h"
 #include "arbor/tree/decision_tree.h"
-#include "arbor/tree/threshold.h"
+#include "arbor/tree/growing/threshold.h"
 
 namespace arbor::tree {
 

@@ -1,7 +1,7 @@
-#include "arbor/tree/permutation_importance.h"
+#include "arbor/tree/validation/permutation_importance.h"
 
 #include "arbor/tree/classification.h"
-#include "arbor/tree/random_order.h"
+#include "arbor/tree/validation/random_order.h"
 
 namespace arbor::tree {
 

@@ -2,16 +2,16 @@
 //
 // A branch gets its cases when its turn comes, not before: cases whose value is unknown go down
 // every branch, and there may be as many branches as cases.
-#ifndef ARBOR_TREE_NODE_SPLIT_H
-#define ARBOR_TREE_NODE_SPLIT_H
+#ifndef ARBOR_TREE_GROWING_NODE_SPLIT_H
+#define ARBOR_TREE_GROWING_NODE_SPLIT_H
 
 #include <cstddef>
 #include <memory>
 #include <vector>
 
-#include "arbor/tree/node_cases.h"
-#include "arbor/tree/test_choice.h"
-#include "arbor/tree/threshold.h"
+#include "arbor/tree/growing/node_cases.h"
+#include "arbor/tree/growing/test_choice.h"
+#include "arbor/tree/growing/threshold.h"
 
 namespace arbor::tree {
 

@@ -1,4 +1,4 @@
-#include "arbor/tree/node_split.h"
+#include "arbor/tree/growing/node_split.h"
 
 #include <algorithm>
 #include <array>

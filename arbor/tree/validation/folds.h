@@ -2,14 +2,14 @@
 //
 //   const auto folds = deal_folds(golf.class_column(), golf.cases, 10, random);
 //   const divided_cases cases = hold_out_fold(golf.cases, folds, 0);
-#ifndef ARBOR_TREE_FOLDS_H
-#define ARBOR_TREE_FOLDS_H
+#ifndef ARBOR_TREE_VALIDATION_FOLDS_H
+#define ARBOR_TREE_VALIDATION_FOLDS_H
 
 #include <random>
 #include <vector>
 
 #include "arbor/model/column.h"
-#include "arbor/tree/holdout.h"
+#include "arbor/tree/validation/holdout.h"
 
 namespace arbor::tree {
 

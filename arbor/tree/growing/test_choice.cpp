@@ -1,4 +1,4 @@
-#include "arbor/tree/test_choice.h"
+#include "arbor/tree/growing/test_choice.h"
 
 namespace arbor::tree {
 

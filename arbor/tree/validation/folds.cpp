@@ -1,10 +1,10 @@
-#include "arbor/tree/folds.h"
+#include "arbor/tree/validation/folds.h"
 
 #include <algorithm>
 #include <numeric>
 
 #include "arbor/model/code_readers.h"
-#include "arbor/tree/random_order.h"
+#include "arbor/tree/validation/random_order.h"
 
 namespace arbor::tree {
 

@@ -1,4 +1,4 @@
-#include "arbor/tree/subtree.h"
+#include "arbor/tree/growing/subtree.h"
 
 #include <algorithm>
 #include <iterator>

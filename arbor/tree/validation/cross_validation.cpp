@@ -1,14 +1,14 @@
-#include "arbor/tree/cross_validation.h"
+#include "arbor/tree/validation/cross_validation.h"
 
 #include <algorithm>
 #include <random>
 #include <string>
 
 #include "arbor/tree/classification.h"
-#include "arbor/tree/folds.h"
-#include "arbor/tree/random_order.h"
-#include "arbor/tree/side_by_side.h"
-#include "arbor/tree/tuning.h"
+#include "arbor/tree/validation/folds.h"
+#include "arbor/tree/validation/random_order.h"
+#include "arbor/tree/validation/side_by_side.h"
+#include "arbor/tree/validation/tuning.h"
 
 namespace arbor::tree {
 

@@ -1,4 +1,4 @@
-#include "arbor/tree/side_by_side.h"
+#include "arbor/tree/validation/side_by_side.h"
 
 #include <mutex>
 #include <vector>

@@ -3,8 +3,8 @@
 //   grow_side_by_side(golf, options, 10, [&](std::size_t i, const grow_options& own) {
 //     trees[i] = grow_tree(golf, training_cases[i], own);
 //   });
-#ifndef ARBOR_TREE_SIDE_BY_SIDE_H
-#define ARBOR_TREE_SIDE_BY_SIDE_H
+#ifndef ARBOR_TREE_VALIDATION_SIDE_BY_SIDE_H
+#define ARBOR_TREE_VALIDATION_SIDE_BY_SIDE_H
 
 #include <cstddef>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "arbor/tree/grown_nodes.h"
+#include "arbor/tree/growing/grown_nodes.h"
 
 #include <iterator>
 #include <utility>

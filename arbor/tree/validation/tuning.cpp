@@ -1,4 +1,4 @@
-#include "arbor/tree/tuning.h"
+#include "arbor/tree/validation/tuning.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,10 +8,10 @@
 
 #include "arbor/tree/classification.h"
 #include "arbor/tree/evaluation.h"
-#include "arbor/tree/folds.h"
-#include "arbor/tree/grown_nodes.h"
+#include "arbor/tree/growing/grown_nodes.h"
 #include "arbor/tree/pruning.h"
-#include "arbor/tree/side_by_side.h"
+#include "arbor/tree/validation/folds.h"
+#include "arbor/tree/validation/side_by_side.h"
 
 namespace arbor::tree {
 

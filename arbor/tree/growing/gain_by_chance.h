@@ -10,8 +10,8 @@
 // information estimates", in H. Quastler (ed.), Information Theory in Psychology (1955), 95-100;
 // for the attributes of a tree: A. Dobra and J. Gehrke, "Bias correction in classification tree
 // construction", ICML 2001, 90-97.
-#ifndef ARBOR_TREE_GAIN_BY_CHANCE_H
-#define ARBOR_TREE_GAIN_BY_CHANCE_H
+#ifndef ARBOR_TREE_GROWING_GAIN_BY_CHANCE_H
+#define ARBOR_TREE_GROWING_GAIN_BY_CHANCE_H
 
 #include <array>
 #include <atomic>

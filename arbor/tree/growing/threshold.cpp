@@ -1,4 +1,4 @@
-#include "arbor/tree/threshold.h"
+#include "arbor/tree/growing/threshold.h"
 
 #include "arbor/table/value_text.h"
 

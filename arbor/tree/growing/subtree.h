@@ -2,8 +2,8 @@
 //
 // Branches wait on a stack of their own until their turn comes, because a recursive function could
 // overflow the thread's stack on a deep tree.
-#ifndef ARBOR_TREE_SUBTREE_H
-#define ARBOR_TREE_SUBTREE_H
+#ifndef ARBOR_TREE_GROWING_SUBTREE_H
+#define ARBOR_TREE_GROWING_SUBTREE_H
 
 #include <memory>
 #include <mutex>
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "arbor/tree/grower.h"
-#include "arbor/tree/grown_nodes.h"
-#include "arbor/tree/node_split.h"
+#include "arbor/tree/growing/grown_nodes.h"
+#include "arbor/tree/growing/node_split.h"
 #include "arbor/tree/thread_pool.h"
 #include "arbor/utils/nocopy.h"
 

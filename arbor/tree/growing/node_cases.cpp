@@ -1,4 +1,4 @@
-#include "arbor/tree/node_cases.h"
+#include "arbor/tree/growing/node_cases.h"
 
 #include <utility>
 

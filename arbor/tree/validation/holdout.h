@@ -1,8 +1,8 @@
 // Divides cases into training cases and held-back cases, which are kept to evaluate a tree.
 //
 //   const divided_cases cases = hold_out(golf.cases, 0.3, 1);
-#ifndef ARBOR_TREE_HOLDOUT_H
-#define ARBOR_TREE_HOLDOUT_H
+#ifndef ARBOR_TREE_VALIDATION_HOLDOUT_H
+#define ARBOR_TREE_VALIDATION_HOLDOUT_H
 
 #include <cstdint>
 

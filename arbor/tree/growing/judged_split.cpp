@@ -1,4 +1,4 @@
-#include "arbor/tree/judged_split.h"
+#include "arbor/tree/growing/judged_split.h"
 
 #include <numeric>
 #include <vector>

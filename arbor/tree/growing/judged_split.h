@@ -14,11 +14,11 @@
 //
 // Only the choice among attributes needs this, so it is left to the tree: the gain itself remains
 // the information that a split gives about its own cases.
-#ifndef ARBOR_TREE_JUDGED_SPLIT_H
-#define ARBOR_TREE_JUDGED_SPLIT_H
+#ifndef ARBOR_TREE_GROWING_JUDGED_SPLIT_H
+#define ARBOR_TREE_GROWING_JUDGED_SPLIT_H
 
-#include "arbor/tree/gain_by_chance.h"
-#include "arbor/tree/node_cases.h"
+#include "arbor/tree/growing/gain_by_chance.h"
+#include "arbor/tree/growing/node_cases.h"
 
 namespace arbor::tree {
 

@@ -3,8 +3,8 @@
 // The rows are those of the table, or a copy of a few of them. Each column is read several times
 // for every node. Where a node's cases are scattered over a large table, each of these reads would
 // fetch a whole cache line for a few bytes; a copy puts the rows side by side.
-#ifndef ARBOR_TREE_NODE_CASES_H
-#define ARBOR_TREE_NODE_CASES_H
+#ifndef ARBOR_TREE_GROWING_NODE_CASES_H
+#define ARBOR_TREE_GROWING_NODE_CASES_H
 
 #include <memory>
 #include <vector>

@@ -4,8 +4,8 @@
 //   const cut best = cut_of(rating);
 //   unsigned int code = threshold_code(humidity, best);     // codes up to it are on the low branch
 //   std::string text = threshold_text(humidity, best);      // "75"
-#ifndef ARBOR_TREE_THRESHOLD_H
-#define ARBOR_TREE_THRESHOLD_H
+#ifndef ARBOR_TREE_GROWING_THRESHOLD_H
+#define ARBOR_TREE_GROWING_THRESHOLD_H
 
 #include <string>
 

@@ -3,8 +3,8 @@
 //
 //   std::mt19937_64 random = generator_of({seed, fold});
 //   shuffle(rows.begin(), rows.end(), random);
-#ifndef ARBOR_TREE_RANDOM_ORDER_H
-#define ARBOR_TREE_RANDOM_ORDER_H
+#ifndef ARBOR_TREE_VALIDATION_RANDOM_ORDER_H
+#define ARBOR_TREE_VALIDATION_RANDOM_ORDER_H
 
 #include <cstdint>
 #include <initializer_list>

@@ -9,8 +9,8 @@
 // same proportion. For each fold, a tree grown on the other folds predicts the cases of this one.
 // R. Kohavi, "A study of cross-validation and bootstrap for accuracy estimation and model
 // selection", IJCAI (1995), 1137-1143.
-#ifndef ARBOR_TREE_CROSS_VALIDATION_H
-#define ARBOR_TREE_CROSS_VALIDATION_H
+#ifndef ARBOR_TREE_VALIDATION_CROSS_VALIDATION_H
+#define ARBOR_TREE_VALIDATION_CROSS_VALIDATION_H
 
 #include <cstdint>
 #include <optional>
@@ -20,7 +20,7 @@
 #include "arbor/tree/decision_tree.h"
 #include "arbor/tree/evaluation.h"
 #include "arbor/tree/grower.h"
-#include "arbor/tree/permutation_importance.h"
+#include "arbor/tree/validation/permutation_importance.h"
 
 namespace arbor::tree {
 

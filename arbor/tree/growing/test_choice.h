@@ -3,15 +3,15 @@
 //
 // The gain ratio is that of the gain as it is: the split information, by which it is divided,
 // already grows with the number of values. See judged_split.h.
-#ifndef ARBOR_TREE_TEST_CHOICE_H
-#define ARBOR_TREE_TEST_CHOICE_H
+#ifndef ARBOR_TREE_GROWING_TEST_CHOICE_H
+#define ARBOR_TREE_GROWING_TEST_CHOICE_H
 
 #include <cstddef>
 #include <optional>
 #include <vector>
 
-#include "arbor/tree/judged_split.h"
-#include "arbor/tree/node_cases.h"
+#include "arbor/tree/growing/judged_split.h"
+#include "arbor/tree/growing/node_cases.h"
 #include "arbor/tree/thread_pool.h"
 
 namespace arbor::tree {

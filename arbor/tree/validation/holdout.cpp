@@ -1,4 +1,4 @@
-#include "arbor/tree/holdout.h"
+#include "arbor/tree/validation/holdout.h"
 
 #include <cmath>
 #include <random>

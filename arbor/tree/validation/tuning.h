@@ -8,8 +8,8 @@
 // errors and the Brier score wins, of equal ones that with the smaller trees. On small tables the
 // share of errors alone is too coarse to tell the pairs apart. The Brier score alone, like the
 // log-loss, prefers cautious trees that make more errors.
-#ifndef ARBOR_TREE_TUNING_H
-#define ARBOR_TREE_TUNING_H
+#ifndef ARBOR_TREE_VALIDATION_TUNING_H
+#define ARBOR_TREE_VALIDATION_TUNING_H
 
 #include <array>
 #include <random>

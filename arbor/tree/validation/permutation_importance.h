@@ -6,8 +6,8 @@
 // The attribute's values are permuted among the cases, which keeps their distribution and destroys
 // what they have to do with the class: L. Breiman, "Random forests", Machine Learning 45 (2001),
 // 5-32, section 10.
-#ifndef ARBOR_TREE_PERMUTATION_IMPORTANCE_H
-#define ARBOR_TREE_PERMUTATION_IMPORTANCE_H
+#ifndef ARBOR_TREE_VALIDATION_PERMUTATION_IMPORTANCE_H
+#define ARBOR_TREE_VALIDATION_PERMUTATION_IMPORTANCE_H
 
 #include <random>
 #include <vector>
