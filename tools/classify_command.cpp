@@ -112,7 +112,7 @@ tree::classification_result classify_command::classify_into_file(
   const output_file output{"--output", output_path, force};
   output.keep_input(model_path, "the model");
   output.keep_input(table_path, "the table");
-  output.replace_no_model();
+  output.replace_only(tree::file_content::classified, "a classified table");
   tree::file_replacement file(output_path);
   std::ofstream rows(file.temporary_path(), std::ios::binary);
   tree::classification_result result = classify(model, &rows);

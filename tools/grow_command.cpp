@@ -183,7 +183,7 @@ void grow_command::check_files() const {
   const output_file model{"--model", model_path, force};
   model.keep_input(table_path, "the table");
   if (!test_path.empty()) model.keep_input(test_path, "the test table");
-  model.replace_models_only();
+  model.replace_only(tree::file_content::model, "a model of arbor grow");
   tree::file_replacement can_be_written(model_path);
 }
 

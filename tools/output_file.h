@@ -2,12 +2,14 @@
 //
 //   const output_file output{"--output", output_path, force};
 //   output.keep_input(table_path, "the table");
-//   output.replace_no_model();
+//   output.replace_only(tree::file_content::classified, "a classified table");
 #ifndef ARBOR_TOOLS_OUTPUT_FILE_H
 #define ARBOR_TOOLS_OUTPUT_FILE_H
 
 #include <CLI/CLI.hpp>
 #include <string>
+
+#include "arbor/store/present_file.h"
 
 namespace arbor::tools {
 
@@ -21,14 +23,8 @@ struct output_file {
   // Refuses the file that is read as `input`, "-" for standard input; `what` is what it is.
   void keep_input(const std::string& input, const std::string& what) const;
 
-  // Refuses an existing file that is a model; is neither a model nor empty; is neither a picture
-  // nor empty.
-  void replace_no_model() const;
-  void replace_models_only() const;
-  void replace_pictures_only() const;
-
- private:
-  void refuse_unless_forced(bool wanted, const std::string& what) const;
+  // Refuses an existing file that is neither of this kind nor empty; `what` is what it should be.
+  void replace_only(tree::file_content kind, const std::string& what) const;
 };
 
 // Adds --force to a command whose output `option` is; it sets `force`.

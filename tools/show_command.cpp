@@ -127,7 +127,7 @@ tree::load_options show_command::options_of(const tree::decision_tree& model) co
 void show_command::draw_picture(const std::string& graph) const {
   const output_file picture{"--picture", picture_path, force};
   picture.keep_input(model_path, "the model");
-  picture.replace_pictures_only();
+  picture.replace_only(tree::file_content::svg, "an SVG picture");
   if (!tree::can_draw()) {
     throw tree::table_error(
         "a picture needs Graphviz, whose program dot is not installed; --format dot prints the "

@@ -3,11 +3,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <fstream>
 #include <string_view>
 
 #include "arbor/store/model_store.h"
+#include "arbor/tree/table_classification.h"
 
 namespace arbor::tree {
 
@@ -15,6 +15,11 @@ namespace {
 
 bool begins_with(std::string_view text, std::string_view beginning) {
   return text.substr(0, beginning.size()) == beginning;
+}
+
+bool names_prediction(std::string_view beginning) {
+  const std::string name = std::string(",") + predicted_column;
+  return beginning.substr(0, beginning.find('\n')).find(name) != std::string_view::npos;
 }
 
 }  // namespace
@@ -33,13 +38,14 @@ file_content content_of(const std::string& path) {
   if (stat(path.c_str(), &present) != 0 || !S_ISREG(present.st_mode)) return file_content::none;
   std::ifstream file(path, std::ios::binary);
   if (!file) return file_content::other;
-  std::array<char, 16> first{};
-  file.read(first.data(), first.size());
-  const std::string_view beginning(first.data(), static_cast<std::size_t>(file.gcount()));
+  std::string beginning(std::size_t{1} << 16U, '\0');
+  file.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
+  beginning.resize(static_cast<std::size_t>(file.gcount()));
   if (beginning.empty()) return file_content::empty;
   if (begins_like_model(beginning)) return file_content::model;
   const bool is_svg = begins_with(beginning, "<?xml") || begins_with(beginning, "<svg");
-  return is_svg ? file_content::svg : file_content::other;
+  if (is_svg) return file_content::svg;
+  return names_prediction(beginning) ? file_content::classified : file_content::other;
 }
 
 }  // namespace arbor::tree

@@ -14,11 +14,12 @@ namespace arbor::tree {
 bool is_same_file(const std::string& path, const std::string& input);
 
 enum class file_content {
-  none,   // there is no regular file
-  empty,  // or it has no bytes
-  model,  // a model of any format version, judged by its first bytes
-  svg,    // a picture, judged in the same way
-  other   // anything else, or a file that cannot be read
+  none,        // there is no regular file
+  empty,       // or it has no bytes
+  model,       // a model of any format version, judged by its first bytes
+  svg,         // a picture, judged in the same way
+  classified,  // a classified table, judged by the names of columns in its first line
+  other        // anything else, or a file that cannot be read
 };
 
 file_content content_of(const std::string& path);

@@ -63,7 +63,7 @@ class file_classifier {
 
   void write_names(std::ostream& to) const {
     for (const std::string& name : file.names()) to << csv_cell(name) << ',';
-    to << unused_name("predicted");
+    to << unused_name(predicted_column);
     if (!options.all_probabilities) to << ',' << unused_name("probability");
     for (unsigned int c = 1; options.all_probabilities && c <= class_count(); ++c) {
       to << ',' << csv_cell(unused_name("P(" + value_text(*tree.class_column, c) + ")"));
