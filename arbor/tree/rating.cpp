@@ -18,7 +18,7 @@ split_rating split_rating_of(const judged_split& judged, const column& attribute
   result.gain = best.gain;
   result.judged_gain = judged.judged_gain;
   result.split_info = best.split_info;
-  result.gain_ratio = best.split_info > 0 ? best.gain / best.split_info : 0;
+  result.gain_ratio = static_cast<float>(judged.gain_ratio());
   result.branches = best.branches;
   if (attribute.is_continuous()) {
     result.threshold = shortest_value(attribute, threshold_code(attribute, cut_of(best)));

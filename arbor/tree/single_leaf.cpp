@@ -1,14 +1,11 @@
 #include "arbor/tree/single_leaf.h"
 
-#include <algorithm>
-
 namespace arbor::tree {
 
 single_leaf_reason why_single_leaf(const table& training, const impls::w_sequence& cases,
                                    const grow_options& options) {
-  const std::vector<float> weights = class_weights(training.class_column(), cases);
-  const auto absent = std::count(weights.begin(), weights.end(), 0.0F);
-  if (static_cast<std::size_t>(absent) + 1 >= weights.size()) return single_leaf_reason::one_class;
+  if (present_classes(class_weights(training.class_column(), cases)).size() < 2)
+    return single_leaf_reason::one_class;
   if (options.max_depth == 0) return single_leaf_reason::no_depth;
   if (total_weight(cases) < 2 * options.min_weight) return single_leaf_reason::too_light;
   grow_options one_test = options;

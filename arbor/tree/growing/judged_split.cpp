@@ -137,7 +137,9 @@ judged_split rate_any_split(const column& attribute, code_range range, const rat
 }  // namespace
 
 double judged_split::gain_ratio() const {
-  return static_cast<double>(rating.gain) / static_cast<double>(rating.split_info);
+  return rating.split_info > 0
+             ? static_cast<double>(rating.gain) / static_cast<double>(rating.split_info)
+             : 0;
 }
 
 judged_split rate_split(const column& attribute, code_range range, const rated_cases& of_node) {

@@ -27,7 +27,8 @@ struct judged_split {
   float judged_gain = 0;                 // the gain if it is not above 0
 
   bool exists() const { return rating.gain != impls::column::splitting_desc::no_split; }
-  double gain_ratio() const;  // the gain divided by the split information
+  // The gain divided by the split information; 0 if that is 0.
+  double gain_ratio() const;
 };
 
 // Whether all splits are rated, or only those that may be chosen. A column in which hardly any

@@ -1,5 +1,7 @@
 #include "arbor/tree/growing/test_choice.h"
 
+#include <cmath>
+
 namespace arbor::tree {
 
 namespace {
@@ -23,11 +25,16 @@ judged_split split_on(std::size_t column_index, node_cases& node, const rated_ca
   return rate_split(attribute, range, of_node);
 }
 
+// Whether a tree may test the attribute. A rating that is no finite number says nothing.
+bool is_eligible(const judged_split& split) {
+  return split.judged_gain > 0 && std::isfinite(split.judged_gain);
+}
+
 double average_judged_gain(const std::vector<judged_split>& splits) {
   double gains = 0;
   std::size_t counted = 0;
   for (const judged_split& split : splits) {
-    if (!(split.judged_gain > 0)) continue;
+    if (!is_eligible(split)) continue;
     gains += static_cast<double>(split.judged_gain);
     ++counted;
   }
@@ -39,8 +46,8 @@ double average_judged_gain(const std::vector<judged_split>& splits) {
 split_choice choose(const std::vector<judged_split>& splits) {
   split_choice result{average_judged_gain(splits), std::nullopt};
   for (std::size_t i = 0; i < splits.size(); ++i) {
-    const auto judged_gain = static_cast<double>(splits[i].judged_gain);
-    if (!(judged_gain > 0) || judged_gain < result.average_judged_gain) continue;
+    if (!is_eligible(splits[i])) continue;
+    if (static_cast<double>(splits[i].judged_gain) < result.average_judged_gain) continue;
     if (!result.best || splits[i].gain_ratio() > splits[*result.best].gain_ratio()) result.best = i;
   }
   return result;
