@@ -10,6 +10,7 @@
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/tree/classification.h"
+#include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
 #include "tools/output_file.h"
 #include "tools/print_ratings.h"
@@ -22,7 +23,8 @@ constexpr const char* show_help =
     R"(A leaf shows its class and, in brackets, the weight of its training cases and
 after a slash the weight of those of other classes. A test shows its number in
 square brackets. --rate with --node N rates all attributes on those rows of a
-table that reach test N.
+table that reach test N. Give --weights, --unknown and --kind as for growing;
+the model has the types and the kinds of the attributes that it tests.
 
 Examples:
   arbor show golf.model
@@ -51,9 +53,12 @@ show_command::show_command(CLI::App& app)
       .add_option("--rate", rated_path,
                   "Rate the attributes of this table on the rows that reach a test")
       ->type_name("TABLE");
-  parser.add_option("--min-weight", min_weight, "For --rate, as in arbor rate (default: 2)")
+  parser
+      .add_option("--min-weight", min_weight,
+                  "For --rate, as in arbor rate (default: that of the model)")
       ->type_name("W");
   table.add_cell_options_to(parser);
+  table.add_kinds_to(parser);
 }
 
 void show_command::run() {
@@ -79,6 +84,8 @@ void show_command::run() {
 void show_command::check_combination() const {
   const bool rates = !rated_path.empty();
   refuse_if(model_path.empty(), "no model; name a file that arbor grow has saved");
+  refuse_if(given("--rate") && !rates, "--rate: the name of the table is empty");
+  refuse_if(given("--picture") && picture_path.empty(), "--picture: the name of the file is empty");
   refuse_if(given("--rate") && given("--picture"), "--rate does not go with --picture");
   refuse_if(given("--rate") && given("--depth"), "--rate does not go with --depth");
   refuse_if(given("--picture") && given("--format"), "--picture does not go with --format");
@@ -86,19 +93,19 @@ void show_command::check_combination() const {
             "--depth does not go with --format json, which shows the whole tree");
   refuse_if(format == "dot" && rates, "--rate goes with --format text, csv or json");
   refuse_if(format == "csv" && !rates, "--format csv goes with --rate TABLE");
-  for (const std::string option : {"--node", "--min-weight", "--weights", "--unknown"})
+  for (const std::string option : {"--node", "--min-weight", "--weights", "--unknown", "--kind"})
     refuse_if(given(option) && !rates, option + " goes with --rate TABLE");
 }
 
 void show_command::rate_at_node(const tree::decision_tree& model) const {
   const std::size_t test = chosen_node(model);
+  const float least_weight = chosen_weight(model);
   const tree::load_options load = options_of(model);
   const tree::table rows = read_table(rated_path, load);
   const impls::w_sequence cases = tree::cases_at_node(model, rows, test);
   if (cases.empty())
     throw tree::table_error(rows.name + ": no row reaches node " + std::to_string(test));
-  tree::table_rating ratings =
-      tree::rate_attributes(rows, cases, weight_value("--min-weight", min_weight));
+  tree::table_rating ratings = tree::rate_attributes(rows, cases, least_weight);
   tree::sort_ratings(ratings.attributes, tree::rating_order::ratio);
   print_ratings(rows, cases, ratings, format);
 }
@@ -111,11 +118,18 @@ std::size_t show_command::chosen_node(const tree::decision_tree& model) const {
   return chosen;
 }
 
+// Older models do not have their origin.
+float show_command::chosen_weight(const tree::decision_tree& model) const {
+  if (given("--min-weight")) return weight_value("--min-weight", min_weight);
+  return model.origin ? model.origin->min_weight : tree::grow_options().min_weight;
+}
+
 // A table for a model has the data types and kinds of the model's columns.
 tree::load_options show_command::options_of(const tree::decision_tree& model) const {
   tree::load_options options = table.chosen();
   options.class_name = model.class_column->get_name();
-  options.class_from = options.types_from = options.kinds_from = "the model";
+  options.class_from = options.types_from = "the model";
+  options.kinds_from = given("--kind") ? "the model or --kind" : "the model";
   options.types[options.class_name] = model.class_column->get_o_set()->get_datatype();
   for (const auto& attribute : model.attributes) {
     options.types[attribute->get_name()] = attribute->get_o_set()->get_datatype();

@@ -18,6 +18,7 @@ class show_command : public command {
   void check_combination() const;
   void rate_at_node(const tree::decision_tree& model) const;
   std::size_t chosen_node(const tree::decision_tree& model) const;
+  float chosen_weight(const tree::decision_tree& model) const;
   tree::load_options options_of(const tree::decision_tree& model) const;
   void draw_picture(const std::string& graph) const;
 
@@ -28,7 +29,7 @@ class show_command : public command {
   std::string picture_path;
   std::string node;
   std::string rated_path;
-  std::string min_weight = "2";
+  std::string min_weight;
   bool force = false;
 };
 

@@ -68,6 +68,10 @@ void table_options::add_to(CLI::App& to) {
       ->type_name("NAME=TYPE")
       ->take_all()
       ->allow_extra_args(false);
+  add_kinds_to(to);
+}
+
+void table_options::add_kinds_to(CLI::App& to) {
   to.add_option("--kind", kinds, "An attribute's kind: discrete, continuous or ignore; repeatable")
       ->type_name("NAME=KIND")
       ->take_all()

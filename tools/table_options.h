@@ -20,6 +20,8 @@ class table_options {
   // Adds only the options for unknown texts and weights, for tables whose types and class are those
   // of a model.
   void add_cell_options_to(CLI::App& command);
+  // Adds only the option for kinds.
+  void add_kinds_to(CLI::App& command);
 
   // What was chosen. Throws usage_error for a value that an option does not take.
   tree::load_options chosen() const;
