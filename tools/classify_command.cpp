@@ -95,7 +95,7 @@ tree::classification_options classify_command::chosen_options(
   options.strict = strict;
   if (unsmoothed) options.estimate = tree::leaf_estimate::training_share;
   options.class_name = class_name;
-  options.class_from = given("--class") ? "--class" : "--quiet";
+  options.class_from = given("--class") ? "--class" : "--quiet, which needs the actual classes";
   if (quiet && class_name.empty()) options.class_name = model.class_column->get_name();
   return options;
 }

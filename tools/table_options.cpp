@@ -87,7 +87,8 @@ void table_options::add_training_options_to(CLI::App& to) {
 void table_options::add_cell_options_to(CLI::App& to) {
   parser = &to;
   to.add_option("--weights", weights_name,
-                "The column of weights; rows of weight 0 are left out (default: all rows weigh 1)")
+                "The column of weights; a row of weight 3 counts as three rows, one of weight 0 is "
+                "left out (default: all rows weigh 1)")
       ->type_name("NAME");
   to.add_option("--unknown", unknown_texts,
                 "A text that stands for the unknown value; '' is the empty cell, '\"\"' the quoted "

@@ -70,8 +70,8 @@ double errors_as_leaf(const leaf_weight& leaf, float confidence) {
          binomial_upper_limit(leaf.errors, leaf.cases, static_cast<double>(confidence));
 }
 
-// The errors to expect of a test's children. Unknown cases go down several branches, and their
-// shares may add up to more than one; the errors are scaled so that each case counts once.
+// The errors to expect of a test's children. Their weight falls short of that of the test where
+// cases of which little was left have been dropped; the errors are scaled to the whole weight.
 double errors_as_test(const std::vector<tree_node>& nodes, const tree_node& test,
                       const std::vector<double>& expected_errors) {
   double errors = 0;
