@@ -68,7 +68,7 @@ const char* words_for(tree::single_leaf_reason reason) {
     case reasons::too_light:
       return "a test needs two branches of --min-weight, and all cases together weigh less";
     case reasons::no_split:
-      return "no attribute splits the cases with a gain; \"arbor rate\" shows why";
+      return "no judged gain of an attribute is above 0; \"arbor rate\" shows them";
     case reasons::pruned:
       break;
   }

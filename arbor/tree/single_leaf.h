@@ -10,7 +10,7 @@ enum class single_leaf_reason {
   one_class,  // all training cases are of the same class
   no_depth,   // the greatest depth is 0
   too_light,  // the cases weigh less than two branches have to
-  no_split,   // no attribute has an admissible split
+  no_split,   // no attribute has a split with a judged gain above 0
   pruned      // branches are not expected to make fewer errors
 };
 
