@@ -213,7 +213,7 @@ def arguments():
                                      "predict, on every CSV file of a folder; the class is the last column.")
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("--before", default="fe8ba68", metavar="REVISION", help="the build to compare with (default: "
-                        "%(default)s, the last one that did not judge attributes of many values by unseen cases)")
+                        "%(default)s, the last one that took the gain of many values as it is)")
     parser.add_argument("--before-option", action="append", default=[], metavar="OPTION",
                         help="an option of grow for the trees before, as --before-option=--no-pruning; repeatable")
     parser.add_argument("--after-option", action="append", default=[], metavar="OPTION", help="one for those after")
