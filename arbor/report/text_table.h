@@ -16,8 +16,8 @@ namespace arbor::tree {
 // are flush left ('l') or right ('r'). No row may have more cells than that.
 std::string aligned(const std::vector<std::vector<std::string>>& rows, const std::string& sides);
 
-// How many characters a line has. Those of East Asia, which take two columns of a terminal, count as
-// one each.
+// How many characters a line has. Those of East Asia take two columns of a terminal but count as
+// one.
 std::size_t display_width(const std::string& line);
 
 // A text of at most `most` (5 or more) characters as it is; of a longer one the beginning and the
