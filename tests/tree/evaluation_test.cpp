@@ -3,6 +3,7 @@
 #include "arbor/tree/evaluation.h"
 
 #include <gmock/gmock.h>
+#include <malloc.h>
 
 #include <map>
 #include <tuple>
@@ -103,6 +104,18 @@ TEST(Tuning, ChoosesTheLeastErrorsAndTheSmallestTreesOnAnyThreads) {
     EXPECT_EQ(tuned.min_weight, std::get<2>(best)) << name;
     EXPECT_EQ(tuned.confidence, std::get<3>(best)) << name;
   }
+}
+
+// The hundreds of trees would keep several MB. Sanitizers have a malloc of their own, which mallinfo2
+// knows nothing of.
+TEST(Validation, KeepsNoMemory) {
+  const table rows = tree::load_table(ARBOR_DATA "/pima2.csv", {});
+  tree::validation_options options;
+  options.folds = 2;
+  options.tune = true;
+  const std::size_t before = mallinfo2().uordblks;
+  tree::cross_validate(rows, options);
+  EXPECT_LT(mallinfo2().uordblks, before + 500000);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "arbor/tree/validation/folds.h"
 #include "arbor/tree/validation/random_order.h"
 #include "arbor/tree/validation/side_by_side.h"
+#include "arbor/tree/validation/trial_tree.h"
 #include "arbor/tree/validation/tuning.h"
 
 namespace arbor::tree {
@@ -48,7 +49,8 @@ void validate_fold(const table& rows, const validation_options& options, grow_op
     grow = tuned_options(rows, cases.training, grow, random);
     grow.progress = nullptr;  // the last tree is a small part of the work
   }
-  const decision_tree tree = grow_tree(rows, cases.training, grow);
+  const trial_tree trial(grow_tree(rows, cases.training, grow));
+  const decision_tree& tree = trial.tree;
   part.size = size_of(tree);
   part.min_weight = grow.min_weight;
   if (grow.prune) part.confidence = grow.confidence;

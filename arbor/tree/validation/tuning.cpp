@@ -12,6 +12,7 @@
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/validation/folds.h"
 #include "arbor/tree/validation/side_by_side.h"
+#include "arbor/tree/validation/trial_tree.h"
 
 namespace arbor::tree {
 
@@ -35,8 +36,8 @@ std::vector<trial> try_confidences(const table& training, const divided_cases& c
   for (const float confidence : tuned_confidences) {
     grown_nodes pruned = grown;
     prune(pruned.nodes, confidence);
-    const decision_tree tree = to_tree(training, cases.training, std::move(pruned));
-    trials.push_back(try_tree(tree, training, cases.held_back));
+    const trial_tree pruned_tree(to_tree(training, cases.training, std::move(pruned)));
+    trials.push_back(try_tree(pruned_tree.tree, training, cases.held_back));
   }
   return trials;
 }
