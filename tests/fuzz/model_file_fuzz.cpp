@@ -41,10 +41,10 @@ static std::vector<unsigned char> used(const std::vector<unsigned char>& record,
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   for (unsigned int version = 1; version <= record_version; ++version) {
-    check_one_line(message_of([&] {
+    message_of([&] {  // load_model escapes what the message quotes
       const std::vector<unsigned char> saved = used({data, data + size}, version);
       check(used(saved) == saved, "a model is read back to the same bytes");
-    }));
+    });
   }
   return 0;
 }
