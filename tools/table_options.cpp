@@ -81,7 +81,8 @@ void table_options::add_kinds_to(CLI::App& to) {
 void table_options::add_training_options_to(CLI::App& to) {
   add_to(to);
   limits_classes = true;
-  to.add_flag("--many-classes", many_classes, "Accept a class of more than 1000 values");
+  to.add_flag("--many-classes", many_classes,
+              "Accept a class of more than 1000 values; trees grow slowly with so many");
 }
 
 void table_options::add_cell_options_to(CLI::App& to) {

@@ -106,8 +106,8 @@ TEST(Tuning, ChoosesTheLeastErrorsAndTheSmallestTreesOnAnyThreads) {
   }
 }
 
-// The hundreds of trees would keep several MB. Sanitizers have a malloc of their own, which mallinfo2
-// knows nothing of.
+// The hundreds of trees would keep several MB. A sanitizer's malloc is its own, of which mallinfo2
+// knows nothing.
 TEST(Validation, KeepsNoMemory) {
   const table rows = tree::load_table(ARBOR_DATA "/pima2.csv", {});
   tree::validation_options options;
