@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"

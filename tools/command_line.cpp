@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 
 namespace arbor::tools {
 

@@ -1,6 +1,6 @@
 #include "tools/output_file.h"
 
-#include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "tools/command_line.h"
 
 namespace arbor::tools {

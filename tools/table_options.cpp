@@ -6,6 +6,7 @@
 #include <map>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 #include "tools/command_line.h"

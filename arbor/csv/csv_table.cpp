@@ -7,6 +7,7 @@
 #include <set>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/utils/number_text.h"
 

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 
 namespace arbor::tree {

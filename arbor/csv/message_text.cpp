@@ -7,6 +7,7 @@
 #include <numeric>
 #include <utility>
 
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 
 namespace arbor::tree {
@@ -40,38 +41,6 @@ std::size_t edit_distance(const std::string& a, const std::string& b) {
 }
 
 }  // namespace
-
-std::string printable(std::string_view text) {
-  std::string result;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '\n') {
-      result += "\\n";
-    } else if (c == '\r') {
-      result += "\\r";
-    } else if (c == '\t') {
-      result += "\\t";
-    } else if (byte < 0x20 || byte == 0x7F) {
-      result += fmt::format("\\x{:02X}", byte);
-    } else {
-      result += c;
-    }
-  }
-  return result;
-}
-
-std::string in_quotes(std::string_view text) {
-  constexpr std::size_t most = 60;
-  std::size_t kept = std::min(most, text.size());
-  while (kept < text.size() && kept > 0 && (static_cast<unsigned char>(text[kept]) & 0xC0U) == 0x80)
-    --kept;  // UTF-8
-  std::string result = "\"";
-  for (const char c : printable(text.substr(0, kept))) {
-    if (c == '"') result += '\\';
-    result += c;
-  }
-  return result + (kept < text.size() ? "...\"" : "\"");
-}
 
 std::string counted(std::size_t count, const std::string& one, const std::string& many) {
   return std::to_string(count) + " " + (count == 1 ? one : many.empty() ? one + "s" : many);

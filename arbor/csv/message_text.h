@@ -1,6 +1,6 @@
-// Helpers for messages that quote what a person wrote.
+// Helpers for messages; shown_text.h has those that quote what a person wrote.
 //
-//   in_quotes("8O")                           // "8O", in double quotes, control characters escaped
+//   counted(2, "leaf", "leaves")              // 2 leaves
 //   did_you_mean("clas", {"class", "size"})   // ; did you mean "class"?
 //   check_choice("order: ", "rato", {"ratio", "gain"});  // throws
 #ifndef ARBOR_CSV_MESSAGE_TEXT_H
@@ -8,17 +8,9 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace arbor::tree {
-
-// The text on one line: control characters as \n, \t, \r or \xNN. Other bytes stay as they are.
-std::string printable(std::string_view text);
-
-// The printable text in double quotes, each quote in it after a backslash. A text of more than 60
-// bytes is cut off.
-std::string in_quotes(std::string_view text);
 
 // A number of things: "1 leaf", "2 leaves". Without `many`, the plural is `one` and an "s".
 std::string counted(std::size_t count, const std::string& one, const std::string& many = "");

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/text_table.h"
 
@@ -41,7 +42,7 @@ std::string readable_matrix(const impls::column& classes, const confusion_matrix
   std::vector<std::string> letters;
   for (std::string& name : names) {
     letters.emplace_back(1, static_cast<char>('a' + letters.size()));
-    name = letters.back() + " = " + shortened(name, name_width);
+    name = letters.back() + " = " + shown(name, name_width);
   }
   return matrix_of(matrix, occurring, letters, names);
 }
@@ -65,7 +66,7 @@ std::string heaviest_confusions(const impls::column& classes, const confusion_ma
   const std::vector<pair_weight> confusions = confusions_of(matrix);
   if (confusions.empty()) return "no class was predicted for another\n";
   const auto name = [&](std::size_t entry) {
-    return shortened(printable(class_text(classes, entry)), name_width);
+    return shown(class_text(classes, entry), name_width);
   };
   std::vector<std::vector<std::string>> rows{{"actual -> predicted", "cases"}};
   for (std::size_t i = 0; i < std::min(most_pairs, confusions.size()); ++i) {

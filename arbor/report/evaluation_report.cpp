@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/confusion_report.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/text_table.h"
@@ -29,9 +30,9 @@ std::vector<std::string> class_line(const impls::column& classes, const class_qu
   const auto share = [](double whole, double value) {
     return whole > 0 ? fmt::format("{:.3f}", value) : "-";
   };
-  return {shortened(printable(class_text(classes, quality.entry)), name_width),
-          weight_text(quality.actual), share(quality.predicted, quality.precision()),
-          share(quality.actual, quality.recall()), fmt::format("{:.3f}", quality.f1())};
+  return {shown(class_text(classes, quality.entry), name_width), weight_text(quality.actual),
+          share(quality.predicted, quality.precision()), share(quality.actual, quality.recall()),
+          fmt::format("{:.3f}", quality.f1())};
 }
 
 std::string classes_as_text(const impls::column& classes, const confusion_matrix& matrix) {

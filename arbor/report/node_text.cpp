@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {
@@ -34,10 +34,8 @@ std::string branch_value(const column& tested, const tree_node& child) {
   return child.branch == 1 ? "<=" : ">";
 }
 
-std::string leaf_text(const decision_tree& tree, const class_probabilities& probabilities,
-                      std::size_t index) {
+std::string leaf_text(const decision_tree& tree, std::size_t index, std::size_t predicted) {
   const tree_node& node = tree.nodes[index];
-  const std::size_t predicted = probabilities.likeliest_at(index);
   const double cases = weigh(node).cases;
   const std::string errors = weight_text(cases - static_cast<double>(weight_of(node, predicted)));
   return fmt::format("{} ({}{})", printable(class_text(tree, predicted)), weight_text(cases),

@@ -26,11 +26,10 @@ std::string test_threshold(const impls::column& tested, const tree_node& test);
 // The branch of the test above that a node is on: the value of a discrete attribute, "<=" or ">".
 std::string branch_value(const impls::column& tested, const tree_node& child);
 
-// The class that is predicted at a node, given by its index, and, in brackets, the weight of its
+// The class that is predicted at a node, given by its entry and the node's index, and, in brackets, the weight of its
 // training cases and after a slash the weight of those of other classes, if there are any:
 // "no (3/1)". On one line.
-std::string leaf_text(const decision_tree& tree, const class_probabilities& probabilities,
-                      std::size_t index);
+std::string leaf_text(const decision_tree& tree, std::size_t index, std::size_t predicted);
 
 }  // namespace arbor::tree
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/store/file_replacement.h"
 

@@ -7,6 +7,7 @@
 
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/json_writer.h"
 #include "arbor/report/text_table.h"
 #include "arbor/table/value_text.h"

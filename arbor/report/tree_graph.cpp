@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/node_walk.h"
 
@@ -21,10 +21,9 @@ std::string dot_text(const std::string& text) {
   return result + '"';
 }
 
-std::string box(const decision_tree& tree, const class_probabilities& probabilities,
-                std::size_t index) {
+std::string box(const decision_tree& tree, std::size_t index, std::size_t predicted) {
   const std::string more = tree.nodes[index].is_leaf() ? "" : " ...";
-  const std::string label = leaf_text(tree, probabilities, index) + more;
+  const std::string label = leaf_text(tree, index, predicted) + more;
   return fmt::format("  n{} [shape=box label={}]\n", index, dot_text(label));
 }
 
@@ -47,10 +46,10 @@ std::string ellipse(const decision_tree& tree, std::size_t index) {
 std::string tree_as_dot(const decision_tree& tree, std::size_t depth) {
   std::string graph =
       "digraph tree {\n  node [fontname=\"sans-serif\"]\n  edge [fontname=\"sans-serif\"]\n";
-  const class_probabilities probabilities(tree);
+  const std::vector<std::size_t> predicted = predicted_classes(tree);
   for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
     const bool is_box = tree.nodes[index].is_leaf() || level == depth;
-    graph += is_box ? box(tree, probabilities, index) : ellipse(tree, index);
+    graph += is_box ? box(tree, index, predicted[index]) : ellipse(tree, index);
   });
   return graph + "}\n";
 }

@@ -7,6 +7,7 @@
 #include "arbor/report/json_writer.h"
 #include "arbor/report/node_text.h"
 #include "arbor/tree/attribute_importance.h"
+#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
@@ -79,7 +80,7 @@ std::string tree_as_json(const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
   json_writer json;
   json.open('{').member("class", tree.class_column->get_name());
-  const class_probabilities probabilities(tree);
+  const std::vector<std::size_t> predicted = predicted_classes(tree);
   classes_to_json(json.key("classes"), tree);
   json.key("origin");
   if (tree.origin) {
@@ -93,7 +94,7 @@ std::string tree_as_json(const decision_tree& tree) {
     const tree_node& node = tree.nodes[i];
     json.open('{').member("node", i);
     weights_to_json(json, tree, node);
-    json.member("class", class_text(tree, probabilities.likeliest_at(i)));
+    json.member("class", class_text(tree, predicted[i]));
     if (i > 0) branch_to_json(json, tree, parents[i], node);
     if (!node.is_leaf()) test_to_json(json, tree, node);
     json.close();

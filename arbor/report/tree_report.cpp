@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/node_walk.h"
 #include "arbor/report/text_table.h"
@@ -54,7 +55,7 @@ std::vector<std::size_t> leaves_below(const decision_tree& tree) {
 std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
   const std::vector<std::size_t> parents = node_parents(tree);
   const std::vector<std::size_t> leaves = leaves_below(tree);
-  const class_probabilities probabilities(tree);
+  const std::vector<std::size_t> predicted = predicted_classes(tree);
   std::string report;
   for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
     const tree_node& node = tree.nodes[index];
@@ -62,7 +63,7 @@ std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
       report += indentation(level) + branch_text(tree, tree.nodes[parents[index]], node);
     const char* separator = level > 0 ? ": " : "";
     if (node.is_leaf()) {
-      report += separator + leaf_text(tree, probabilities, index) + '\n';
+      report += separator + leaf_text(tree, index, predicted[index]) + '\n';
     } else if (level == depth) {
       report += fmt::format("{}... {} below [{}]\n", separator,
                             counted(leaves[index], "leaf", "leaves"), index);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/text_table.h"
 #include "arbor/table/value_text.h"

@@ -13,7 +13,7 @@
 #include <memory>
 #include <new>
 
-#include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 
 namespace arbor::tree {

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "arbor/csv/input_file.h"
-#include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_record.h"

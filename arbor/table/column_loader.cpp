@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/unknown_texts.h"
 #include "arbor/table/number_codes.h"
 #include "arbor/table/text_codes.h"

@@ -9,6 +9,7 @@
 
 #include "arbor/csv/csv_table.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/table/cell_blocks.h"
 #include "arbor/table/column_loader.h"

@@ -60,10 +60,15 @@ std::vector<double> class_probabilities::normalized(std::vector<double> distribu
   return distribution;
 }
 
-std::size_t class_probabilities::likeliest_at(std::size_t node) const {
-  std::vector<double> distribution(tree.class_count(), 0.0);
-  add_node(distribution, node, 1);
-  return likeliest_class(normalized(std::move(distribution)));
+std::vector<std::size_t> predicted_classes(const decision_tree& tree) {
+  const class_probabilities probabilities(tree);
+  std::vector<std::size_t> predicted;
+  for (std::size_t node = 0; node < tree.nodes.size(); ++node) {
+    std::vector<double> distribution(tree.class_count(), 0.0);
+    probabilities.add_node(distribution, node, 1);
+    predicted.push_back(likeliest_class(probabilities.normalized(std::move(distribution))));
+  }
+  return predicted;
 }
 
 std::size_t likeliest_class(const std::vector<double>& distribution) {

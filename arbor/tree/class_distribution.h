@@ -50,11 +50,9 @@ class class_probabilities {
   template <class BranchOf>
   std::vector<double> of_case(BranchOf branch_of) const;
 
-  // The entry of the class that is predicted where a case reaches this node and no other, as if it
-  // were a leaf.
-  std::size_t likeliest_at(std::size_t node) const;
-
  private:
+  friend std::vector<std::size_t> predicted_classes(const decision_tree& tree);
+
   void add_node(std::vector<double>& distribution, std::size_t node, double weight) const;
   std::vector<double> normalized(std::vector<double> distribution) const;
 
@@ -63,6 +61,10 @@ class class_probabilities {
   std::vector<std::size_t> parents;  // by node
   std::vector<double> case_weights;  // by node
 };
+
+// By node: the entry of the class that is predicted where a case reaches this node and no other, as
+// if it were a leaf.
+std::vector<std::size_t> predicted_classes(const decision_tree& tree);
 
 // The entry of the class with the greatest probability; of equal ones the first.
 std::size_t likeliest_class(const std::vector<double>& distribution);

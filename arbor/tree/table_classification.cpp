@@ -10,6 +10,7 @@
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/csv_table.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/class_distribution.h"

@@ -2,6 +2,7 @@
 
 #include "arbor/csv/csv_reader.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -80,12 +81,41 @@ TEST(CsvReader, PassesOnWhatItsUserThrows) {
     EXPECT_EQ(refusal(contents, read), "a");
 }
 
-TEST(MessageText, ShowsAnyTextOnOneLine) {
+TEST(ShownText, HasNothingThatATerminalObeys) {
+  const std::vector<std::pair<std::string, std::string>> cases{
+      {"a\"\n\r\t\x1F\x7F\u00FC", "a\"\\n\\r\\t\\x1F\\x7F\u00FC"},
+      {std::string("a\0b", 3), "a\\x00b"},
+      {"\u0080\u009F\u00A0", "\\u0080\\u009F\u00A0"},  // control characters, a blank
+      {"\u2027\u2028\u2029\u202A\u202E\u202F", "\u2027\\u2028\\u2029\\u202A\\u202E\u202F"},
+      {"\u2065\u2066\u2069\u206A", "\u2065\\u2066\\u2069\u206A"},
+      {"\u061C\u200D\u200E\u200F", "\\u061C\u200D\\u200E\\u200F"},
+      {"\x9B\xFF\xC3", "\\x9B\\xFF\\xC3"},                    // not UTF-8
+      {"\xC0\x80\xED\xA0\x80", "\\xC0\\x80\\xED\\xA0\\x80"},  // nor too long, nor half
+  };
+  for (const auto& [text, shown] : cases) {
+    EXPECT_EQ(tree::printable(text), shown);
+    EXPECT_EQ(tree::printable(shown), shown);
+  }
+}
+
+TEST(ShownText, IsNoWiderThanItMayBe) {
   const std::string x(59, 'x');
-  EXPECT_EQ(tree::in_quotes("a\"\n\r\t\x1F\x7F\xC3\xBC"), "\"a\\\"\\n\\r\\t\\x1F\\x7F\xC3\xBC\"");
-  EXPECT_EQ(tree::in_quotes(x + "y"), "\"" + x + "y\"");
+  EXPECT_EQ(tree::in_quotes(x + "\""), "\"" + x + "\\\"\"");
   EXPECT_EQ(tree::in_quotes(x + "yz"), "\"" + x + "y...\"");
-  EXPECT_EQ(tree::in_quotes(x + "\xC3\xBC"), "\"" + x + "...\"");
+  EXPECT_EQ(tree::in_quotes(x + "\u00FC"), "\"" + x + "\u00FC\"");
+  EXPECT_EQ(tree::in_quotes(x + "\u7A81"), "\"" + x + "...\"");  // takes two columns
+  EXPECT_EQ(tree::shown("abcdefghij", 10), "abcdefghij");
+  EXPECT_EQ(tree::shown("abcdefghijk", 10), "abcd...ijk");
+  EXPECT_EQ(tree::shown("\u7A81\u7A81\u7A81\u7A81\u7A81\u7A81", 10), "\u7A81\u7A81...\u7A81");
+  EXPECT_EQ(tree::shown("abcde\u0301fghiju\u0308k", 10), "abcd...ju\u0308k");
+  EXPECT_EQ(tree::display_width("u\u0308\u7A81\u00FC"), 4);
+  std::string accents = "a";
+  for (int i = 0; i < 100000; ++i) accents += "\u0301";
+  for (const std::string& text : {accents, std::string(1000000, 'x'), std::string(1000000, '\xFF')})
+    EXPECT_LT(tree::shown(text, 20).size() + tree::in_quotes(text).size(), 1000);
+}
+
+TEST(MessageText, CountsAndQuotes) {
   EXPECT_EQ(tree::counted(1, "leaf", "leaves") + tree::counted(0, "row"), "1 leaf0 rows");
   EXPECT_EQ(tree::shell_word("it's"), "'it'\\''s'");
 }

@@ -6,6 +6,7 @@
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/csv_reader.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/table/float_merges.h"
 #include "arbor/table/value_text.h"
 #include "arbor/utils/number_text.h"
