@@ -5,12 +5,6 @@
 #include <iterator>
 
 #include "arbor/report/evaluation_report.h"
-#include "arbor/report/rating_report.h"
-#include "arbor/report/tree_graph.h"
-#include "arbor/report/tree_json.h"
-#include "arbor/report/tree_report.h"
-#include "arbor/report/validation_json.h"
-#include "arbor/report/validation_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
@@ -18,6 +12,7 @@
 #include "arbor/tree/rating.h"
 #include "arbor/tree/table_classification.h"
 #include "tests/support/allocations.h"
+#include "tests/support/reports.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -53,10 +48,6 @@ decision_tree grown(const table& rows, unsigned int threads = 1) {
   return tree::grow_tree(rows, rows.cases, options);
 }
 
-std::string shown(const decision_tree& t) {
-  return tree::tree_as_text(t, tree::whole_depth);
-}
-
 TEST(AllocationFailure, GivesNoPartOfATable) {
   const temporary_file file(small_table);
   fail_each("load", [&] {
@@ -70,9 +61,9 @@ TEST(AllocationFailure, GivesNoPartOfATable) {
 
 TEST(AllocationFailure, LeavesATableToGrowTreesOn) {
   const table small = loaded(ARBOR_DATA "/golf.csv"), large = loaded(ARBOR_DATA "/pima2.csv");
-  fail_each("small", [&] { return shown(grown(small)); });
+  fail_each("small", [&] { return text_of(grown(small)); });
   for (const unsigned int threads : {1U, 3U}) {
-    const auto grow = [&] { return shown(grown(large, threads)); };
+    const auto grow = [&] { return text_of(grown(large, threads)); };
     fail_each("large", grow, 197);
   }
 }
@@ -85,8 +76,7 @@ TEST(AllocationFailure, EndsAValidation) {
   options.grow.threads = 2;
   const auto validate = [&] {
     const tree::validation result = tree::cross_validate(rows, options);
-    return tree::validation_as_text(rows, options, result, 0) + tree::validation_as_csv(result) +
-           tree::validation_as_json(rows, options, result, 0);
+    return reports_of(rows, options, result);
   };
   fail_each("validate", validate, 797);
 }
@@ -96,12 +86,9 @@ TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
   const decision_tree t = grown(rows);
   const temporary_file csv("humidity,windy,outlook,play\n50,?,sunny,yes\n\"?\",no,,\n");
   const auto print = [&] {
-    return tree::tree_as_text(t, 2) + tree::first_lines(shown(t), 3) + tree::size_line(t) +
+    return reports_of(t) + reports_of(rows, tree::rate_attributes(rows, rows.cases, 1)) +
            tree::evaluation_as_text("golf", *t.class_column,
-                                    tree::classify_cases(t, rows, rows.cases)) +
-           tree::tree_as_dot(t, 3) + tree::tree_as_json(t) + tree::description(t) +
-           tree::importance_as_text(t) +
-           tree::ratings_as_json(rows, rows.cases, tree::rate_attributes(rows, rows.cases, 1));
+                                    tree::classify_cases(t, rows, rows.cases));
   };
   fail_each("text", print, 5);
   fail_each("file", [&] {
@@ -127,7 +114,7 @@ TEST(AllocationFailure, LeavesAModelFileWhole) {
     return std::string(std::istreambuf_iterator<char>(in), {});
   };
   fail_each("save", make, act, show);
-  fail_each("load", [&] { return shown(tree::load_model(model)); });
+  fail_each("load", [&] { return text_of(tree::load_model(model)); });
   fs::remove_all(folder);
 }
 

@@ -23,6 +23,7 @@
 #include "tools/classify_rows.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
+#include "tools/terminal.h"
 
 namespace arbor::tools {
 
@@ -100,8 +101,9 @@ tree::grow_options tune_with_progress(const tree::table& rows, const impls::w_se
 // A large tree is shown in part.
 void print_tree(const timed_tree& grown) {
   constexpr std::size_t screen_lines = 40;
-  const std::size_t depth = tree::depth_of_lines(grown.tree, screen_lines);
-  std::cout << tree::first_lines(tree::tree_as_text(grown.tree, depth), screen_lines) << '\n'
+  const tree::tree_excerpt excerpt = tree::excerpt_of_lines(grown.tree, screen_lines);
+  tree::write_tree_text(std::cout, grown.tree, excerpt, text_width());
+  std::cout << '\n'
             << tree::size_line(grown.tree) << fmt::format(", grown in {:.3f} s\n", grown.seconds);
 }
 
@@ -160,7 +162,7 @@ void grow_command::run() {
   if (!model_path.empty()) tree::save_model(model_path, grown.tree);
   warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
-  std::cout << tree::table_line(rows, rows.cases) << "\n\n";
+  std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";
   if (tree_growth.tune()) {
     std::cout << fmt::format("chosen: minimum weight {}, confidence {}\n\n",
                              tree::shortest_text(options.min_weight),

@@ -12,6 +12,7 @@
 #include "tools/help_format.h"
 #include "tools/rate_command.h"
 #include "tools/show_command.h"
+#include "tools/terminal.h"
 #include "tools/validate_command.h"
 
 namespace {
@@ -28,6 +29,7 @@ Examples:
   arbor classify golf.model tomorrow.csv)";
 
 int run(int argc, const char* const* argv) {
+  const arbor::tools::terminal_guard guard(std::cout, arbor::tools::prints_to_terminal());
   CLI::App app("Decision trees from tables.", "arbor");
   app.formatter(std::make_shared<arbor::tools::help_format>());
   app.set_version_flag("--version", "arbor " ARBOR_VERSION);

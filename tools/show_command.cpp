@@ -1,6 +1,7 @@
 #include "tools/show_command.h"
 
 #include <iostream>
+#include <sstream>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/table_error.h"
@@ -14,6 +15,7 @@
 #include "arbor/tree/rating.h"
 #include "tools/output_file.h"
 #include "tools/print_ratings.h"
+#include "tools/terminal.h"
 
 namespace arbor::tools {
 
@@ -31,6 +33,16 @@ Examples:
   arbor show birds.model --depth 2 --picture birds.svg
   arbor show golf.model --format json
   arbor show golf.model --node 0 --rate golf.csv)";
+
+void print_text(const tree::decision_tree& model, std::size_t depth) {
+  tree::tree_excerpt excerpt;
+  excerpt.depth = depth;
+  std::cout << tree::description(model) << '\n';
+  tree::write_tree_text(std::cout, model, excerpt, text_width());
+  if (model.attributes.empty()) return;
+  std::cout << '\n';
+  tree::write_importance(std::cout, model, text_width());
+}
 
 }  // namespace
 
@@ -69,15 +81,16 @@ void show_command::run() {
   if (!rated_path.empty()) {
     rate_at_node(model);
   } else if (!picture_path.empty()) {
-    draw_picture(tree::tree_as_dot(model, shown_depth));
+    std::ostringstream graph;
+    graph.exceptions(std::ios::badbit);  // out of memory
+    tree::write_tree_dot(graph, model, shown_depth);
+    draw_picture(graph.str());
   } else if (format == "json") {
-    std::cout << tree::tree_as_json(model);
+    tree::write_tree_json(std::cout, model);
   } else if (format == "dot") {
-    std::cout << tree::tree_as_dot(model, shown_depth);
+    tree::write_tree_dot(std::cout, model, shown_depth);
   } else {
-    std::cout << tree::description(model) << '\n' << tree::tree_as_text(model, shown_depth);
-    const std::string importance = tree::importance_as_text(model);
-    if (!importance.empty()) std::cout << '\n' << importance;
+    print_text(model, shown_depth);
   }
 }
 

@@ -10,6 +10,7 @@
 #include "arbor/report/validation_json.h"
 #include "arbor/report/validation_report.h"
 #include "tools/progress_line.h"
+#include "tools/terminal.h"
 
 namespace arbor::tools {
 
@@ -83,12 +84,12 @@ void validate_command::run() {
                         tree::counted(rows.cases.size(), "row")));
   const timed_validation done = validate_with_progress(rows, options);
   if (format == "json") {
-    std::cout << tree::validation_as_json(rows, options, done.result, done.seconds);
+    tree::write_validation_json(std::cout, rows, options, done.result, done.seconds);
   } else if (format == "csv") {
-    std::cout << tree::validation_as_csv(done.result);
+    tree::write_validation_csv(std::cout, done.result);
   } else {
-    std::cout << tree::table_line(rows, rows.cases) << "\n\n"
-              << tree::validation_as_text(rows, options, done.result, done.seconds);
+    std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";
+    tree::write_validation_text(std::cout, rows, options, done.result, done.seconds, text_width());
   }
 }
 

@@ -36,7 +36,7 @@ std::string readable_matrix(const impls::column& classes, const confusion_matrix
   constexpr std::size_t name_width = 40;
   std::vector<std::string> names;
   names.reserve(occurring.size());
-  for (const std::size_t c : occurring) names.push_back(printable(class_text(classes, c)));
+  for (const std::size_t c : occurring) names.push_back(shown(class_text(classes, c), line_width));
   std::string report = matrix_of(matrix, occurring, names, names);
   if (display_width(report.substr(0, report.find('\n'))) <= line_width) return report;
   std::vector<std::string> letters;

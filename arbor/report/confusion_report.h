@@ -11,7 +11,7 @@ namespace arbor::tree {
 
 // A line for each actual class and a column for each predicted class, with the weight of the cases.
 // Only classes that occur in the matrix are shown. Where their names would make it wider than 100
-// characters, letters stand for them, which the lines explain. Instead of more than twenty classes,
+// columns, letters stand for them, which the lines explain. Long names are shortened. Instead of more than twenty classes,
 // the twenty heaviest pairs of an actual class and another predicted one are listed.
 //
 // `classes` is the class column. The entry after its last class is for all others: "(another)".

@@ -1,9 +1,14 @@
 #include "arbor/report/json_writer.h"
 
+#include <fmt/format.h>
+
 #include <cstdint>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <utility>
 #include <vector>
+
+#include "arbor/csv/shown_text.h"
 
 namespace arbor::tree {
 
@@ -14,38 +19,62 @@ namespace {
 using float_json = nlohmann::basic_json<std::map, std::vector, std::string, bool, std::int64_t,
                                         std::uint64_t, float>;
 
-std::string dumped(const float_json& scalar) {
-  return scalar.dump(-1, ' ', false, float_json::error_handler_t::replace);
+// A text of UTF-8 without the quotes around it.
+std::string escaped(const std::string& text) {
+  const std::string quoted = float_json(text).dump();
+  return quoted.substr(1, quoted.size() - 2);
 }
 
 }  // namespace
 
+std::string json_text(std::string_view text) {
+  std::string result = "\"";
+  std::string utf8;  // that may stand as it is, but for what JSON itself escapes
+  while (!text.empty()) {
+    const utf8_character first = first_character(text);
+    if (!first.valid) {
+      utf8 += fmt::format("\\x{:02X}", static_cast<unsigned char>(text.front()));
+    } else if (first.is_printable() || first.point < ' ') {
+      utf8 += text.substr(0, first.length);
+    } else {
+      result += escaped(std::exchange(utf8, {}));
+      result += fmt::format("\\u{:04x}", static_cast<unsigned int>(first.point));
+    }
+    text.remove_prefix(first.length);
+  }
+  return result + escaped(utf8) + '"';
+}
+
 json_writer& json_writer::open(char bracket) {
   begin_value();
-  written += bracket;
+  out << bracket;
   open_brackets += bracket;
   is_first = true;
   return *this;
 }
 
+json_writer& json_writer::open_numbers() {
+  open('[');
+  open_brackets.back() = ',';
+  return *this;
+}
+
 json_writer& json_writer::close() {
   const char bracket = open_brackets.back();
+  const bool begins_line = !is_first && !on_one_line();
   open_brackets.pop_back();
-  if (!is_first) begin_line();
-  written += bracket == '{' ? '}' : ']';
+  if (begins_line) begin_line();
+  out << (bracket == '{' ? '}' : ']');
+  if (open_brackets.empty()) out << '\n';
   is_first = false;
   return *this;
 }
 
 json_writer& json_writer::key(const char* name) {
   value(name);
-  written += ": ";
+  out << ": ";
   follows_key = true;
   return *this;
-}
-
-json_writer& json_writer::value(const std::string& text) {
-  return scalar(dumped(text));
 }
 
 json_writer& json_writer::value(bool truth) {
@@ -53,7 +82,7 @@ json_writer& json_writer::value(bool truth) {
 }
 
 json_writer& json_writer::value(float number) {
-  return scalar(dumped(number));
+  return scalar(float_json(number).dump());
 }
 
 json_writer& json_writer::value(double number) {
@@ -68,9 +97,9 @@ json_writer& json_writer::null() {
   return scalar("null");
 }
 
-json_writer& json_writer::scalar(const std::string& as_json) {
+json_writer& json_writer::scalar(std::string_view as_json) {
   begin_value();
-  written += as_json;
+  out << as_json;
   is_first = false;
   return *this;
 }
@@ -78,15 +107,14 @@ json_writer& json_writer::scalar(const std::string& as_json) {
 // Separates a value from the one before it; after a key it stays on the line.
 void json_writer::begin_value() {
   if (!follows_key && !open_brackets.empty()) {
-    if (!is_first) written += ',';
-    begin_line();
+    if (!is_first) out << (on_one_line() ? ", " : ",");
+    if (!on_one_line()) begin_line();
   }
   follows_key = false;
 }
 
 void json_writer::begin_line() {
-  written += '\n';
-  written.append(2 * open_brackets.size(), ' ');
+  out << '\n' << std::string(2 * open_brackets.size(), ' ');
 }
 
 }  // namespace arbor::tree

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "arbor/csv/shown_text.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {
@@ -21,25 +20,24 @@ std::string class_text(const column& classes, std::size_t entry) {
   return value_text(classes, static_cast<unsigned int>(entry) + 1);
 }
 
-std::string class_text(const decision_tree& tree, std::size_t entry) {
-  return class_text(*tree.class_column, entry);
-}
-
 std::string test_threshold(const column& tested, const tree_node& test) {
   return shortest_value(tested, tested.get_index(test.split.threshold.c_str()));
 }
 
-std::string branch_value(const column& tested, const tree_node& child) {
-  if (!tested.is_continuous()) return value_text(tested, child.branch);
+const char* side_of_threshold(const tree_node& child) {
   return child.branch == 1 ? "<=" : ">";
 }
 
-std::string leaf_text(const decision_tree& tree, std::size_t index, std::size_t predicted) {
-  const tree_node& node = tree.nodes[index];
+std::string branch_value(column_texts& texts, const column& tested, const tree_node& child) {
+  return tested.is_continuous() ? side_of_threshold(child) : texts.value(tested, child.branch);
+}
+
+std::string leaf_text(column_texts& texts, const decision_tree& tree, const tree_node& node,
+                      std::size_t predicted) {
   const double cases = weigh(node).cases;
   const std::string errors = weight_text(cases - static_cast<double>(weight_of(node, predicted)));
-  return fmt::format("{} ({}{})", printable(class_text(tree, predicted)), weight_text(cases),
-                     errors == "0" ? "" : "/" + errors);
+  return fmt::format("{} ({}{})", texts.class_name(*tree.class_column, predicted),
+                     weight_text(cases), errors == "0" ? "" : "/" + errors);
 }
 
 }  // namespace arbor::tree

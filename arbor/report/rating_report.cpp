@@ -51,9 +51,9 @@ double unknown_share(const impls::w_sequence& cases, const attribute_rating& rat
 }
 
 // A value in a list, in quotes where a reader could not see where it begins or ends.
-std::string listed(const std::string& value) {
+std::string listed(const std::string& value, std::size_t width) {
   const bool plain = !value.empty() && value.find_first_of(" ,\"\n\r\t") == std::string::npos;
-  return plain ? printable(value) : in_quotes(value);
+  return plain ? shown(value, width) : in_quotes(value);
 }
 
 std::string split_as_text(const attribute_rating& rating) {
@@ -76,12 +76,12 @@ std::size_t keep_heaviest(std::vector<class_weight>& classes, std::size_t most) 
 }
 
 // " no 5, yes 9"
-std::string class_list(std::vector<class_weight> classes) {
+std::string class_list(std::vector<class_weight> classes, std::size_t width) {
   constexpr std::size_t most_classes = 20;
   const std::size_t removed = keep_heaviest(classes, most_classes);
   std::string list;
   for (const auto& [value, weight] : classes) {
-    list += (list.empty() ? " " : ", ") + listed(value) + " " + shortest_text(weight);
+    list += (list.empty() ? " " : ", ") + listed(value, width) + " " + shortest_text(weight);
   }
   if (removed > 0) list += fmt::format(", and {} lighter ones", removed);
   return list;
@@ -147,60 +147,67 @@ void rating_to_json(json_writer& json, const impls::w_sequence& cases,
 
 }  // namespace
 
-std::string table_line(const table& described, const impls::w_sequence& cases) {
+std::string table_line(const table& described, const impls::w_sequence& cases, std::size_t width) {
   return fmt::format("{}: {}, {}, {}; class {}:{}", described.name, counted(cases.size(), "row"),
                      counted(attribute_count(described), "attribute"),
                      counted(unknown_attribute_cells(described, cases), "unknown cell"),
                      in_quotes(described.class_column().get_name()),
-                     class_list(named_class_weights(described, cases)));
+                     class_list(named_class_weights(described, cases), width));
 }
 
-std::string ratings_as_text(const impls::w_sequence& cases, const table_rating& ratings) {
-  std::vector<std::vector<std::string>> rows{{"attribute", "kind", "type", "values", "unknown",
-                                              "gain", "judged", "split info", "gain ratio",
-                                              "split"}};
-  for (const attribute_rating& rating : ratings.attributes) {
-    rows.push_back(
-        {printable(rating.name), rating.kind, rating.data_type, std::to_string(rating.values),
-         fmt::format("{:.1f}%", 100 * unknown_share(cases, rating)),
-         decimal(rating, &split_rating::gain), decimal(rating, &split_rating::judged_gain),
-         decimal(rating, &split_rating::split_info), decimal(rating, &split_rating::gain_ratio),
-         split_as_text(rating)});
-  }
-  return aligned(rows, "lllrrrrrrl") + choice_as_text(ratings);
+void write_ratings_text(std::ostream& out, const impls::w_sequence& cases,
+                        const table_rating& ratings, std::size_t width) {
+  const auto row = [&](std::size_t r) -> std::vector<std::string> {
+    if (r == 0) {
+      return {"attribute", "kind",   "type",       "values",     "unknown",
+              "gain",      "judged", "split info", "gain ratio", "split"};
+    }
+    const attribute_rating& rating = ratings.attributes[r - 1];
+    return {shown(rating.name, width),
+            rating.kind,
+            rating.data_type,
+            std::to_string(rating.values),
+            fmt::format("{:.1f}%", 100 * unknown_share(cases, rating)),
+            decimal(rating, &split_rating::gain),
+            decimal(rating, &split_rating::judged_gain),
+            decimal(rating, &split_rating::split_info),
+            decimal(rating, &split_rating::gain_ratio),
+            split_as_text(rating)};
+  };
+  write_aligned(out, "lllrrrrrrl", 1 + ratings.attributes.size(), row);
+  out << choice_as_text(ratings);
 }
 
-std::string ratings_as_csv(const impls::w_sequence& cases, const table_rating& ratings) {
-  std::string report =
-      "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,no_split,"
-      "judged_gain\n";
+void write_ratings_csv(std::ostream& out, const impls::w_sequence& cases,
+                       const table_rating& ratings) {
+  out << "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,"
+         "no_split,judged_gain\n";
   for (const attribute_rating& rating : ratings.attributes) {
-    report +=
-        fmt::format("{},{},{},{},{},", csv_cell(rating.name), rating.kind, rating.data_type,
-                    rating.values, shortest_text(static_cast<float>(unknown_share(cases, rating))));
+    out << csv_cell(rating.name)
+        << fmt::format(",{},{},{},{},", rating.kind, rating.data_type, rating.values,
+                       shortest_text(static_cast<float>(unknown_share(cases, rating))));
     if (rating.split) {
       const split_rating& split = *rating.split;
-      report += fmt::format("{},{},{},{},{},,{}\n", shortest_text(split.gain),
-                            shortest_text(split.split_info), shortest_text(split.gain_ratio),
-                            split.branches, split.threshold.value_or(""),
-                            shortest_text(split.judged_gain));
+      out << fmt::format("{},{},{},{},{},,{}\n", shortest_text(split.gain),
+                         shortest_text(split.split_info), shortest_text(split.gain_ratio),
+                         split.branches, split.threshold.value_or(""),
+                         shortest_text(split.judged_gain));
     } else {
-      report += fmt::format(",,,,,{},\n", csv_cell(rating.no_split_reason));
+      out << fmt::format(",,,,,{},\n", csv_cell(rating.no_split_reason));
     }
   }
-  return report;
 }
 
-std::string ratings_as_json(const table& rated, const impls::w_sequence& cases,
-                            const table_rating& ratings) {
-  json_writer json;
+void write_ratings_json(std::ostream& out, const table& rated, const impls::w_sequence& cases,
+                        const table_rating& ratings) {
+  json_writer json(out);
   table_to_json(json.open('{').key("table"), rated, cases);
   json.key("ratings").open('[');
   for (const attribute_rating& rating : ratings.attributes) rating_to_json(json, cases, rating);
   json.close();
   json.member("average_judged_gain", static_cast<float>(ratings.average_judged_gain));
   json.member("chosen", chosen_attribute(ratings));
-  return json.close().text();
+  json.close();
 }
 
 }  // namespace arbor::tree

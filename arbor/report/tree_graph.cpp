@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "arbor/csv/shown_text.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/node_walk.h"
+#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
@@ -21,37 +21,37 @@ std::string dot_text(const std::string& text) {
   return result + '"';
 }
 
-std::string box(const decision_tree& tree, std::size_t index, std::size_t predicted) {
-  const std::string more = tree.nodes[index].is_leaf() ? "" : " ...";
-  const std::string label = leaf_text(tree, index, predicted) + more;
-  return fmt::format("  n{} [shape=box label={}]\n", index, dot_text(label));
-}
-
 // An ellipse and the edges to the children.
-std::string ellipse(const decision_tree& tree, std::size_t index) {
+void write_test(std::ostream& out, column_texts& texts, const decision_tree& tree,
+                std::size_t index) {
   const tree_node& test = tree.nodes[index];
   const impls::column& tested = *tree.attributes[test.attribute];
   const std::string threshold = tested.is_continuous() ? " " + test_threshold(tested, test) : "";
-  std::string result =
-      fmt::format("  n{} [label={}]\n", index, dot_text(printable(tested.get_name())));
+  out << fmt::format("  n{} [label={}]\n", index, dot_text(texts.name(tested)));
   for (std::size_t i = test.first_child; i < test.first_child + test.child_count; ++i) {
-    const std::string label = printable(branch_value(tested, tree.nodes[i])) + threshold;
-    result += fmt::format("  n{} -> n{} [label={}]\n", index, i, dot_text(label));
+    const std::string label = branch_value(texts, tested, tree.nodes[i]) + threshold;
+    out << fmt::format("  n{} -> n{} [label={}]\n", index, i, dot_text(label));
   }
-  return result;
 }
 
 }  // namespace
 
-std::string tree_as_dot(const decision_tree& tree, std::size_t depth) {
-  std::string graph =
-      "digraph tree {\n  node [fontname=\"sans-serif\"]\n  edge [fontname=\"sans-serif\"]\n";
+void write_tree_dot(std::ostream& out, const decision_tree& tree, std::size_t depth) {
+  constexpr std::size_t label_width = 60;
+  column_texts texts = shown_texts(label_width);
   const std::vector<std::size_t> predicted = predicted_classes(tree);
+  out << "digraph tree {\n  node [fontname=\"sans-serif\"]\n  edge [fontname=\"sans-serif\"]\n";
   for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
-    const bool is_box = tree.nodes[index].is_leaf() || level == depth;
-    graph += is_box ? box(tree, index, predicted[index]) : ellipse(tree, index);
+    const tree_node& node = tree.nodes[index];
+    if (!node.is_leaf() && level < depth) {
+      write_test(out, texts, tree, index);
+      return;
+    }
+    const std::string label =
+        leaf_text(texts, tree, node, predicted[index]) + (node.is_leaf() ? "" : " ...");
+    out << fmt::format("  n{} [shape=box label={}]\n", index, dot_text(label));
   });
-  return graph + "}\n";
+  out << "}\n";
 }
 
 }  // namespace arbor::tree

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "arbor/report/json_texts.h"
 #include "arbor/report/json_writer.h"
 #include "arbor/report/node_text.h"
 #include "arbor/tree/attribute_importance.h"
@@ -15,7 +16,8 @@ namespace {
 
 void classes_to_json(json_writer& json, const decision_tree& tree) {
   json.open('[');
-  for (std::size_t c = 0; c < tree.class_count(); ++c) json.value(class_text(tree, c));
+  for (std::size_t c = 0; c < tree.class_count(); ++c)
+    json.value(class_text(*tree.class_column, c));
   json.close();
 }
 
@@ -48,27 +50,32 @@ void weights_to_json(json_writer& json, const decision_tree& tree, const tree_no
   if (tree.class_count() > most_listed) {
     json.key("class_weights").open('[');
     for (const auto& present : node.class_weights)
-      json.open('[').value(present.entry).value(present.weight).close();
+      json.open_numbers().value(present.entry).value(present.weight).close();
   } else {
-    json.key("weights").open('[');
+    json.key("weights").open_numbers();
     for (std::size_t c = 0; c < tree.class_count(); ++c) json.value(weight_of(node, c));
   }
   json.close();
 }
 
-void branch_to_json(json_writer& json, const decision_tree& tree, std::size_t parent,
-                    const tree_node& node) {
+void branch_to_json(json_writer& json, json_texts& texts, const decision_tree& tree,
+                    std::size_t parent, const tree_node& node) {
   const impls::column& tested = *tree.attributes[tree.nodes[parent].attribute];
   json.member("parent", parent);
-  json.member("branch", branch_value(tested, node));
+  if (tested.is_continuous()) {
+    json.member("branch", side_of_threshold(node));
+  } else {
+    texts.value_member(json, "branch", tested, node.branch);
+  }
   json.member("share", node.share);
 }
 
-void test_to_json(json_writer& json, const decision_tree& tree, const tree_node& test) {
+void test_to_json(json_writer& json, json_texts& texts, const decision_tree& tree,
+                  const tree_node& test) {
   const impls::column& tested = *tree.attributes[test.attribute];
-  json.member("attribute", tested.get_name());
+  texts.name_member(json, "attribute", tested);
   if (tested.is_continuous()) json.member("threshold", test_threshold(tested, test));
-  json.key("children").open('[');
+  json.key("children").open_numbers();
   for (std::size_t child = test.first_child; child < test.first_child + test.child_count; ++child)
     json.value(child);
   json.close();
@@ -76,9 +83,10 @@ void test_to_json(json_writer& json, const decision_tree& tree, const tree_node&
 
 }  // namespace
 
-std::string tree_as_json(const decision_tree& tree) {
+void write_tree_json(std::ostream& out, const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
-  json_writer json;
+  json_writer json(out);
+  json_texts texts;
   json.open('{').member("class", tree.class_column->get_name());
   const std::vector<std::size_t> predicted = predicted_classes(tree);
   classes_to_json(json.key("classes"), tree);
@@ -94,12 +102,14 @@ std::string tree_as_json(const decision_tree& tree) {
     const tree_node& node = tree.nodes[i];
     json.open('{').member("node", i);
     weights_to_json(json, tree, node);
-    json.member("class", class_text(tree, predicted[i]));
-    if (i > 0) branch_to_json(json, tree, parents[i], node);
-    if (!node.is_leaf()) test_to_json(json, tree, node);
+    texts.class_member(json, "class", *tree.class_column, predicted[i]);
+    if (i > 0) branch_to_json(json, texts, tree, parents[i], node);
+    if (!node.is_leaf()) test_to_json(json, texts, tree, node);
     json.close();
   }
-  return json.close().close().text();
+  json.close();
+  texts.write_long_texts(json);
+  json.close();
 }
 
 }  // namespace arbor::tree

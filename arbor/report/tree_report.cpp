@@ -15,16 +15,18 @@
 #include "arbor/report/text_table.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/attribute_importance.h"
+#include "arbor/tree/class_distribution.h"
 
 namespace arbor::tree {
 
 namespace {
 
 // "humidity <= 70"
-std::string branch_text(const decision_tree& tree, const tree_node& test, const tree_node& child) {
+std::string branch_text(column_texts& texts, const decision_tree& tree, const tree_node& test,
+                        const tree_node& child) {
   const impls::column& tested = *tree.attributes[test.attribute];
-  const std::string name = printable(tested.get_name());
-  const std::string value = printable(branch_value(tested, child));
+  const std::string& name = texts.name(tested);
+  const std::string value = branch_value(texts, tested, child);
   if (!tested.is_continuous()) return name + " = " + value;
   return name + " " + value + " " + test_threshold(tested, test);
 }
@@ -52,29 +54,35 @@ std::vector<std::size_t> leaves_below(const decision_tree& tree) {
 
 }  // namespace
 
-std::string tree_as_text(const decision_tree& tree, std::size_t depth) {
+void write_tree_text(std::ostream& out, const decision_tree& tree, const tree_excerpt& excerpt,
+                     std::size_t width) {
   const std::vector<std::size_t> parents = node_parents(tree);
   const std::vector<std::size_t> leaves = leaves_below(tree);
   const std::vector<std::size_t> predicted = predicted_classes(tree);
-  std::string report;
-  for_each_node(tree, depth, [&](std::size_t index, std::size_t level) {
+  column_texts texts = shown_texts(width);
+  std::size_t lines = 0;
+  for_each_node(tree, excerpt.depth, [&](std::size_t index, std::size_t level) {
     const tree_node& node = tree.nodes[index];
+    const bool is_open = !node.is_leaf() && level < excerpt.depth;
+    if (level == 0 && is_open) return;
+    if (++lines > excerpt.lines) return;
     if (level > 0)
-      report += indentation(level) + branch_text(tree, tree.nodes[parents[index]], node);
+      out << indentation(level) << branch_text(texts, tree, tree.nodes[parents[index]], node);
     const char* separator = level > 0 ? ": " : "";
     if (node.is_leaf()) {
-      report += separator + leaf_text(tree, index, predicted[index]) + '\n';
-    } else if (level == depth) {
-      report += fmt::format("{}... {} below [{}]\n", separator,
-                            counted(leaves[index], "leaf", "leaves"), index);
-    } else if (level > 0) {
-      report += fmt::format(" [{}]\n", index);
+      out << separator << leaf_text(texts, tree, node, predicted[index]) << '\n';
+    } else if (is_open) {
+      out << fmt::format(" [{}]\n", index);
+    } else {
+      out << fmt::format("{}... {} below [{}]\n", separator,
+                         counted(leaves[index], "leaf", "leaves"), index);
     }
   });
-  return report;
+  if (lines > excerpt.lines)
+    out << fmt::format("... and {}\n", counted(lines - excerpt.lines, "more line"));
 }
 
-std::size_t depth_of_lines(const decision_tree& tree, std::size_t lines) {
+tree_excerpt excerpt_of_lines(const decision_tree& tree, std::size_t lines) {
   std::vector<std::size_t> nodes_at(2, 0);  // by depth
   for (const std::size_t depth : node_depths(tree)) {
     if (depth >= nodes_at.size()) nodes_at.resize(depth + 1, 0);
@@ -84,18 +92,7 @@ std::size_t depth_of_lines(const decision_tree& tree, std::size_t lines) {
   std::size_t used = nodes_at[1];
   while (depth + 1 < nodes_at.size() && used + nodes_at[depth + 1] <= lines)
     used += nodes_at[++depth];
-  return depth;
-}
-
-std::string first_lines(const std::string& text, std::size_t lines) {
-  std::size_t end = 0;
-  for (std::size_t line = 0; line < lines && end < text.size(); ++line)
-    end = text.find('\n', end) + 1;
-  const auto left_out =
-      std::count(text.begin() + static_cast<std::ptrdiff_t>(end), text.end(), '\n');
-  if (left_out == 0) return text;
-  return text.substr(0, end) + "... and " +
-         counted(static_cast<std::size_t>(left_out), "more line") + '\n';
+  return {depth, lines};
 }
 
 std::string size_line(const decision_tree& tree) {
@@ -117,20 +114,20 @@ std::string description(const decision_tree& tree) {
                                 : ", not pruned\n");
 }
 
-std::string importance_as_text(const decision_tree& tree) {
+void write_importance(std::ostream& out, const decision_tree& tree, std::size_t width) {
   const std::vector<double> importance = importance_of_attributes(tree);
-  if (importance.empty()) return "";
   const double sum = std::accumulate(importance.begin(), importance.end(), 0.0);
   std::vector<std::size_t> order(importance.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(),
                    [&](std::size_t a, std::size_t b) { return importance[a] > importance[b]; });
-  std::vector<std::vector<std::string>> rows{{"attribute", "importance", "share"}};
-  for (const std::size_t i : order) {
-    rows.push_back({printable(tree.attributes[i]->get_name()), fmt::format("{:.4f}", importance[i]),
-                    fmt::format("{:.1f}%", sum > 0 ? 100 * importance[i] / sum : 0)});
-  }
-  return aligned(rows, "lrr");
+  const auto row = [&](std::size_t r) -> std::vector<std::string> {
+    if (r == 0) return {"attribute", "importance", "share"};
+    const std::size_t i = order[r - 1];
+    return {shown(tree.attributes[i]->get_name(), width), fmt::format("{:.4f}", importance[i]),
+            fmt::format("{:.1f}%", sum > 0 ? 100 * importance[i] / sum : 0)};
+  };
+  write_aligned(out, "lrr", 1 + order.size(), row);
 }
 
 }  // namespace arbor::tree

@@ -3,6 +3,7 @@
 #include <limits>
 #include <optional>
 
+#include "arbor/report/json_texts.h"
 #include "arbor/report/json_writer.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/validation_report.h"
@@ -48,12 +49,13 @@ void qualities_to_json(json_writer& json, const impls::column& classes,
   json.close();
 }
 
-void matrix_to_json(json_writer& json, const impls::column& classes,
+void matrix_to_json(json_writer& json, json_texts& texts, const impls::column& classes,
                     const confusion_matrix& matrix) {
   json.open('[');
   for (const auto& [pair, weight] : matrix.pairs()) {
-    json.open('{').member("actual", class_text(classes, pair.first));
-    json.member("predicted", class_text(classes, pair.second)).member("weight", weight).close();
+    texts.class_member(json.open('{'), "actual", classes, pair.first);
+    texts.class_member(json, "predicted", classes, pair.second);
+    json.member("weight", weight).close();
   }
   json.close();
 }
@@ -80,10 +82,11 @@ void fold_to_json(json_writer& json, const fold_result& part) {
 
 }  // namespace
 
-std::string validation_as_json(const table& rows, const validation_options& options,
-                               const validation& result, double seconds) {
+void write_validation_json(std::ostream& out, const table& rows, const validation_options& options,
+                           const validation& result, double seconds) {
   const impls::column& classes = rows.class_column();
-  json_writer json;
+  json_writer json(out);
+  json_texts texts;
   json.open('{').member("table", rows.name).member("rows", rows.cases.size());
   json.member("class", classes.get_name());
   options_to_json(json.key("options"), options);
@@ -91,7 +94,7 @@ std::string validation_as_json(const table& rows, const validation_options& opti
   figures_to_json(json, result.quality);
   json.member("leaves", mean_leaves(result)).member("depth", mean_depth(result));
   qualities_to_json(json.key("classes"), classes, result.quality.matrix());
-  matrix_to_json(json.key("confusion_matrix"), classes, result.quality.matrix());
+  matrix_to_json(json.key("confusion_matrix"), texts, classes, result.quality.matrix());
   json.key("importance");
   if (options.importance) {
     losses_to_json(json, rows, result);
@@ -100,7 +103,9 @@ std::string validation_as_json(const table& rows, const validation_options& opti
   }
   json.key("folds").open('[');
   for (const fold_result& part : result.folds) fold_to_json(json, part);
-  return json.close().close().text();
+  json.close();
+  texts.write_long_texts(json);
+  json.close();
 }
 
 }  // namespace arbor::tree

@@ -34,23 +34,26 @@ std::string choices_as_text(const validation& result) {
   return '\n' + aligned(lines, "rrr") + '\n';
 }
 
-std::string importance_as_text(const table& rows, const validation& result) {
-  std::vector<std::vector<std::string>> lines{
-      {"permuted attribute", "trees", "log-loss", "accuracy"}};
-  std::size_t untested = 0;
-  for (const std::size_t i : columns_by_importance(rows, result)) {
+void write_permutations(std::ostream& out, const table& rows, const validation& result,
+                        std::size_t width) {
+  std::vector<std::size_t> tested = columns_by_importance(rows, result);
+  const std::size_t attributes = tested.size();
+  const auto is_untested = [&](std::size_t i) { return result.attributes[i].trees == 0; };
+  tested.erase(std::remove_if(tested.begin(), tested.end(), is_untested), tested.end());
+  const auto row = [&](std::size_t r) -> std::vector<std::string> {
+    if (r == 0) return {"permuted attribute", "trees", "log-loss", "accuracy"};
+    const std::size_t i = tested[r - 1];
     const auto& [trees, loss] = result.attributes[i];
-    if (trees == 0) {
-      ++untested;
-      continue;
-    }
-    lines.push_back({printable(rows.columns[i]->get_name()), std::to_string(trees),
-                     fmt::format("{:+.3f} bits", loss.log_loss),
-                     fmt::format("{:+.2f}%", 0 - 100 * loss.accuracy)});
+    return {shown(rows.columns[i]->get_name(), width), std::to_string(trees),
+            fmt::format("{:+.3f} bits", loss.log_loss),
+            fmt::format("{:+.2f}%", 0 - 100 * loss.accuracy)};
+  };
+  out << '\n';
+  write_aligned(out, "lrrr", 1 + tested.size(), row);
+  if (tested.size() < attributes) {
+    out << fmt::format("and {} that no tree tests\n",
+                       counted(attributes - tested.size(), "attribute"));
   }
-  std::string report = '\n' + aligned(lines, "lrrr");
-  if (untested > 0) report += "and " + counted(untested, "attribute") + " that no tree tests\n";
-  return report;
 }
 
 std::string short_number(double value) {
@@ -59,31 +62,28 @@ std::string short_number(double value) {
 
 }  // namespace
 
-std::string validation_as_text(const table& rows, const validation_options& options,
-                               const validation& result, double seconds) {
+void write_validation_text(std::ostream& out, const table& rows, const validation_options& options,
+                           const validation& result, double seconds, std::size_t width) {
   const std::string repeats =
       options.repeats == 1 ? "" : fmt::format("mean of {} repeats of ", options.repeats);
-  return fmt::format(
-             "{}{} folds, validated in {:.3f} s: trees of {:.1f} leaves and depth {:.1f} on "
-             "average\n",
-             repeats, options.folds, seconds, mean_leaves(result), mean_depth(result)) +
-         (options.tune ? choices_as_text(result) : "") +
-         evaluation_as_text("cross-validated", rows.class_column(), result.quality) +
-         (options.importance ? importance_as_text(rows, result) : "");
+  out << fmt::format(
+      "{}{} folds, validated in {:.3f} s: trees of {:.1f} leaves and depth {:.1f} on average\n",
+      repeats, options.folds, seconds, mean_leaves(result), mean_depth(result));
+  if (options.tune) out << choices_as_text(result);
+  out << evaluation_as_text("cross-validated", rows.class_column(), result.quality);
+  if (options.importance) write_permutations(out, rows, result, width);
 }
 
-std::string validation_as_csv(const validation& result) {
-  std::string report =
-      "repeat,fold,cases,accuracy,log_loss,brier,leaves,depth,min_weight,confidence\n";
+void write_validation_csv(std::ostream& out, const validation& result) {
+  out << "repeat,fold,cases,accuracy,log_loss,brier,leaves,depth,min_weight,confidence\n";
   for (const fold_result& part : result.folds) {
     const evaluation& quality = part.quality;
-    report += fmt::format("{},{},{},{},{},{},{},{},{},{}\n", part.repeat, part.fold,
-                          short_number(quality.matrix().total()), short_number(quality.accuracy()),
-                          short_number(quality.log_loss()), short_number(quality.brier_score()),
-                          part.size.leaves, part.size.depth, shortest_text(part.min_weight),
-                          part.confidence ? shortest_text(*part.confidence) : "");
+    out << fmt::format("{},{},{},{},{},{},{},{},{},{}\n", part.repeat, part.fold,
+                       short_number(quality.matrix().total()), short_number(quality.accuracy()),
+                       short_number(quality.log_loss()), short_number(quality.brier_score()),
+                       part.size.leaves, part.size.depth, shortest_text(part.min_weight),
+                       part.confidence ? shortest_text(*part.confidence) : "");
   }
-  return report;
 }
 
 std::vector<std::size_t> columns_by_importance(const table& rows, const validation& result) {

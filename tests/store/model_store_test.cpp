@@ -7,10 +7,8 @@
 #include <cstring>
 #include <iterator>
 
-#include "arbor/report/tree_graph.h"
-#include "arbor/report/tree_json.h"
-#include "arbor/report/tree_report.h"
 #include "arbor/tree/text_classifier.h"
+#include "tests/support/reports.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -43,7 +41,7 @@ std::string used(const std::string& bytes) {
     const tree::decision_tree t = tree::load_model(path);
     const std::vector<const char*> unknown(t.attributes.size(), nullptr);
     EXPECT_EQ(tree::text_classifier(t)(unknown).size() + 1, t.class_column->get_distinct());
-    EXPECT_NE(tree::tree_as_text(t, 9) + tree::tree_as_dot(t, 2) + tree::tree_as_json(t), "");
+    EXPECT_NE(reports_of(t), "");
   });
   EXPECT_EQ(message.find('\n'), std::string::npos);
   return message;
@@ -133,7 +131,7 @@ TEST(ModelStore, ReadsTheFirstFormatAndRefusesLaterOnes) {
   bytes[8] = '\1';
   const decision_tree golf = tree::load_model(temporary_file(bytes).path());
   EXPECT_EQ(tree::description(golf), "class \"play\": 8 nodes, 5 leaves, depth 2\n");
-  EXPECT_EQ(tree::tree_as_text(golf, 1),
+  EXPECT_EQ(text_of(golf, {1}),
             "outlook = overcast: yes (4)\noutlook = rainy: ... 2 leaves below [2]\n"
             "outlook = sunny: ... 2 leaves below [3]\n");
 }
@@ -153,7 +151,7 @@ TEST(ModelStore, TakesATreeOfAnyDepth) {
   tree::save_model(file.path(), chain);
   const tree::decision_tree t = tree::load_model(file.path());
   EXPECT_NEAR(tree::text_classifier(t)({nullptr})[0], 1.0 / 3, 1e-9);
-  EXPECT_EQ(tree::tree_as_text(t, 1), "x <= 1: y (3/1)\nx > 1: ... 100000 leaves below [2]\n");
+  EXPECT_EQ(text_of(t, {1}), "x <= 1: y (3/1)\nx > 1: ... 100000 leaves below [2]\n");
 }
 
 }  // namespace

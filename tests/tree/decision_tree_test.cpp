@@ -9,8 +9,6 @@
 #include <map>
 #include <utility>
 
-#include "arbor/report/tree_json.h"
-#include "arbor/report/tree_report.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/growing/gain_by_chance.h"
 #include "arbor/tree/growing/node_cases.h"
@@ -19,6 +17,7 @@
 #include "arbor/tree/text_classifier.h"
 #include "arbor/tree/thread_pool.h"
 #include "tests/support/oracle.h"
+#include "tests/support/reports.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -62,7 +61,7 @@ TEST(Grower, GrowsTheSameLargeTreeOnAnyThreadsAndAnyClassOfColumn) {
   const auto grow_again = [&] {
     const decision_tree t = tree::grow_tree(large, large.cases, options);
     EXPECT_EQ(tree::size_line(t), "907 nodes, 464 leaves, depth 12");
-    trees.push_back(tree::tree_as_json(t));
+    trees.push_back(reports_of(t));
     EXPECT_TRUE(trees.front() == trees.back());
   };
   for (unsigned int threads : {1U, 2U, 5U}) {
@@ -139,8 +138,7 @@ TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
     for (int i = 0; i < 2; ++i) csv += numbers[1] + ",x\n" + numbers[2] + ",y\n";
     const table rows = load_csv(csv);
     const decision_tree t = tree::grow_tree(rows, {rows.cases.begin() + 1, rows.cases.end()}, {});
-    EXPECT_EQ(tree::tree_as_text(t, 1),
-              "a <= " + numbers[1] + ": x (2)\na > " + numbers[1] + ": y (2)\n");
+    EXPECT_EQ(text_of(t, {1}), "a <= " + numbers[1] + ": x (2)\na > " + numbers[1] + ": y (2)\n");
   }
 }
 

@@ -1,0 +1,53 @@
+// Whatever table or model is accepted is printed in every form, in proportion to its bytes.
+#include "arbor/csv/table_error.h"
+#include "arbor/report/evaluation_report.h"
+#include "arbor/store/model_record.h"
+#include "arbor/tree/classification.h"
+#include "tests/fuzz/fuzz.h"
+#include "tests/support/reports.h"
+#include "tests/support/tables.h"
+
+using namespace arbor::fuzz;
+using namespace arbor::tree;
+using arbor::tests::reports_of;
+
+// A node of 45 bytes may have a line of each report with three names of up to 200 bytes, the
+// weights of a thousand classes on it, and forty bars in front of it.
+static void check_size(const std::string& reports, std::size_t input) {
+  check(reports.size() < 20000 + 400 * input, "a report is in proportion to its input");
+}
+
+static void print_model(const std::vector<unsigned char>& record) {
+  const decision_tree tree = read_model_record(record, record_version);
+  check_size(reports_of(tree), record.size());
+  thaw(tree.class_column->get_o_set());
+  thaw_all(tree.attributes);
+}
+
+static void print_table(const std::string& contents) {
+  const memory_file file(contents);
+  const table rows = load_table(file.path(), {});
+  check_size(reports_of(rows, rate_attributes(rows, rows.cases, 1)), contents.size());
+  validation_options options;
+  options.folds = 2;
+  options.importance = true;
+  options.grow.threads = 1;
+  options.grow.prune = false;
+  options.grow.min_weight = 1;
+  if (rows.cases.size() >= options.folds)
+    check_size(reports_of(rows, options, cross_validate(rows, options)), contents.size());
+  const decision_tree tree = grow_tree(rows, rows.cases, options.grow);
+  check_size(reports_of(tree) + evaluation_as_text("training", *tree.class_column,
+                                                   classify_cases(tree, rows, rows.cases)),
+             contents.size());
+  thaw_all(tree.attributes);
+  thaw(tree.class_column->get_o_set());
+  thaw_all(rows.columns);
+}
+
+// The input is the record of a model, or a table.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  message_of([&] { print_model({data, data + size}); });
+  message_of<table_error>([&] { print_table({data, data + size}); });
+  return 0;
+}

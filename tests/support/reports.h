@@ -1,0 +1,63 @@
+// Reports as texts: every form of a tree, of a table's ratings and of a validation.
+#ifndef ARBOR_TESTS_SUPPORT_REPORTS_H
+#define ARBOR_TESTS_SUPPORT_REPORTS_H
+
+#include <sstream>
+#include <string>
+
+#include "arbor/report/rating_report.h"
+#include "arbor/report/tree_graph.h"
+#include "arbor/report/tree_json.h"
+#include "arbor/report/tree_report.h"
+#include "arbor/report/validation_json.h"
+#include "arbor/report/validation_report.h"
+
+namespace arbor::tests {
+
+// What write(stream) writes. Throws what it throws.
+template <class Write>
+std::string written(Write write) {
+  std::ostringstream out;
+  out.exceptions(std::ios::badbit);  // a stream would keep to itself what is thrown
+  write(out);
+  return out.str();
+}
+
+inline std::string text_of(const tree::decision_tree& t, const tree::tree_excerpt& excerpt = {}) {
+  return written([&](std::ostream& out) { tree::write_tree_text(out, t, excerpt, 60); });
+}
+
+inline void write_reports(std::ostream& out, const tree::decision_tree& t) {
+  out << tree::description(t);
+  tree::write_tree_text(out, t, tree::excerpt_of_lines(t, 3), 60);
+  tree::write_tree_text(out, t, {}, 20);
+  tree::write_importance(out, t, 60);
+  tree::write_tree_dot(out, t, 3);
+  tree::write_tree_dot(out, t, tree::whole_depth);
+  tree::write_tree_json(out, t);
+}
+
+inline void write_reports(std::ostream& out, const tree::table& rows,
+                          const tree::table_rating& ratings) {
+  out << tree::table_line(rows, rows.cases, 60);
+  tree::write_ratings_text(out, rows.cases, ratings, 60);
+  tree::write_ratings_csv(out, rows.cases, ratings);
+  tree::write_ratings_json(out, rows, rows.cases, ratings);
+}
+
+inline void write_reports(std::ostream& out, const tree::table& rows,
+                          const tree::validation_options& options, const tree::validation& result) {
+  tree::write_validation_text(out, rows, options, result, 0, 60);
+  tree::write_validation_csv(out, result);
+  tree::write_validation_json(out, rows, options, result, 0);
+}
+
+// All reports on these things, one after the other.
+template <class... Reported>
+std::string reports_of(const Reported&... reported) {
+  return written([&](std::ostream& out) { write_reports(out, reported...); });
+}
+
+}  // namespace arbor::tests
+
+#endif
