@@ -37,7 +37,7 @@ Examples:
 void print_text(const tree::decision_tree& model, std::size_t depth) {
   tree::tree_excerpt excerpt;
   excerpt.depth = depth;
-  std::cout << tree::description(model) << '\n';
+  std::cout << tree::description(model, text_width()) << '\n';
   tree::write_tree_text(std::cout, model, excerpt, text_width());
   if (model.attributes.empty()) return;
   std::cout << '\n';

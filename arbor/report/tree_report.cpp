@@ -101,13 +101,13 @@ std::string size_line(const decision_tree& tree) {
                      counted(size.leaves, "leaf", "leaves"), size.depth);
 }
 
-std::string description(const decision_tree& tree) {
+std::string description(const decision_tree& tree, std::size_t width) {
   std::string lines =
       fmt::format("class {}: {}\n", in_quotes(tree.class_column->get_name()), size_line(tree));
   if (!tree.origin) return lines;
   const tree_origin& origin = *tree.origin;
   lines += fmt::format("grown on {} of {} with minimum weight {}", counted(origin.rows, "row"),
-                       printable(origin.table), shortest_text(origin.min_weight));
+                       shown(origin.table, width), shortest_text(origin.min_weight));
   if (origin.max_depth != std::numeric_limits<unsigned int>::max())
     lines += fmt::format(", at most {}", counted(origin.max_depth, "level"));
   return lines + (origin.pruned ? ", confidence " + shortest_text(origin.confidence) + '\n'

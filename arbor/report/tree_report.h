@@ -51,7 +51,7 @@ std::string size_line(const decision_tree& tree);
 //
 //   class "play": 8 nodes, 5 leaves, depth 2
 //   grown on 14 rows of golf.csv with minimum weight 2, confidence 0.1
-std::string description(const decision_tree& tree);
+std::string description(const decision_tree& tree, std::size_t width);
 
 // Writes a line of headings and a line for each attribute of the tree, the most important first,
 // with its importance (attribute_importance.h) and the share of that in the sum.

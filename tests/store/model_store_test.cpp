@@ -130,7 +130,7 @@ TEST(ModelStore, ReadsTheFirstFormatAndRefusesLaterOnes) {
   }
   bytes[8] = '\1';
   const decision_tree golf = tree::load_model(temporary_file(bytes).path());
-  EXPECT_EQ(tree::description(golf), "class \"play\": 8 nodes, 5 leaves, depth 2\n");
+  EXPECT_EQ(tree::description(golf, 60), "class \"play\": 8 nodes, 5 leaves, depth 2\n");
   EXPECT_EQ(text_of(golf, {1}),
             "outlook = overcast: yes (4)\noutlook = rainy: ... 2 leaves below [2]\n"
             "outlook = sunny: ... 2 leaves below [3]\n");

@@ -28,7 +28,7 @@ inline std::string text_of(const tree::decision_tree& t, const tree::tree_excerp
 }
 
 inline void write_reports(std::ostream& out, const tree::decision_tree& t) {
-  out << tree::description(t);
+  out << tree::description(t, 60);
   tree::write_tree_text(out, t, tree::excerpt_of_lines(t, 3), 60);
   tree::write_tree_text(out, t, {}, 20);
   tree::write_importance(out, t, 60);
