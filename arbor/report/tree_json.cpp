@@ -53,7 +53,11 @@ void weights_to_json(json_writer& json, const decision_tree& tree, const tree_no
       json.open_numbers().value(present.entry).value(present.weight).close();
   } else {
     json.key("weights").open_numbers();
-    for (std::size_t c = 0; c < tree.class_count(); ++c) json.value(weight_of(node, c));
+    auto present = node.class_weights.begin();
+    for (std::size_t c = 0; c < tree.class_count(); ++c) {
+      const bool occurs = present != node.class_weights.end() && present->entry == c;
+      json.value(occurs ? (present++)->weight : 0.0F);
+    }
   }
   json.close();
 }
