@@ -112,10 +112,16 @@ mode_t rights_like(const std::string& path, const struct stat& present, bool oth
 
 // Names where the system knows them, otherwise numbers.
 std::string owner_and_group(const struct stat& present) {
-  const struct passwd* const user = getpwuid(present.st_uid);
-  const struct group* const group = getgrgid(present.st_gid);
-  return printable(user != nullptr ? user->pw_name : std::to_string(present.st_uid)) + ':' +
-         printable(group != nullptr ? group->gr_name : std::to_string(present.st_gid));
+  std::array<char, 1U << 14U> texts{};
+  struct passwd user {};
+  struct group group {};
+  struct passwd* known_user = nullptr;
+  struct group* known_group = nullptr;
+  static_cast<void>(getpwuid_r(present.st_uid, &user, texts.data(), texts.size(), &known_user));
+  const std::string owner = known_user != nullptr ? user.pw_name : std::to_string(present.st_uid);
+  static_cast<void>(getgrgid_r(present.st_gid, &group, texts.data(), texts.size(), &known_group));
+  return printable(owner) + ':' +
+         printable(known_group != nullptr ? group.gr_name : std::to_string(present.st_gid));
 }
 
 // Gives the new file the owner and group of the present one, as far as the system allows it.
