@@ -45,7 +45,7 @@ std::string as_svg(const std::string& graph) {
   c_file output(popen(("dot -Tsvg <" + from).c_str(), "r"), pclose);
   if (output == nullptr) fail();
   std::string svg;
-  std::array<char, 1U << 16U> part{};
+  std::array<char, 1U << 13U> part{};
   while (const std::size_t count = std::fread(part.data(), 1, part.size(), output.get()))
     svg.append(part.data(), count);
   const bool whole = std::ferror(output.get()) == 0;

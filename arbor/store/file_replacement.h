@@ -27,10 +27,10 @@ class protection_error : public table_error {
 
 // Until `commit` has returned, the present file stays as it is, whatever happens. The temporary
 // file in its folder, NAME.XXXXXX, is removed with this object, and also when a signal ends the
-// process: for the time after the first object was made, each signal that would end the process has
-// a handler that removes the file and then lets the signal do so. Signals that are ignored stay so;
-// a handler of the caller's that ends the process calls remove_unfinished_file. Only one object may
-// exist at a time.
+// process. For that, the first object gives each signal that would end the process, faults too, a
+// handler that removes the file and then lets the signal end the process; it stays. Signals that
+// are ignored, or have a handler, are left alone; a handler that ends the process should call
+// remove_unfinished_file. Only one object may exist at a time.
 //
 // The new file has the owner, the group and the access rights of the present one, without setuid,
 // setgid and sticky. If owner or group have changed, it has only those of the rights that the umask

@@ -34,7 +34,7 @@ class replacement_stream : public std::ostream {
 
    private:
     file_replacement* to;
-    std::array<char, 1U << 16U> bytes{};
+    std::array<char, 1U << 13U> bytes{};
   };
 
   buffer written;
