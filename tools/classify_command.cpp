@@ -116,7 +116,7 @@ void classify_command::check_file(const output_file& output) const {
 // The old file, if there is one, stays until all rows are written.
 tree::classification_result classify_command::classify_into_file(const tree::decision_tree& model,
                                                                  const output_file& output) const {
-  tree::file_replacement file(output.path, output.protection());
+  tree::file_replacement file(output.path, output.new_ownership());
   tree::replacement_stream rows(file);
   tree::classification_result result = classify(model, &rows);
   rows.flush();

@@ -158,7 +158,7 @@ void grow_command::run() {
   if (tree_growth.tune()) options = tune_with_progress(rows, cases.training, options, seed_number);
   const timed_tree grown = grow_with_progress(rows, cases.training, options);
   const output_file model = model_file();
-  if (!model_path.empty()) tree::save_model(model.path, grown.tree, model.protection());
+  if (!model_path.empty()) tree::save_model(model.path, grown.tree, model.new_ownership());
   warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
   std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";

@@ -19,14 +19,14 @@ void output_file::check(file_content kind, const std::string& what) const {
   refuse_if(!harmless && !force, option + ": " + tree::printable(path) + " exists and is not " +
                                      what + "; --force writes over it");
   try {
-    tree::file_replacement can_be_written(path, protection());
-  } catch (const tree::protection_error& refusal) {
+    tree::file_replacement can_be_written(path, new_ownership());
+  } catch (const tree::ownership_error& refusal) {
     throw usage_error(option + ": " + refusal.what() + "; --force writes over it");
   }
 }
 
-tree::protection output_file::protection() const {
-  return force ? tree::protection::overridden : tree::protection::respected;
+tree::ownership output_file::new_ownership() const {
+  return force ? tree::ownership::may_change : tree::ownership::kept;
 }
 
 void add_force(CLI::App& command, const std::string& option, bool& force) {

@@ -26,7 +26,7 @@ struct output_file {
   bool is_standard_output() const { return tree::is_standard_output(path); }
 
   // For the function that replaces the file.
-  tree::protection protection() const;
+  tree::ownership new_ownership() const;
 
   // Refuses the file that is read as `input`, "-" for standard input; `what` is what it is.
   void keep_input(const std::string& input, const std::string& what) const;

@@ -169,7 +169,7 @@ void show_command::draw_picture(const std::string& graph) const {
     std::cout << svg;
     return;
   }
-  tree::file_replacement file(picture.path, picture.protection());
+  tree::file_replacement file(picture.path, picture.new_ownership());
   file.write(svg.data(), svg.size());
   file.commit();
 }

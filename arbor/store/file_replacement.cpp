@@ -127,7 +127,7 @@ std::string owner_and_group(const struct stat& present) {
 // Gives the new file the owner and group of the present one, as far as the system allows it.
 // Returns the rights for it.
 mode_t keep_owner(int made_file, const std::string& name, const std::string& target,
-                  const struct stat& present, protection of_present_file) {
+                  const struct stat& present, ownership of_new_file) {
   struct stat made {};
   if (fstat(made_file, &made) != 0) fail(name, "cannot be looked up");
   const auto differ = [&] {
@@ -136,14 +136,9 @@ mode_t keep_owner(int made_file, const std::string& name, const std::string& tar
   if (differ() && fchown(made_file, present.st_uid, present.st_gid) != 0)
     static_cast<void>(fchown(made_file, made.st_uid, present.st_gid));  // at least the group
   if (fstat(made_file, &made) != 0) fail(name, "cannot be looked up");
-  const bool respected = of_present_file == protection::respected;
-  if (respected && differ()) {
-    throw protection_error(printable(name) + ": belongs to " + owner_and_group(present) +
-                           ", and a new file cannot be given to them");
-  }
-  if (faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
-    if (errno != EACCES) fail(name, "cannot be written");
-    if (respected) throw protection_error(printable(name) + ": is protected against writing");
+  if (of_new_file == ownership::kept && differ()) {
+    throw ownership_error(printable(name) + ": belongs to " + owner_and_group(present) +
+                          ", and a new file cannot be given to them");
   }
   return rights_like(target, present, present.st_uid != made.st_uid, present.st_gid != made.st_gid);
 }
@@ -160,7 +155,7 @@ void remove_unfinished_file() noexcept {
   if (is_unfinished) unlink(unfinished_file.data());
 }
 
-file_replacement::file_replacement(const std::string& path, protection of_present_file)
+file_replacement::file_replacement(const std::string& path, ownership of_new_file)
     : name(path), target(followed(path)) {
   struct stat present {};
   const bool exists = stat(target.c_str(), &present) == 0;
@@ -175,7 +170,7 @@ file_replacement::file_replacement(const std::string& path, protection of_presen
   rights = 0666U & ~umask_of_process();
   create_temporary_file();
   try {
-    if (exists) rights = keep_owner(descriptor, name, target, present, of_present_file);
+    if (exists) rights = keep_owner(descriptor, name, target, present, of_new_file);
   } catch (...) {
     discard();
     throw;

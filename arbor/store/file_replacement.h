@@ -15,12 +15,12 @@
 
 namespace arbor::tree {
 
-// Whether a file is replaced although this process may not write it, or cannot give its owner and
-// group to the new file.
-enum class protection { respected, overridden };
+// Whether the owner and the group of a file must be those of the file that replaces it, or may become
+// those of this process where the system does not allow that.
+enum class ownership { kept, may_change };
 
-// A file was not replaced that protection::overridden would have replaced.
-class protection_error : public table_error {
+// The new file cannot have the owner and the group of the present one, which must be kept.
+class ownership_error : public table_error {
  public:
   using table_error::table_error;
 };
@@ -45,10 +45,9 @@ class protection_error : public table_error {
 class file_replacement {
  public:
   // Creates the temporary file, empty, with rights for its owner alone. Throws std::bad_alloc;
-  // protection_error; and table_error, also if `path` exists and is anything but a regular file, a
+  // ownership_error; and table_error, also if `path` exists and is anything but a regular file, a
   // character device or a named pipe, and if it names a file as an open one (/dev/fd/3).
-  explicit file_replacement(const std::string& path,
-                            protection of_present_file = protection::respected);
+  explicit file_replacement(const std::string& path, ownership of_new_file = ownership::kept);
   ~file_replacement();
   file_replacement(const file_replacement&) = delete;
   file_replacement& operator=(const file_replacement&) = delete;

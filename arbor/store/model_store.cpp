@@ -86,10 +86,10 @@ unsigned int check_head(std::vector<unsigned char>& bytes) {
 
 }  // namespace
 
-void save_model(const std::string& path, const decision_tree& tree, protection of_present_file) {
+void save_model(const std::string& path, const decision_tree& tree, ownership of_new_file) {
   const std::vector<unsigned char> record = model_record(tree);
   const std::vector<unsigned char> head = head_of(record);
-  file_replacement file(path, of_present_file);
+  file_replacement file(path, of_new_file);
   file.write(head.data(), head.size());
   file.write(record.data(), record.size());
   file.commit();
