@@ -54,6 +54,7 @@ void read_columns(ibinstream& in, decision_tree& tree) {
     tree.attributes.push_back(read_column_record(in));
     check_attribute(*tree.attributes.back());
   }
+  check_names(tree);
 }
 
 std::optional<tree_origin> read_origin(ibinstream& in) {
