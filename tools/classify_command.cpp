@@ -1,16 +1,13 @@
 #include "tools/classify_command.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <iostream>
 
 #include "arbor/csv/message_text.h"
-#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
+#include "arbor/store/replacement_stream.h"
 #include "tools/classify_rows.h"
 #include "tools/output_file.h"
 
@@ -67,16 +64,18 @@ classify_command::classify_command(CLI::App& app)
 
 void classify_command::run() {
   check_combination();
+  const output_file output{"--output", output_path, force};
+  if (!output.is_standard_output()) check_file(output);
   const tree::decision_tree model = tree::load_model(model_path);
   if (quiet) {
     const tree::classification_result result = classify(model, nullptr);
     if (!result.quality)
       throw tree::table_error("there is nothing to evaluate: no row has a known class");
     print_evaluation_of_rows(model, result, std::cout);
-  } else if (output_path == "-") {
+  } else if (output.is_standard_output()) {
     print_evaluation_of_rows(model, classify(model, &std::cout), std::cerr);
   } else {
-    const tree::classification_result result = classify_into_file(model);
+    const tree::classification_result result = classify_into_file(model, output);
     std::cout << tree::counted(result.rows, "row") << " classified\n";
     print_evaluation_of_rows(model, result, std::cout);
   }
@@ -107,21 +106,20 @@ tree::classification_result classify_command::classify(const tree::decision_tree
                        "; --strict refuses such texts");
 }
 
-// The old file, if there is one, stays until all rows are written.
-tree::classification_result classify_command::classify_into_file(
-    const tree::decision_tree& model) const {
-  const output_file output{"--output", output_path, force};
+// Fails before the work is done if its result could not be saved.
+void classify_command::check_file(const output_file& output) const {
   output.keep_input(model_path, "the model");
   output.keep_input(table_path, "the table");
-  output.replace_only(tree::file_content::classified, "a classified table");
-  tree::file_replacement file(output_path);
-  std::ofstream rows(file.temporary_path(), std::ios::binary);
+  output.check(tree::file_content::classified, "a classified table");
+}
+
+// The old file, if there is one, stays until all rows are written.
+tree::classification_result classify_command::classify_into_file(const tree::decision_tree& model,
+                                                                 const output_file& output) const {
+  tree::file_replacement file(output.path, output.protection());
+  tree::replacement_stream rows(file);
   tree::classification_result result = classify(model, &rows);
-  rows.close();
-  if (!rows) {
-    throw tree::table_error(tree::printable(output_path) +
-                            ": cannot be written: " + std::strerror(errno));
-  }
+  rows.flush();
   file.commit();
   return result;
 }

@@ -6,6 +6,7 @@
 
 #include "arbor/tree/table_classification.h"
 #include "tools/command_line.h"
+#include "tools/output_file.h"
 #include "tools/table_options.h"
 
 namespace arbor::tools {
@@ -19,7 +20,9 @@ class classify_command : public command {
   void check_combination() const;
   tree::classification_options chosen_options(const tree::decision_tree& model) const;
   tree::classification_result classify(const tree::decision_tree& model, std::ostream* rows) const;
-  tree::classification_result classify_into_file(const tree::decision_tree& model) const;
+  void check_file(const output_file& output) const;
+  tree::classification_result classify_into_file(const tree::decision_tree& model,
+                                                 const output_file& output) const;
 
   table_options table;
   std::string model_path;

@@ -14,7 +14,6 @@
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/rating_report.h"
 #include "arbor/report/tree_report.h"
-#include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/classification.h"
@@ -23,7 +22,6 @@
 #include "arbor/tree/validation/tuning.h"
 #include "tools/classify_rows.h"
 #include "tools/messages.h"
-#include "tools/output_file.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
@@ -159,7 +157,8 @@ void grow_command::run() {
             "--holdout: " + tree::in_quotes(holdout) + " leaves no rows to grow the tree on");
   if (tree_growth.tune()) options = tune_with_progress(rows, cases.training, options, seed_number);
   const timed_tree grown = grow_with_progress(rows, cases.training, options);
-  if (!model_path.empty()) tree::save_model(model_path, grown.tree);
+  const output_file model = model_file();
+  if (!model_path.empty()) tree::save_model(model.path, grown.tree, model.protection());
   warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
   std::cout << tree::table_line(rows, rows.cases) << "\n\n";
@@ -182,11 +181,16 @@ void grow_command::check_files() const {
   const bool opens_once = std::filesystem::is_fifo(test_path, ignored);
   if (!test_path.empty() && !opens_once) static_cast<void>(tree::input_file(test_path));
   if (model_path.empty()) return;
-  const output_file model{"--model", model_path, force};
+  const output_file model = model_file();
+  refuse_if(model.is_standard_output(),
+            "--model: standard output has the report; write to another file");
   model.keep_input(table_path, "the table");
   if (!test_path.empty()) model.keep_input(test_path, "the test table");
-  model.replace_only(tree::file_content::model, "a model of arbor grow");
-  tree::file_replacement can_be_written(model_path);
+  model.check(tree::file_content::model, "a model of arbor grow");
+}
+
+output_file grow_command::model_file() const {
+  return {"--model", model_path, force};
 }
 
 void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,

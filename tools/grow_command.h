@@ -4,6 +4,7 @@
 
 #include "arbor/tree/grower.h"
 #include "tools/command_line.h"
+#include "tools/output_file.h"
 #include "tools/table_options.h"
 #include "tools/tree_options.h"
 
@@ -16,6 +17,7 @@ class grow_command : public command {
 
  private:
   void check_files() const;
+  output_file model_file() const;
   void evaluate_on_test_table(const tree::decision_tree& grown,
                               const tree::load_options& load) const;
 

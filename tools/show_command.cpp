@@ -44,7 +44,9 @@ show_command::show_command(CLI::App& app)
       ->type_name("FORMAT");
   parser.add_option("--depth", depth, "How many levels of tests to show (default: all)")
       ->type_name("N");
-  parser.add_option("--picture", picture_path, "Draw the tree with Graphviz, as an SVG file")
+  parser
+      .add_option("--picture", picture_path,
+                  "Draw the tree with Graphviz, as an SVG file; - is standard output")
       ->type_name("FILE.svg");
   add_force(parser, "--picture", force);
   parser.add_option("--node", node, "Number of the test for --rate (default: 0, the root)")
@@ -140,14 +142,23 @@ tree::load_options show_command::options_of(const tree::decision_tree& model) co
 
 void show_command::draw_picture(const std::string& graph) const {
   const output_file picture{"--picture", picture_path, force};
-  picture.keep_input(model_path, "the model");
-  picture.replace_only(tree::file_content::svg, "an SVG picture");
+  if (!picture.is_standard_output()) {
+    picture.keep_input(model_path, "the model");
+    picture.check(tree::file_content::svg, "an SVG picture");
+  }
   if (!tree::can_draw()) {
     throw tree::table_error(
         "a picture needs Graphviz, whose program dot is not installed; --format dot prints the "
         "graph to draw elsewhere");
   }
-  tree::draw(graph, picture_path);
+  const std::string svg = tree::as_svg(graph);
+  if (picture.is_standard_output()) {
+    std::cout << svg;
+    return;
+  }
+  tree::file_replacement file(picture.path, picture.protection());
+  file.write(svg.data(), svg.size());
+  file.commit();
 }
 
 }  // namespace arbor::tools

@@ -18,9 +18,7 @@
 #include "arbor/csv/input_file.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
-#include "arbor/store/file_replacement.h"
 #include "arbor/store/model_record.h"
-#include "arbor/utils/file_device.h"
 #include "arbor/utils/ibinstream.h"
 #include "arbor/utils/memory_device.h"
 #include "arbor/utils/no_storage.h"
@@ -30,7 +28,6 @@ namespace arbor::tree {
 
 namespace {
 
-using strata::inpout::file_device;
 using strata::inpout::ibinstream;
 using strata::inpout::memory_device;
 using strata::inpout::obinstream;
@@ -42,17 +39,12 @@ unsigned int checksum(const std::vector<unsigned char>& record) {
   return static_cast<unsigned int>(crc32_z(0, record.data(), record.size()));
 }
 
-void write_file(const std::string& path, const std::vector<unsigned char>& record) {
-  file_device device(path, file_device::mode::write);
+std::vector<unsigned char> head_of(const std::vector<unsigned char>& record) {
+  memory_device device;
   obinstream out(device);
   out.write_block(magic.data(), magic.size());
   out << record_version << static_cast<unsigned long long>(record.size()) << checksum(record);
-  constexpr std::size_t part = 1U << 30U;  // a device counts bytes in 32 bits
-  for (std::size_t done = 0; done < record.size(); done += part) {
-    device.write(record.data() + done,
-                 static_cast<unsigned int>(std::min(part, record.size() - done)));
-  }
-  device.close();
+  return device.bytes();
 }
 
 // All bytes of a model file. For a file that does not begin with the magic, none: it may be of any
@@ -94,14 +86,12 @@ unsigned int check_head(std::vector<unsigned char>& bytes) {
 
 }  // namespace
 
-void save_model(const std::string& path, const decision_tree& tree) {
+void save_model(const std::string& path, const decision_tree& tree, protection of_present_file) {
   const std::vector<unsigned char> record = model_record(tree);
-  file_replacement file(path);
-  try {
-    write_file(file.temporary_path(), record);
-  } catch (const std::runtime_error& failure) {
-    throw table_error(failure.what());
-  }
+  const std::vector<unsigned char> head = head_of(record);
+  file_replacement file(path, of_present_file);
+  file.write(head.data(), head.size());
+  file.write(record.data(), record.size());
   file.commit();
 }
 

@@ -8,13 +8,16 @@
 #include <string>
 #include <string_view>
 
+#include "arbor/store/file_replacement.h"
 #include "arbor/tree/decision_tree.h"
 
 namespace arbor::tree {
 
-// Replaces the file as a whole. Throws table_error or std::bad_alloc; a file that was there is then
-// unchanged. The same tree always gives the same bytes.
-void save_model(const std::string& path, const decision_tree& tree);
+// Replaces the file as a whole, as file_replacement says. Throws table_error (protection_error if
+// the present file is protected) or std::bad_alloc; a file that was there is then unchanged. The
+// same tree always gives the same bytes.
+void save_model(const std::string& path, const decision_tree& tree,
+                protection of_present_file = protection::respected);
 
 // `path` may be "-" for standard input. Throws table_error if the file cannot be read, is not a
 // model, or is damaged, and std::bad_alloc if memory is short; it uses memory in proportion to the

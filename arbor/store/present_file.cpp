@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 
 #include "arbor/store/model_store.h"
 #include "arbor/tree/table_classification.h"
@@ -12,6 +14,10 @@
 namespace arbor::tree {
 
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int most_links = 40;  // as many as the system follows
 
 bool begins_with(std::string_view text, std::string_view beginning) {
   return text.substr(0, beginning.size()) == beginning;
@@ -30,6 +36,30 @@ bool is_same_file(const std::string& path, const std::string& input) {
   if (stat(path.c_str(), &one) != 0) return false;
   const int found = input == "-" ? fstat(STDIN_FILENO, &other) : stat(input.c_str(), &other);
   return found == 0 && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+std::string followed(const std::string& path) {
+  fs::path file = path;
+  std::error_code no_link;
+  for (int links = 0; links < most_links && !is_open_descriptor(file); ++links) {
+    const fs::path linked = fs::read_symlink(file, no_link);
+    if (no_link) break;
+    file = file.parent_path() / linked;  // an absolute one is taken as it is
+  }
+  return file;
+}
+
+bool is_open_descriptor(const std::string& followed_path) {
+  std::error_code missing;
+  const fs::path descriptors = fs::canonical("/proc/self/fd", missing);
+  if (missing) return false;
+  const fs::path folder = fs::path(followed_path).parent_path() / ".";
+  return fs::canonical(folder, missing) == descriptors;
+}
+
+bool is_standard_output(const std::string& path) {
+  const fs::path file = followed(path);
+  return path == "-" || (is_open_descriptor(file) && file.filename() == "1");
 }
 
 file_content content_of(const std::string& path) {
