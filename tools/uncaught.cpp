@@ -11,6 +11,7 @@
 #include <new>
 #include <typeinfo>
 
+#include "arbor/store/file_replacement.h"
 #include "tools/messages.h"
 
 namespace arbor::tools {
@@ -23,6 +24,7 @@ namespace {
   if (thrown != nullptr && *thrown != typeid(std::bad_alloc)) std::abort();
   static std::atomic_flag ends = ATOMIC_FLAG_INIT;
   while (ends.test_and_set()) pause();  // another thread writes the line and ends all of them
+  tree::remove_unfinished_file();
   complain_of_memory();
   constexpr int failure = 2;
   _exit(failure);
