@@ -15,7 +15,7 @@ void add_classes(std::vector<double>& distribution, const tree_node& node, doubl
     distribution[present.entry] += factor * static_cast<double>(present.weight);
 }
 
-constexpr double m = 2;
+constexpr double m = 2;                 // see leaf_estimate
 constexpr double negligible = 0x1p-60;  // too little to change a sum in double
 
 std::vector<double> weights_of_cases(const decision_tree& tree) {
@@ -106,10 +106,10 @@ std::vector<double> class_probabilities::of_visits(std::vector<visit> visits) co
   return distribution;
 }
 
-// At a node, each class that does not occur there has the parent's estimate multiplied by one and
-// the same factor. The class predicted at the parent is the first with the greatest estimate of all
-// of them, and if it occurs itself, its estimate here exceeds theirs. So it is enough to compare
-// this class with those that occur.
+// It is enough to compare the classes that occur at a node with the one predicted at its parent. The
+// estimate of a class that does not occur is that at the parent, multiplied by a factor that is the
+// same for all of them, so they keep their order. The parent's class was the first among them; if
+// it occurs, its weight puts it only further ahead.
 std::vector<std::size_t> predicted_classes(const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
   const std::vector<double> case_weights = weights_of_cases(tree);
