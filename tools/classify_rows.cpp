@@ -1,7 +1,6 @@
 #include "tools/classify_rows.h"
 
-#include <iostream>
-
+#include "tools/messages.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
@@ -23,8 +22,7 @@ tree::classification_result classify_rows(const std::string& path, const tree::d
   };
   tree::classification_result result = tree::classify_table(path, model, options, rows);
   progress.clear();
-  for (const std::string& remark : result.remarks)
-    std::cerr << "arbor: " << remark << advice << '\n';
+  for (const std::string& remark : result.remarks) complain(remark + advice);
   return result;
 }
 

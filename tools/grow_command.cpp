@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "arbor/csv/input_file.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/rating_report.h"
@@ -20,6 +21,7 @@
 #include "arbor/tree/validation/holdout.h"
 #include "arbor/tree/validation/tuning.h"
 #include "tools/classify_rows.h"
+#include "tools/messages.h"
 #include "tools/progress_line.h"
 #include "tools/terminal.h"
 
@@ -79,8 +81,8 @@ const char* words_for(tree::single_leaf_reason reason) {
 void warn_of_single_leaf(const tree::decision_tree& grown, const tree::table& rows,
                          const impls::w_sequence& cases, const tree::grow_options& options) {
   if (!grown.nodes.front().is_leaf() || rows.class_column().get_distinct() == 2) return;
-  std::cerr << "arbor: " << rows.name << ": the tree is a single leaf: "
-            << words_for(tree::why_single_leaf(rows, cases, options)) << '\n';
+  complain(rows.name + ": the tree is a single leaf: " +
+           words_for(tree::why_single_leaf(rows, cases, options)));
 }
 
 tree::grow_options tune_with_progress(const tree::table& rows, const impls::w_sequence& cases,
@@ -154,7 +156,7 @@ void grow_command::run() {
   const tree::table rows = read_table(table_path, load);
   const tree::divided_cases cases = tree::hold_out(rows.cases, held_back_share, seed_number);
   refuse_if(cases.training.empty(),
-            "--holdout: \"" + holdout + "\" leaves no rows to grow the tree on");
+            "--holdout: " + tree::in_quotes(holdout) + " leaves no rows to grow the tree on");
   if (tree_growth.tune()) options = tune_with_progress(rows, cases.training, options, seed_number);
   const timed_tree grown = grow_with_progress(rows, cases.training, options);
   const output_file model = model_file();

@@ -1,23 +1,22 @@
 #include "tools/help_format.h"
 
-#include <sstream>
+#include <utility>
 
 namespace arbor::tools {
 
 namespace {
 
 // Puts line breaks between words so that lines have at most `width` characters.
-std::string wrapped(const std::string& text, std::size_t width) {
-  std::istringstream words(text);
-  std::string result;
-  std::size_t used = 0;  // of the last line
-  for (std::string word; words >> word; used += word.size()) {
-    const bool fits = used + 1 + word.size() <= width;
-    if (used > 0) result += fits ? ' ' : '\n';
-    used = used > 0 && fits ? used + 1 : 0;
-    result += word;
+std::string wrapped(std::string text, std::size_t width) {
+  std::size_t line = 0;                  // where the present line begins
+  std::size_t last = std::string::npos;  // the last blank in it
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == ' ') last = i;
+    if (i - line < width || last == std::string::npos) continue;
+    text[last] = '\n';
+    line = std::exchange(last, std::string::npos) + 1;
   }
-  return result;
+  return text;
 }
 
 }  // namespace

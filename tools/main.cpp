@@ -5,11 +5,13 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "tools/classify_command.h"
 #include "tools/grow_command.h"
 #include "tools/help_format.h"
+#include "tools/messages.h"
 #include "tools/rate_command.h"
 #include "tools/show_command.h"
 #include "tools/terminal.h"
@@ -47,8 +49,8 @@ int run(int argc, const char* const* argv) {
   }
   std::cout.flush();
   if (!std::cout) {
-    std::cerr << "arbor: the results could not be written to standard output: "
-              << std::strerror(errno) << '\n';
+    arbor::tools::complain(std::string("the results could not be written to standard output: ") +
+                           std::strerror(errno));
     return failure;
   }
   return 0;
@@ -60,9 +62,9 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::bad_alloc&) {
-    std::cerr << "arbor: out of memory\n";
+    arbor::tools::complain_of_memory();
   } catch (const std::exception& error) {
-    std::cerr << "arbor: " << error.what() << '\n';
+    arbor::tools::complain(error.what());
   }
   return failure;
 }

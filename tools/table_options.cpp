@@ -1,7 +1,6 @@
 #include "tools/table_options.h"
 
 #include <cmath>
-#include <iostream>
 #include <limits>
 #include <map>
 
@@ -10,6 +9,7 @@
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 #include "tools/command_line.h"
+#include "tools/messages.h"
 #include "tools/progress_line.h"
 
 namespace arbor::tools {
@@ -135,7 +135,7 @@ tree::table read_table(const std::string& path, tree::load_options options) {
   tree::table table = tree::load_table(path, options);
   progress.clear();
   for (const tree::table_remark& remark : table.remarks)
-    std::cerr << "arbor: " << table.name << ": " << remark.text << advice(remark) << '\n';
+    complain(table.name + ": " + remark.text + advice(remark));
   return table;
 }
 

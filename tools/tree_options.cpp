@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "arbor/csv/shown_text.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/validation/tuning.h"
 #include "tools/command_line.h"
@@ -15,14 +16,14 @@ unsigned int thread_count(const std::string& given) {
   constexpr unsigned int most_threads = 1024;  // a greater number is a mistake, not a machine
   const unsigned int count = whole_value("--threads", given);
   refuse_if(count == 0 || count > most_threads,
-            fmt::format("--threads: \"{}\" is not from 1 to {}", given, most_threads));
+            fmt::format("--threads: {} is not from 1 to {}", tree::in_quotes(given), most_threads));
   return count;
 }
 
 float confidence_value(const std::string& given) {
   const float confidence = share_value("--confidence", given);
   refuse_if(confidence == 0 || confidence > 0.5F,
-            "--confidence: \"" + given + "\" is not above 0 and up to 0.5");
+            "--confidence: " + tree::in_quotes(given) + " is not above 0 and up to 0.5");
   return confidence;
 }
 

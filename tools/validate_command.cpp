@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/shown_text.h"
 #include "arbor/report/rating_report.h"
 #include "arbor/report/validation_json.h"
 #include "arbor/report/validation_report.h"
@@ -80,7 +81,7 @@ void validate_command::run() {
   const tree::validation_options options = chosen_options();
   const tree::table rows = read_table(table_path, load);
   refuse_if(options.folds > rows.cases.size(),
-            fmt::format("--folds: \"{}\" is more than the {}", folds,
+            fmt::format("--folds: {} is more than the {}", tree::in_quotes(folds),
                         tree::counted(rows.cases.size(), "row")));
   const timed_validation done = validate_with_progress(rows, options);
   if (format == "json") {
@@ -100,10 +101,11 @@ tree::validation_options validate_command::chosen_options() const {
   options.tune = tree_growth.tune();
   options.importance = importance;
   options.folds = whole_value("--folds", folds);
-  refuse_if(options.folds < 2, "--folds: \"" + folds + "\" is less than 2");
+  refuse_if(options.folds < 2, "--folds: " + tree::in_quotes(folds) + " is less than 2");
   options.repeats = whole_value("--repeats", repeats);
-  refuse_if(options.repeats == 0 || options.repeats > most_repeats,
-            fmt::format("--repeats: \"{}\" is not from 1 to {}", repeats, most_repeats));
+  refuse_if(
+      options.repeats == 0 || options.repeats > most_repeats,
+      fmt::format("--repeats: {} is not from 1 to {}", tree::in_quotes(repeats), most_repeats));
   options.seed = whole_value("--seed", seed);
   return options;
 }

@@ -1,36 +1,81 @@
 #include "arbor/store/model_check.h"
 
 #include <cmath>
+#include <memory>
+#include <set>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
+#include "arbor/csv/shown_text.h"
 #include "arbor/table/value_text.h"
+#include "arbor/utils/ibinstream.h"
+#include "arbor/utils/memory_device.h"
+#include "arbor/utils/obinstream.h"
 
 namespace arbor::tree {
 
 namespace {
 
 using impls::column;
+using strata::data_types::datatype;
+using strata::inpout::ibinstream;
+using strata::inpout::memory_device;
+using strata::inpout::obinstream;
 
 [[noreturn]] void refuse(const char* what) {
   throw std::runtime_error(what);
 }
 
-// Checks that every value can be looked up, which needs them in order. Domains of doubles are not
-// checked: the smallest ones have the same text.
-void check_domain(const column& checked) {
-  const unsigned int codes = checked.get_distinct();
-  if (checked.get_o_set()->get_datatype() == "double") return;
-  for (unsigned int code = 1; code < codes; ++code) {
-    unsigned int found = 0;
-    if (!code_of_text(checked, value_text(checked, code).c_str(), found) || found != code) {
-      refuse("the values of a column are out of order");
-    }
+constexpr const char* out_of_order = "the values of a column are out of order";
+
+// The numbers of a domain, from its record: the texts of the smallest ones are the same.
+template <class Number>
+std::vector<datatype<Number>> numbers_of(impls::o_set& domain) {
+  memory_device device;
+  obinstream out(device);
+  domain.bin_out(out);
+  ibinstream in(device);
+  std::vector<datatype<Number>>* read = nullptr;
+  in.read_special(read);
+  const std::unique_ptr<std::vector<datatype<Number>>> numbers(read);
+  return numbers == nullptr ? std::vector<datatype<Number>>() : std::move(*numbers);
+}
+
+template <class Number>
+void check_numbers(impls::o_set& domain) {
+  const std::vector<datatype<Number>> numbers = numbers_of<Number>(domain);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const Number number = numbers[i].value;
+    if (number != number) refuse("a value of a column is not a number");
+    if (i > 0 && !(numbers[i - 1].value < number)) refuse(out_of_order);
   }
+}
+
+// Texts have to be as a table keeps them, or they are not found.
+void check_texts(impls::o_set& domain) {
+  std::string before;
+  for (unsigned int code = 1; code <= domain.size_of_known(); ++code) {
+    std::string text = domain.get_value(code);
+    const bool is_found = text != domain.get_null() && to_domain_text(to_cell_text(text)) == text;
+    if (!is_found || (code > 1 && text <= before)) refuse(out_of_order);
+    before = std::move(text);
+  }
+}
+
+// Checks that the values are in order and differ, so that each can be looked up.
+void check_domain(impls::o_set& domain) {
+  const std::string type = domain.get_datatype();
+  if (type == "integer") check_numbers<int>(domain);
+  if (type == "uinteger") check_numbers<unsigned int>(domain);
+  if (type == "float") check_numbers<float>(domain);
+  if (type == "double") check_numbers<double>(domain);
+  if (type == "string") check_texts(domain);
 }
 
 void check_column(const column& checked) {
   if (checked.size() != 0) refuse("a column has rows");
-  check_domain(checked);
+  check_domain(*checked.get_o_set());
 }
 
 void check_weights(const decision_tree& tree, const tree_node& node) {
@@ -100,6 +145,15 @@ void check_attribute(const column& checked) {
   check_column(checked);
   if (!checked.is_discrete() && !checked.is_continuous())
     refuse("an attribute is neither discrete nor continuous");
+}
+
+void check_names(const decision_tree& tree) {
+  std::set<std::string> names{tree.class_column->get_name()};
+  for (const auto& attribute : tree.attributes) {
+    const std::string name = attribute->get_name();
+    if (!names.insert(name).second)
+      throw std::runtime_error("two columns have the name " + in_quotes(name));
+  }
 }
 
 void check_origin(const tree_origin& origin) {

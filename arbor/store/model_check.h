@@ -10,6 +10,8 @@ namespace arbor::tree {
 // Each throws std::runtime_error with what is wrong, as in "a leaf has branches".
 void check_class_column(const impls::column& column);
 void check_attribute(const impls::column& column);
+// The name of each column is its own.
+void check_names(const decision_tree& tree);
 void check_origin(const tree_origin& origin);
 // The weight of a class: a finite number from 0 up.
 void check_weight(float weight);

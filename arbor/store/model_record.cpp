@@ -54,6 +54,7 @@ void read_columns(ibinstream& in, decision_tree& tree) {
     tree.attributes.push_back(read_column_record(in));
     check_attribute(*tree.attributes.back());
   }
+  check_names(tree);
 }
 
 std::optional<tree_origin> read_origin(ibinstream& in) {
@@ -129,6 +130,7 @@ decision_tree read_model_record(std::vector<unsigned char> record, unsigned int 
   in >> count;
   if (count == 0) throw std::runtime_error("it has no nodes");
   in.expect(count, least_node_bytes);
+  tree.nodes.reserve(count);
   for (unsigned int i = 0; i < count; ++i)
     tree.nodes.push_back(read_node(in, version, tree.class_count()));
   if (device.remaining() != 0) throw std::runtime_error("something follows the last node");

@@ -51,7 +51,7 @@ std::vector<unsigned char> head_of(const std::vector<unsigned char>& record) {
 // length and is not read further.
 std::vector<unsigned char> read_file(input_file& file) {
   std::vector<unsigned char> bytes;
-  std::array<char, 1U << 16U> part{};
+  std::vector<char> part(1U << 16U);
   while (const std::size_t count = file.read(part.data(), part.size())) {
     if (bytes.empty() && std::memcmp(part.data(), magic.data(), std::min(count, magic.size())) != 0)
       break;

@@ -46,24 +46,29 @@ class class_probabilities {
 
   // The probability of each class; entry c is that of the class with code c + 1. `branch_of`
   // returns the number of the branch that the case takes at a test, given by its index in the tree,
-  // or every_branch.
+  // or every_branch. Takes time and memory in proportion to the classes of the tree, the nodes that
+  // the case reaches and the classes that occur there.
   template <class BranchOf>
   std::vector<double> of_case(BranchOf branch_of) const;
 
  private:
-  friend std::vector<std::size_t> predicted_classes(const decision_tree& tree);
+  // A node that a case reaches.
+  struct visit {
+    std::size_t node;
+    std::size_t parent;  // the place of its parent's visit; the root's is its own
+    double weight;       // that the case has at a leaf; 0 at a test
+  };
 
-  void add_node(std::vector<double>& distribution, std::size_t node, double weight) const;
-  std::vector<double> normalized(std::vector<double> distribution) const;
+  std::vector<double> of_visits(std::vector<visit> visits) const;
 
   const decision_tree& tree;
   leaf_estimate estimate;
-  std::vector<std::size_t> parents;  // by node
   std::vector<double> case_weights;  // by node
 };
 
 // By node: the entry of the class that is predicted where a case reaches this node and no other, as
-// if it were a leaf.
+// if it were a leaf. A node more than 100 levels below another takes the training shares of that one
+// for the probabilities there. Takes time in proportion to the classes that occur at the nodes.
 std::vector<std::size_t> predicted_classes(const decision_tree& tree);
 
 // The entry of the class with the greatest probability; of equal ones the first.
@@ -73,23 +78,23 @@ std::size_t likeliest_class(const std::vector<double>& distribution);
 
 template <class BranchOf>
 std::vector<double> class_probabilities::of_case(BranchOf branch_of) const {
-  std::vector<double> result(tree.class_count(), 0.0);
-  std::vector<std::pair<std::size_t, double>> open{{0, 1.0}};
-  while (!open.empty()) {
-    const auto [index, weight] = open.back();
-    open.pop_back();
+  constexpr std::size_t usual_nodes = 32;
+  std::vector<visit> visits;
+  visits.reserve(usual_nodes);
+  visits.push_back({0, 0, 1});
+  for (std::size_t place = 0; place < visits.size(); ++place) {
+    const std::size_t index = visits[place].node;
     const tree_node& node = tree.nodes[index];
-    if (node.is_leaf()) {
-      add_node(result, index, weight);
-    } else if (const tree_node* child = child_on(tree, node, branch_of(index))) {
-      open.emplace_back(child - tree.nodes.data(), weight);
+    if (node.is_leaf()) continue;
+    const double weight = std::exchange(visits[place].weight, 0.0);
+    if (const tree_node* child = child_on(tree, node, branch_of(index))) {
+      visits.push_back({static_cast<std::size_t>(child - tree.nodes.data()), place, weight});
     } else {
-      for (std::size_t i = node.first_child; i < node.first_child + node.child_count; ++i) {
-        open.emplace_back(i, weight * static_cast<double>(tree.nodes[i].share));
-      }
+      for (std::size_t i = node.first_child; i < node.first_child + node.child_count; ++i)
+        visits.push_back({i, place, weight * static_cast<double>(tree.nodes[i].share)});
     }
   }
-  return normalized(std::move(result));
+  return of_visits(std::move(visits));
 }
 
 }  // namespace arbor::tree

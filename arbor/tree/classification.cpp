@@ -1,8 +1,10 @@
 #include "arbor/tree/classification.h"
 
+#include <map>
 #include <stdexcept>
 #include <string>
 
+#include "arbor/csv/shown_text.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {
@@ -11,20 +13,72 @@ namespace {
 
 using impls::column;
 
-const column& column_named(const table& rows, const std::string& name) {
-  for (const auto& candidate : rows.columns) {
-    if (candidate->get_name() == name) return *candidate;
-  }
-  throw std::runtime_error("the table has no column of the name " + name);
+using columns_by_name = std::map<std::string, const column*>;
+
+columns_by_name by_name(const table& rows) {
+  columns_by_name result;
+  for (const auto& named : rows.columns) result.emplace(named->get_name(), named.get());
+  return result;
 }
 
-// The greatest code of a column whose value is not above a threshold.
-unsigned int last_code_up_to(const column& source, const std::string& threshold) {
+const column& column_for(const column& attribute, const columns_by_name& columns) {
+  const std::string name = attribute.get_name();
+  const auto found = columns.find(name);
+  if (found == columns.end())
+    throw std::runtime_error("the table has no column of the name " + in_quotes(name));
+  if (attribute.is_continuous() && found->second->get_o_set()->get_datatype() == "string") {
+    throw std::runtime_error("the column " + in_quotes(name) +
+                             " of the table has texts, which cannot be compared with a threshold");
+  }
+  return *found->second;
+}
+
+// By code of a table's column: the code of the same value in a discrete attribute. A value that the
+// attribute does not have is unknown.
+std::vector<unsigned int> codes_of(const column& attribute, const column& source) {
+  std::vector<unsigned int> codes(source.get_distinct(), 0);
+  for (unsigned int code = 1; code < codes.size(); ++code)
+    find_value(attribute, value_text(source, code).c_str(), codes[code]);
+  return codes;
+}
+
+// Whether a known value of a table's column goes down the low branch of a test.
+class low_side {
+ public:
+  low_side(const column& attribute, const column& table_column, const std::string& at)
+      : source(table_column), threshold(at) {
+    const std::string type = attribute.get_o_set()->get_datatype();
+    same_type = source.get_o_set()->get_datatype() == type;
+    rounds = type == "float";
+    limit = number_of(threshold);
+  }
+
+  bool has(unsigned int code) const {
+    if (same_type) return source.get_o_set()->leq(code, threshold) == 0;
+    return number_of(value_text(source, code)) <= limit;
+  }
+
+ private:
+  double number_of(const std::string& text) const {
+    double number = 0;
+    read_known_number(text.c_str(), number);
+    return rounds ? static_cast<double>(static_cast<float>(number)) : number;
+  }
+
+  const column& source;
+  const std::string& threshold;
+  bool same_type;
+  bool rounds;  // as the values of the attribute were
+  double limit;
+};
+
+// The greatest code of a column that goes down the low branch.
+unsigned int last_low_code(const column& source, const low_side& low_branch) {
   unsigned int low = 0;
   unsigned int high = source.get_distinct() - 1;
   while (low < high) {
     const unsigned int middle = high - (high - low) / 2;
-    if (source.get_o_set()->leq(middle, threshold) == 0) {
+    if (low_branch.has(middle)) {
       low = middle;
     } else {
       high = middle - 1;
@@ -38,18 +92,21 @@ unsigned int last_code_up_to(const column& source, const std::string& threshold)
 row_classifier::row_classifier(const decision_tree& grown, const table& rows,
                                leaf_estimate estimate)
     : tree(grown), probabilities(grown, estimate), parents(node_parents(grown)) {
+  const columns_by_name named = by_name(rows);
   for (const auto& attribute : tree.attributes) {
-    const column& source = column_named(rows, attribute->get_name());
+    const column& source = column_for(*attribute, named);
     columns.push_back(&source);
-    codes.emplace_back(source.get_distinct(), 0);
-    for (unsigned int code = 1; code < source.get_distinct() && attribute->is_discrete(); ++code) {
-      codes.back()[code] = attribute->get_index(shortest_value(source, code).c_str());
-    }
+    codes.push_back(attribute->is_discrete() ? codes_of(*attribute, source)
+                                             : std::vector<unsigned int>());
   }
   for (const tree_node& node : tree.nodes) {
-    const bool is_cut = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
-    thresholds.push_back(is_cut ? last_code_up_to(*columns[node.attribute], node.split.threshold)
-                                : 0);
+    unsigned int last_low = 0;
+    if (!node.is_leaf() && tree.attributes[node.attribute]->is_continuous()) {
+      const column& source = *columns[node.attribute];
+      last_low = last_low_code(
+          source, low_side(*tree.attributes[node.attribute], source, node.split.threshold));
+    }
+    thresholds.push_back(last_low);
   }
 }
 

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <map>
 
 #include "arbor/tree/text_classifier.h"
 #include "tests/support/reports.h"
@@ -71,6 +73,13 @@ void refuses(const std::string& message, Field tree_node::*field,
     refuses(message, [&](auto& t) { t.nodes[fault.first].*field = fault.second; });
 }
 
+// A column without rows whose domain has this record.
+std::unique_ptr<column> column_of(const std::string& domain_record) {
+  std::string error;
+  return std::unique_ptr<column>(
+      column::NEW_COLUMN(read_record<o_set>(domain_record).release(), "new", "discrete", error));
+}
+
 TEST(ModelStore, RefusesEachFaultOfATreeBehindACorrectChecksum) {
   refuses("a class has no proper weight", &tree_node::class_weights,
           {{3, {{0, 1}, {1, -1}}}, {3, {{0, 1}, {1, INFINITY}}}, {3, {{0, 0}}}});
@@ -93,6 +102,20 @@ TEST(ModelStore, RefusesEachFaultOfATreeBehindACorrectChecksum) {
   refuses("it has no class", [](auto& t) { std::swap(t.class_column, t.attributes[0]); });
   refuses("an attribute is neither discrete nor continuous",
           [](auto& t) { t.attributes[1].reset(t.class_column->clone(true)); });
+  refuses("two columns have the name \"d\"",
+          [](auto& t) { t.attributes.emplace_back(t.attributes[0]->clone(true)); });
+  for (const auto& [type, bytes] : std::map<std::string, int>{
+           {"integer", 4}, {"uinteger", 4}, {"float", 4}, {"double", 8}, {"string", 6}}) {
+    std::string record = record_of(make_domain(type, {"1", "2"}).get());
+    std::rotate(record.end() - 2 * bytes, record.end() - bytes, record.end());
+    refuses("the values of a column are out of order",
+            [&](auto& t) { t.attributes.push_back(column_of(record)); });
+  }
+  for (const char* type : {"float", "double"}) {
+    const std::string record = record_of(make_domain(type, {"1", "nan"}).get());
+    refuses("a value of a column is not a number",
+            [&](auto& t) { t.attributes.push_back(column_of(record)); });
+  }
   refuses("a column has rows", [](auto& t) { t.attributes[1]->push_back("0.5"); });
 }
 
@@ -136,22 +159,23 @@ TEST(ModelStore, ReadsTheFirstFormatAndRefusesLaterOnes) {
             "outlook = sunny: ... 2 leaves below [3]\n");
 }
 
+// An unknown value comes to each leaf with all its weight, and no node weighs enough to be the last
+// that its leaf has to look at. A program that walked to the root from each would not end.
 TEST(ModelStore, TakesATreeOfAnyDepth) {
-  constexpr unsigned int depth = 100000;
-  tree::decision_tree chain;
-  chain.class_column.reset(make_column("class", "string", listed("x,y"))->clone(true));
-  chain.attributes.emplace_back(make_column("continuous", "integer", listed("1,2"))->clone(true));
-  const tree::tree_node leaf{tree::tree_node::no_attribute, {}, 0, 0, 1, 0.5F, {{0, 1}, {1, 2}}};
+  constexpr unsigned int depth = 20000;
+  tree::decision_tree chain = grown(load_csv("a,c\n1,x\n1,x\n2,y\n2,y\n"));
+  const tree::tree_node leaf{tree::tree_node::no_attribute, {}, 0, 0, 1, 1,
+                             {{0, 1e-30F}, {1, 2e-30F}}};
   chain.nodes.assign(2 * depth + 1, leaf);
   for (unsigned int i = 0; i < 2 * depth; i += 2) {
-    chain.nodes[i] = {0, {"1", 2}, i + 1, 2, i == 0 ? 0U : 2U, 0.5F, {{0, 1}, {1, 2}}};
+    chain.nodes[i] = {0, {"1", 2}, i + 1, 2, i == 0 ? 0U : 2U, 1, leaf.class_weights};
     chain.nodes[i + 2].branch = 2;
   }
   const temporary_file file("");
   tree::save_model(file.path(), chain);
   const tree::decision_tree t = tree::load_model(file.path());
   EXPECT_NEAR(tree::text_classifier(t)({nullptr})[0], 1.0 / 3, 1e-9);
-  EXPECT_EQ(text_of(t, {1}), "x <= 1: y (3/1)\nx > 1: ... 100000 leaves below [2]\n");
+  EXPECT_EQ(text_of(t, {1}), "a <= 1: y (0)\na > 1: ... 20000 leaves below [2]\n");
 }
 
 }  // namespace

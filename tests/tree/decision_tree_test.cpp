@@ -153,8 +153,18 @@ TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
   EXPECT_EQ(tree::binomial_upper_limit(5, 5, 0.25), 1);
 }
 
+// The likeliest class of a case that comes to this node alone.
+std::size_t class_at(const decision_tree& t, const tree::class_probabilities& probabilities,
+                     std::size_t node) {
+  const std::vector<std::size_t> parents = tree::node_parents(t);
+  std::map<std::size_t, unsigned int> branches;  // by test
+  for (; node != 0; node = parents[node]) branches[parents[node]] = t.nodes[node].branch;
+  return tree::likeliest_class(
+      probabilities.of_case([&](std::size_t test) { return branches[test]; }));
+}
+
 // In tables with unknown values, many values and noise: rows, their texts and the training cases
-// take the same ways, and each case counts once.
+// take the same ways, each case counts once, and leaves show the class that they predict.
 TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
   for (const char* name : {"housevotes84", "pima2", "soybean", "birdstrikes"}) {
     const std::string path = std::string(ARBOR_DATA "/") + name + ".csv";
@@ -165,6 +175,12 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
     EXPECT_EQ(by_text.quality->matrix().pairs(),
               tree::classify_cases(t, rows, rows.cases).matrix().pairs())
         << name;
+    const tree::class_probabilities probabilities(t);
+    const std::vector<std::size_t> predicted = tree::predicted_classes(t);
+    for (std::size_t i = 0; i < t.nodes.size(); ++i) {
+      if (!t.nodes[i].is_leaf()) continue;
+      EXPECT_EQ(predicted[i], class_at(t, probabilities, i)) << name << i;
+    }
     double in_leaves = 0;
     for (const tree::tree_node& node : t.nodes) {
       double shares = node.is_leaf() ? 1 : 0;
@@ -209,19 +225,40 @@ TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
   }
 }
 
+// The other tables have other values, or other data types and kinds, of the columns d and n.
 TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
-  const decision_tree t =
-      grown(load_csv("d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\nr,2,w\n"), 1);
-  const table other = load_csv("d,n,c\nq,3,z\nr,3,w\nnew,3,w\np,0,x\np,3,y\np,1,x\n?,0,z\n");
-  const tree::row_classifier classify(t, other);
-  tree::text_classifier by_text(t);
-  for (unsigned int row = 0; row < other.cases.size(); ++row) {
-    const std::string d = other.columns[0]->get_row_value(row);
-    const std::string n = other.columns[1]->get_row_value(row);
-    EXPECT_EQ(classify(row), by_text({d.c_str(), n.c_str()})) << row;
+  const std::string others = "d,n,c\nq,3,z\nr,3,w\nnew,3,w\np,0,x\np,3,y\np,1,x\n?,0,z\n",
+                    fractions = "d,n,c\nq,1.75,z\np,1.5,x\np,1.4,y\np,-1e9,x\nr,?,y\np,2.5,y\n",
+                    numbers = "d,n,c\n7,1,x\n1.5,5,x\n7.0,2,x\n", unknowns = "d,n,c\np,,x\nq,?,y\n";
+  for (const char* const numbers_of_tree : {"n integer", "n float kind n discrete"}) {
+    const std::string csv = "d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\n7,2,w\n";
+    const decision_tree t =
+        grown(load_csv(csv, options_of(std::string("type ") + numbers_of_tree)), 1);
+    tree::text_classifier by_text(t);
+    for (const auto& [table_of_others, words] :
+         std::multimap<std::string, std::string>{{others, ""},
+                                                 {others, "type n uinteger"},
+                                                 {others, "type n float kind n ignore"},
+                                                 {fractions, ""},
+                                                 {fractions, "type n double kind n discrete"},
+                                                 {numbers, ""},
+                                                 {numbers, "type d string type n float"},
+                                                 {unknowns, ""}}) {
+      const table other = load_csv(table_of_others, options_of(words));
+      const tree::row_classifier classify(t, other);
+      for (unsigned int row = 0; row < other.cases.size(); ++row) {
+        const std::string d = other.columns[0]->get_row_value(row);
+        const std::string n = other.columns[1]->get_row_value(row);
+        EXPECT_EQ(classify(row), by_text({d.c_str(), n.c_str()})) << words << row;
+      }
+    }
   }
-  EXPECT_EQ(message_of([&] { tree::row_classifier(t, load_csv("d,m,c\np,1,x\n")); }),
-            "the table has no column of the name n");
+  const decision_tree t = grown(load_csv("n,c\n1,x\n1,x\n2,y\n2,y\n"), 1);
+  for (const auto& [csv, message] : std::map<std::string, std::string>{
+           {"m,c\n1,x\n", "the table has no column of the name \"n\""},
+           {"n,c\n1,x\nu,y\n",
+            "the column \"n\" of the table has texts, which cannot be compared with a threshold"}})
+    EXPECT_EQ(message_of([&] { tree::row_classifier(t, load_csv(csv)); }), message);
 }
 
 }  // namespace
