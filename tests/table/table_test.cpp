@@ -6,6 +6,7 @@
 #include <regex>
 #include <set>
 
+#include "arbor/table/secret_hash.h"
 #include "arbor/table/value_text.h"
 #include "tests/support/tables.h"
 
@@ -200,6 +201,21 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
               record_of(make_column("discrete", type, cells).get()))
         << "round " << round << ", " << type;
   }
+}
+
+// Numbers whose products with a usual factor have the same highest bits, and texts of two such
+// halves whose differences a weak step would let cancel.
+TEST(SecretHash, SpreadsWhatIsChosenToCollide) {
+  std::set<std::uint64_t> of_numbers;
+  std::set<std::uint64_t> of_texts;
+  for (std::uint64_t i = 1; i <= 10000; ++i) {
+    const std::uint64_t number = (0x12345ULL << 44U | i) * 0xF1DE83E19937733DU;
+    of_numbers.insert(tree::secret_hash()(number ^ number >> 32U) >> 40U);
+    const std::array<std::uint64_t, 4> halves{i << 50U, i << 18U, 0, 0};
+    const char* const text = reinterpret_cast<const char*>(halves.data());
+    of_texts.insert(tree::secret_hash()(tree::cell_text{text, 16}) >> 40U);
+  }
+  EXPECT_GT(std::min(of_numbers.size(), of_texts.size()), 9000U);
 }
 
 TEST(ValueText, IsThatOfAnyBytes) {
