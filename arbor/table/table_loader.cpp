@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <new>
@@ -70,8 +69,7 @@ class loading {
     }
     result.cases = weighted_cases();
     result.total_weight = total_weight(result.cases);
-    if (!std::isfinite(result.total_weight))
-      file.fail("the weights add up to more than a float can hold");
+    check_total(result.total_weight);
     return result;
   }
 
@@ -147,6 +145,17 @@ class loading {
                 "not of the type " + choice_for(file.names()[cell], options.types) +
                     " that was chosen for the column");
     }
+  }
+
+  // Gain and split information are made of float sums of w log2 w. For weights that add up to S no
+  // such sum exceeds S log2 S, which for 2^120 is less than half of the greatest float.
+  void check_total(float total) const {
+    constexpr float most_total_weight = 0x1p120F;
+    if (total <= most_total_weight) return;
+    file.fail(fmt::format(
+        "column {}: the weights add up to {}, and above {} the sums that make up a "
+        "gain do not fit a float; divide all weights by the same number",
+        in_quotes(options.weights_name), shortest_text(total), shortest_text(most_total_weight)));
   }
 
   // Before the others are made, as it may have too many values.

@@ -26,7 +26,8 @@ split_rating split_rating_of(const judged_split& judged, const column& attribute
   return result;
 }
 
-const char* why_no_split(const column& attribute, unsigned int values) {
+const char* why_no_split(const column& attribute, unsigned int values, bool finite) {
+  if (!finite) return "its rating is not a finite number";
   if (attribute.is_ignore()) return "ignored";
   if (values == 0) return "no known value";
   if (values == 1) return "a single value";
@@ -45,7 +46,7 @@ attribute_rating rating_of(const column& attribute, const impls::w_sequence& cas
   if (split.exists()) {
     rating.split = split_rating_of(split, attribute);
   } else {
-    rating.no_split_reason = why_no_split(attribute, rating.values);
+    rating.no_split_reason = why_no_split(attribute, rating.values, split.finite);
   }
   return rating;
 }

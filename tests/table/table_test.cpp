@@ -113,7 +113,9 @@ a/red | kind a continuous => : column "a": Continuous column 'a' requires a nume
 a/? | kind a discrete => : column "a": Null set of column values can only be used for ignore column
  type; it has no known value, and can only be ignored
 w,a/0,1 | weights w => : every row has the weight 0
-w,a/3e38,1/3e38,2 | weights w => : the weights add up to more than a float can hold
+w,a/6e35,1/7e35,2 | weights w => float weights: 6e+35 7e+35; integer continuous: 1 2;
+w,a/7e35,1/7e35,2 | weights w => : column "w": the weights add up to 1.4e+36, and above 1.329228e+36
+ the sums that make up a gain do not fit a float; divide all weights by the same number
 w,a/1,1/-1,1 | weights w => :3: column "w": "-1" is no weight; a weight is a finite number from 0
  up, and 0 leaves the row out
 a,,b | => :1: column 2 has no name
