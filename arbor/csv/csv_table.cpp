@@ -33,10 +33,8 @@ void csv_table::read_names(const csv_row& row) {
   for (std::size_t cell = 0; cell < row.size(); ++cell) column_names.emplace_back(row.text(cell));
   by_name.resize(column_names.size());
   std::iota(by_name.begin(), by_name.end(), std::size_t{0});
-  std::sort(by_name.begin(), by_name.end(), [&](std::size_t a, std::size_t b) {
-    const int order = column_names[a].compare(column_names[b]);
-    return order != 0 ? order < 0 : a < b;
-  });
+  std::stable_sort(by_name.begin(), by_name.end(),
+                   [&](std::size_t a, std::size_t b) { return column_names[a] < column_names[b]; });
   // The first column whose name is missing or taken.
   std::size_t wrong = column_names.size();
   for (std::size_t i = 0; i < by_name.size(); ++i) {

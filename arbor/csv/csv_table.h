@@ -62,7 +62,7 @@ class csv_table {
   input_file file;
   unknown_texts unknown;
   std::vector<std::string> column_names;
-  std::vector<std::size_t> by_name;  // the positions of the columns, sorted by name
+  std::vector<std::size_t> by_name;  // positions, sorted by name
 };
 
 }  // namespace arbor::tree
