@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <new>
@@ -152,10 +153,12 @@ class loading {
   void check_total(float total) const {
     constexpr float most_total_weight = 0x1p120F;
     if (total <= most_total_weight) return;
-    file.fail(fmt::format(
-        "column {}: the weights add up to {}, and above {} the sums that make up a "
-        "gain do not fit a float; divide all weights by the same number",
-        in_quotes(options.weights_name), shortest_text(total), shortest_text(most_total_weight)));
+    file.fail(
+        fmt::format("column {}: the weights add up to {}, and above {} the sums that make up a "
+                    "gain do not fit a float; divide all weights by the same number",
+                    in_quotes(options.weights_name),
+                    std::isfinite(total) ? shortest_text(total) : "more than a float can hold",
+                    shortest_text(most_total_weight)));
   }
 
   // Before the others are made, as it may have too many values.
