@@ -13,13 +13,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -142,6 +145,41 @@ void many_strings() {
   delete loaded;
 }
 
+// Texts of eight bytes, none of which ends a cell: random ones, or those whose products with the
+// factor of many multiplicative hashes, the golden ratio's, have the same highest bits.
+std::vector<std::string> eight_bytes(bool chosen) {
+  constexpr std::size_t texts = 160'000;
+  constexpr std::uint64_t inverse = 0xF1DE83E19937733DU;  // of 0x9E3779B97F4A7C15 modulo 2^64
+  constexpr std::uint64_t highest_bits = 0x12345ULL << 44U;
+  std::mt19937_64 random(1);
+  std::vector<std::string> result;
+  for (std::uint64_t i = 1; result.size() < texts; ++i) {
+    const std::uint64_t folded = chosen ? (highest_bits | i) * inverse : random();
+    const std::uint64_t number = folded ^ folded >> 32U;
+    std::string text(sizeof number, '\0');
+    std::memcpy(text.data(), &number, sizeof number);
+    if (text.find_first_of(std::string(",\"\r\n\0", 5)) == std::string::npos)
+      result.push_back(text);
+  }
+  return result;
+}
+
+void chosen_texts() {
+  const auto load_texts = [](bool chosen) {
+    const std::vector<std::string> texts = eight_bytes(chosen);
+    write_file([&](std::ofstream& out) {
+      out << "text,class\n";
+      for (const std::string& text : texts) out << text << (text < "P" ? ",yes\n" : ",no\n");
+    });
+    return seconds([] { tree::load_table(scratch(), {}); });
+  };
+  const double random = load_texts(false);
+  const double chosen = load_texts(true);
+  fmt::print("  {:<52}{:>10.3f} s\n", "160,000 random texts loaded", random);
+  fmt::print("  {:<52}{:>10.3f} s, {:.2f} times as long\n", "160,000 chosen texts loaded", chosen,
+             chosen / random);
+}
+
 std::unique_ptr<o_set> numbers_to(unsigned int count) {
   std::unique_ptr<o_set> domain(o_set::NEW_O_SET("integer", true, "?"));
   for (unsigned int value = 1; value <= count; ++value)
@@ -216,6 +254,7 @@ constexpr limit limits[] = {
     {"a cell of 100 MB", one_long_cell},
     {"100,000 columns", many_columns},
     {"a domain of 5,000,000 strings", many_strings},
+    {"texts chosen to collide", chosen_texts},
     {"1,000,000 values at a node of ten cases", many_values_few_cases},
     {"as many rows as a column can have", most_rows_of_a_column},
 };

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
+#include <numeric>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
@@ -30,14 +30,22 @@ void csv_table::read(const std::function<void()>& when_named,
 }
 
 void csv_table::read_names(const csv_row& row) {
-  std::set<std::string> seen;
-  for (std::size_t cell = 0; cell < row.size(); ++cell) {
-    const std::string column = row.text(cell);
-    if (column.empty()) fail_at(row.line_of(cell), fmt::format("column {} has no name", cell + 1));
-    if (!seen.insert(column).second)
-      fail_at(row.line_of(cell), "two columns have the name " + in_quotes(column));
-    column_names.push_back(column);
+  for (std::size_t cell = 0; cell < row.size(); ++cell) column_names.emplace_back(row.text(cell));
+  by_name.resize(column_names.size());
+  std::iota(by_name.begin(), by_name.end(), std::size_t{0});
+  std::stable_sort(by_name.begin(), by_name.end(),
+                   [&](std::size_t a, std::size_t b) { return column_names[a] < column_names[b]; });
+  // The first column whose name is missing or taken.
+  std::size_t wrong = column_names.size();
+  for (std::size_t i = 0; i < by_name.size(); ++i) {
+    const std::string& column = column_names[by_name[i]];
+    if (column.empty() || (i > 0 && column == column_names[by_name[i - 1]]))
+      wrong = std::min(wrong, by_name[i]);
   }
+  if (wrong == column_names.size()) return;
+  const std::string& column = column_names[wrong];
+  fail_at(row.line_of(wrong), column.empty() ? fmt::format("column {} has no name", wrong + 1)
+                                             : "two columns have the name " + in_quotes(column));
 }
 
 void csv_table::check_width(const csv_row& row) const {
@@ -49,13 +57,18 @@ void csv_table::check_width(const csv_row& row) const {
               row.size() > column_names.size() ? "; a cell with a comma in it needs quotes" : ""));
 }
 
+std::optional<std::size_t> csv_table::find(const std::string& column) const {
+  const auto found = std::lower_bound(
+      by_name.begin(), by_name.end(), column,
+      [&](std::size_t cell, const std::string& name) { return column_names[cell] < name; });
+  if (found == by_name.end() || column_names[*found] != column) return std::nullopt;
+  return *found;
+}
+
 std::size_t csv_table::cell_named(const std::string& column, const std::string& purpose) const {
-  const auto found = std::find(column_names.begin(), column_names.end(), column);
-  if (found == column_names.end()) {
-    fail(fmt::format("there is no column {} for {}{}", in_quotes(column), purpose,
-                     did_you_mean(column, column_names)));
-  }
-  return static_cast<std::size_t>(found - column_names.begin());
+  if (const std::optional<std::size_t> cell = find(column)) return *cell;
+  fail(fmt::format("there is no column {} for {}{}", in_quotes(column), purpose,
+                   did_you_mean(column, column_names)));
 }
 
 float csv_table::weight(const csv_row& row, std::size_t cell) const {

@@ -7,6 +7,7 @@
 #define ARBOR_CSV_CSV_TABLE_H
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,8 +35,10 @@ class csv_table {
   const std::vector<std::string>& names() const { return column_names; }
   const unknown_texts& unknowns() const { return unknown; }
 
-  // The position of a column, from 0. Throws when there is no such column; the message proposes the
-  // nearest name and says what the column is needed for: `purpose`, "the class" for example.
+  // The position of a column, from 0; none if there is no such column. It is looked up in an index.
+  std::optional<std::size_t> find(const std::string& column) const;
+  // The same, but throws when there is no such column; the message proposes the nearest name and
+  // says what the column is needed for: `purpose`, "the class" for example.
   std::size_t cell_named(const std::string& column, const std::string& purpose) const;
 
   // The text of a cell, null if it is unknown.
@@ -59,6 +62,7 @@ class csv_table {
   input_file file;
   unknown_texts unknown;
   std::vector<std::string> column_names;
+  std::vector<std::size_t> by_name;  // positions, sorted by name
 };
 
 }  // namespace arbor::tree

@@ -19,7 +19,8 @@ std::string counted(std::size_t count, const std::string& one, const std::string
 std::string shell_word(const std::string& text);
 
 // A question to add to a message. It proposes the one of `names` that is most similar to
-// `mistyped`, regardless of case; empty when none is similar.
+// `mistyped`, regardless of case; empty when none is similar. Texts of more than 64 bytes are
+// similar to nothing.
 std::string did_you_mean(const std::string& mistyped, const std::vector<std::string>& names);
 
 // Throws table_error unless `choice` is one of `choices`. The message begins with `before`.

@@ -67,7 +67,7 @@ class cell_blocks {
 
   // Small tables have small blocks.
   void add_block() {
-    constexpr std::size_t least = 1U << 6U;
+    constexpr std::size_t least = 1U << 3U;
     constexpr std::size_t most = 1U << 16U;
     const std::size_t size = std::clamp(capacity, least, most);
     blocks.push_back({std::unique_ptr<T[]>(new T[size]), size});

@@ -27,8 +27,8 @@ bool is_shown_whole(const std::string& text) {
 
 }  // namespace
 
-column_loader::column_loader(settings of_column)
-    : chosen(std::move(of_column)), cells(keepable_as(chosen.data_type)) {
+column_loader::column_loader(const settings& of_column)
+    : chosen(of_column), cells(keepable_as(chosen.data_type)) {
   survey.data_type = chosen.data_type;
 }
 

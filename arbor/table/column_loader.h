@@ -20,15 +20,16 @@ namespace arbor::tree {
 
 class column_loader {
  public:
+  // The texts must outlive the loader: of a million columns, copies would take most of the memory.
   struct settings {
-    std::string name;
+    const std::string& name;
     // Empty: continuous for numbers, discrete for texts, ignore without known values.
-    std::string kind;
-    std::string data_type;  // empty: the narrowest that holds all cells
-    std::string null_text;  // the domain's text of the unknown value, in a column of texts
+    const std::string& kind;
+    const std::string& data_type;  // empty: the narrowest that holds all cells
+    const std::string& null_text;  // the domain's text of the unknown value, in a column of texts
   };
 
-  explicit column_loader(settings of_column);
+  explicit column_loader(const settings& of_column);
 
   const std::string& name() const { return chosen.name; }
 

@@ -10,6 +10,8 @@
 #include <string>
 #include <unordered_set>
 
+#include "arbor/table/secret_hash.h"
+
 namespace arbor::tree {
 
 namespace {
@@ -61,10 +63,11 @@ std::uint64_t identity_of(const decimal& number) {
   if (number.digits.empty()) return zero_identity;  // whatever its exponent and sign
   const plain_number plain = plain_number_of(number.negative, number.digits, number.exponent);
   if (plain != no_plain_number) return static_cast<std::uint64_t>(plain);
-  const std::string text =
+  std::string text =
       fmt::format("{}{}e{}", number.digits, number.negative ? "-" : "", number.exponent);
-  std::uint64_t hash = 0xCBF29CE484222325U;  // FNV-1a
-  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+  const std::size_t length = text.size();
+  text.append(readable_after_cell, '\0');
+  const std::uint64_t hash = secret_hash()(cell_text{text.data(), length});
   return hash | 1U;  // odd, unlike the identities above and 0
 }
 
@@ -88,7 +91,7 @@ class merge_counter {
 
  private:
   std::vector<std::uint64_t> first_seen;  // by code; 0 before any
-  std::unordered_set<std::uint64_t> others;
+  std::unordered_set<std::uint64_t, secret_hash> others;
 };
 
 bool may_merge(const text_dictionary& texts, const std::vector<double>& text_numbers) {

@@ -28,8 +28,9 @@ std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& 
 bool may_merge_as_float(const char* text, double value);
 bool may_merge_as_float(plain_number number);
 
-// A number of 64 bits for the decimal number that a text stands for: the same for all ways to write
-// it, and hardly ever that of another one, however many digits they have. Never 0.
+// A number of 64 bits for the decimal number that a text stands for: in one process the same for
+// all ways to write it, and hardly ever that of another one, however many digits they have. Never
+// 0.
 std::uint64_t number_identity(const char* text);
 std::uint64_t number_identity(plain_number number);
 

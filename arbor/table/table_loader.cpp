@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -35,10 +36,20 @@ std::string null_text(const std::vector<std::string>& unknown_texts) {
   return "\x7F?";
 }
 
+// The choice for a column; empty if there is none.
+const std::string& choice_for(const std::string& column,
+                              const std::map<std::string, std::string>& chosen) {
+  static const std::string none;
+  const auto found = chosen.find(column);
+  return found == chosen.end() ? none : found->second;
+}
+
 class loading {
  public:
   loading(const std::string& path, const load_options& chosen)
-      : file(path, unknown_texts(chosen.unknown_texts)), options(chosen) {
+      : file(path, unknown_texts(chosen.unknown_texts)),
+        options(chosen),
+        null_value(null_text(file.unknowns().texts())) {
     check_choices(options.types_from, options.types,
                   {"integer", "uinteger", "float", "double", "string"});
     check_choices(options.kinds_from, options.kinds, {"discrete", "continuous", "ignore"});
@@ -48,20 +59,18 @@ class loading {
     file.read([&] { assign_columns(); }, [&](const csv_row& row) { take(row); });
     if (rows == 0)
       file.fail(rows_read == 0 ? "no rows below the column names" : "every row has the weight 0");
-    make_class_column();
-    for (column_loader& loader : loaders) {
-      if (&loader != &loaders[class_cell]) make_column(loader);
-    }
     table result;
     result.name = file.name();
     result.class_index = class_cell;
+    make_class_column();
+    for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
+      const std::unique_ptr<column_loader> loader = std::move(loaders[cell]);
+      if (cell != class_cell) make_column(*loader);
+      result.columns.push_back(loader->take(file.unknowns().texts(), result.remarks));
+    }
     result.cases = weighted_cases();
     result.total_weight = total_weight(result.cases);
-    if (!std::isfinite(result.total_weight))
-      file.fail("the weights add up to more than a float can hold");
-    for (column_loader& loader : loaders) {
-      result.columns.push_back(loader.take(file.unknowns().texts(), result.remarks));
-    }
+    check_total(result.total_weight);
     return result;
   }
 
@@ -77,9 +86,8 @@ class loading {
     for (const auto& type : options.types) file.cell_named(type.first, options.types_from);
     for (const auto& kind : options.kinds) check_kind_is_free(kind.first);
     for (std::size_t cell = 0; cell < names.size(); ++cell) {
-      const std::string& name = names[cell];
-      loaders.emplace_back(column_loader::settings{name, kind_of(cell), options.types[name],
-                                                   null_text(file.unknowns().texts())});
+      loaders.push_back(std::make_unique<column_loader>(column_loader::settings{
+          names[cell], kind_of(cell), choice_for(names[cell], options.types), null_value}));
     }
   }
 
@@ -106,9 +114,11 @@ class loading {
               (cell == class_cell ? " is the class" : " holds the weights") + ", not an attribute");
   }
 
-  std::string kind_of(std::size_t cell) {
-    if (cell == class_cell) return "class";
-    return cell == weights_cell ? "weights" : options.kinds[file.names()[cell]];
+  const std::string& kind_of(std::size_t cell) const {
+    static const std::string of_class = "class";
+    static const std::string of_weights = "weights";
+    if (cell == class_cell) return of_class;
+    return cell == weights_cell ? of_weights : choice_for(file.names()[cell], options.kinds);
   }
 
   // A row that weighs nothing is left out.
@@ -130,17 +140,30 @@ class loading {
 
   void take_cell(const csv_row& row, std::size_t cell) {
     if (file.unknowns().is_unknown(row, cell)) {
-      loaders[cell].add_unknown();
-    } else if (!loaders[cell].add(row.cell(cell))) {
+      loaders[cell]->add_unknown();
+    } else if (!loaders[cell]->add(row.cell(cell))) {
       file.fail(row, cell,
-                "not of the type " + options.types[file.names()[cell]] +
+                "not of the type " + choice_for(file.names()[cell], options.types) +
                     " that was chosen for the column");
     }
   }
 
+  // Gain and split information are made of float sums of w log2 w. For weights that add up to S no
+  // such sum exceeds S log2 S, which for 2^120 is less than half of the greatest float.
+  void check_total(float total) const {
+    constexpr float most_total_weight = 0x1p120F;
+    if (total <= most_total_weight) return;
+    file.fail(
+        fmt::format("column {}: the weights add up to {}, and above {} the sums that make up a "
+                    "gain do not fit a float; divide all weights by the same number",
+                    in_quotes(options.weights_name),
+                    std::isfinite(total) ? shortest_text(total) : "more than a float can hold",
+                    shortest_text(most_total_weight)));
+  }
+
   // Before the others are made, as it may have too many values.
   void make_class_column() {
-    column_loader& loader = loaders[class_cell];
+    column_loader& loader = *loaders[class_cell];
     make_column(loader);
     if (loader.values() <= options.most_classes) return;
     file.fail(fmt::format("column {} is the class and has {} values, more than {}{}",
@@ -170,8 +193,9 @@ class loading {
   }
 
   csv_table file;
-  load_options options;
-  std::vector<column_loader> loaders;  // by cell
+  const load_options& options;
+  std::string null_value;
+  std::vector<std::unique_ptr<column_loader>> loaders;  // by cell; freed one by one
   std::size_t class_cell = 0;
   std::size_t weights_cell = 0;  // one past the last cell when every case weighs 1
   cell_blocks<float> weights;    // of the rows, if there is such a column

@@ -26,7 +26,8 @@ namespace arbor::tree {
 struct load_options {
   // Empty: the last column but that of the weights.
   std::string class_name;
-  // The column of the cases' weights, finite numbers from 0 up. Empty: every case weighs 1.
+  // The column of the cases' weights: numbers from 0 up, whose sum is at most 2^120. Empty: every
+  // case weighs 1.
   std::string weights_name;
   // The texts of the unknown value, see unknown_texts.h. None: "?" and the empty cell.
   std::vector<std::string> unknown_texts;

@@ -26,7 +26,7 @@ unsigned int text_dictionary::add(cell_text text, std::uint64_t key, std::size_t
 }
 
 void text_dictionary::grow() {
-  slot_bits = slot_bits == 0 ? 6 : slot_bits + 1;
+  slot_bits = slot_bits == 0 ? 3 : slot_bits + 1;
   slots.assign(std::size_t{1} << slot_bits, 0);
   for (unsigned int code = 1; code <= size(); ++code) {
     std::size_t slot = first_slot(entries[code - 1].key);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "arbor/csv/cell_text.h"
+#include "arbor/table/secret_hash.h"
 
 namespace arbor::tree {
 
@@ -64,24 +65,15 @@ inline unsigned int text_dictionary::code_of(cell_text text) {
 // byte is zero, with eight no byte is. The key of a longer text is a hash whose low byte is 1 and
 // whose next byte is zero, so that it is never the key of a short one.
 inline std::uint64_t text_dictionary::key_of(cell_text text) {
-  constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
   if (text.length <= 8) {
     return text.length == 0 ? 0
                             : first_characters_at_end(eight_characters(text.begin), text.length);
   }
-  std::uint64_t hash = text.length;
-  const auto mix = [&hash](std::uint64_t eight) {
-    hash = (hash ^ eight) * factor;
-    hash ^= hash >> 32U;
-  };
-  std::size_t i = 0;
-  for (; i + 8 < text.length; i += 8) mix(eight_characters(text.begin + i));
-  mix(first_characters_at_end(eight_characters(text.begin + i), text.length - i));
-  return (hash & ~0xFFFFULL) | 1U;
+  return (secret_hash()(text) & ~0xFFFFULL) | 1U;
 }
 
 inline std::size_t text_dictionary::first_slot(std::uint64_t key) const {
-  return static_cast<std::size_t>(((key ^ key >> 32U) * 0x9E3779B97F4A7C15U) >> (64 - slot_bits));
+  return static_cast<std::size_t>(secret_hash()(key) >> (64 - slot_bits));
 }
 
 }  // namespace arbor::tree

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -52,14 +51,9 @@ class file_classifier {
   }
 
   void find_class() {
-    const std::vector<std::string>& names = file.names();
-    const std::string& name = tree.class_column->get_name();
-    if (!options.class_name.empty()) {
-      class_cell = file.cell_named(options.class_name, options.class_from);
-    } else if (const auto found = std::find(names.begin(), names.end(), name);
-               found != names.end()) {
-      class_cell = static_cast<std::size_t>(found - names.begin());
-    }
+    class_cell = options.class_name.empty()
+                     ? file.find(tree.class_column->get_name())
+                     : file.cell_named(options.class_name, options.class_from);
   }
 
   void write_names(std::ostream& to) const {
@@ -74,8 +68,7 @@ class file_classifier {
 
   // A name for a new column. The table may have one of that name, if it was classified before.
   std::string unused_name(std::string name) const {
-    const std::vector<std::string>& names = file.names();
-    while (std::find(names.begin(), names.end(), name) != names.end()) name += "_2";
+    while (file.find(name)) name += "_2";
     return name;
   }
 

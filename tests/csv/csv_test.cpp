@@ -128,6 +128,9 @@ TEST(MessageText, ProposesTheNearestName) {
     EXPECT_EQ(tree::did_you_mean(nearest[i], {"class", "weight", "size", "sizs"}),
               nearest[i + 1].empty() ? "" : question);
   }
+  const std::string x(64, 'x');  // longer ones would take too long
+  EXPECT_NE(tree::did_you_mean("Y" + x.substr(1), {x + "x", x}), "");
+  EXPECT_EQ(tree::did_you_mean(x + "x", {x}), "");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <regex>
 #include <set>
 
+#include "arbor/table/secret_hash.h"
 #include "arbor/table/value_text.h"
 #include "tests/support/tables.h"
 
@@ -112,7 +113,9 @@ a/red | kind a continuous => : column "a": Continuous column 'a' requires a nume
 a/? | kind a discrete => : column "a": Null set of column values can only be used for ignore column
  type; it has no known value, and can only be ignored
 w,a/0,1 | weights w => : every row has the weight 0
-w,a/3e38,1/3e38,2 | weights w => : the weights add up to more than a float can hold
+w,a/6e35,1/7e35,2 | weights w => float weights: 6e+35 7e+35; integer continuous: 1 2;
+w,a/7e35,1/7e35,2 | weights w => : column "w": the weights add up to 1.4e+36, and above 1.329228e+36
+ the sums that make up a gain do not fit a float; divide all weights by the same number
 w,a/1,1/-1,1 | weights w => :3: column "w": "-1" is no weight; a weight is a finite number from 0
  up, and 0 leaves the row out
 a,,b | => :1: column 2 has no name
@@ -200,6 +203,21 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
               record_of(make_column("discrete", type, cells).get()))
         << "round " << round << ", " << type;
   }
+}
+
+// Numbers whose products with a usual factor have the same highest bits, and texts of two such
+// halves whose differences a weak step would let cancel.
+TEST(SecretHash, SpreadsWhatIsChosenToCollide) {
+  std::set<std::uint64_t> of_numbers;
+  std::set<std::uint64_t> of_texts;
+  for (std::uint64_t i = 1; i <= 10000; ++i) {
+    const std::uint64_t number = (0x12345ULL << 44U | i) * 0xF1DE83E19937733DU;
+    of_numbers.insert(tree::secret_hash()(number ^ number >> 32U) >> 40U);
+    const std::array<std::uint64_t, 4> halves{i << 50U, i << 18U, 0, 0};
+    const char* const text = reinterpret_cast<const char*>(halves.data());
+    of_texts.insert(tree::secret_hash()(tree::cell_text{text, 16}) >> 40U);
+  }
+  EXPECT_GT(std::min(of_numbers.size(), of_texts.size()), 9000U);
 }
 
 TEST(ValueText, IsThatOfAnyBytes) {

@@ -13,6 +13,7 @@
 #include "arbor/tree/growing/gain_by_chance.h"
 #include "arbor/tree/growing/node_cases.h"
 #include "arbor/tree/pruning.h"
+#include "arbor/tree/rating.h"
 #include "arbor/tree/table_classification.h"
 #include "arbor/tree/text_classifier.h"
 #include "arbor/tree/thread_pool.h"
@@ -81,6 +82,42 @@ TEST(Grower, GrowsTheSameLargeTreeOnAnyThreadsAndAnyClassOfColumn) {
   }
   options.progress = [](double /*share*/) { throw std::runtime_error("enough"); };
   EXPECT_THROW(tree::grow_tree(large, large.cases, options), std::runtime_error);
+}
+
+// A column that rates itself as it is told to.
+struct told_column : users_column {
+  told_column(const column& from, float told_gain, float told_split_info)
+      : users_column(from, column::DISCRETE), gain(told_gain), split_info(told_split_info) {}
+  void quality_measure(column* /*classes*/, float /*weight*/, impls::w_sequence* /*cases*/,
+                       strata::util::pair<unsigned int, unsigned int>& /*range*/,
+                       float /*min_weight*/, impls::options* /*opts*/, splitting_desc& result,
+                       bool /*copy_cases*/) const override {
+    result.gain = gain;
+    result.split_info = split_info;
+  }
+
+  float gain;
+  float split_info;
+};
+
+TEST(Rating, IsNoSplitUnlessItsNumbersAreFinite) {
+  constexpr float inf = std::numeric_limits<float>::infinity();
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  table two = load_csv("told,x,class\np,1,a\nq,1,a\nr,2,b\nr,2,b\n");
+  const auto source = std::move(two.columns[0]);
+  for (const auto& [gain, split_info] : {std::pair{nan, 1.0F},
+                                         {inf, 1.0F},
+                                         {-inf, 1.0F},
+                                         {1.0F, nan},
+                                         {2.0F, inf},
+                                         {1.0F, 1e-45F}}) {
+    two.columns[0] = std::make_unique<told_column>(*source, gain, split_info);
+    const tree::table_rating ratings = tree::rate_attributes(two, two.cases, 1);
+    EXPECT_EQ(ratings.attributes[0].no_split_reason, "its rating is not a finite number");
+    EXPECT_TRUE(ratings.attributes[1].chosen);
+    const decision_tree grown = tree::grow_tree(two, two.cases, {});
+    EXPECT_EQ(grown.attributes.front()->get_name(), "x") << gain << " " << split_info;
+  }
 }
 
 TEST(NodeCases, CopiesRowsOfACopyWithTheirValuesAndWeights) {

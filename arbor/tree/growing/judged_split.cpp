@@ -1,5 +1,6 @@
 #include "arbor/tree/growing/judged_split.h"
 
+#include <cmath>
 #include <numeric>
 #include <vector>
 
@@ -134,15 +135,7 @@ judged_split rate_any_split(const column& attribute, code_range range, const rat
   return result;
 }
 
-}  // namespace
-
-double judged_split::gain_ratio() const {
-  return rating.split_info > 0
-             ? static_cast<double>(rating.gain) / static_cast<double>(rating.split_info)
-             : 0;
-}
-
-judged_split rate_split(const column& attribute, code_range range, const rated_cases& of_node) {
+judged_split rate_and_judge(const column& attribute, code_range range, const rated_cases& of_node) {
   const bool judged = attribute.is_discrete() && range.second - range.first > 2;
   if (judged && impls::is_library_column(attribute))
     return rate_discrete_split(attribute, range, of_node);
@@ -152,6 +145,29 @@ judged_split rate_split(const column& attribute, code_range range, const rated_c
     with_table(attribute, range, of_node, [&](const auto& table) {
       result.judged_gain = judged_gain(result.rating.gain, charge(table, of_node));
     });
+  }
+  return result;
+}
+
+bool is_finite(const judged_split& split) {
+  return std::isfinite(split.rating.gain) && std::isfinite(split.rating.split_info) &&
+         std::isfinite(split.judged_gain) && std::isfinite(static_cast<float>(split.gain_ratio()));
+}
+
+}  // namespace
+
+double judged_split::gain_ratio() const {
+  return rating.split_info > 0
+             ? static_cast<double>(rating.gain) / static_cast<double>(rating.split_info)
+             : 0;
+}
+
+judged_split rate_split(const column& attribute, code_range range, const rated_cases& of_node) {
+  judged_split result = rate_and_judge(attribute, range, of_node);
+  result.finite = is_finite(result);
+  if (!result.finite) {
+    result.rating.set_no_split();
+    result.judged_gain = result.rating.gain;
   }
   return result;
 }

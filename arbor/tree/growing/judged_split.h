@@ -25,6 +25,9 @@ namespace arbor::tree {
 struct judged_split {
   impls::column::splitting_desc rating;  // see column::quality_measure
   float judged_gain = 0;                 // the gain if it is not above 0
+  // Whether gain, split information, judged gain and gain ratio are finite as float. Otherwise they
+  // say nothing, and the rating has been made that of no split.
+  bool finite = true;
 
   bool exists() const { return rating.gain != impls::column::splitting_desc::no_split; }
   // The gain divided by the split information; 0 if that is 0.
@@ -45,8 +48,8 @@ struct rated_cases {
   rating_need need;
 };
 
-// Rates the split of an attribute as column::quality_measure does, and judges its gain. `range` has
-// bounds of the known codes among the cases, which are not reordered. Several threads may rate
+// Rates the split of an attribute as column::quality_measure does, and judges its gain. What is
+// returned can be compared: none of its numbers is infinite or not a number. `range` has bounds of the known codes among the cases, which are not reordered. Several threads may rate
 // attributes of the same cases.
 judged_split rate_split(const impls::column& attribute, code_range range,
                         const rated_cases& of_node);

@@ -1,7 +1,5 @@
 #include "arbor/tree/growing/test_choice.h"
 
-#include <cmath>
-
 namespace arbor::tree {
 
 namespace {
@@ -25,9 +23,9 @@ judged_split split_on(std::size_t column_index, node_cases& node, const rated_ca
   return rate_split(attribute, range, of_node);
 }
 
-// Whether a tree may test the attribute. A rating that is no finite number says nothing.
+// Whether a tree may test the attribute.
 bool is_eligible(const judged_split& split) {
-  return split.judged_gain > 0 && std::isfinite(split.judged_gain);
+  return split.judged_gain > 0;
 }
 
 double average_judged_gain(const std::vector<judged_split>& splits) {
