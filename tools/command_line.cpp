@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <new>
 #include <vector>
 
 #include "arbor/csv/message_text.h"
@@ -52,6 +53,14 @@ void refuse_unknown_command(const CLI::App& app, const std::vector<std::string>&
                     did_you_mean(extras.front(), command_names(app)));
 }
 
+// Without memory the parser leaves out a part of its help and does not say so. A second attempt is
+// not cut off at the same place.
+std::string help_of(const CLI::App& app) {
+  std::string help = app.help();
+  if (help != app.help()) throw std::bad_alloc();
+  return help;
+}
+
 // An unknown option is the likeliest cause of any other extra argument, so it is reported first.
 void refuse_extras(const CLI::App& app) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
@@ -72,6 +81,9 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
   for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
   try {
     app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    std::cout << help_of(app);
+    return false;
   } catch (const CLI::Success& asked) {
     app.exit(asked, std::cout, std::cerr);
     return false;

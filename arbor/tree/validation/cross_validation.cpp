@@ -1,6 +1,7 @@
 #include "arbor/tree/validation/cross_validation.h"
 
 #include <algorithm>
+#include <map>
 #include <random>
 #include <string>
 
@@ -31,12 +32,14 @@ std::vector<validated_attribute> validate_attributes(const decision_tree& tree, 
                                                      std::mt19937_64& random) {
   const std::vector<permutation_loss> losses =
       permutation_losses(tree, rows, held_back, quality, random);
-  std::vector<validated_attribute> result(rows.columns.size());
-  for (std::size_t i = 0; i < losses.size(); ++i) {
-    const std::string name = tree.attributes[i]->get_name();
-    const auto tested = std::find_if(rows.columns.begin(), rows.columns.end(),
-                                     [&](const auto& c) { return c->get_name() == name; });
-    result[static_cast<std::size_t>(tested - rows.columns.begin())] = {1, losses[i]};
+  std::map<std::string, permutation_loss> tested;
+  for (std::size_t i = 0; i < losses.size(); ++i)
+    tested.emplace(tree.attributes[i]->get_name(), losses[i]);
+  std::vector<validated_attribute> result;
+  for (const auto& column : rows.columns) {
+    const auto loss = tested.find(column->get_name());
+    result.push_back(loss == tested.end() ? validated_attribute()
+                                          : validated_attribute{1, loss->second});
   }
   return result;
 }
