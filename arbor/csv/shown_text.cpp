@@ -85,6 +85,11 @@ std::string fitting_end(const std::vector<glyph>& glyphs, std::size_t width) {
   return result;
 }
 
+// Most texts are: each of their bytes is a character and takes a column.
+bool is_printable_ascii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 // No more bytes are looked at for each column. Characters without a width could fill any number.
 constexpr std::size_t bytes_per_column = 8;
 constexpr std::string_view ellipsis = "...";
@@ -110,12 +115,14 @@ utf8_character first_character(std::string_view text) {
 }
 
 std::string printable(std::string_view text) {
+  if (is_printable_ascii(text)) return std::string(text);
   std::string result;
   while (!text.empty()) result += take_glyph(text).text;
   return result;
 }
 
 std::string shown(std::string_view text, std::size_t width) {
+  if (text.size() <= width && is_printable_ascii(text)) return std::string(text);
   const std::size_t most_bytes = bytes_per_column * width;
   const bool is_long = text.size() > most_bytes;
   const std::vector<glyph> head = glyphs_of(text.substr(0, most_bytes));
@@ -139,6 +146,7 @@ std::string in_quotes(std::string_view text) {
 }
 
 std::size_t display_width(std::string_view text) {
+  if (is_printable_ascii(text)) return text.size();
   std::size_t width = 0;
   while (!text.empty()) width += take_glyph(text).width;
   return width;

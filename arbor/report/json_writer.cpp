@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -25,10 +26,15 @@ std::string escaped(const std::string& text) {
   return quoted.substr(1, quoted.size() - 2);
 }
 
+bool stands_as_it_is(char c) {
+  return c >= ' ' && c <= '~' && c != '"' && c != '\\';
+}
+
 }  // namespace
 
 std::string json_text(std::string_view text) {
   std::string result = "\"";
+  if (std::all_of(text.begin(), text.end(), stands_as_it_is)) return result.append(text) + '"';
   std::string utf8;  // that may stand as it is, but for what JSON itself escapes
   while (!text.empty()) {
     const utf8_character first = first_character(text);
@@ -71,8 +77,9 @@ json_writer& json_writer::close() {
 }
 
 json_writer& json_writer::key(const char* name) {
-  value(name);
-  out << ": ";
+  begin_value();
+  out << '"' << name << "\": ";
+  is_first = false;
   follows_key = true;
   return *this;
 }

@@ -33,7 +33,7 @@ class json_writer {
   // Ends the innermost object or array that is open. A line feed follows the outermost one.
   json_writer& close();
 
-  // The name of the next member of an object; its value must follow.
+  // The name of the next member of an object, in plain letters; its value must follow.
   json_writer& key(const char* name);
 
   // A value. A number that is not finite becomes null.
