@@ -82,7 +82,7 @@ void classify_command::run() {
 }
 
 void classify_command::check_combination() const {
-  refuse_if(table_path.empty(), "name a model and a table");
+  refuse_if(model_path.empty() || table_path.empty(), "name a model and a table");
   refuse_if(output_path.empty(), "--output: the name of the file is empty");
   for (const std::string option : {"--output", "--probability"})
     refuse_if(quiet && given(option), option + " does not go with --quiet, which prints no rows");
