@@ -16,6 +16,16 @@
 
 namespace arbor::impls {
 
+// Some weights of a row of a table.
+template <class Weight>
+struct row_weights {
+  const Weight* first;
+  const Weight* last;
+
+  const Weight* begin() const { return first; }
+  const Weight* end() const { return last; }
+};
+
 // The table as the measures read it. Weight is float, or unsigned int if all weights are the same
 // whole number and float holds their sum exactly.
 template <class Weight>
@@ -36,6 +46,9 @@ class class_table {
   unsigned int classes() const { return static_cast<unsigned int>(stride - 1); }
   // Returns the weights of the classes 1 to classes() in a row.
   const Weight* row(unsigned int i) const { return cells.data() + i * stride + 1; }
+  row_weights<Weight> weights_in_row(unsigned int i) const { return {row(i), row(i) + classes()}; }
+  // How many codes of the range have no row; see sparse_class_table.h.
+  unsigned int empty_rows() const { return 0; }
   // Returns those of all known cases.
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }

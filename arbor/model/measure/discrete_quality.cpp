@@ -20,18 +20,17 @@ struct discrete_entropies {
   float of_branches = 0;
 };
 
-template <class Weight, class Terms, class Tallied>
-discrete_entropies entropies(const class_table<Tallied>& table, float min_weight,
-                             const Terms& terms) {
+template <class Weight, class Terms, class Table>
+discrete_entropies entropies(const Table& table, float min_weight, const Terms& terms) {
   discrete_entropies result;
+  if (0 >= min_weight) result.real_branches = table.empty_rows();
   result.of_classes =
       static_cast<float>(weighted_entropy<Weight>(terms, table.totals(), table.classes()));
   entropy_sum<Weight, Terms> branches(terms);
   branches.add(static_cast<Weight>(table.unknown_weight()));
   for (unsigned int i = 1; i < table.rows(); ++i) {
     entropy_sum<Weight, Terms> classes(terms);
-    for (unsigned int c = 0; c < table.classes(); ++c)
-      classes.add(static_cast<Weight>(table.row(i)[c]));
+    for (const auto weight : table.weights_in_row(i)) classes.add(static_cast<Weight>(weight));
     const Weight branch_weight = classes.weight();
     if (static_cast<float>(branch_weight) >= min_weight) ++result.real_branches;
     result.within_values =
@@ -55,11 +54,13 @@ discrete_entropies entropies(const class_table<Weight>& table, float min_weight)
   return entropies<float>(table, min_weight, real_terms());
 }
 
-}  // namespace
+discrete_entropies entropies(const sparse_class_table& table, float min_weight) {
+  return entropies<float>(table, min_weight, real_terms());
+}
 
-template <class Weight>
-void rate_discrete(const class_table<Weight>& table, float total_weight, float min_weight,
-                   column::splitting_desc& result) {
+template <class Table>
+void rate(const Table& table, float total_weight, float min_weight,
+          column::splitting_desc& result) {
   result.set_no_split();
   const auto unknown_weight = static_cast<float>(table.unknown_weight());
   const float known_weight = total_weight - unknown_weight;
@@ -76,6 +77,19 @@ void rate_discrete(const class_table<Weight>& table, float total_weight, float m
   // per unit of the weight that the caller gives the node.
   result.gain = difference * known_fraction;
   result.split_info = sums.of_branches / total_weight;
+}
+
+}  // namespace
+
+template <class Weight>
+void rate_discrete(const class_table<Weight>& table, float total_weight, float min_weight,
+                   column::splitting_desc& result) {
+  rate(table, total_weight, min_weight, result);
+}
+
+void rate_discrete(const sparse_class_table& table, float total_weight, float min_weight,
+                   column::splitting_desc& result) {
+  rate(table, total_weight, min_weight, result);
 }
 
 template void rate_discrete(const class_table<float>&, float, float, column::splitting_desc&);

@@ -3,6 +3,7 @@
 #define ARBOR_MODEL_MEASURE_DISCRETE_QUALITY_H
 
 #include "arbor/model/measure/class_table.h"
+#include "arbor/model/measure/sparse_class_table.h"
 
 namespace arbor::impls {
 
@@ -10,6 +11,9 @@ namespace arbor::impls {
 // carry `min_weight`. The arguments mean what they mean in column::quality_measure.
 template <class Weight>
 void rate_discrete(const class_table<Weight>& table, float total_weight, float min_weight,
+                   column::splitting_desc& result);
+
+void rate_discrete(const sparse_class_table& table, float total_weight, float min_weight,
                    column::splitting_desc& result);
 
 }  // namespace arbor::impls

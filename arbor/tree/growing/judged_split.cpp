@@ -2,18 +2,17 @@
 
 #include <cmath>
 #include <numeric>
+#include <type_traits>
 #include <vector>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/class_table.h"
 #include "arbor/model/measure/discrete_quality.h"
-#include "arbor/utils/work_array.h"
 
 namespace arbor::tree {
 
 namespace {
 
-using impls::class_table;
 using impls::column;
 
 // In bits per unit of the weight of all cases of the node.
@@ -22,16 +21,16 @@ struct value_charge {
   double most_gain = 0;  // the gain of values that tell the class of every case
 };
 
-template <class Weight>
-value_charge charge(const class_table<Weight>& table, double all_weight,
-                    const gain_by_chance& chance) {
+template <class Table>
+value_charge charge(const Table& table, double all_weight, const gain_by_chance& chance) {
   constexpr double charged = 1.5;
   double by_chance = 0;
   double known_weight = 0;
   unsigned int values = 0;
   for (unsigned int i = 1; i < table.rows(); ++i) {
-    const auto weight = static_cast<double>(
-        std::accumulate(table.row(i), table.row(i) + table.classes(), Weight()));
+    const auto weights = table.weights_in_row(i);
+    const auto weight = static_cast<double>(std::accumulate(
+        weights.begin(), weights.end(), std::decay_t<decltype(*weights.begin())>()));
     if (!(weight > 0)) continue;
     by_chance += weight * chance.of_value(weight);
     known_weight += weight;
@@ -42,8 +41,8 @@ value_charge charge(const class_table<Weight>& table, double all_weight,
           chance.of_value(1) * known_weight / all_weight};
 }
 
-template <class Weight>
-value_charge charge(const class_table<Weight>& table, const rated_cases& of_node) {
+template <class Table>
+value_charge charge(const Table& table, const rated_cases& of_node) {
   const auto all_weight = static_cast<double>(of_node.weight);
   if (!(table.unknown_weight() > 0)) return charge(table, all_weight, of_node.chance);
   // The gain is that of the known cases, whose classes may be others.
@@ -56,51 +55,17 @@ float judged_gain(float gain, const value_charge& many) {
   return gain > 0 ? static_cast<float>(static_cast<double>(gain) - many.charged) : gain;
 }
 
-// A reader of the codes that occur among some cases, numbered from 1 in their order. A table by
-// these numbers has no empty rows.
-template <class CodeOf>
-class occurring_codes {
- public:
-  occurring_codes(CodeOf all_codes, const impls::w_sequence& cases, const code_range& range)
-      : code_of(all_codes),
-        code_before_range(range.first - 1),
-        numbers(range.second - code_before_range) {
-    for (const auto& c : cases) numbers[place_of(c.first)] = 1;
-    numbers[0] = 0;
-    for (std::size_t i = 1; i < numbers.size(); ++i) {
-      if (numbers[i] != 0) numbers[i] = ++values;
-    }
-  }
-
-  code_range range() const { return {1, values + 1}; }
-  unsigned int operator()(unsigned int row) const { return numbers[place_of(row)]; }
-
- private:
-  std::size_t place_of(unsigned int row) const {
-    const unsigned int code = code_of(row);
-    return code == 0 ? 0 : code - code_before_range;
-  }
-
-  CodeOf code_of;
-  unsigned int code_before_range;
-  strata::util::work_array<unsigned int, 64> numbers;  // by code; that of the unknown value is 0
-  unsigned int values = 0;
-};
-
 // Calls `use` with the table of an attribute's values and the classes.
 template <class Use>
 void with_table(const column& attribute, code_range range, const rated_cases& of_node, Use use) {
-  // To clear and to read a table of far more values than cases takes longer than to number those
-  // that occur. But without a minimum weight, values that do not occur count as well.
+  // To clear and to read a table of far more cells than cases takes longer than to sort the cases,
+  // and its memory would be out of proportion to theirs.
+  constexpr std::size_t most_cells_per_case = 16;
   const std::size_t cells =
       (range.second - range.first) * static_cast<std::size_t>(of_node.class_column.get_distinct());
-  const bool is_sparse = of_node.min_weight > 0 && cells > 16 * of_node.cases.size();
   impls::with_codes(attribute, [&](auto code_of) {
-    if (is_sparse) {
-      const occurring_codes<decltype(code_of)> occurring(code_of, of_node.cases, range);
-      const auto number_of = [&occurring](unsigned int row) { return occurring(row); };
-      impls::with_class_table(number_of, of_node.class_column, of_node.cases, occurring.range(),
-                              use);
+    if (cells > most_cells_per_case * of_node.cases.size()) {
+      use(impls::sparse_class_table(code_of, of_node.class_column, of_node.cases, range));
     } else {
       impls::with_class_table(code_of, of_node.class_column, of_node.cases, range, use);
     }
