@@ -53,6 +53,8 @@ TYPED_TEST(AnyWidth, RatesRandomNodesAsThePlainFormulasDoByEveryMeasureAndWayOfS
     cases = before;
     const std::string cut = told(expected_cut(n, false));
     EXPECT_EQ(told(rate(by::table, *x, n, *classes, cases)), told(expected_cut(n, true)));
+    for (by measure : {by::value, by::pair_of_value_and_class})
+      EXPECT_EQ(told(rate(measure, *x, n, *classes, cases)), told(expected_by_value(n)));
     EXPECT_EQ(told(rate(by::sorting, *x, n, *classes, cases)), cut);
     EXPECT_TRUE(std::equal(cases.begin(), cases.end(), before.begin(), before.end(), same));
     if (i % 2 == 0) widen(n);
@@ -77,7 +79,8 @@ TYPED_TEST(AnyWidth, RoundsUnevenWeightsAsThePlainFormulasDo) {
     EXPECT_EQ(told(rate(*bits_of(bits, column::DISCRETE, roll(30)), bits, *classes, cases)),
               told(expected(bits, column::DISCRETE)));
     const auto x = rated_column<TypeParam>(n, column::CONTINUOUS, roll(30));
-    EXPECT_EQ(told(rate(by::value, *x, n, *classes, cases)), told(expected_by_value(n)));
+    for (by measure : {by::value, by::pair_of_value_and_class})
+      EXPECT_EQ(told(rate(measure, *x, n, *classes, cases)), told(expected_by_value(n)));
     for (by measure : {by::sorting, by::table}) {  // whose sums depend on the order of the cases
       const rating actual = rate(measure, *x, n, *classes, cases),
                    plain = expected_cut(n, measure == by::table);

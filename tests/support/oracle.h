@@ -23,6 +23,7 @@
 
 #include "arbor/model/column_bool.h"
 #include "arbor/model/column_typed.h"
+#include "arbor/model/measure/discrete_quality.h"
 #include "tests/support/columns.h"
 
 namespace arbor::tests {
@@ -334,7 +335,7 @@ inline rating rate(const column& x, node n, column& classes, w_sequence& cases, 
   return r;
 }
 
-enum class by { value, sorting, table };
+enum class by { value, pair_of_value_and_class, sorting, table };
 
 // Rates by a measure of choice, with null options where the defaults do.
 template <class T>
@@ -344,6 +345,13 @@ rating rate(by measure, const column_typed<T>& x, node n, column& classes, w_seq
   options flagged{true}, *opts = n.penalty_by_case_count ? &flagged : nullptr;
   const float total = n.total_weight, least = n.min_weight;
   if (measure == by::value) x.QualityMeasureDiscrete(&classes, total, &cases, n.range, least, r);
+  if (measure == by::pair_of_value_and_class) {
+    impls::with_codes(x, [&](auto code_of) {
+      const impls::sparse_class_table pairs(code_of, classes, cases, n.range);
+      impls::rate_discrete(pairs, total, least, r);
+    });
+    r.branches = x.get_o_set()->size_of_known();  // as a column sets it
+  }
   if (measure == by::sorting)
     x.QualityMeasureContinuous(&classes, total, &cases, n.range, least, opts, r, copy);
   if (measure == by::table)
