@@ -10,6 +10,7 @@
 #include "arbor/store/replacement_stream.h"
 #include "tools/classify_rows.h"
 #include "tools/output_file.h"
+#include "tools/terminal.h"
 
 namespace arbor::tools {
 
@@ -118,6 +119,7 @@ tree::classification_result classify_command::classify_into_file(const tree::dec
                                                                  const output_file& output) const {
   tree::file_replacement file(output.path, output.new_ownership());
   tree::replacement_stream rows(file);
+  const terminal_guard guard(rows, tree::is_terminal(output.path));
   tree::classification_result result = classify(model, &rows);
   rows.flush();
   file.commit();

@@ -186,6 +186,7 @@ void grow_command::check_files() const {
   const output_file model = model_file();
   refuse_if(model.is_standard_output(),
             "--model: standard output has the report; write to another file");
+  refuse_if(tree::is_terminal(model_path), "--model: a model is no text to show on a terminal");
   model.keep_input(table_path, "the table");
   if (!test_path.empty()) model.keep_input(test_path, "the test table");
   model.check(tree::file_content::model, "a model of arbor grow");

@@ -10,6 +10,7 @@
 #include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
+#include "arbor/store/replacement_stream.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
@@ -170,7 +171,9 @@ void show_command::draw_picture(const std::string& graph) const {
     return;
   }
   tree::file_replacement file(picture.path, picture.new_ownership());
-  file.write(svg.data(), svg.size());
+  tree::replacement_stream out(file);
+  const terminal_guard guard(out, tree::is_terminal(picture.path));
+  out << svg << std::flush;
   file.commit();
 }
 

@@ -65,9 +65,10 @@ class escaping_buffer : public std::streambuf {
 std::size_t text_width() {
   constexpr std::size_t usual = 60;
   constexpr std::size_t least = 20;  // in a narrower window, lines may as well be broken
+  constexpr std::size_t most = 1000;
   winsize size{};
   if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return usual;
-  return std::max<std::size_t>(size.ws_col, least);
+  return std::clamp<std::size_t>(size.ws_col, least, most);
 }
 
 bool prints_to_terminal() {
@@ -83,7 +84,10 @@ terminal_guard::terminal_guard(std::ostream& guarded, bool is_terminal)
 
 terminal_guard::~terminal_guard() {
   if (escaping == nullptr) return;
-  stream.flush();
+  try {
+    escaping->pubsync();
+  } catch (...) {  // of a stream that has failed, and whose user knows
+  }
   stream.rdbuf(unguarded);
 }
 

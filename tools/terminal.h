@@ -18,7 +18,8 @@ std::size_t text_width();
 // and a terminal might obey.
 class terminal_guard {
  public:
-  // Guards the stream, which must outlive this object, if `is_terminal`.
+  // Guards the stream, which must outlive this object, if `is_terminal`. Flush the stream before
+  // this object ends: it writes what is left, but does not say if that fails.
   terminal_guard(std::ostream& guarded, bool is_terminal);
   ~terminal_guard();
   terminal_guard(const terminal_guard&) = delete;

@@ -62,10 +62,27 @@ bool continues_character(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
 }
 
+// How many of the first bytes of a text continue a character before them; 0 if there are more than
+// a character has.
+std::size_t continuing_bytes(std::string_view text) {
+  constexpr std::size_t most = 3;
+  std::size_t count = 0;
+  while (count < text.size() && continues_character(text[count])) {
+    if (++count > most) return 0;
+  }
+  return count;
+}
+
+// The first `length` bytes and the rest of the character that they divide.
+std::string_view first_bytes(std::string_view text, std::size_t length) {
+  if (length >= text.size()) return text;
+  return text.substr(0, length + continuing_bytes(text.substr(length)));
+}
+
 // The last `length` bytes of a longer text, less those that continue a character before them.
 std::string_view last_bytes(std::string_view text, std::size_t length) {
   text.remove_prefix(text.size() - length);
-  while (!text.empty() && continues_character(text.front())) text.remove_prefix(1);
+  text.remove_prefix(continuing_bytes(text));
   return text;
 }
 
@@ -125,7 +142,7 @@ std::string shown(std::string_view text, std::size_t width) {
   if (text.size() <= width && is_printable_ascii(text)) return std::string(text);
   const std::size_t most_bytes = bytes_per_column * width;
   const bool is_long = text.size() > most_bytes;
-  const std::vector<glyph> head = glyphs_of(text.substr(0, most_bytes));
+  const std::vector<glyph> head = glyphs_of(first_bytes(text, most_bytes));
   if (!is_long && width_of(head) <= width) return fitting(head.begin(), head.end(), width);
   const std::vector<glyph> tail = is_long ? glyphs_of(last_bytes(text, most_bytes)) : head;
   const std::size_t at_end = (width - ellipsis.size()) / 2;
@@ -133,12 +150,11 @@ std::string shown(std::string_view text, std::size_t width) {
   return fitting(head.begin(), head.end(), at_begin).append(ellipsis) + fitting_end(tail, at_end);
 }
 
-std::string in_quotes(std::string_view text) {
-  constexpr std::size_t most = 60;
-  const std::vector<glyph> glyphs = glyphs_of(text.substr(0, bytes_per_column * most));
-  const bool is_cut = text.size() > bytes_per_column * most || width_of(glyphs) > most;
+std::string in_quotes(std::string_view text, std::size_t width) {
+  const std::vector<glyph> glyphs = glyphs_of(first_bytes(text, bytes_per_column * width));
+  const bool is_cut = text.size() > bytes_per_column * width || width_of(glyphs) > width;
   std::string result = "\"";
-  for (const char c : fitting(glyphs.begin(), glyphs.end(), most)) {
+  for (const char c : fitting(glyphs.begin(), glyphs.end(), width)) {
     if (c == '"') result += '\\';
     result += c;
   }

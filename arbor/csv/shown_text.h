@@ -26,9 +26,9 @@ std::string printable(std::string_view text);
 // ends. Takes time and memory in proportion to the width, however long the text is.
 std::string shown(std::string_view text, std::size_t width);
 
-// The printable text in double quotes, each quote in it after a backslash. A text of more than 60
-// columns is cut off.
-std::string in_quotes(std::string_view text);
+// The printable text in double quotes, each quote in it after a backslash. A text of more than
+// `width` columns is cut off.
+std::string in_quotes(std::string_view text, std::size_t width = 60);
 
 // How many columns of a terminal a printable text takes: those of East Asia take two, accents that
 // combine with the character before them none.

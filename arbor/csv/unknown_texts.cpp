@@ -13,6 +13,8 @@ constexpr const char* quoted_empty = "\"\"";
 
 unknown_texts::unknown_texts(std::vector<std::string> chosen) : all(std::move(chosen)) {
   if (all.empty()) all = {"?", ""};
+  sorted.assign(all.begin(), all.end());
+  std::sort(sorted.begin(), sorted.end());
   for (const std::string& text : all) {
     is_first[static_cast<unsigned char>(text[0])] = true;
     if (text == quoted_empty) is_first[0] = true;
@@ -30,8 +32,7 @@ bool unknown_texts::is_empty_cell(const std::string& declared) {
 bool unknown_texts::contain(const csv_row& row, std::size_t cell) const {
   const char* text = row.text(cell);
   if (*text == '\0' && !row.is_empty(cell)) text = quoted_empty;
-  return std::any_of(all.begin(), all.end(),
-                     [text](const std::string& unknown) { return unknown == text; });
+  return std::binary_search(sorted.begin(), sorted.end(), std::string_view(text));
 }
 
 }  // namespace arbor::tree

@@ -43,6 +43,7 @@ class unknown_texts {
   bool contain(const csv_row& row, std::size_t cell) const;
 
   std::vector<std::string> all;
+  std::vector<std::string> sorted;   // the same, to be searched
   std::array<bool, 256> is_first{};  // by character; NUL stands for the empty cell
 };
 

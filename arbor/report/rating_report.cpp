@@ -53,7 +53,7 @@ double unknown_share(const impls::w_sequence& cases, const attribute_rating& rat
 // A value in a list, in quotes where a reader could not see where it begins or ends.
 std::string listed(const std::string& value, std::size_t width) {
   const bool plain = !value.empty() && value.find_first_of(" ,\"\n\r\t") == std::string::npos;
-  return plain ? shown(value, width) : in_quotes(value);
+  return plain ? shown(value, width) : in_quotes(value, width);
 }
 
 std::string split_as_text(const attribute_rating& rating) {
@@ -100,13 +100,13 @@ std::optional<std::string> chosen_attribute(const table_rating& ratings) {
 }
 
 // Which attribute a tree would test, so that the choice can be followed in the ratings.
-std::string choice_as_text(const table_rating& ratings) {
+std::string choice_as_text(const table_rating& ratings, std::size_t width) {
   const std::optional<std::string> chosen = chosen_attribute(ratings);
   if (!chosen) return "\nNo judged gain is above 0.\n";
   return fmt::format(
       "\nThe judged gains above 0 are {:.6f} on average; of the attributes that reach this, {} has "
       "the best gain ratio.\n",
-      ratings.average_judged_gain, in_quotes(*chosen));
+      ratings.average_judged_gain, in_quotes(*chosen, width));
 }
 
 void table_to_json(json_writer& json, const table& rated, const impls::w_sequence& cases) {
@@ -151,7 +151,7 @@ std::string table_line(const table& described, const impls::w_sequence& cases, s
   return fmt::format("{}: {}, {}, {}; class {}:{}", described.name, counted(cases.size(), "row"),
                      counted(attribute_count(described), "attribute"),
                      counted(unknown_attribute_cells(described, cases), "unknown cell"),
-                     in_quotes(described.class_column().get_name()),
+                     in_quotes(described.class_column().get_name(), width),
                      class_list(named_class_weights(described, cases), width));
 }
 
@@ -175,7 +175,7 @@ void write_ratings_text(std::ostream& out, const impls::w_sequence& cases,
             split_as_text(rating)};
   };
   write_aligned(out, "lllrrrrrrl", 1 + ratings.attributes.size(), row);
-  out << choice_as_text(ratings);
+  out << choice_as_text(ratings, width);
 }
 
 void write_ratings_csv(std::ostream& out, const impls::w_sequence& cases,

@@ -20,13 +20,13 @@ namespace arbor::tree {
 // more than twenty classes only the heaviest.
 std::string table_line(const table& described, const impls::w_sequence& cases, std::size_t width);
 
-// Writes a line of headings and a line for each rating, aligned in columns, and a sentence that says
-// how the attribute that a tree would test is found among them. Gains have six decimals.
+// Writes a line of headings and a line for each rating, aligned in columns, and a sentence that
+// says how the attribute that a tree would test is found among them. Gains have six decimals.
 void write_ratings_text(std::ostream& out, const impls::w_sequence& cases,
                         const table_rating& ratings, std::size_t width);
 
-// Writes comma-separated values (RFC 4180, LF) with a row of names: attribute, kind, type, values, unknown
-// (the share of rows, 0 to 1), gain, split_info, gain_ratio, branches, threshold, no_split,
+// Writes comma-separated values (RFC 4180, LF) with a row of names: attribute, kind, type, values,
+// unknown (the share of rows, 0 to 1), gain, split_info, gain_ratio, branches, threshold, no_split,
 // judged_gain. What does not apply is empty. Floats have their shortest form.
 void write_ratings_csv(std::ostream& out, const impls::w_sequence& cases,
                        const table_rating& ratings);

@@ -9,9 +9,9 @@
 
 namespace arbor::tree {
 
-// Writes the graph in Graphviz's language: tests are ellipses, leaves are boxes. A test with `depth`
-// tests above it is shown as the leaf that it would be, with "..." after it. Names and values are
-// shortened to 60 columns, see shown_text.h; a picture would have no place for more.
+// Writes the graph in Graphviz's language: tests are ellipses, leaves are boxes. A test with
+// `depth` tests above it is shown as the leaf that it would be, with "..." after it. Names and
+// values are shortened to 60 columns, see shown_text.h; a picture would have no place for more.
 void write_tree_dot(std::ostream& out, const decision_tree& tree, std::size_t depth);
 
 }  // namespace arbor::tree

@@ -102,8 +102,8 @@ std::string size_line(const decision_tree& tree) {
 }
 
 std::string description(const decision_tree& tree, std::size_t width) {
-  std::string lines =
-      fmt::format("class {}: {}\n", in_quotes(tree.class_column->get_name()), size_line(tree));
+  std::string lines = fmt::format("class {}: {}\n", in_quotes(tree.class_column->get_name(), width),
+                                  size_line(tree));
   if (!tree.origin) return lines;
   const tree_origin& origin = *tree.origin;
   lines += fmt::format("grown on {} of {} with minimum weight {}", counted(origin.rows, "row"),

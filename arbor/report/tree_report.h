@@ -21,7 +21,8 @@ constexpr std::size_t whole_depth = std::numeric_limits<std::size_t>::max();
 
 // How much of a tree is written.
 struct tree_excerpt {
-  // Tests with so many tests above them are not opened; their line gives the number of leaves below.
+  // Tests with so many tests above them are not opened; their line gives the number of leaves
+  // below.
   std::size_t depth = whole_depth;
   // After so many lines, another one says how many are left out.
   std::size_t lines = std::numeric_limits<std::size_t>::max();
@@ -31,9 +32,9 @@ struct tree_excerpt {
 // is enough. If it is not enough for the tests of depth 1, it has the first of them.
 tree_excerpt excerpt_of_lines(const decision_tree& tree, std::size_t lines);
 
-// Writes a line for each branch, indented by the depth of its test. A leaf follows after a colon: its
-// class and, in brackets, the weight of its training cases and after a slash the weight of those of
-// other classes. A test shows its number in square brackets; the root is number 0:
+// Writes a line for each branch, indented by the depth of its test. A leaf follows after a colon:
+// its class and, in brackets, the weight of its training cases and after a slash the weight of
+// those of other classes. A test shows its number in square brackets; the root is number 0:
 //
 //   outlook = overcast: yes (4)
 //   outlook = sunny [3]

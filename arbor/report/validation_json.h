@@ -22,8 +22,8 @@ namespace arbor::tree {
 // without pruning, what tuning chooses among the options, and an importance that was not asked for.
 // Numbers read back to the same double; see json_writer.h for texts.
 //
-// A class of more than 200 bytes is not repeated in the confusion matrix: it has the index in a list
-// "long_texts" instead, which only stands at the end where there are any.
+// A class of more than 200 bytes is not repeated in the confusion matrix: it has the index in a
+// list "long_texts" instead, which only stands at the end where there are any.
 void write_validation_json(std::ostream& out, const table& rows, const validation_options& options,
                            const validation& result, double seconds);
 

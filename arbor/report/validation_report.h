@@ -10,15 +10,15 @@
 
 namespace arbor::tree {
 
-// Writes how many folds there are and how large their trees; with tuning, what was chosen in how many
-// folds; the evaluation of all cases, see evaluation_report.h; and the importance of the attributes
-// if it was asked for. `seconds` is how long it took. Names of more than `width` columns are
-// shortened, see shown_text.h.
+// Writes how many folds there are and how large their trees; with tuning, what was chosen in how
+// many folds; the evaluation of all cases, see evaluation_report.h; and the importance of the
+// attributes if it was asked for. `seconds` is how long it took. Names of more than `width` columns
+// are shortened, see shown_text.h.
 void write_validation_text(std::ostream& out, const table& rows, const validation_options& options,
                            const validation& result, double seconds, std::size_t width);
 
-// Writes comma-separated values (RFC 4180, LF) with a row of names and a row for each fold: repeat, fold,
-// cases (their weight), accuracy (0 to 1), log_loss (bits), brier, leaves, depth, min_weight,
+// Writes comma-separated values (RFC 4180, LF) with a row of names and a row for each fold: repeat,
+// fold, cases (their weight), accuracy (0 to 1), log_loss (bits), brier, leaves, depth, min_weight,
 // confidence (empty without pruning). Numbers have the shortest form that reads back to the same
 // float.
 void write_validation_csv(std::ostream& out, const validation& result);

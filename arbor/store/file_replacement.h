@@ -15,8 +15,8 @@
 
 namespace arbor::tree {
 
-// Whether the owner and the group of a file must be those of the file that replaces it, or may become
-// those of this process where the system does not allow that.
+// Whether the owner and the group of a file must be those of the file that replaces it, or may
+// become those of this process where the system does not allow that.
 enum class ownership { kept, may_change };
 
 // The new file cannot have the owner and the group of the present one, which must be kept.

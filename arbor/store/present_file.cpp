@@ -1,5 +1,6 @@
 #include "arbor/store/present_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,6 +56,16 @@ bool is_open_descriptor(const std::string& followed_path) {
   if (missing) return false;
   const fs::path folder = fs::path(followed_path).parent_path() / ".";
   return fs::canonical(folder, missing) == descriptors;
+}
+
+bool is_terminal(const std::string& path) {
+  struct stat present {};
+  if (stat(path.c_str(), &present) != 0 || !S_ISCHR(present.st_mode)) return false;
+  const int device = open(path.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (device < 0) return false;
+  const bool result = isatty(device) == 1;
+  close(device);
+  return result;
 }
 
 bool is_standard_output(const std::string& path) {

@@ -14,13 +14,16 @@ namespace arbor::tree {
 // input, which may come from a file. False if one of them does not exist.
 bool is_same_file(const std::string& path, const std::string& input);
 
-// Where a path leads through symbolic links, whether there is a file or not. Names of open files are
-// left as they are, since what their links contain need not be a path.
+// Where a path leads through symbolic links, whether there is a file or not. Names of open files
+// are left as they are, since what their links contain need not be a path.
 std::string followed(const std::string& path);
 
 // Whether a path that was followed names an open file of this process by its number:
 // /proc/self/fd/3. Whoever has opened it expects to find in it what is written.
 bool is_open_descriptor(const std::string& followed_path);
+
+// Whether the path leads to a terminal.
+bool is_terminal(const std::string& path);
 
 // Whether the path is "-" or a name of standard output, such as /dev/stdout or /dev/fd/1.
 bool is_standard_output(const std::string& path);

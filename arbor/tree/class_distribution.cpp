@@ -106,10 +106,10 @@ std::vector<double> class_probabilities::of_visits(std::vector<visit> visits) co
   return distribution;
 }
 
-// It is enough to compare the classes that occur at a node with the one predicted at its parent. The
-// estimate of a class that does not occur is that at the parent, multiplied by a factor that is the
-// same for all of them, so they keep their order. The parent's class was the first among them; if
-// it occurs, its weight puts it only further ahead.
+// It is enough to compare the classes that occur at a node with the one predicted at its parent.
+// The estimate of a class that does not occur is that at the parent, multiplied by a factor that is
+// the same for all of them, so they keep their order. The parent's class was the first among them;
+// if it occurs, its weight puts it only further ahead.
 std::vector<std::size_t> predicted_classes(const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
   const std::vector<double> case_weights = weights_of_cases(tree);

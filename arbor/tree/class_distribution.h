@@ -67,8 +67,8 @@ class class_probabilities {
 };
 
 // By node: the entry of the class that is predicted where a case reaches this node and no other, as
-// if it were a leaf. A node more than 100 levels below another takes the training shares of that one
-// for the probabilities there. Takes time in proportion to the classes that occur at the nodes.
+// if it were a leaf. A node more than 100 levels below another takes the training shares of that
+// one for the probabilities there. Takes time in proportion to the classes that occur at the nodes.
 std::vector<std::size_t> predicted_classes(const decision_tree& tree);
 
 // The entry of the class with the greatest probability; of equal ones the first.

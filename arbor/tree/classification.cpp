@@ -1,5 +1,6 @@
 #include "arbor/tree/classification.h"
 
+#include <algorithm>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -141,7 +142,8 @@ double row_classifier::weight_at(unsigned int row, std::size_t node) const {
     }
     node = parent;
   }
-  return weight;
+  // The shares of one branch may be a little more than 1, and there may be many.
+  return std::min(weight, 1.0);
 }
 
 evaluation classify_cases(const decision_tree& tree, const table& rows,

@@ -19,13 +19,13 @@
 namespace arbor::tree {
 
 // Classifies the rows of a table: the one that the tree was grown on, or another. Columns are found
-// by name, and numbers are compared as numbers, as text_classifier compares those of the cells, even
-// if the column has another data type than the attribute. Tree and table must outlive the classifier
-// and stay unchanged.
+// by name, and numbers are compared as numbers, as text_classifier compares those of the cells,
+// even if the column has another data type than the attribute. Tree and table must outlive the
+// classifier and stay unchanged.
 class row_classifier {
  public:
-  // Throws std::bad_alloc, and std::runtime_error if the table lacks an attribute of the tree or has
-  // texts where the attribute is continuous.
+  // Throws std::bad_alloc, and std::runtime_error if the table lacks an attribute of the tree or
+  // has texts where the attribute is continuous.
   row_classifier(const decision_tree& tree, const table& rows,
                  leaf_estimate estimate = leaf_estimate::smoothed);
 

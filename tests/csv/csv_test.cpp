@@ -109,10 +109,12 @@ TEST(ShownText, IsNoWiderThanItMayBe) {
   EXPECT_EQ(tree::shown("\u7A81\u7A81\u7A81\u7A81\u7A81\u7A81", 10), "\u7A81\u7A81...\u7A81");
   EXPECT_EQ(tree::shown("abcde\u0301fghiju\u0308k", 10), "abcd...ju\u0308k");
   EXPECT_EQ(tree::display_width("u\u0308\u7A81\u00FC"), 4);
+  EXPECT_EQ(tree::in_quotes("\u00FC" + std::string(100, '\x80'), 20).substr(0, 7), "\"\u00FC\\x80");
   std::string accents = "a";
   for (int i = 0; i < 100000; ++i) accents += "\u0301";
   for (const std::string& text : {accents, std::string(1000000, 'x'), std::string(1000000, '\xFF')})
     EXPECT_LT(tree::shown(text, 20).size() + tree::in_quotes(text).size(), 1000);
+  EXPECT_EQ(tree::in_quotes(accents).find("\\x"), std::string::npos);  // no character is divided
 }
 
 TEST(MessageText, CountsAndQuotes) {

@@ -1,4 +1,5 @@
 // Whatever table or model is accepted is printed in every form, in proportion to its bytes.
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/model_record.h"
@@ -17,9 +18,17 @@ static void check_size(const std::string& reports, std::size_t input) {
   check(reports.size() < 20000 + 400 * input, "a report is in proportion to its input");
 }
 
+// Not of comma-separated values, which a program reads as they are.
+static void check_shown(const std::string& reports, std::size_t input) {
+  check_size(reports, input);
+  std::string lines;
+  for (const char c : reports) lines += c == '\n' ? ' ' : c;
+  check(printable(lines) == lines, "a report has nothing that a terminal obeys");
+}
+
 static void print_model(const std::vector<unsigned char>& record) {
   const decision_tree tree = read_model_record(record, record_version);
-  check_size(reports_of(tree), record.size());
+  check_shown(reports_of(tree), record.size());
   thaw(tree.class_column->get_o_set());
   thaw_all(tree.attributes);
 }
@@ -35,11 +44,11 @@ static void print_table(const std::string& contents) {
   options.grow.prune = false;
   options.grow.min_weight = 1;
   if (rows.cases.size() >= options.folds)
-    check_size(reports_of(rows, options, cross_validate(rows, options)), contents.size());
+    check_shown(reports_of(rows, options, cross_validate(rows, options)), contents.size());
   const decision_tree tree = grow_tree(rows, rows.cases, options.grow);
-  check_size(reports_of(tree) + evaluation_as_text("training", *tree.class_column,
-                                                   classify_cases(tree, rows, rows.cases)),
-             contents.size());
+  check_shown(reports_of(tree) + evaluation_as_text("training", *tree.class_column,
+                                                    classify_cases(tree, rows, rows.cases)),
+              contents.size());
   thaw_all(tree.attributes);
   thaw(tree.class_column->get_o_set());
   thaw_all(rows.columns);

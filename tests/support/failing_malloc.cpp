@@ -1,5 +1,5 @@
-// A library to preload: makes the allocation with the number FAIL_AT fail, counted from the start of
-// the process, before main too.
+// A library to preload: makes the allocation with the number FAIL_AT fail, counted from the start
+// of the process, before main too.
 //
 //   FAIL_AT=7 LD_PRELOAD=libfailing_malloc.so arbor --version
 

@@ -49,8 +49,9 @@ struct rated_cases {
 };
 
 // Rates the split of an attribute as column::quality_measure does, and judges its gain. What is
-// returned can be compared: none of its numbers is infinite or not a number. `range` has bounds of the known codes among the cases, which are not reordered. Several threads may rate
-// attributes of the same cases.
+// returned can be compared: none of its numbers is infinite or not a number. `range` has bounds of
+// the known codes among the cases, which are not reordered. Several threads may rate attributes of
+// the same cases.
 judged_split rate_split(const impls::column& attribute, code_range range,
                         const rated_cases& of_node);
 
