@@ -4,6 +4,17 @@
 
 namespace arbor::impls {
 
+// In a pass of its own, so that there is one loop for each kind of column and not for each pair.
+void sparse_class_table::read_classes(const column& class_column, std::vector<known_case>& known) {
+  with_codes(class_column, [&](auto class_of) {
+    for (known_case& c : known) {
+      const unsigned int class_code = class_of(c.row);
+      class_totals[class_code] += c.weight;
+      c.pair |= class_code;
+    }
+  });
+}
+
 void sparse_class_table::add_up(std::vector<known_case> known) {
   std::stable_sort(known.begin(), known.end(),
                    [](const known_case& a, const known_case& b) { return a.pair < b.pair; });

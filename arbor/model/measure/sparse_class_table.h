@@ -8,6 +8,7 @@
 #define ARBOR_MODEL_MEASURE_SPARSE_CLASS_TABLE_H
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "arbor/model/measure/class_table.h"
@@ -41,9 +42,11 @@ class sparse_class_table {
  private:
   struct known_case {
     std::uint64_t pair;  // of its code, in the upper half, and its class
+    unsigned int row;
     float weight;
   };
 
+  void read_classes(const column& class_column, std::vector<known_case>& known);
   void add_up(std::vector<known_case> known);
 
   unsigned int codes_in_range;
@@ -62,18 +65,15 @@ sparse_class_table::sparse_class_table(CodeOf code_of, const column& class_colum
     : codes_in_range(range.second - range.first), class_totals(class_column.get_distinct()) {
   std::vector<known_case> known;
   known.reserve(cases.size());
-  with_codes(class_column, [&](auto class_of) {
-    for (const auto& [row, weight] : cases) {
-      const std::uint64_t code = code_of(row);
-      if (code == 0) {
-        unknown += weight;
-        continue;
-      }
-      const unsigned int class_code = class_of(row);
-      class_totals[class_code] += weight;
-      known.push_back({code << 32U | class_code, weight});
+  for (const auto& [row, weight] : cases) {
+    const std::uint64_t code = code_of(row);
+    if (code == 0) {
+      unknown += weight;
+    } else {
+      known.push_back({code << 32U, row, weight});
     }
-  });
+  }
+  read_classes(class_column, known);
   add_up(std::move(known));
 }
 
