@@ -71,7 +71,7 @@ void subtree::grow_all(std::vector<waiting_node> roots) {
 subtree::waiting_node subtree::take_next() {
   const open_branch next = std::move(open.back());
   open.pop_back();
-  return {next.node, next.parent->cases_of(next.branch, grown.nodes[next.node].share)};
+  return {next.node, next.parent->take_cases(next.branch, grown.nodes[next.node].share)};
 }
 
 // Makes a node a test or a leaf.
@@ -98,7 +98,7 @@ bool subtree::may_split(const waiting_node& next, float weight) const {
 }
 
 void subtree::make_test(waiting_node next, float weight, const rated_test& test) {
-  const auto parent = std::make_shared<const node_split>(std::move(next.cases), weight, test);
+  const auto parent = std::make_shared<node_split>(std::move(next.cases), weight, test);
   tree_node& node = grown.nodes[next.node];
   node.attribute = static_cast<unsigned int>(test.column_index);
   node.split.branches = test.rating.branches;
@@ -114,7 +114,7 @@ void subtree::make_test(waiting_node next, float weight, const rated_test& test)
   // hold at most twice the root's cases.
   std::stable_sort(
       branches.begin(), branches.end(),
-      [](const open_branch& a, const open_branch& b) { return a.branch.size() > b.branch.size(); });
+      [](const open_branch& a, const open_branch& b) { return a.branch.size > b.branch.size; });
   std::move(branches.begin(), branches.end(), std::back_inserter(open));
 }
 

@@ -49,10 +49,10 @@ class subtree {
   grown_nodes take_nodes() { return std::move(grown); }
 
  private:
-  // A branch whose cases have not yet been separated from those of its parent.
+  // A branch whose cases are still part of its parent's split.
   struct open_branch {
     std::size_t node;
-    std::shared_ptr<const node_split> parent;
+    std::shared_ptr<node_split> parent;
     node_split::branch branch;
   };
   // A node that has its cases, and will become a test or a leaf.
