@@ -3,6 +3,8 @@
 
 #include "arbor/model/measure/discrete_quality.h"
 
+#include <algorithm>
+#include <array>
 #include <numeric>
 #include <type_traits>
 
@@ -14,31 +16,68 @@ namespace {
 
 // The three weighted entropy sums that a discrete split is rated by.
 struct discrete_entropies {
-  unsigned int real_branches = 0;  // values that carry the least weight of a branch
-  float of_classes = 0;
-  float within_values = 0;
-  float of_branches = 0;
+  unsigned int real_branches;  // values that carry the least weight of a branch
+  float of_classes;
+  float within_values;
+  float of_branches;
 };
 
-template <class Weight, class Terms, class Table>
-discrete_entropies entropies(const Table& table, float min_weight, const Terms& terms) {
-  discrete_entropies result;
-  if (0 >= min_weight) result.real_branches = table.empty_rows();
-  result.of_classes =
-      static_cast<float>(weighted_entropy<Weight>(terms, table.totals(), table.classes()));
-  entropy_sum<Weight, Terms> branches(terms);
-  branches.add(static_cast<Weight>(table.unknown_weight()));
-  for (unsigned int i = 1; i < table.rows(); ++i) {
-    entropy_sum<Weight, Terms> classes(terms);
-    for (const auto weight : table.weights_in_row(i)) classes.add(static_cast<Weight>(weight));
-    const Weight branch_weight = classes.weight();
-    if (static_cast<float>(branch_weight) >= min_weight) ++result.real_branches;
-    result.within_values =
-        static_cast<float>(static_cast<double>(result.within_values) + classes.value());
-    branches.add(branch_weight);
+// Adds up what is known of one value after the other.
+template <class Weight>
+struct value_sums {
+  float min_weight;
+  distribution_sums<Weight> branches;  // the unknown cases are one, too
+  unsigned int real_branches = 0;
+  float entropy_within = 0;
+
+  void add(const distribution_sums<Weight>& classes) {
+    if (static_cast<float>(classes.weight) >= min_weight) ++real_branches;
+    entropy_within = with_term(entropy_within, classes.entropy());
+    branches.weight += classes.weight;
+    branches.terms = with_term(branches.terms, classes.weight_term);
   }
-  result.of_branches = static_cast<float>(branches.value());
-  return result;
+
+  discrete_entropies with_classes(const distribution_sums<Weight>& all) const {
+    return {real_branches, static_cast<float>(all.entropy()), entropy_within,
+            static_cast<float>(branches.entropy())};
+  }
+};
+
+// `count` numbers, of a type that a class_table has, as weights of another type.
+template <class Weight>
+const Weight* as_weights(const Weight* numbers, std::size_t /*count*/, Weight* /*room*/) {
+  return numbers;
+}
+const float* as_weights(const unsigned int* numbers, std::size_t count, float* room) {
+  std::copy_n(numbers, count, room);
+  return room;
+}
+
+template <class Entropies, class Stored>
+discrete_entropies entropies_by(Entropies& entropies, const class_table<Stored>& table,
+                                float min_weight) {
+  using weight = typename Entropies::weight;
+  const std::size_t classes = table.classes();
+  const std::size_t at_once = distributions_at_once(table.width(), table.rows() - 1);
+  const bool converts = !std::is_same_v<weight, Stored>;
+  strata::util::work_array<weight, 1> room(converts ? at_once * table.width() : 0);
+  std::array<distribution_sums<weight>, most_together> sums;
+  const auto add_up = [&](const Stored* first, std::size_t count) {
+    const distribution_rows rows{classes, table.width(), count};
+    entropies.add_up(as_weights(first, (count - 1) * table.width() + classes, room.data()), rows,
+                     sums.data());
+  };
+  add_up(table.totals(), 1);
+  const distribution_sums<weight> all = sums[0];
+  const auto unknown = static_cast<weight>(table.unknown_weight());
+  value_sums<weight> values{min_weight, {unknown, 0, with_term(0, entropies.term_of(unknown))}};
+  for (unsigned int i = 1; i < table.rows(); i += static_cast<unsigned int>(at_once)) {
+    const std::size_t count = std::min<std::size_t>(at_once, table.rows() - i);
+    add_up(table.row(i), count);
+    for (std::size_t row = 0; row < count; ++row) values.add(sums[row]);
+  }
+  values.branches.weight_term = entropies.term_of(values.branches.weight);
+  return values.with_classes(all);
 }
 
 template <class Weight>
@@ -48,14 +87,25 @@ discrete_entropies entropies(const class_table<Weight>& table, float min_weight)
         std::accumulate(table.totals(), table.totals() + table.classes(), table.unknown_weight());
     const unsigned long long term_count = (table.classes() + 2ULL) * table.rows();
     if (const double* terms = whole_number_terms(weight, term_count)) {
-      return entropies<Weight>(table, min_weight, whole_terms{terms});
+      whole_entropies whole(terms);
+      return entropies_by(whole, table, min_weight);
     }
   }
-  return entropies<float>(table, min_weight, real_terms());
+  const std::size_t at_once = distributions_at_once(table.width(), table.rows() - 1);
+  real_entropies real(table.classes(), at_once * table.width());
+  return entropies_by(real, table, min_weight);
 }
 
 discrete_entropies entropies(const sparse_class_table& table, float min_weight) {
-  return entropies<float>(table, min_weight, real_terms());
+  const float unknown = table.unknown_weight();
+  value_sums<float> values{min_weight, {unknown, 0, with_term(0, log_term(unknown))}};
+  if (0 >= min_weight) values.real_branches = table.empty_rows();
+  for (unsigned int i = 1; i < table.rows(); ++i) {
+    const auto weights = table.weights_in_row(i);
+    values.add(add_up(weights.begin(), weights.end()));
+  }
+  values.branches.weight_term = log_term(values.branches.weight);
+  return values.with_classes(add_up(table.totals(), table.totals() + table.classes()));
 }
 
 template <class Table>
