@@ -1,4 +1,4 @@
-// Counts characters of a text.
+// Counts the lines of a text, and other characters.
 #ifndef ARBOR_CSV_LINE_ENDS_H
 #define ARBOR_CSV_LINE_ENDS_H
 
