@@ -147,8 +147,9 @@ grow_command::grow_command(CLI::App& app)
 }
 
 void grow_command::run() {
-  const tree::load_options load = table.chosen();
+  tree::load_options load = table.chosen();
   tree::grow_options options = tree_growth.chosen();
+  load.threads = options.threads;
   const auto held_back_share = static_cast<double>(share_value("--holdout", holdout));
   const unsigned int seed_number = whole_value("--seed", seed);
   check_files();

@@ -20,7 +20,9 @@ class text_dictionary {
  public:
   // The number of a text, which is added unless it is there.
   unsigned int code_of(cell_text text);
-  // The same for a text after whose end no bytes need to be readable.
+  // The number of a text of at most eight characters; 0 if it is not there.
+  unsigned int find_short(cell_text text) const;
+  // The same as code_of for a text after whose end no bytes need to be readable.
   unsigned int code_of(const std::string& text);
 
   // How many there are.
@@ -45,20 +47,18 @@ class text_dictionary {
   std::vector<entry> entries;
   std::string characters;  // the texts, a NUL after each
   // Codes, each in the first free slot from that of its key on; 0 is a free slot.
-  std::vector<unsigned int> slots;
-  unsigned int slot_bits = 0;
+  std::vector<unsigned int> slots = std::vector<unsigned int>(8, 0);
+  unsigned int slot_shift = 64 - 3;  // of a hash, to get the number of a slot
 };
 
-inline unsigned int text_dictionary::code_of(cell_text text) {
+inline unsigned int text_dictionary::find_short(cell_text text) const {
   const std::uint64_t key = key_of(text);
-  if (2 * entries.size() >= slots.size()) grow();
   std::size_t slot = first_slot(key);
-  while (slots[slot] != 0) {
-    const unsigned int code = slots[slot];
-    if (entries[code - 1].key == key && (text.length <= 8 || is_text(code, text))) return code;
+  while (const unsigned int code = slots[slot]) {
+    if (entries[code - 1].key == key) return code;
     slot = (slot + 1) & (slots.size() - 1);
   }
-  return add(text, key, slot);
+  return 0;
 }
 
 // The key of a text of up to eight characters is the text itself. With fewer than eight its low
@@ -73,7 +73,7 @@ inline std::uint64_t text_dictionary::key_of(cell_text text) {
 }
 
 inline std::size_t text_dictionary::first_slot(std::uint64_t key) const {
-  return static_cast<std::size_t>(secret_hash()(key) >> (64 - slot_bits));
+  return static_cast<std::size_t>(secret_hash()(key) >> slot_shift);
 }
 
 }  // namespace arbor::tree

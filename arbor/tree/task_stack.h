@@ -12,7 +12,7 @@
 #include <mutex>
 #include <vector>
 
-#include "arbor/tree/thread_pool.h"
+#include "arbor/table/thread_pool.h"
 #include "arbor/utils/nocopy.h"
 
 namespace arbor::tree {
