@@ -80,154 +80,165 @@ void rate_sorted_cases(const Cases& cases, cut_problem node, column::splitting_d
   find_best_cut<0, weight>(node, cases.size(), case_sweep<Cases>(cases), result);
 }
 
-// What is up to the end of a code among sorted cases of two classes. If all cases weigh the same,
-// the weight and that of the second class say everything.
-class counted_end {
- public:
+// The cases of two classes up to the end of a code. If all cases weigh the same, their numbers say
+// everything; each weighs `each`.
+struct counted_end {
   using weight = unsigned int;
   using of_classes = std::array<weight, 2>;
 
-  counted_end() = default;
-  explicit counted_end(const of_classes& /*all*/) : up_to(0), second(0) {}
-  void add(unsigned int is_second, weight each) {
-    up_to += each;
-    second += is_second * each;
+  static counted_end before(const of_classes& /*all*/) { return {0, 0}; }
+  void add(unsigned int is_second, weight /*of_case*/) {
+    ++cases;
+    second_class += is_second;
+  }
+  weight left_side(weight each) const { return cases * each; }
+  of_classes left(weight each) const {
+    return {(cases - second_class) * each, second_class * each};
+  }
+  of_classes right(weight each, const of_classes& all) const {
+    return {all[0] - left(each)[0], all[1] - left(each)[1]};
   }
 
-  weight left_side() const { return up_to; }
-  of_classes left() const { return {up_to - second, second}; }
-  of_classes right(const of_classes& all) const {
-    return {all[0] - (up_to - second), all[1] - second};
-  }
-  // Whether all cases after another end and up to this one are of one class.
-  bool one_class_since(const counted_end& other) const {
-    const weight second_since = second - other.second;
-    return (second_since == 0) | (second_since == up_to - other.up_to);
-  }
-
- private:
-  weight up_to;
-  weight second;
+  unsigned int cases;
+  unsigned int second_class;  // of these
 };
 
-// Otherwise each weight is a float sum over the cases, one after the other. The cases are counted
-// as well, because some may weigh nothing.
-class weighed_end {
- public:
+// Otherwise each weight is a float sum over the cases, one after the other.
+struct weighed_end : counted_end {
   using weight = float;
   using of_classes = std::array<weight, 2>;
 
-  weighed_end() = default;
-  explicit weighed_end(const of_classes& all)
-      : up_to{}, after(all), all_up_to(0), cases(0), second_cases(0) {}
-  void add(unsigned int is_second, weight added) {
+  static weighed_end before(const of_classes& all) { return {{0, 0}, {}, all, 0}; }
+  void add(unsigned int is_second, weight of_case) {
+    counted_end::add(is_second, 0);
     // Adding and subtracting 0 leaves a sum as it is.
-    const float of_first = weight_if(1 - is_second, added);
-    const float of_second = weight_if(is_second, added);
+    const float of_first = weight_if(1 - is_second, of_case);
+    const float of_second = weight_if(is_second, of_case);
     up_to[0] += of_first;
     up_to[1] += of_second;
     after[0] -= of_first;
     after[1] -= of_second;
-    all_up_to += added;
-    ++cases;
-    second_cases += is_second;
+    all_up_to += of_case;
   }
+  weight left_side(weight /*each*/) const { return all_up_to; }
+  const of_classes& left(weight /*each*/) const { return up_to; }
+  const of_classes& right(weight /*each*/, const of_classes& /*all*/) const { return after; }
 
-  weight left_side() const { return all_up_to; }
-  const of_classes& left() const { return up_to; }
-  const of_classes& right(const of_classes& /*all*/) const { return after; }
-  bool one_class_since(const weighed_end& other) const {
-    const unsigned int second_since = second_cases - other.second_cases;
-    return (second_since == 0) | (second_since == cases - other.cases);
-  }
-
- private:
   of_classes up_to;
   of_classes after;
   weight all_up_to;
-  unsigned int cases;
-  unsigned int second_cases;
 };
 
-// The ends of the codes among sorted cases. Nothing here or in the sweep branches on a case: codes
-// and classes are hard to predict.
-template <class End>
-struct code_ends {
-  template <class Case>
-  explicit code_ends(const packed_cases<Case>& cases)
-      : ends(cases.size(), strata::util::first_values::any),
-        codes(cases.size(), strata::util::first_values::any) {
-    const auto is_second = [&](std::size_t i) {
-      return static_cast<unsigned int>(cases.class_code(i) == 2);
-    };
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-      all[0] += weight_if(1 - is_second(i), cases.weight(i));
-      all[1] += weight_if(is_second(i), cases.weight(i));
+// Finds the ends of the codes among sorted cases of two classes, as many at a time as stay in the
+// core's own cache. Nothing here or in the sweep branches on a case: codes and classes are hard to
+// predict.
+template <class Case>
+class code_ends {
+ public:
+  using end = std::conditional_t<std::is_same_v<Case, counted_case>, counted_end, weighed_end>;
+  using of_classes = typename end::of_classes;
+
+  // `sorted` must outlive it.
+  explicit code_ends(const packed_cases<Case>& sorted)
+      : cases(sorted), weights_of_all(add_up_classes()), up_to_next(end::before(weights_of_all)) {}
+
+  // The weights of both classes.
+  const of_classes& all() const { return weights_of_all; }
+  const packed_cases<Case>& sorted_cases() const { return cases; }
+  std::size_t size() const { return count; }
+  const end& operator[](std::size_t i) const { return found[i]; }
+
+  // Forgets the ends before `first`, which becomes the first one, and finds the next ones.
+  void go_on_from(std::size_t first) {
+    if (first < count) found[0] = found[first];
+    count = first < count ? 1 : 0;
+    end up_to = up_to_next;
+    for (; next < cases.size() && count < found.size(); ++next) {
+      up_to.add(is_second(next), cases.weight(next));
+      found[count] = up_to;  // unless the code ends here, the next case overwrites it
+      const bool last = next + 1 == cases.size();
+      count += last || cases.code(next) != cases.code(next + 1) ? 1 : 0;
     }
-    End end(all);
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-      end.add(is_second(i), cases.weight(i));
-      // Unless the code ends here, the next case overwrites the entries.
-      ends[count] = end;
-      codes[count] = cases.code(i);
-      const bool last = i + 1 == cases.size();
-      count += last || cases.code(i) != cases.code(i + 1) ? 1 : 0;
-    }
+    up_to_next = up_to;
   }
 
-  typename End::of_classes all{};  // the weights of both classes
+ private:
+  unsigned int is_second(std::size_t i) const { return cases.class_code(i) == 2 ? 1 : 0; }
+  of_classes add_up_classes() const {
+    of_classes result{};
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+      result[0] += weight_if(1 - is_second(i), cases.weight(i));
+      result[1] += weight_if(is_second(i), cases.weight(i));
+    }
+    return result;
+  }
+
+  const packed_cases<Case>& cases;
+  const of_classes weights_of_all;
+  end up_to_next;  // what is before the next case
+  std::size_t next = 0;
   std::size_t count = 0;
-  strata::util::work_array<End, 64> ends;
-  strata::util::work_array<unsigned int, 64> codes;
+  std::array<end, 128> found;
 };
 
 // Moves a cut from code to code.
-template <class End>
+template <class Case>
 class two_class_sweep {
  public:
-  explicit two_class_sweep(const code_ends<End>& of_codes) : at(of_codes), rated(of_codes.all) {}
+  explicit two_class_sweep(code_ends<Case>& of_codes)
+      : ends(of_codes), each(of_codes.sorted_cases().weight(0)) {}
 
   template <class Sides>
   bool move_next(Sides& sides) {
-    if (next + 1 >= at.count) return false;
-    const End& end = at.ends[next];
-    sides.set(end.left(), end.right(at.all), end.left_side());
+    if (next + 1 >= ends.size()) {
+      ends.go_on_from(next);
+      next = 0;
+      if (ends.size() < 2) return false;
+    }
+    const auto& end = ends[next];
+    sides.set(end.left(each), end.right(each, ends.all()), end.left_side(each));
     ++next;
     return true;
   }
 
-  std::size_t place() const { return next - 1; }
-  unsigned int low_code(std::size_t place) const { return at.codes[place]; }
-  unsigned int high_code(std::size_t place) const { return at.codes[place + 1]; }
+  // The number of cases on the left side.
+  std::size_t place() const { return ends[next - 1].cases; }
+  unsigned int low_code(std::size_t place) const { return ends.sorted_cases().code(place - 1); }
+  unsigned int high_code(std::size_t place) const { return ends.sorted_cases().code(place); }
 
   // As in case_sweep.
   template <class Search, class Sides>
   bool inside_run(const Search& search, const Sides& sides) {
-    const End& end = at.ends[next];
-    const bool inside =
-        end.one_class_since(rated) & !search.right_too_light(sides.as_weight(end.left_side()));
-    rated = inside ? rated : at.ends[next - 1];
+    const auto& here = ends[next - 1];
+    const auto& end = ends[next];
+    const unsigned int since = end.cases - rated_cases;
+    const unsigned int second_since = end.second_class - rated_second;
+    const bool one_class = (second_since == 0) | (second_since == since);
+    const bool inside = one_class & !search.right_too_light(sides.as_weight(end.left_side(each)));
+    rated_cases = inside ? rated_cases : here.cases;
+    rated_second = inside ? rated_second : here.second_class;
     return inside;
   }
 
  private:
-  const code_ends<End>& at;
-  std::size_t next = 0;  // the first code on the right side
-  End rated;             // the last cut that was rated
+  code_ends<Case>& ends;
+  typename Case::weight_type each;
+  std::size_t next = 0;          // the first code on the right side
+  unsigned int rated_cases = 0;  // up to the last cut that was rated
+  unsigned int rated_second = 0;
 };
 
 template <class Case>
 void rate_two_classes(const packed_cases<Case>& cases, cut_problem node,
                       column::splitting_desc& result) {
-  using weight = typename Case::weight_type;
-  using end = std::conditional_t<std::is_integral_v<weight>, counted_end, weighed_end>;
-  const code_ends<end> codes(cases);
-  if (codes.count < 2) return;
-  const std::array<float, 2> class_weights{static_cast<float>(codes.all[0]),
-                                           static_cast<float>(codes.all[1])};
+  if (cases.size() < 2) return;
+  code_ends<Case> ends(cases);
+  const std::array<float, 2> class_weights{static_cast<float>(ends.all()[0]),
+                                           static_cast<float>(ends.all()[1])};
   node.class_weights = class_weights.data();
   node.unknown_weight = cases.unknown_weight();
-  find_best_cut<2, weight>(node, codes.count, two_class_sweep<end>(codes), result);
+  find_best_cut<2, typename Case::weight_type>(node, cases.size(), two_class_sweep<Case>(ends),
+                                               result);
 }
 
 // Rates packed and sorted cases, and leaves the caller's sequence as it is. Returns false if they
