@@ -4,6 +4,7 @@
 //   arbor_measure_table rate people.csv    # rates its attributes
 //   arbor_measure_table grow people.csv    # grows a tree on it, without pruning
 //   arbor_measure_table grow people.csv 8  # the same, with at most 8 tests on a path
+//   arbor_measure_table classify people.csv  # classifies it with such a tree
 //
 // The runs of a phase are printed in seconds of processor time and, as "clock", of the clock. Its
 // memory is that of the whole process during its first run, in bytes: "before" is what was resident
@@ -162,17 +163,24 @@ json grow(const std::string& path, unsigned int max_depth) {
   return result;
 }
 
+json classify(const std::string& path, unsigned int max_depth) {
+  const tree::table held = tree::load_table(path, {});
+  const tree::decision_tree grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth));
+  return measure("classify", [&] { tree::classify_cases(grown, held, held.cases); });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   unsigned int max_depth = tree::grow_options().max_depth;
   const std::map<std::string, std::function<json(const std::string&)>> phases{
-      {"load", load}, {"rate", rate}, {"grow", [&](const std::string& path) {
-                                         return grow(path, max_depth);
-                                       }}};
+      {"load", load},
+      {"rate", rate},
+      {"grow", [&](const std::string& path) { return grow(path, max_depth); }},
+      {"classify", [&](const std::string& path) { return classify(path, max_depth); }}};
   const auto phase = phases.find(argc == 3 || argc == 4 ? argv[1] : "");
   if (phase == phases.end() || (argc == 4 && phase->first != "grow")) {
-    std::cerr << "usage: arbor_measure_table load|rate|grow TABLE\n"
+    std::cerr << "usage: arbor_measure_table load|rate|grow|classify TABLE\n"
                  "       arbor_measure_table grow TABLE MAX_DEPTH\n";
     return 2;
   }

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <vector>
 
-#include "arbor/model/measure/entropy.h"
+#include "arbor/model/measure/logarithm.h"
 #include "arbor/model/weight_type.h"
 #include "bench/benches.h"
 #include "bench/comparison.h"

@@ -20,7 +20,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
 PYTHON, R = "/usr/bin/python3", "Rscript"
 PACKAGES = ["python3", "python3-pandas", "python3-sklearn", "python3-xgboost", "r-base-core", "r-cran-data.table",
-            "r-cran-ranger", "r-cran-rpart"]
+            "r-cran-ranger", "r-cran-rpart", "weka"]
 EXACT = ["scikit-learn", "ranger", "rpart"]  # try every threshold, as Arbor does
 MEMORY_LIMIT = 12 << 30
 
@@ -35,7 +35,9 @@ load      reading the CSV file into columns. Arbor finds each column's distinct 
 rate      Arbor: the best split of every attribute; others: growing a tree of one test.
 grow      the whole tree, unpruned, with at least 2 cases in a leaf: Arbor by gain ratio with a branch for each text;
           scikit-learn by entropy; ranger and rpart by Gini's index, ranger without dividing fewer than 4 cases, rpart
-          at most 30 deep and with cp=0, which takes back what does not lessen the training errors.
+          at most 30 deep and with cp=0, which takes back what does not lessen the training errors; weka by gain ratio,
+          as the difference of two processes, and small tables only.
+classify  the rows of the training table, in memory, by the whole tree. Arbor also counts the confusion matrix.
 quantise  xgboost puts numbers into 256 bins, and then rates and grows on these: not the exact tree. One round, eta=1,
           lambda=0, grow_policy=depthwise, max_depth=0 (any), min_child_weight as of 2 cases; of more than two classes
           each has a tree of its own.
@@ -72,10 +74,12 @@ def jobs_of(build):
         Job("data.table", ["load"], [R, "fread_load.R"]),
         Job("Arbor", ["rate"], [measure, "rate"]),
         Job("Arbor", ["grow"], [measure, "grow"]),
-        peer("scikit-learn", ["rate", "grow"], PYTHON, "sklearn_tree.py"),
-        peer("ranger", ["rate", "grow"], R, "ranger_tree.R"),
-        peer("rpart", ["rate", "grow"], R, "rpart_tree.R"),
+        Job("Arbor", ["classify"], [measure, "classify"]),
+        peer("scikit-learn", ["rate", "grow", "classify"], PYTHON, "sklearn_tree.py"),
+        peer("ranger", ["rate", "grow", "classify"], R, "ranger_tree.R"),
+        peer("rpart", ["rate", "grow", "classify"], R, "rpart_tree.R"),
         peer("xgboost", ["quantise", "rate", "grow"], PYTHON, "xgboost_tree.py"),
+        Job("weka", ["grow"], [PYTHON, "weka_tree.py"]),
     ]
 
 
@@ -131,14 +135,15 @@ def ratios_of(lines):
         return sum(line["median"] for line in others) / arbor["median"] if arbor and all(others) else None
 
     ratios = {}
-    for phase in ("grow", "rate"):
+    for phase in ("grow", "rate", "classify"):
         ratios[f"{phase}: scikit-learn"] = over_arbor(phase, find(lines, phase, "scikit-learn"))
         exact = [line for line in (find(lines, phase, system) for system in EXACT) if line]
         fastest = min(exact, key=lambda line: line["median"], default=None)
         ratios[f"{phase}: fastest exact"] = over_arbor(phase, fastest)
         ratios[f"{phase}: which"] = fastest and fastest["system"].partition(",")[0]
-        bins_and_tree = find(lines, "quantise", "xgboost"), find(lines, phase, "xgboost")
-        ratios[f"{phase}: xgboost"] = over_arbor(phase, *bins_and_tree)
+        if phase != "classify":
+            bins_and_tree = find(lines, "quantise", "xgboost"), find(lines, phase, "xgboost")
+            ratios[f"{phase}: xgboost"] = over_arbor(phase, *bins_and_tree)
     ratios["load: pandas categories"] = over_arbor("load", find(lines, "load", "pandas, categories"))
     return ratios
 
@@ -190,7 +195,7 @@ def text_table(rows, left):
 def phase_table(lines):
     rows = [["phase", "system", "median", "spread", "runs", "share", "/ Arbor", "before MB", "peak MB", "leaves",
              "accuracy"]]
-    for phase in ("load", "rate", "quantise", "grow"):
+    for phase in ("load", "rate", "quantise", "grow", "classify"):
         arbor = find(lines, phase, "Arbor")
         for line in lines:
             if line["phase"] != phase:
@@ -263,15 +268,15 @@ def about(build, options):
 def made_tables(build, rows):
     folder = build / "tables"
     folder.mkdir(exist_ok=True)
-    for function in (2, 7):
-        for noise in (0, 0.05):
-            path = folder / f"function{function}-noise{noise}-{rows}.csv"
-            if not path.exists():
-                with open(path.with_suffix(".part"), "w") as part:
-                    subprocess.run([build / "bin" / "arbor_make_table", "--function", str(function), "--noise",
-                                    str(noise), "--rows", str(rows)], stdout=part, check=True)
-                path.with_suffix(".part").rename(path)
-            yield path
+    clean = [(function, noise, 0, rows) for function in (2, 7) for noise in (0, 0.05)]
+    for function, noise, unknown, count in [*clean, (7, 0.05, 0.02, rows // 20)]:
+        path = folder / f"function{function}-noise{noise}-unknown{unknown}-{count}.csv"
+        if not path.exists():
+            with open(path.with_suffix(".part"), "w") as part:
+                subprocess.run([build / "bin" / "arbor_make_table", "--function", str(function), "--noise", str(noise),
+                                "--unknown", str(unknown), "--rows", str(count)], stdout=part, check=True)
+            path.with_suffix(".part").rename(path)
+        yield path
 
 
 def arguments():

@@ -14,6 +14,7 @@ tree <- function(...) {
 
 report(measure("rate", function() tree(max.depth = 1))$figures)
 grown <- measure("grow", tree)
-predicted <- predict(grown$result, attributes, num.threads = 1)$predictions
+classified <- measure("classify", function() predict(grown$result, attributes, num.threads = 1)$predictions)
 report(grown$figures, leaves = sum(grown$result$forest$child.nodeIDs[[1]][[1]] == 0),
-       accuracy = mean(predicted == data$class))
+       accuracy = mean(classified$result == data$class))
+report(classified$figures)

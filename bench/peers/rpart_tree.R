@@ -14,3 +14,4 @@ grown <- measure("grow", tree)
 frame <- grown$result$frame
 report(grown$figures, leaves = sum(frame$var == "<leaf>"),
        accuracy = mean(frame$yval[grown$result$where] == as.numeric(grown$result$y)))
+report(measure("classify", function() predict(grown$result, data, type = "class"))$figures)

@@ -16,6 +16,7 @@
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/rating.h"
 #include "arbor/tree/table_classification.h"
+#include "arbor/tree/task_stack.h"
 #include "arbor/tree/text_classifier.h"
 #include "tests/support/oracle.h"
 #include "tests/support/reports.h"
@@ -146,6 +147,24 @@ TEST(ThreadPool, DoesEachPieceOnceAndRethrowsWhatOneThrows) {
     };
     EXPECT_EQ(message_of([&] { pool.for_each(100000, fail); }), "piece 3");
     EXPECT_LT(begun, 100000);
+  }
+}
+
+TEST(TaskStack, EndsWhenAllTasksThatWereAddedHaveEndedOrOneThrows) {
+  for (const int failing : {-1, 500}) {
+    tree::thread_pool pool(4);
+    tree::task_stack tasks;
+    std::atomic<int> done = 0;
+    const std::function<void(int)> halve = [&](int count) {
+      if (count == failing) throw std::runtime_error("task 500");
+      for (int part : {count / 2, count - count / 2}) {
+        if (count > 1) tasks.add([&halve, part] { halve(part); });
+      }
+      done += count == 1 ? 1 : 0;
+    };
+    tasks.add([&] { halve(1000); });
+    EXPECT_EQ(message_of([&] { tasks.run(pool); }), failing < 0 ? "" : "task 500");
+    EXPECT_TRUE(failing < 0 ? done == 1000 : done < 1000) << done;
   }
 }
 
