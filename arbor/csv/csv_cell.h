@@ -5,12 +5,15 @@
 #define ARBOR_CSV_CSV_CELL_H
 
 #include <string>
+#include <string_view>
 
 namespace arbor::tree {
 
 // The text in quotes, with the quotes in it doubled, if it has a comma, a quote or a newline; else
 // as it is (RFC 4180).
 std::string csv_cell(const std::string& text);
+// Appends the same.
+void append_csv_cell(std::string_view text, std::string& to);
 
 }  // namespace arbor::tree
 

@@ -22,6 +22,10 @@ class text_dictionary {
   unsigned int code_of(cell_text text);
   // The same for a text after whose end no bytes need to be readable.
   unsigned int code_of(const std::string& text);
+  // The number of a text; 0 if it is not there.
+  unsigned int find(cell_text text) const {
+    return slots.empty() ? 0 : slots[slot_of(text, key_of(text))];
+  }
 
   // How many there are.
   unsigned int size() const { return static_cast<unsigned int>(entries.size()); }
@@ -38,6 +42,7 @@ class text_dictionary {
 
   static std::uint64_t key_of(cell_text text);
   std::size_t first_slot(std::uint64_t key) const;
+  std::size_t slot_of(cell_text text, std::uint64_t key) const;
   bool is_text(unsigned int code, cell_text text) const;
   unsigned int add(cell_text text, std::uint64_t key, std::size_t slot);
   void grow();
@@ -52,13 +57,18 @@ class text_dictionary {
 inline unsigned int text_dictionary::code_of(cell_text text) {
   const std::uint64_t key = key_of(text);
   if (2 * entries.size() >= slots.size()) grow();
+  const std::size_t slot = slot_of(text, key);
+  return slots[slot] != 0 ? slots[slot] : add(text, key, slot);
+}
+
+// The slot of a text, or the free one where it belongs.
+inline std::size_t text_dictionary::slot_of(cell_text text, std::uint64_t key) const {
   std::size_t slot = first_slot(key);
-  while (slots[slot] != 0) {
-    const unsigned int code = slots[slot];
-    if (entries[code - 1].key == key && (text.length <= 8 || is_text(code, text))) return code;
+  while (const unsigned int code = slots[slot]) {
+    if (entries[code - 1].key == key && (text.length <= 8 || is_text(code, text))) break;
     slot = (slot + 1) & (slots.size() - 1);
   }
-  return add(text, key, slot);
+  return slot;
 }
 
 // The key of a text of up to eight characters is the text itself. With fewer than eight its low

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -27,7 +28,9 @@ class file_classifier {
         tree(of_tree),
         options(chosen),
         out(to),
-        distribution_of(of_tree, chosen.estimate),
+        predict(of_tree, chosen.estimate),
+        read_class(*of_tree.class_column),
+        texts(of_tree.attributes.size()),
         strays(of_tree.attributes.size()) {}
 
   classification_result run() {
@@ -35,12 +38,20 @@ class file_classifier {
       find_columns();
       if (out != nullptr) write_names(*out);
     };
-    file.read(begin, [&](const csv_row& row) { classify(row); });
+    try {
+      file.read(begin, [&](const csv_row& row) { classify(row); });
+    } catch (...) {
+      write_rows();
+      throw;
+    }
+    write_rows();
     for (std::size_t i = 0; i < strays.size(); ++i) remark_on(strays[i], cells[i]);
     return std::move(result);
   }
 
  private:
+  static constexpr std::size_t block = 1U << 16U;
+
   void find_columns() {
     for (const auto& attribute : tree.attributes) {
       cells.push_back(file.cell_named(attribute->get_name(), "an attribute of the model"));
@@ -76,14 +87,17 @@ class file_classifier {
     ++result.rows;
     if (options.progress) options.progress(result.rows);
     const double weight = weights_cell ? static_cast<double>(file.weight(row, *weights_cell)) : 1;
-    texts.clear();
-    for (const std::size_t cell : cells) texts.push_back(file.known_text(row, cell));
-    const std::vector<double> distribution = distribution_of(texts);
+    for (std::size_t i = 0; i < cells.size(); ++i) texts[i] = known_cell(row, cells[i]);
+    prediction& predicted = predict(texts);
     if (weight > 0) {
-      for (const std::size_t attribute : distribution_of.unfit()) take_stray(row, attribute);
-      evaluate(row, distribution, weight);
+      for (const std::size_t attribute : predict.unfit()) take_stray(row, attribute);
+      evaluate(row, predicted.distribution, weight);
     }
-    if (out != nullptr) write(row, distribution, *out);
+    if (out != nullptr) write(row, predicted);
+  }
+
+  cell_text known_cell(const csv_row& row, std::size_t cell) const {
+    return file.unknowns().is_unknown(row, cell) ? cell_text{nullptr, 0} : row.cell(cell);
   }
 
   void take_stray(const csv_row& row, std::size_t attribute) {
@@ -93,39 +107,63 @@ class file_classifier {
                     tree.attributes[attribute]->get_o_set()->get_datatype());
     }
     if (strays[attribute].count++ > 0) return;
-    strays[attribute].first = in_quotes(texts[attribute]);
+    strays[attribute].first = in_quotes(texts[attribute].begin);
     strays[attribute].line = row.line_of(cells[attribute]);
   }
 
   void evaluate(const csv_row& row, const std::vector<double>& distribution, double weight) {
-    const char* const actual = class_cell ? file.known_text(row, *class_cell) : nullptr;
-    if (actual == nullptr) return;
+    const cell_text actual = class_cell ? known_cell(row, *class_cell) : cell_text{nullptr, 0};
+    if (actual.begin == nullptr) return;
     if (!result.quality) result.quality.emplace();
     result.quality->add(class_of(actual), distribution, weight);
   }
 
-  void write(const csv_row& row, const std::vector<double>& distribution, std::ostream& to) const {
-    const std::size_t predicted = likeliest_class(distribution);
+  void write(const csv_row& row, prediction& predicted) {
     for (std::size_t cell = 0; cell < row.size(); ++cell) {
-      const std::string text = row.text(cell);
-      to << (text.empty() && !row.is_empty(cell) ? "\"\"" : csv_cell(text)) << ',';
+      append_cell(row, cell);
+      rows += ',';
     }
-    to << csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(predicted) + 1));
-    if (!options.all_probabilities)
-      to << ',' << shortest_text(static_cast<float>(distribution[predicted]));
-    for (std::size_t c = 0; options.all_probabilities && c < distribution.size(); ++c) {
-      to << ',' << shortest_text(static_cast<float>(distribution[c]));
+    if (predicted.text.empty()) predicted.text = text_of(predicted.distribution);
+    rows += predicted.text;
+    if (rows.size() >= block) write_rows();
+  }
+
+  void append_cell(const csv_row& row, std::size_t cell) {
+    const cell_text text = row.cell(cell);
+    if (text.length == 0 && !row.is_empty(cell)) {
+      rows += "\"\"";
+    } else {
+      append_csv_cell({text.begin, text.length}, rows);
     }
-    to << '\n';
-    if (!to) throw table_error(std::string("the rows cannot be written: ") + std::strerror(errno));
+  }
+
+  // What is written of a prediction: the end of a row.
+  std::string text_of(const std::vector<double>& distribution) const {
+    const std::size_t predicted = likeliest_class(distribution);
+    std::string text =
+        csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(predicted) + 1));
+    const auto append = [&](double probability) {
+      text += ',' + shortest_text(static_cast<float>(probability));
+    };
+    if (!options.all_probabilities) append(distribution[predicted]);
+    if (options.all_probabilities) std::for_each(distribution.begin(), distribution.end(), append);
+    return text + '\n';
+  }
+
+  void write_rows() {
+    if (out == nullptr) return;
+    *out << rows;
+    rows.clear();
+    if (!*out)
+      throw table_error(std::string("the rows cannot be written: ") + std::strerror(errno));
   }
 
   unsigned int class_count() const { return tree.class_column->get_distinct() - 1; }
 
   // The entry of a class in the evaluation; one past the last for a class that the model lacks.
-  std::size_t class_of(const char* text) const {
-    unsigned int code = 0;
-    return find_value(*tree.class_column, text, code) && code > 0 ? code - 1 : class_count();
+  std::size_t class_of(cell_text text) {
+    const double code = read_class(text);
+    return code > 0 ? static_cast<std::size_t>(code) - 1 : class_count();
   }
 
   // The texts of one attribute that are no numbers.
@@ -148,11 +186,13 @@ class file_classifier {
   const decision_tree& tree;
   const classification_options& options;
   std::ostream* out;  // null if no rows are written
-  text_classifier distribution_of;
+  text_classifier predict;
+  value_reader read_class;
   std::vector<std::size_t> cells;  // by attribute of the tree
   std::optional<std::size_t> class_cell;
   std::optional<std::size_t> weights_cell;
-  std::vector<const char*> texts;   // by attribute, of the present row
+  std::vector<cell_text> texts;     // by attribute, of the present row
+  std::string rows;                 // to be written
   std::vector<stray_texts> strays;  // by attribute
   classification_result result;
 };

@@ -17,6 +17,7 @@
 #include "arbor/tree/table_classification.h"
 #include "arbor/tree/text_classifier.h"
 #include "arbor/tree/thread_pool.h"
+#include "tests/support/cells.h"
 #include "tests/support/oracle.h"
 #include "tests/support/reports.h"
 #include "tests/support/tables.h"
@@ -190,16 +191,6 @@ TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
   EXPECT_EQ(tree::binomial_upper_limit(5, 5, 0.25), 1);
 }
 
-// The likeliest class of a case that comes to this node alone.
-std::size_t class_at(const decision_tree& t, const tree::class_probabilities& probabilities,
-                     std::size_t node) {
-  const std::vector<std::size_t> parents = tree::node_parents(t);
-  std::map<std::size_t, unsigned int> branches;  // by test
-  for (; node != 0; node = parents[node]) branches[parents[node]] = t.nodes[node].branch;
-  return tree::likeliest_class(
-      probabilities.of_case([&](std::size_t test) { return branches[test]; }));
-}
-
 // In tables with unknown values, many values and noise: rows, their texts and the training cases
 // take the same ways, each case counts once, and leaves show the class that they predict.
 TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
@@ -212,11 +203,11 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
     EXPECT_EQ(by_text.quality->matrix().pairs(),
               tree::classify_cases(t, rows, rows.cases).matrix().pairs())
         << name;
-    const tree::class_probabilities probabilities(t);
+    const tree::class_probabilities probabilities(t, std::vector<double>(t.nodes.size()));
     const std::vector<std::size_t> predicted = tree::predicted_classes(t);
     for (std::size_t i = 0; i < t.nodes.size(); ++i) {
       if (!t.nodes[i].is_leaf()) continue;
-      EXPECT_EQ(predicted[i], class_at(t, probabilities, i)) << name << i;
+      EXPECT_EQ(predicted[i], tree::likeliest_class(probabilities.at_node(i))) << name << i;
     }
     double in_leaves = 0;
     for (const tree::tree_node& node : t.nodes) {
@@ -250,8 +241,8 @@ TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
     tree::text_classifier classify(t);
     std::istringstream in(expected_branches + " ?:0 -:0! nan:0! 5x:0! +:0!");
     for (std::string expected; in >> expected;) {
-      const std::string text = expected.substr(0, expected.find(':'));
-      const double first = classify({text.c_str()})[0];
+      std::string text = expected.substr(0, expected.find(':'));
+      const double first = classify({as_cell(text)}).distribution[0];
       EXPECT_EQ(text + ":" +
                     (first > 0.5   ? "1"
                      : first < 0.5 ? "2"
@@ -282,11 +273,11 @@ TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
                                                  {numbers, "type d string type n float"},
                                                  {unknowns, ""}}) {
       const table other = load_csv(table_of_others, options_of(words));
-      const tree::row_classifier classify(t, other);
+      tree::row_classifier classify(t, other);
       for (unsigned int row = 0; row < other.cases.size(); ++row) {
-        const std::string d = other.columns[0]->get_row_value(row);
-        const std::string n = other.columns[1]->get_row_value(row);
-        EXPECT_EQ(classify(row), by_text({d.c_str(), n.c_str()})) << words << row;
+        std::string d = other.columns[0]->get_row_value(row);
+        std::string n = other.columns[1]->get_row_value(row);
+        EXPECT_EQ(classify(row), by_text({as_cell(d), as_cell(n)}).distribution) << words << row;
       }
     }
   }

@@ -9,7 +9,7 @@ std::vector<permutation_loss> permutation_losses(const decision_tree& tree, cons
                                                  const impls::w_sequence& cases,
                                                  const evaluation& quality,
                                                  std::mt19937_64& random) {
-  const row_classifier classify(tree, rows);
+  row_classifier classify(tree, rows);
   const impls::column& classes = rows.class_column();
   std::vector<unsigned int> others;  // by case: the row whose value it gets
   for (const auto& weighted : cases) others.push_back(weighted.first);
