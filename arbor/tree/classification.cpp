@@ -158,8 +158,8 @@ evaluation classify_cases(const decision_tree& tree, const table& rows,
   row_classifier classify(tree, rows);
   evaluation result;
   for (const auto& [row, weight] : cases) {
-    result.add(rows.class_column().get_row_index(row) - 1, classify(row),
-               static_cast<double>(weight));
+    result.add(scored(rows.class_column().get_row_index(row) - 1, classify(row),
+                      static_cast<double>(weight)));
   }
   return result;
 }

@@ -115,7 +115,7 @@ class file_classifier {
     const cell_text actual = class_cell ? known_cell(row, *class_cell) : cell_text{nullptr, 0};
     if (actual.begin == nullptr) return;
     if (!result.quality) result.quality.emplace();
-    result.quality->add(class_of(actual), distribution, weight);
+    result.quality->add(scored(class_of(actual), distribution, weight));
   }
 
   void write(const csv_row& row, prediction& predicted) {
