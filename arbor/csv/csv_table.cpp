@@ -7,29 +7,50 @@
 #include <numeric>
 
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/row_division.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
 
-void csv_table::read(const std::function<void()>& when_named,
-                     const std::function<void(const csv_row&)>& use) {
-  bool named = false;
-  read_csv(file, [&](const csv_row& row) {
-    if (named) {
-      check_width(row);
-      use(row);
-    } else {
-      read_names(row);
-      named = true;
-      when_named();
-    }
-  });
-  if (!named) fail("empty; a table begins with a row of column names");
+void csv_table::read_names() {
+  if (blocks.next(first)) divide_rows(first, file.name());
+  if (first.rows() == 0) {
+    first.check_end();
+    fail("empty; a table begins with a row of column names");
+  }
+  name_columns(first.row(0));
+  bool is_header = true;
+  first.keep_rows([&](const csv_row&) { return !std::exchange(is_header, false); });
+  has_first = true;
 }
 
-void csv_table::read_names(const csv_row& row) {
+bool csv_table::next(csv_block& block) {
+  {
+    const std::lock_guard<std::mutex> lock(reading);
+    if (has_first) {
+      std::swap(block, first);
+      has_first = false;
+    } else {
+      if (!blocks.next(block)) return false;
+    }
+  }
+  if (block.number() > 0) divide_rows(block, file.name());
+  block.keep_rows([&](const csv_row& row) { return check_width(row), true; });
+  return true;
+}
+
+void csv_table::read(const std::function<void()>& when_named,
+                     const std::function<void(const csv_row&)>& use) {
+  read_names();
+  when_named();
+  for (csv_block block; next(block); block.check_end()) {
+    for (std::size_t i = 0; i < block.rows(); ++i) use(block.row(i));
+  }
+}
+
+void csv_table::name_columns(const csv_row& row) {
   for (std::size_t cell = 0; cell < row.size(); ++cell) column_names.emplace_back(row.text(cell));
   by_name.resize(column_names.size());
   std::iota(by_name.begin(), by_name.end(), std::size_t{0});

@@ -1,18 +1,22 @@
 // A CSV file as rows of cells under named columns, and messages that name a place in it.
 //
 //   csv_table file("golf.csv", unknown_texts({}));
-//   file.read([&] { play = file.cell_named("play", "the class"); },
-//             [&](const csv_row& row) { use(file.known_text(row, play)); });
+//   file.read_names();
+//   const std::size_t play = file.cell_named("play", "the class");
+//   for (csv_block block; file.next(block); block.check_end())
+//     for (std::size_t i = 0; i < block.rows(); ++i) use(file.known_text(block.row(i), play));
 #ifndef ARBOR_CSV_CSV_TABLE_H
 #define ARBOR_CSV_CSV_TABLE_H
 
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "arbor/csv/csv_reader.h"
+#include "arbor/csv/block_reader.h"
+#include "arbor/csv/csv_block.h"
 #include "arbor/csv/input_file.h"
 #include "arbor/csv/unknown_texts.h"
 
@@ -25,9 +29,19 @@ class csv_table {
   csv_table(const std::string& path, unknown_texts chosen)
       : file(path), unknown(std::move(chosen)) {}
 
+  // Reads the column names. To be called once, before anything else. Throws when there are none,
+  // when a name is empty or occurs twice.
+  void read_names();
+
+  // Reads the next rows. Returns false at the end of the file. A row with more or fewer cells than
+  // there are names is an error that ends the block.
+  //
+  // Several threads may call this at the same time, each with a block of its own. One at a time
+  // reads from the file; dividing what it has read into cells goes on side by side.
+  bool next(csv_block& block);
+
   // Reads the file to its end, once: first the column names, after which it calls `when_named`, and
-  // then each row, which it hands to `use`. Throws when there are no names, when a name is empty or
-  // occurs twice, and for a row with more or fewer cells than there are names.
+  // then each row, which it hands to `use`.
   void read(const std::function<void()>& when_named,
             const std::function<void(const csv_row&)>& use);
 
@@ -56,10 +70,14 @@ class csv_table {
   [[noreturn]] void fail(const csv_row& row, std::size_t cell, const std::string& what) const;
 
  private:
-  void read_names(const csv_row& row);
+  void name_columns(const csv_row& row);
   void check_width(const csv_row& row) const;
 
   input_file file;
+  block_reader blocks{file};
+  std::mutex reading;  // guards the blocks
+  csv_block first;     // with the names, until the next one is asked for
+  bool has_first = false;
   unknown_texts unknown;
   std::vector<std::string> column_names;
   std::vector<std::size_t> by_name;  // positions, sorted by name

@@ -1,7 +1,6 @@
 #include "arbor/csv/quoted_lines.h"
 
 #include <new>
-#include <string_view>
 
 namespace arbor::tree {
 
@@ -17,7 +16,7 @@ int keep_blanks(unsigned char /*character*/) {
 
 }  // namespace
 
-quoted_lines::quoted_lines(row_delivery& to) : rows(to) {
+quoted_lines::quoted_lines(row_division& to) : rows(to) {
   if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI | CSV_EMPTY_IS_NULL | CSV_REPALL_NL) != 0)
     throw std::bad_alloc();
   csv_set_space_func(&parser, keep_blanks);
@@ -43,27 +42,15 @@ void quoted_lines::finish() {
 
 void quoted_lines::on_cell(void* text, std::size_t length, void* lines) {
   auto* const self = static_cast<quoted_lines*>(lines);
-  self->run([&] { self->add_cell(static_cast<const char*>(text), length); });
+  self->run([&] {
+    self->rows.add_cell(static_cast<const char*>(text), length);
+    self->after_cr = false;
+  });
 }
 
 void quoted_lines::on_line_end(int terminator, void* lines) {
   auto* const self = static_cast<quoted_lines*>(lines);
   self->run([&] { self->end_line(terminator); });
-}
-
-// `text` is null for an empty cell without quotes.
-void quoted_lines::add_cell(const char* text, std::size_t length) {
-  if (row.size() == 0) rows.begin_row();
-  const std::string_view cell(text == nullptr ? "" : text, length);
-  if (cell.find('\0') != std::string_view::npos) {
-    rows.fail(
-        "a zero byte in the text; a table is text in UTF-8 or another encoding that has none");
-  }
-  row.add_cell(cells.size(), cells.size() + length, text == nullptr);
-  cells.append(cell);
-  cells += '\0';
-  rows.pass_lines(line_ends(cell.data(), length));
-  after_cr = false;
 }
 
 // `terminator` is CR, LF or, at the end of a file without one, -1. A CRLF comes as two of them, and
@@ -73,9 +60,7 @@ void quoted_lines::end_line(int terminator) {
   const bool ends_crlf = terminator == CSV_LF && after_cr;
   after_cr = terminator == CSV_CR;
   if (ends_crlf) return;
-  cells.append(readable_after_cell, '\0');
-  rows.end_line(row, cells.data());
-  cells.clear();
+  rows.end_line();
 }
 
 // The parser is written in C, so that no exception may leave a function that it calls: it is kept

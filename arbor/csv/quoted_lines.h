@@ -1,15 +1,14 @@
 // Divides lines of a CSV file that may have quotes in them into cells, with the parser of libcsv.
-// Internal to the reader.
+// Internal to row_division.
 #ifndef ARBOR_CSV_QUOTED_LINES_H
 #define ARBOR_CSV_QUOTED_LINES_H
 
 #include <csv.h>
 
+#include <cstddef>
 #include <exception>
-#include <string>
 
-#include "arbor/csv/csv_row.h"
-#include "arbor/csv/row_delivery.h"
+#include "arbor/csv/row_division.h"
 
 namespace arbor::tree {
 
@@ -17,18 +16,19 @@ namespace arbor::tree {
 // byte.
 class quoted_lines {
  public:
-  explicit quoted_lines(row_delivery& to);
+  explicit quoted_lines(row_division& to);
   ~quoted_lines() { csv_free(&parser); }
   quoted_lines(const quoted_lines&) = delete;
   quoted_lines& operator=(const quoted_lines&) = delete;
 
-  // Takes the next bytes, wherever in a line they begin and end.
+  // Takes the next bytes, wherever in a line they begin and end. Cells may be written over bytes
+  // that have been taken.
   void take(const char* bytes, std::size_t count);
 
   // Takes an LF. Returns whether it has ended a line; within quotes it is part of a cell.
   bool take_newline();
 
-  // Call at the end of the file.
+  // Call at the end of the block.
   void finish();
 
  private:
@@ -36,16 +36,13 @@ class quoted_lines {
   static void on_cell(void* text, std::size_t length, void* lines);
   static void on_line_end(int terminator, void* lines);
 
-  void add_cell(const char* text, std::size_t length);
   void end_line(int terminator);
   template <class Step>
   void run(Step step) noexcept;
   void check(bool done, const char* complaint);
 
-  row_delivery& rows;
+  row_division& rows;
   ::csv_parser parser{};
-  csv_row row;
-  std::string cells;          // of the row, a NUL after each
   bool line_ended = false;    // since this was last set to false
   bool after_cr = false;      // whether a line has ended in a CR, to which an LF may belong
   std::exception_ptr thrown;  // while the parser ran

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "arbor/csv/csv_row.h"
+#include "arbor/csv/csv_block.h"
 
 namespace arbor::tree {
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "arbor/csv/csv_reader.h"
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
+#include "tests/support/rows.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -21,10 +21,8 @@ texts rows_of(const std::string& contents) {
     }
     rows.push_back(std::to_string(row.line()) + text);
   };
-  const std::string error = refusal(contents, [&](const std::string& path) {
-    tree::input_file file(path);
-    tree::read_csv(file, add);
-  });
+  const std::string error =
+      refusal(contents, [&](const std::string& path) { read_rows(path, add); });
   if (!error.empty()) rows.push_back(error);
   return rows;
 }
@@ -70,15 +68,6 @@ TEST(CsvReader, ReadsLinesWhereverItsBufferEnds) {
     rows.push_back(std::to_string(line) + ":" + number + "|x");
   }
   EXPECT_EQ(rows_of(contents), rows);
-}
-
-TEST(CsvReader, PassesOnWhatItsUserThrows) {
-  const auto read = [](const std::string& path) {
-    tree::input_file file(path);
-    tree::read_csv(file, [](const tree::csv_row& row) { throw std::runtime_error(row.text(0)); });
-  };
-  for (const char* contents : {"a,b\n1,2\n", "\"a\",b\n\"1\",2\n"})  // plain and quoted lines
-    EXPECT_EQ(refusal(contents, read), "a");
 }
 
 TEST(ShownText, HasNothingThatATerminalObeys) {

@@ -2,7 +2,6 @@
 // around cells make no difference, and a tree grown on it classifies a row as it does its texts.
 #include <map>
 
-#include "arbor/csv/csv_reader.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/classification.h"
@@ -10,6 +9,7 @@
 #include "arbor/tree/text_classifier.h"
 #include "tests/fuzz/fuzz.h"
 #include "tests/support/cells.h"
+#include "tests/support/rows.h"
 #include "tests/support/tables.h"
 
 using namespace arbor::fuzz;
@@ -20,8 +20,7 @@ using namespace arbor::tree;
 static std::string quoted(const std::string& contents) {
   const memory_file file(contents);
   std::string result;
-  input_file source(file.path());
-  read_csv(source, [&](const csv_row& row) {
+  arbor::tests::read_rows(file.path(), [&](const csv_row& row) {
     for (std::size_t cell = 0; cell < row.size(); ++cell) {
       std::string text;
       for (const char* c = row.text(cell); *c != '\0'; ++c) text.append(*c == '"' ? 2 : 1, *c);

@@ -4,13 +4,13 @@
 #include <cstring>
 
 #include "arbor/csv/csv_cell.h"
-#include "arbor/csv/csv_reader.h"
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/table/float_merges.h"
 #include "arbor/table/value_text.h"
 #include "arbor/utils/number_text.h"
 #include "tests/fuzz/fuzz.h"
+#include "tests/support/rows.h"
 
 using namespace arbor::fuzz;
 using namespace arbor::tree;
@@ -52,8 +52,8 @@ static void check_plain(const std::string& text) {
 
 static void check_cell(const std::string& text) {
   const memory_file file("x," + csv_cell(text) + "\n");
-  input_file csv(file.path());
-  read_csv(csv, [&](const csv_row& row) { check_same(row.text(1), text, "a cell"); });
+  arbor::tests::read_rows(file.path(),
+                          [&](const csv_row& row) { check_same(row.text(1), text, "a cell"); });
   const std::string half = text.substr(text.size() / 2);
   check((half < text) == (to_domain_text(half) < to_domain_text(text)), "texts keep their order");
   check_same(to_cell_text(to_domain_text(text)), text, "a text in a domain");

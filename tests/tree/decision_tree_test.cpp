@@ -9,6 +9,7 @@
 #include <map>
 #include <utility>
 
+#include "arbor/table/thread_pool.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/growing/gain_by_chance.h"
 #include "arbor/tree/growing/node_cases.h"
@@ -16,7 +17,6 @@
 #include "arbor/tree/rating.h"
 #include "arbor/tree/table_classification.h"
 #include "arbor/tree/text_classifier.h"
-#include "arbor/tree/thread_pool.h"
 #include "tests/support/cells.h"
 #include "tests/support/oracle.h"
 #include "tests/support/reports.h"

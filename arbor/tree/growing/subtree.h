@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "arbor/table/thread_pool.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/growing/grown_nodes.h"
 #include "arbor/tree/growing/node_split.h"
-#include "arbor/tree/thread_pool.h"
 #include "arbor/utils/nocopy.h"
 
 namespace arbor::tree {

@@ -10,9 +10,9 @@
 #include <optional>
 #include <vector>
 
+#include "arbor/table/thread_pool.h"
 #include "arbor/tree/growing/judged_split.h"
 #include "arbor/tree/growing/node_cases.h"
-#include "arbor/tree/thread_pool.h"
 
 namespace arbor::tree {
 

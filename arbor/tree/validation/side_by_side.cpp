@@ -3,7 +3,7 @@
 #include <mutex>
 #include <vector>
 
-#include "arbor/tree/thread_pool.h"
+#include "arbor/table/thread_pool.h"
 
 namespace arbor::tree {
 

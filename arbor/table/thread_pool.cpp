@@ -1,4 +1,4 @@
-#include "arbor/tree/thread_pool.h"
+#include "arbor/table/thread_pool.h"
 
 #include <algorithm>
 #include <system_error>

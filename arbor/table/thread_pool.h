@@ -2,8 +2,8 @@
 //
 //   thread_pool pool(4);
 //   pool.for_each(columns.size(), [&](std::size_t i) { ratings[i] = rate(*columns[i]); });
-#ifndef ARBOR_TREE_THREAD_POOL_H
-#define ARBOR_TREE_THREAD_POOL_H
+#ifndef ARBOR_TABLE_THREAD_POOL_H
+#define ARBOR_TABLE_THREAD_POOL_H
 
 #include <condition_variable>
 #include <cstddef>

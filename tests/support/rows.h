@@ -1,0 +1,25 @@
+// The rows of a CSV file one by one, for tests: those of tables are read in blocks.
+#ifndef ARBOR_TESTS_SUPPORT_ROWS_H
+#define ARBOR_TESTS_SUPPORT_ROWS_H
+
+#include <string>
+
+#include "arbor/csv/block_reader.h"
+#include "arbor/csv/row_division.h"
+
+namespace arbor::tests {
+
+// Calls use(row) for each row of the file, the first one like any other.
+template <class Use>
+void read_rows(const std::string& path, Use use) {
+  tree::input_file file(path);
+  tree::block_reader blocks(file);
+  for (tree::csv_block block; blocks.next(block); block.check_end()) {
+    tree::divide_rows(block, file.name());
+    for (std::size_t i = 0; i < block.rows(); ++i) use(block.row(i));
+  }
+}
+
+}  // namespace arbor::tests
+
+#endif
