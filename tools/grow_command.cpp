@@ -201,6 +201,7 @@ void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
   tree::classification_options options = options_from(load);
   options.class_name = grown.class_column->get_name();
   options.class_from = "the class of the tree";
+  options.threads = tree_growth.chosen().threads;
   const tree::classification_result result = classify_rows(test_path, grown, options, nullptr, "");
   if (!result.quality) throw tree::table_error("--test: no row has a known class");
   std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);

@@ -13,7 +13,7 @@
 #include "tests/support/tables.h"
 
 using namespace arbor::fuzz;
-using arbor::tests::as_cell, arbor::tests::unknown_cell;
+using arbor::tests::as_cell;
 using namespace arbor::tree;
 
 // The same file with quotes around all cells but the empty ones, which quotes would make known.

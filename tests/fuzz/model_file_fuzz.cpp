@@ -7,7 +7,7 @@
 #include "tests/support/cells.h"
 
 using namespace arbor::fuzz;
-using arbor::tests::as_cell, arbor::tests::unknown_cell;
+using arbor::tests::as_cell;
 using namespace arbor::tree;
 
 // Classifies a case with the value `code` of every attribute; code 0 is the unknown value.

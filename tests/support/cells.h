@@ -8,8 +8,6 @@
 
 namespace arbor::tests {
 
-constexpr tree::cell_text unknown_cell{nullptr, 0};
-
 // The text stays in the string.
 inline tree::cell_text as_cell(std::string& text) {
   text.reserve(text.size() + tree::readable_after_cell);
