@@ -14,7 +14,7 @@
 #include "arbor/table/thread_pool.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/block_classifier.h"
-#include "arbor/tree/turns.h"
+#include "arbor/tree/ordered_delivery.h"
 
 namespace arbor::tree {
 
@@ -28,6 +28,8 @@ class file_classifier {
         tree(of_tree),
         options(chosen),
         out(to),
+        pool(chosen.threads == 0 ? machine_threads() : chosen.threads),
+        delivery(2 * pool.size(), [this](const classified_rows& rows) { deliver(rows); }),
         strays(of_tree.attributes.size()) {}
 
   classification_result run() {
@@ -35,7 +37,6 @@ class file_classifier {
     find_columns();
     if (out != nullptr) write_names(*out);
     const block_classifier classifier(file, tree, cells, options, out != nullptr);
-    thread_pool pool(options.threads == 0 ? machine_threads() : options.threads);
     pool.for_each(pool.size(), [&](std::size_t /*worker*/) { classify_blocks(classifier); });
     for (std::size_t i = 0; i < strays.size(); ++i) remark_on(strays[i], cells.attributes[i]);
     return std::move(result);
@@ -70,18 +71,18 @@ class file_classifier {
     return name;
   }
 
-  // Runs on each thread, until there are no more blocks. Each thread has one block at a time, so
-  // that the memory does not depend on the length of the file.
+  // Runs on each thread, until there are no more blocks. There are only so many at a time, so that
+  // the memory does not depend on the length of the file.
   void classify_blocks(block_classifier classify) {
     try {
       csv_block block;
       classified_rows classified;
       while (file.next(block)) {
         classify(block, classified);
-        if (!order.take(block.number(), [&] { deliver(classified); })) return;
+        if (!delivery.put(block.number(), classified)) return;
       }
     } catch (...) {
-      order.end();
+      delivery.end();
       throw;
     }
   }
@@ -118,8 +119,9 @@ class file_classifier {
   const classification_options& options;
   std::ostream* out;  // null if no rows are written
   used_cells cells;
-  turns order;
-  // Only the thread whose turn it is uses these and `out`.
+  thread_pool pool;
+  ordered_delivery<classified_rows> delivery;
+  // Only `deliver` uses these and `out`.
   std::vector<stray_texts> strays;  // by attribute
   classification_result result;
 };
