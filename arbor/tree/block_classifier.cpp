@@ -50,8 +50,7 @@ void block_classifier::classify(const csv_row& row, classified_rows& result) {
   if (weight > 0) {
     for (const std::size_t i : predict.unfit()) take_stray(row, i, result.strays[i]);
     const cell_text actual = cells.actual ? known_cell(row, *cells.actual) : unknown_cell;
-    if (actual.begin != nullptr)
-      result.cases.push_back(scored(class_of(actual), predicted.distribution, weight));
+    if (actual.begin != nullptr) result.cases.push_back(predicted.score(class_of(actual), weight));
   }
   if (!writes_rows) return;
   if (predicted.text.empty()) predicted.text = text_of(predicted.distribution);

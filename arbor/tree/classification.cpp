@@ -124,16 +124,15 @@ double row_classifier::value(unsigned int attribute, unsigned int row) const {
   return codes[attribute].empty() ? code : codes[attribute][code];
 }
 
-const std::vector<double>& row_classifier::operator()(unsigned int row) {
-  return predict([&](unsigned int attribute) { return value(attribute, row); }).distribution;
+prediction& row_classifier::operator()(unsigned int row) {
+  return predict([&](unsigned int attribute) { return value(attribute, row); });
 }
 
-const std::vector<double>& row_classifier::with_value_of(unsigned int row, unsigned int permuted,
-                                                         unsigned int other) {
-  const auto value_of = [&](unsigned int attribute) {
+prediction& row_classifier::with_value_of(unsigned int row, unsigned int permuted,
+                                          unsigned int other) {
+  return predict([&](unsigned int attribute) {
     return value(attribute, attribute == permuted ? other : row);
-  };
-  return predict(value_of).distribution;
+  });
 }
 
 double row_classifier::weight_at(unsigned int row, std::size_t node) const {
@@ -158,8 +157,8 @@ evaluation classify_cases(const decision_tree& tree, const table& rows,
   row_classifier classify(tree, rows);
   evaluation result;
   for (const auto& [row, weight] : cases) {
-    result.add(scored(rows.class_column().get_row_index(row) - 1, classify(row),
-                      static_cast<double>(weight)));
+    const std::size_t actual = rows.class_column().get_row_index(row) - 1;
+    result.add(classify(row).score(actual, static_cast<double>(weight)));
   }
   return result;
 }

@@ -1,7 +1,7 @@
 // Classifies the rows of a table in memory with a tree.
 //
 //   row_classifier classify(tree, golf);
-//   std::vector<double> distribution = classify(0);
+//   std::vector<double> distribution = classify(0).distribution;
 //   evaluation quality = classify_cases(tree, golf, golf.cases);
 //
 // class_distribution.h says which way a case goes, text_classifier.h classifies texts.
@@ -30,14 +30,12 @@ class row_classifier {
   row_classifier(const decision_tree& tree, const table& rows,
                  leaf_estimate estimate = leaf_estimate::smoothed);
 
-  // The probability of each class; entry c is that of the class with code c + 1. Valid until the
-  // next call.
-  const std::vector<double>& operator()(unsigned int row);
+  // Valid until the next call.
+  prediction& operator()(unsigned int row);
 
   // The same for a row that has another row's value of one attribute, given by its index in the
   // tree.
-  const std::vector<double>& with_value_of(unsigned int row, unsigned int attribute,
-                                           unsigned int other);
+  prediction& with_value_of(unsigned int row, unsigned int attribute, unsigned int other);
 
   // The part (0 to 1) of a row's weight that comes to a node, given by its index in the tree.
   double weight_at(unsigned int row, std::size_t node) const;

@@ -6,18 +6,32 @@
 #define ARBOR_TREE_PREDICTOR_H
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arbor/tree/class_distribution.h"
+#include "arbor/tree/evaluation.h"
 
 namespace arbor::tree {
 
-struct prediction {
-  std::vector<double> distribution;  // the probability of each class
+class prediction {
+ public:
+  prediction() = default;
+  // `of_classes` are the probabilities of the classes; entry c is that of the class with code c + 1.
+  explicit prediction(std::vector<double> of_classes) : distribution(std::move(of_classes)) {}
+
+  // The same as `scored` returns, which is kept for one class: most cases at a leaf have the same.
+  scored_case score(std::size_t actual, double weight);
+
+  std::vector<double> distribution;
   // For whoever writes the prediction, to do so once for all cases at a leaf; empty at first.
   std::string text;
+
+ private:
+  scored_case last{std::numeric_limits<std::size_t>::max(), 0, 0, 0, 0};
 };
 
 // Nearly all cases reach a single leaf, where the tree predicts the same for each. Predictions at
@@ -51,7 +65,7 @@ template <class ValueOf>
 prediction& predictor::operator()(ValueOf value_of) {
   const std::size_t leaf = ways->leaf_of(value_of);
   if (leaf != class_probabilities::none) return at_leaf(leaf);
-  at_leaves = {ways->of_case(value_of), {}};
+  at_leaves = prediction(ways->of_case(value_of));
   return at_leaves;
 }
 

@@ -277,7 +277,8 @@ TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
       for (unsigned int row = 0; row < other.cases.size(); ++row) {
         std::string d = other.columns[0]->get_row_value(row);
         std::string n = other.columns[1]->get_row_value(row);
-        EXPECT_EQ(classify(row), by_text({as_cell(d), as_cell(n)}).distribution) << words << row;
+        EXPECT_EQ(classify(row).distribution, by_text({as_cell(d), as_cell(n)}).distribution)
+            << words << row;
       }
     }
   }

@@ -19,9 +19,8 @@ std::vector<permutation_loss> permutation_losses(const decision_tree& tree, cons
     evaluation permuted;
     for (std::size_t i = 0; i < cases.size(); ++i) {
       const auto& [row, weight] = cases[i];
-      permuted.add(scored(classes.get_row_index(row) - 1,
-                          classify.with_value_of(row, attribute, others[i]),
-                          static_cast<double>(weight)));
+      permuted.add(classify.with_value_of(row, attribute, others[i])
+                       .score(classes.get_row_index(row) - 1, static_cast<double>(weight)));
     }
     losses.push_back(
         {permuted.log_loss() - quality.log_loss(), quality.accuracy() - permuted.accuracy()});
