@@ -147,8 +147,9 @@ grow_command::grow_command(CLI::App& app)
 }
 
 void grow_command::run() {
-  const tree::load_options load = table.chosen();
+  tree::load_options load = table.chosen();
   tree::grow_options options = tree_growth.chosen();
+  load.threads = options.threads;
   const auto held_back_share = static_cast<double>(share_value("--holdout", holdout));
   const unsigned int seed_number = whole_value("--seed", seed);
   check_files();
@@ -201,7 +202,6 @@ void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
   tree::classification_options options = options_from(load);
   options.class_name = grown.class_column->get_name();
   options.class_from = "the class of the tree";
-  options.threads = tree_growth.chosen().threads;
   const tree::classification_result result = classify_rows(test_path, grown, options, nullptr, "");
   if (!result.quality) throw tree::table_error("--test: no row has a known class");
   std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);

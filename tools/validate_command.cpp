@@ -77,8 +77,9 @@ validate_command::validate_command(CLI::App& app)
 
 void validate_command::run() {
   tree::check_choice("--format: ", format, {"text", "csv", "json"});
-  const tree::load_options load = table.chosen();
+  tree::load_options load = table.chosen();
   const tree::validation_options options = chosen_options();
+  load.threads = options.grow.threads;
   const tree::table rows = read_table(table_path, load);
   refuse_if(options.folds > rows.cases.size(),
             fmt::format("--folds: {} is more than the {}", tree::in_quotes(folds),

@@ -25,8 +25,9 @@ bool is_line_end(char c) {
 // if none does. Empty lines after that row are left to the block of the next row: there they are
 // an error, and at the end of the file they are none.
 std::size_t end_of_rows(const char* bytes, std::size_t size) {
-  const std::size_t quotes = count_of(size, [=](std::size_t i) { return bytes[i] == '"'; });
-  bool outside = quotes % 2 == 0;  // of quotes, after the character before `end`
+  bool outside = true;  // of quotes, after the character before `end`
+  if (std::memchr(bytes, '"', size) != nullptr)
+    outside = count_of(size, [=](std::size_t i) { return bytes[i] == '"'; }) % 2 == 0;
   std::size_t end = size;
   // The last CR may be half of a CRLF.
   if (end > 0 && outside && bytes[end - 1] == '\r') --end;

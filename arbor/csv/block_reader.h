@@ -20,7 +20,7 @@ class block_reader {
  public:
   // Reads `source`, which must outlive this object, from its current position. A UTF-8 byte order
   // mark there is skipped. `block_size` is at least 3, the length of that mark.
-  explicit block_reader(input_file& source, std::size_t block_size = 1U << 16U)
+  explicit block_reader(input_file& source, std::size_t block_size = 1U << 15U)
       : file(source), usual_size(block_size) {}
 
   // Reads the bytes of the next block. Returns false at the end of the file. The block's old

@@ -6,6 +6,7 @@
 #ifndef ARBOR_CSV_CSV_BLOCK_H
 #define ARBOR_CSV_CSV_BLOCK_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -56,6 +57,18 @@ class csv_block {
  public:
   std::size_t rows() const { return starts.size(); }
   csv_row row(std::size_t number) const { return {*this, number}; }
+
+  // The text of a cell that the row has.
+  cell_text text(std::size_t row, std::size_t cell) const {
+    const std::uint32_t* const bound = bounds.data() + starts[row].bound + cell;
+    return {bytes.data() + bound[0], bound[1] - bound[0] - 1};
+  }
+
+  // Whether each row has this many cells.
+  bool are_all_of(std::size_t cells) const {
+    return std::all_of(starts.begin(), starts.end(),
+                       [&](const row_start& start) { return start.cells == cells; });
+  }
 
   // The number of the block in its file, from 0.
   std::size_t number() const { return place; }

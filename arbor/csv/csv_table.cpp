@@ -37,7 +37,8 @@ bool csv_table::next(csv_block& block) {
     }
   }
   if (block.number() > 0) divide_rows(block, file.name());
-  block.keep_rows([&](const csv_row& row) { return check_width(row), true; });
+  if (!block.are_all_of(column_names.size()))
+    block.keep_rows([&](const csv_row& row) { return check_width(row), true; });
   return true;
 }
 

@@ -2,8 +2,8 @@
 #ifndef ARBOR_CSV_LINE_ENDS_H
 #define ARBOR_CSV_LINE_ENDS_H
 
-#include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 namespace arbor::tree {
 
@@ -27,6 +27,8 @@ std::size_t count_of(std::size_t count, Is is) {
 // How many lines end in a text: LF, CRLF and a lone CR each end one. The character after the text
 // must be readable; a CR and the LF after it end no line before that LF.
 inline std::size_t line_ends(const char* text, std::size_t length) {
+  if (std::memchr(text, '\r', length) == nullptr)
+    return count_of(length, [text](std::size_t i) { return text[i] == '\n'; });
   return count_of(length, [text](std::size_t i) {
     return static_cast<bool>(
         static_cast<int>(text[i] == '\n') |

@@ -1,6 +1,6 @@
 // Two ways take turns. The parser of libcsv knows quotes; but it looks at each byte in turn, calls
 // a function for it, and would take most of the time of loading. Plain lines, which most tables
-// consist of, are therefore divided sixteen bytes at a time. The parser gets a line that is not
+// consist of, are therefore divided 64 bytes at a time. The parser gets a line that is not
 // plain, and the lines after it until one of them ends outside of quotes: then a row begins, and
 // either way can go on.
 
@@ -66,7 +66,7 @@ std::size_t row_division::take_plain_lines(std::size_t at) {
   std::size_t line_begin = at;
   *bound++ = static_cast<std::uint32_t>(at);
   for (;; at += marked_at_once) {
-    for (unsigned int marks = separator_marks(bytes + at); marks != 0; marks &= marks - 1) {
+    for (std::uint64_t marks = separator_marks(bytes + at); marks != 0; marks &= marks - 1) {
       const std::size_t i = at + first_mark(marks);
       if (bytes[i] == ',') {
         bytes[i] = '\0';

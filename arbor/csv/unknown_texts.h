@@ -20,8 +20,11 @@ class unknown_texts {
   explicit unknown_texts(std::vector<std::string> chosen);
 
   bool is_unknown(const csv_row& row, std::size_t cell) const {
-    // Most cells begin like none of the texts.
-    return is_first[static_cast<unsigned char>(*row.text(cell))] && contain(row, cell);
+    return may_be_unknown(row.text(cell)) && contain(row, cell);
+  }
+  // Whether one of the texts begins like this one, which most cells do not.
+  bool may_be_unknown(const char* text) const {
+    return is_first[static_cast<unsigned char>(*text)];
   }
 
   // The text of a cell, null if it is unknown. Valid as long as the row.

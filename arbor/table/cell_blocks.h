@@ -22,6 +22,18 @@ class cell_blocks {
     *next++ = value;
   }
 
+  // Where the next entries go: room for some, at least one.
+  struct room {
+    T* first;
+    std::size_t count;
+  };
+  room next_room() {
+    if (next == end) add_block();
+    return {next, static_cast<std::size_t>(end - next)};
+  }
+  // Adds the first `count` entries of the room, which have been written there.
+  void add_written(std::size_t count) { next += count; }
+
   std::size_t size() const { return capacity - static_cast<std::size_t>(end - next); }
 
   // Calls use(first, count) for each block in turn.

@@ -1,5 +1,6 @@
 #include "arbor/table/column_cells.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "arbor/utils/number_text.h"
@@ -11,6 +12,57 @@ column_cells::column_cells(plain may_be_kept)
   if (keepable == plain::all && !strata::util::point_is_dot()) keepable = plain::integers;
 }
 
+void column_cells::add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns) {
+  for (std::size_t row = 0; row < rows.rows(); ++row) {
+    row = add_regular(rows, cell, row, unknowns);
+    if (row == rows.rows()) return;
+    if (unknowns.is_unknown(rows.row(row), cell)) {
+      add_unknown();
+    } else {
+      add_text(rows.text(row, cell));
+    }
+  }
+}
+
+// Adds the cells from `row` on, until one may be unknown or change the form. Returns its row.
+std::size_t column_cells::add_regular(const csv_block& rows, std::size_t cell, std::size_t row,
+                                      const unknown_texts& unknowns) {
+  // Within this loop the form and the room stay as they are, and so in registers.
+  const auto add_while = [&](auto& entries, auto set_entry) {
+    const std::size_t count = rows.rows();
+    while (row < count) {
+      const auto room = entries.next_room();
+      const std::size_t end = std::min(count, row + room.count);
+      auto* next = room.first;
+      for (; row < end; ++row, ++next) {
+        const cell_text text = rows.text(row, cell);
+        if (unknowns.may_be_unknown(text.begin) || !set_entry(*next, text)) break;
+      }
+      entries.add_written(static_cast<std::size_t>(next - room.first));
+      if (row < end) break;
+    }
+    return row;
+  };
+  if (kept == form::texts) {
+    return add_while(narrow, [&](std::uint32_t& code, cell_text text) {
+      code = dictionary.find(text);
+      return code != 0;
+    });
+  }
+  if (kept == form::numbers) {
+    return add_while(wide, [&](plain_number& number, cell_text text) {
+      number = read_plain_number(text);
+      return fractions && number != no_plain_number;
+    });
+  }
+  return add_while(narrow, [](std::uint32_t& key, cell_text text) {
+    int value = 0;
+    const bool is_integer = read_plain_integer(text, value);
+    key = key_of(value);
+    return is_integer;
+  });
+}
+
 void column_cells::add_unknown() {
   ++unknown;
   if (kept == form::numbers) {
@@ -20,31 +72,24 @@ void column_cells::add_unknown() {
   }
 }
 
-// For any text but the plain integers of few digits that the first form holds.
-bool column_cells::add_other(cell_text text) {
+void column_cells::add_text(cell_text text) {
+  if (kept == form::texts) return narrow.push_back(dictionary.code_of(text));
   plain_number number = read_plain_number(text);
   int integer = 0;
   const bool is_integer = number != no_plain_number && is_plain_integer(number, integer);
-  if (kept == form::integers && is_integer) {
-    narrow.push_back(key_of(integer));
-    return false;
-  }
+  if (kept == form::integers && is_integer) return narrow.push_back(key_of(integer));
   if (keepable != plain::all && !is_integer) number = no_plain_number;
   if (number == no_plain_number && kept == form::integers && narrow.size() == unknown) {
     kept = form::texts;  // no number so far, so there may be none at all
-    return add(text);
+    return narrow.push_back(dictionary.code_of(text));
   }
   keep_as_numbers();
-  bool added = false;
   if (number == no_plain_number) {
-    unsigned int code = 0;
-    added = add_to_dictionary(text, code);
-    number = first_text + static_cast<plain_number>(code) * 32;
+    number = first_text + static_cast<plain_number>(dictionary.code_of(text)) * 32;
   } else if (!is_integer) {
     fractions = true;
   }
   wide.push_back(number);
-  return added;
 }
 
 std::vector<std::size_t> column_cells::text_counts() {

@@ -1,7 +1,7 @@
 // The cells of a column while its table is read, when its data type is not yet known.
 //
 //   column_cells cells(column_cells::plain::all);
-//   for each row: cells.add(text);   // or add_unknown()
+//   for each block of rows: cells.add(block, cell, unknowns);
 //   for (unsigned int code = 1; code <= cells.texts().size(); ++code) ...
 //
 // They are kept in the first of three forms that holds them all, so that they take little more
@@ -18,6 +18,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "arbor/csv/csv_block.h"
+#include "arbor/csv/unknown_texts.h"
 #include "arbor/table/cell_blocks.h"
 #include "arbor/table/key_ranks.h"
 #include "arbor/table/plain_number.h"
@@ -35,9 +37,8 @@ class column_cells {
 
   explicit column_cells(plain may_be_kept);
 
-  void add_unknown();
-  // Returns whether the text has been added to the dictionary, where it was not before.
-  bool add(cell_text text);
+  // Adds a cell of each row.
+  void add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
 
   form kept_as() const { return kept; }
   // The dictionary: all texts, or those that are not kept as numbers.
@@ -72,8 +73,10 @@ class column_cells {
  private:
   static constexpr plain_number first_text = static_cast<plain_number>(plain_digits_end) * 32;
 
-  bool add_other(cell_text text);
-  bool add_to_dictionary(cell_text text, unsigned int& code);
+  std::size_t add_regular(const csv_block& rows, std::size_t cell, std::size_t row,
+                          const unknown_texts& unknowns);
+  void add_unknown();
+  void add_text(cell_text text);
 
   form kept;
   plain keepable;
@@ -83,25 +86,6 @@ class column_cells {
   cell_blocks<std::uint32_t> narrow;
   cell_blocks<plain_number> wide;
 };
-
-inline bool column_cells::add(cell_text text) {
-  int value = 0;
-  if (kept == form::integers && read_plain_integer(text, value)) {
-    narrow.push_back(key_of(value));
-    return false;
-  }
-  if (kept != form::texts) return add_other(text);
-  unsigned int code = 0;
-  const bool added = add_to_dictionary(text, code);
-  narrow.push_back(code);
-  return added;
-}
-
-inline bool column_cells::add_to_dictionary(cell_text text, unsigned int& code) {
-  const unsigned int before = dictionary.size();
-  code = dictionary.code_of(text);
-  return dictionary.size() > before;
-}
 
 }  // namespace arbor::tree
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "arbor/csv/message_text.h"
@@ -20,6 +21,14 @@ column_cells::plain keepable_as(const std::string& chosen_type) {
   return chosen_type == "integer" ? column_cells::plain::integers : column_cells::plain::none;
 }
 
+// The first row with this text, which some row has, as a known value.
+std::size_t first_row_of(std::string_view text, const csv_block& rows, std::size_t cell,
+                         const unknown_texts& unknowns) {
+  std::size_t i = 0;
+  while (unknowns.is_unknown(rows.row(i), cell) || rows.row(i).text(cell) != text) ++i;
+  return i;
+}
+
 // Whether a message shows the text as it is, so that a person can copy it from there.
 bool is_shown_whole(const std::string& text) {
   return printable(text) == text && text.size() < 60;
@@ -32,9 +41,19 @@ column_loader::column_loader(const settings& of_column)
   survey.data_type = chosen.data_type;
 }
 
-bool column_loader::accept(const char* text) {
-  if (chosen.data_type == "string") return true;
-  return read_as(chosen.data_type, text, survey.text_numbers.emplace_back());
+std::size_t column_loader::add(const csv_block& rows, std::size_t cell,
+                               const unknown_texts& unknowns) {
+  const unsigned int texts_before = cells.texts().size();
+  cells.add(rows, cell, unknowns);
+  if (chosen.data_type.empty() || chosen.data_type == "string") return rows.rows();
+  // Plain numbers are kept as such only if they are of the chosen data type, and any other text has
+  // to be read only once.
+  for (unsigned int code = texts_before + 1; code <= cells.texts().size(); ++code) {
+    const std::string_view text = cells.texts().view(code);
+    if (!read_as(chosen.data_type, text.data(), survey.text_numbers.emplace_back()))
+      return first_row_of(text, rows, cell, unknowns);
+  }
+  return rows.rows();
 }
 
 void column_loader::make_column() {

@@ -1,7 +1,7 @@
 // Turns the cells of one column of a file into a column of codes.
 //
 //   column_loader loader(settings);
-//   for each row: if (!loader.add(text)) ...   // or add_unknown()
+//   for each block of rows: if (loader.add(block, cell, unknowns) < block.rows()) ...
 //   loader.make_column();
 //   table.columns.push_back(loader.take(unknown_texts, table.remarks));
 #ifndef ARBOR_TABLE_COLUMN_LOADER_H
@@ -33,14 +33,11 @@ class column_loader {
 
   const std::string& name() const { return chosen.name; }
 
-  // Each takes the next row's cell. `add` returns false when the text is not of the chosen data
-  // type.
-  void add_unknown() { cells.add_unknown(); }
-  bool add(cell_text text) {
-    // Plain numbers are kept as such only if they are of the chosen data type, and any other text
-    // has to be read only once.
-    return !cells.add(text) || chosen.data_type.empty() || accept(text.begin);
-  }
+  // Takes a cell of each row. Returns the number of rows, or the first one whose text is not of the
+  // chosen data type.
+  std::size_t add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
+
+  std::size_t unknown_cells() const { return cells.unknown_cells(); }
 
   // Makes the column, and frees the cells. If NEW_COLUMN refuses, throws std::runtime_error with
   // its message and what would be accepted.
@@ -55,7 +52,6 @@ class column_loader {
                                       std::vector<table_remark>& remarks);
 
  private:
-  bool accept(const char* text);
   std::unique_ptr<impls::o_set> make_domain();
   std::string kind() const;
   std::string advice() const;

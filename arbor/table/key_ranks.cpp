@@ -20,7 +20,33 @@ key bit_count(std::uint64_t bits) {
                           56U);
 }
 
-// For dense keys. Each key from the least to the greatest has a bit, which is set if the key
+// For keys of a small range: a table of all ranks. It stays in the processor's nearest caches.
+class rank_table {
+ public:
+  static constexpr key most_keys = 1U << 17U;
+
+  rank_table(key least, key greatest) : first(least), ranks(greatest - least + 1, 0) {}
+
+  void add(key k) { ranks[k - first] = 1; }
+
+  std::vector<key> count() {
+    std::vector<key> keys;
+    for (std::size_t i = 0; i < ranks.size(); ++i) {
+      if (ranks[i] == 0) continue;
+      keys.push_back(first + static_cast<key>(i));
+      ranks[i] = static_cast<key>(keys.size());
+    }
+    return keys;
+  }
+
+  key rank(key k) const { return ranks[k - first]; }
+
+ private:
+  key first;
+  std::vector<key> ranks;
+};
+
+// For dense keys of any range. Each key from the least to the greatest has a bit, which is set if the key
 // occurs; the rank of a key is the number of set bits up to its own. The words take at most four
 // bytes a row, so that for most tables they stay in the processor's caches.
 class presence_ranks {
@@ -84,8 +110,9 @@ void sort_by_key(std::vector<row_key>& rows) {
   }
 }
 
+template <class Ranks>
 std::vector<key> rank_dense(cell_blocks<key>& keys, key least, key greatest) {
-  presence_ranks ranks(least, greatest);
+  Ranks ranks(least, greatest);
   keys.for_each_block([&](const key* k, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
       if (k[i] != unknown_key) ranks.add(k[i]);
@@ -144,8 +171,10 @@ std::vector<std::uint32_t> rank_keys(cell_blocks<std::uint32_t>& keys) {
   // With so many keys a row, the bits and counts of all keys still take less memory and time than
   // sorting the rows.
   constexpr std::size_t keys_per_row = 16;
-  return (greatest - least) / keys_per_row <= keys.size() ? rank_dense(keys, least, greatest)
-                                                          : rank_sparse(keys);
+  if ((greatest - least) / keys_per_row > keys.size()) return rank_sparse(keys);
+  return greatest - least < rank_table::most_keys
+             ? rank_dense<rank_table>(keys, least, greatest)
+             : rank_dense<presence_ranks>(keys, least, greatest);
 }
 
 }  // namespace arbor::tree

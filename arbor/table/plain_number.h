@@ -15,24 +15,28 @@
 
 namespace arbor::tree {
 
-// Whether the text is a plain integer of at most eight digits, and which one. All digits are read
-// at once: a loop that looks for their end takes longer than the arithmetic.
-inline bool read_plain_integer(cell_text text, int& value) {
+// Whether the text is a plain integer of at most eight digits without a sign, and which one. All
+// digits are read at once: a loop that looks for their end takes longer than the arithmetic.
+inline bool read_digits(cell_text text, int& value) {
   constexpr std::uint64_t each = 0x0101010101010101U;
-  const bool negative = *text.begin == '-';
-  const std::size_t count = text.length - (negative ? 1 : 0);
-  if (count - 1 > 7) return false;
-  const std::uint64_t characters = eight_characters(text.begin + (negative ? 1 : 0));
-  if ((characters & 0xFFU) == '0' && (count > 1 || negative)) return false;
-  const std::uint64_t digits = first_characters_at_end(characters ^ '0' * each, count);
+  if (text.length - 1 > 7 || (*text.begin == '0' && text.length > 1)) return false;
+  const std::uint64_t digits =
+      first_characters_at_end(eight_characters(text.begin) ^ '0' * each, text.length);
   if ((((digits + (0x7F - 9) * each) | digits) & 0x80 * each) != 0) return false;
   // Every second byte is a number of two digits.
   const std::uint64_t pairs = digits * 10 + (digits >> 8U);
   const std::uint64_t upper = (pairs & 0x000000FF000000FFU) * (1000000ULL << 32U | 100U);
   const std::uint64_t lower = (pairs >> 16U & 0x000000FF000000FFU) * (10000ULL << 32U | 1U);
-  const int magnitude = static_cast<int>((upper + lower) >> 32U);
-  value = negative ? -magnitude : magnitude;
+  value = static_cast<int>((upper + lower) >> 32U);
   return true;
+}
+
+// The same, also after a "-", if the integer is not 0.
+inline bool read_plain_integer(cell_text text, int& value) {
+  if (*text.begin != '-') return read_digits(text, value);
+  const bool is_integer = read_digits({text.begin + 1, text.length - 1}, value) && value != 0;
+  value = -value;
+  return is_integer;
 }
 
 // A plain number of at most 17 digits, leading zeros not counted, and at most 31 decimals: the

@@ -2,9 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <exception>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <utility>
 
@@ -14,6 +18,7 @@
 #include "arbor/csv/table_error.h"
 #include "arbor/table/cell_blocks.h"
 #include "arbor/table/column_loader.h"
+#include "arbor/table/thread_pool.h"
 #include "arbor/table/value_text.h"
 #include "arbor/utils/no_storage.h"
 
@@ -56,18 +61,17 @@ class loading {
   }
 
   table load() {
-    file.read([&] { assign_columns(); }, [&](const csv_row& row) { take(row); });
+    file.read_names();
+    assign_columns();
+    read_rows();
     if (rows == 0)
       file.fail(rows_read == 0 ? "no rows below the column names" : "every row has the weight 0");
     table result;
     result.name = file.name();
     result.class_index = class_cell;
-    make_class_column();
-    for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-      const std::unique_ptr<column_loader> loader = std::move(loaders[cell]);
-      if (cell != class_cell) make_column(*loader);
+    make_columns();
+    for (const auto& loader : loaders)
       result.columns.push_back(loader->take(file.unknowns().texts(), result.remarks));
-    }
     result.cases = weighted_cases();
     result.total_weight = total_weight(result.cases);
     check_total(result.total_weight);
@@ -121,31 +125,101 @@ class loading {
     return cell == weights_cell ? of_weights : choice_for(file.names()[cell], options.kinds);
   }
 
+  struct row_block {
+    csv_block cells;
+    bool exists = false;  // false after the end of the file
+    std::size_t rows_read = 0;
+    std::vector<float> weights;  // of the rows that are left, if there is such a column
+  };
+
+  // Several blocks at a time are divided into cells side by side, and then the columns take their
+  // cells of these blocks side by side. No two threads work on the same column, and each column
+  // sees the rows in the order of the file.
+  void read_rows() {
+    constexpr std::size_t blocks_per_thread = 4;  // so that threads seldom wait for each other
+    const unsigned int threads = options.threads == 0 ? machine_threads() : options.threads;
+    std::vector<row_block> blocks(1);
+    for (read(blocks); blocks.front().exists; read(blocks)) {
+      take(blocks);
+      if (options.progress) options.progress(rows_read);
+      if (blocks.size() > 1 || threads == 1) continue;
+      // There may be more blocks, which are worth starting threads.
+      pool = std::make_unique<thread_pool>(threads);
+      blocks.resize(blocks_per_thread * threads);
+    }
+  }
+
+  // Reads the next blocks, in the order of the file.
+  void read(std::vector<row_block>& blocks) {
+    pool->for_each(blocks.size(), [&](std::size_t i) { read(blocks[i]); });
+    std::sort(blocks.begin(), blocks.end(), [](const row_block& a, const row_block& b) {
+      return a.cells.number() < b.cells.number();
+    });
+  }
+
   // A row that weighs nothing is left out.
-  void take(const csv_row& row) {
-    ++rows_read;
-    if (options.progress) options.progress(rows_read);
-    const bool weighted = weights_cell < row.size();
-    const float weight = weighted ? file.weight(row, weights_cell) : 1;
-    if (!(weight > 0)) return;
-    if (rows == std::numeric_limits<unsigned int>::max()) file.fail("more than 4294967295 rows");
-    ++rows;
-    if (weighted) weights.push_back(weight);
-    if (file.unknowns().is_unknown(row, class_cell)) {
+  void read(row_block& block) {
+    block.exists = file.next(block.cells);
+    block.rows_read = block.cells.rows();
+    block.weights.clear();
+    if (weights_cell == file.names().size()) return;
+    block.cells.keep_rows([&](const csv_row& row) {
+      const float weight = file.weight(row, weights_cell);
+      if (weight > 0) block.weights.push_back(weight);
+      return weight > 0;
+    });
+  }
+
+  // Of several things that are wrong with the file, the first one in its order is thrown.
+  void take(std::vector<row_block>& blocks) {
+    std::size_t count = 0;  // up to the first block with an error
+    while (count < blocks.size() && !blocks[count++].cells.has_error()) continue;
+    for (std::size_t i = 0; i < count; ++i) count_rows(blocks[i]);
+
+    std::mutex mutex;  // guards the place of the first cell that is refused
+    std::array<std::size_t, 3> refused{count, 0, 0};  // block, row, and 0 for the class or cell + 1
+    pool->for_each(loaders.size(), [&](std::size_t cell) {
+      for (std::size_t i = 0; i < count; ++i) {
+        const csv_block& cells = blocks[i].cells;
+        const std::size_t row = add(cells, cell);
+        if (row == cells.rows()) continue;
+        const bool is_unknown = file.unknowns().is_unknown(cells.row(row), cell);
+        const std::lock_guard<std::mutex> lock(mutex);
+        refused = std::min(refused, {i, row, is_unknown ? 0 : cell + 1});
+        return;
+      }
+    });
+    if (refused[0] < count) refuse(blocks[refused[0]].cells.row(refused[1]), refused[2]);
+    blocks[count - 1].cells.check_end();
+  }
+
+  // Returns the first row whose cell is not of the chosen type or an unknown class, else the number
+  // of rows.
+  std::size_t add(const csv_block& cells, std::size_t cell) {
+    const std::size_t refused = loaders[cell]->add(cells, cell, file.unknowns());
+    if (cell != class_cell || loaders[cell]->unknown_cells() == 0) return refused;
+    std::size_t row = 0;
+    while (row < refused && !file.unknowns().is_unknown(cells.row(row), cell)) ++row;
+    return row;
+  }
+
+  [[noreturn]] void refuse(const csv_row& row, std::size_t cell_or_class) const {
+    if (cell_or_class == 0) {
       file.fail(row, class_cell,
                 "the unknown value; the class of every row must be known, or the row be left out");
     }
-    for (std::size_t cell = 0; cell < loaders.size(); ++cell) take_cell(row, cell);
+    const std::size_t cell = cell_or_class - 1;
+    file.fail(row, cell,
+              "not of the type " + choice_for(file.names()[cell], options.types) +
+                  " that was chosen for the column");
   }
 
-  void take_cell(const csv_row& row, std::size_t cell) {
-    if (file.unknowns().is_unknown(row, cell)) {
-      loaders[cell]->add_unknown();
-    } else if (!loaders[cell]->add(row.cell(cell))) {
-      file.fail(row, cell,
-                "not of the type " + choice_for(file.names()[cell], options.types) +
-                    " that was chosen for the column");
-    }
+  void count_rows(const row_block& block) {
+    rows_read += block.rows_read;
+    if (block.cells.rows() > std::numeric_limits<unsigned int>::max() - rows)
+      file.fail("more than 4294967295 rows");
+    rows += static_cast<unsigned int>(block.cells.rows());
+    for (const float weight : block.weights) weights.push_back(weight);
   }
 
   // Gain and split information are made of float sums of w log2 w. For weights that add up to S no
@@ -161,8 +235,24 @@ class loading {
                     shortest_text(most_total_weight)));
   }
 
-  // Before the others are made, as it may have too many values.
-  void make_class_column() {
+  // The class before the others, as it may have too many values. Of several columns that are
+  // refused, the first one is named.
+  void make_columns() {
+    make_class_column();
+    std::vector<std::exception_ptr> refusals(loaders.size());
+    pool->for_each(loaders.size(), [&](std::size_t cell) {
+      try {
+        if (cell != class_cell) make_column(*loaders[cell]);
+      } catch (const table_error&) {
+        refusals[cell] = std::current_exception();
+      }
+    });
+    for (const std::exception_ptr& refusal : refusals) {
+      if (refusal) std::rethrow_exception(refusal);
+    }
+  }
+
+  void make_class_column() const {
     column_loader& loader = *loaders[class_cell];
     make_column(loader);
     if (loader.values() <= options.most_classes) return;
@@ -195,7 +285,8 @@ class loading {
   csv_table file;
   const load_options& options;
   std::string null_value;
-  std::vector<std::unique_ptr<column_loader>> loaders;  // by cell; freed one by one
+  std::unique_ptr<thread_pool> pool = std::make_unique<thread_pool>(1);
+  std::vector<std::unique_ptr<column_loader>> loaders;  // by cell
   std::size_t class_cell = 0;
   std::size_t weights_cell = 0;  // one past the last cell when every case weighs 1
   cell_blocks<float> weights;    // of the rows, if there is such a column

@@ -46,7 +46,10 @@ struct load_options {
   std::string types_from = "the type";
   std::string kinds_from = "the kind";
 
-  // Called at each row with the number of rows read so far. May be empty.
+  // The number of threads, 0 for one on each core. The table is the same for any number.
+  unsigned int threads = 0;
+  // Called from time to time with the number of rows read so far, by the thread that loads. May be
+  // empty.
   std::function<void(std::size_t rows)> progress;
 };
 
@@ -55,8 +58,8 @@ struct load_options {
 //
 // The file is read once, and its text is not kept. Until the last row is read a cell takes four
 // bytes, or eight in a column of numbers that are not all integers, and a column of texts its
-// distinct texts. Then one column after the other is made, and its cells are freed; a column of
-// sparse numbers takes about thirty bytes a row meanwhile.
+// distinct texts. Then the columns are made, as many at a time as there are threads, and their cells
+// are freed; a column of sparse numbers takes about thirty bytes a row meanwhile.
 //
 // Numbers are read in the process's locale.
 //

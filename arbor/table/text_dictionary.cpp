@@ -4,6 +4,12 @@
 
 namespace arbor::tree {
 
+unsigned int text_dictionary::code_of(cell_text text) {
+  const std::uint64_t key = key_of(text);
+  const std::size_t slot = slot_of(text, key);
+  return slots[slot] != 0 ? slots[slot] : add(text, key, slot);
+}
+
 unsigned int text_dictionary::code_of(const std::string& text) {
   const std::string readable = text + std::string(readable_after_cell, '\0');
   return code_of(cell_text{readable.c_str(), text.size()});
@@ -22,12 +28,14 @@ unsigned int text_dictionary::add(cell_text text, std::uint64_t key, std::size_t
   entries.push_back({key, characters.size()});
   characters.append(text.begin, text.length);
   characters += '\0';
-  return slots[slot] = size();
+  slots[slot] = size();
+  if (2 * entries.size() >= slots.size()) grow();
+  return size();
 }
 
 void text_dictionary::grow() {
-  slot_bits = slot_bits == 0 ? 3 : slot_bits + 1;
-  slots.assign(std::size_t{1} << slot_bits, 0);
+  --slot_shift;
+  slots.assign(2 * slots.size(), 0);
   for (unsigned int code = 1; code <= size(); ++code) {
     std::size_t slot = first_slot(entries[code - 1].key);
     while (slots[slot] != 0) slot = (slot + 1) & (slots.size() - 1);

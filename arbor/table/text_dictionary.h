@@ -20,12 +20,10 @@ class text_dictionary {
  public:
   // The number of a text, which is added unless it is there.
   unsigned int code_of(cell_text text);
-  // The same for a text after whose end no bytes need to be readable.
-  unsigned int code_of(const std::string& text);
   // The number of a text; 0 if it is not there.
-  unsigned int find(cell_text text) const {
-    return slots.empty() ? 0 : slots[slot_of(text, key_of(text))];
-  }
+  unsigned int find(cell_text text) const { return slots[slot_of(text, key_of(text))]; }
+  // The same as code_of for a text after whose end no bytes need to be readable.
+  unsigned int code_of(const std::string& text);
 
   // How many there are.
   unsigned int size() const { return static_cast<unsigned int>(entries.size()); }
@@ -50,16 +48,9 @@ class text_dictionary {
   std::vector<entry> entries;
   std::string characters;  // the texts, a NUL after each
   // Codes, each in the first free slot from that of its key on; 0 is a free slot.
-  std::vector<unsigned int> slots;
-  unsigned int slot_bits = 0;
+  std::vector<unsigned int> slots = std::vector<unsigned int>(8, 0);
+  unsigned int slot_shift = 64 - 3;  // of a hash, to get the number of a slot
 };
-
-inline unsigned int text_dictionary::code_of(cell_text text) {
-  const std::uint64_t key = key_of(text);
-  if (2 * entries.size() >= slots.size()) grow();
-  const std::size_t slot = slot_of(text, key);
-  return slots[slot] != 0 ? slots[slot] : add(text, key, slot);
-}
 
 // The slot of a text, or the free one where it belongs.
 inline std::size_t text_dictionary::slot_of(cell_text text, std::uint64_t key) const {
@@ -83,7 +74,7 @@ inline std::uint64_t text_dictionary::key_of(cell_text text) {
 }
 
 inline std::size_t text_dictionary::first_slot(std::uint64_t key) const {
-  return static_cast<std::size_t>(secret_hash()(key) >> (64 - slot_bits));
+  return static_cast<std::size_t>(secret_hash()(key) >> slot_shift);
 }
 
 }  // namespace arbor::tree

@@ -138,7 +138,7 @@ TEST(Table, IsWhatTheCellsAndTheOptionsMakeOfIt) {
 TEST(Table, HasTheWeightsAndCodesOfItsRows) {
   tree::load_options options = options_of("class b weights w");
   std::size_t rows_read = 0;
-  options.progress = [&](std::size_t rows) { EXPECT_EQ(rows, ++rows_read); };
+  options.progress = [&](std::size_t rows) { rows_read = rows; };
   const table loaded = load_csv("a,b,w\nodd,?,0\n1,x,0.5\n?,y,2\n2,x,1\n", options);
   EXPECT_EQ(rows_read, 4U);
   ASSERT_EQ(loaded.cases.size(), 3U);
@@ -197,11 +197,34 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
       const auto fits_it = [&](const std::string& cell) { return fits(narrower, cell); };
       if (chosen.empty() && std::all_of(distinct.begin(), distinct.end(), fits_it)) type = narrower;
     }
-    const std::string options = "kind x discrete" + (chosen.empty() ? "" : " type x " + chosen);
-    const table loaded = load_csv(csv, options_of(options));
+    tree::load_options options =
+        options_of("kind x discrete" + (chosen.empty() ? "" : " type x " + chosen));
+    options.threads = 1 + static_cast<unsigned int>(draw(3));
+    const table loaded = load_csv(csv, options);
     EXPECT_EQ(record_of(loaded.columns[0].get()),
               record_of(make_column("discrete", type, cells).get()))
         << "round " << round << ", " << type;
+  }
+}
+
+// The errors are so far apart that they are in different blocks of the file.
+TEST(Table, IsRefusedForTheFirstThingThatIsWrongOnAnyThreads) {
+  const texts wrong{"x,1,1,a,1",      "1,1,1,a,-1", "1,1,1,a",  //
+                    "1,\"1\"1,1,a,1", "1,1,x,?,1",  "1,1,1,a,1,1"};
+  for (std::size_t first = 0; first < wrong.size(); ++first) {
+    std::string csv = "x,q,y,c,w\n";
+    for (std::size_t line = 2; line < 20000; ++line) {
+      const std::size_t error = first + line / 3000 - 1;
+      csv += line % 3000 == 0 ? wrong[error % wrong.size()] : "7,\"1\",?,a,1";
+      csv += '\n';
+    }
+    tree::load_options options = options_of("class c weights w type x integer type y integer");
+    const auto load = [&](const std::string& path) { tree::load_table(path, options); };
+    options.threads = 1;
+    const std::string refused = refusal(csv, load);
+    EXPECT_EQ(refused.substr(0, 6), ":3000:") << refused;
+    options.threads = 3;
+    EXPECT_EQ(refusal(csv, load), refused);
   }
 }
 
