@@ -11,6 +11,7 @@ void add_measures(sample& table);   // the rating of splits
 void add_partition(sample& table);  // taking the cases of a branch
 void add_records();                 // saving and reloading columns
 void add_text();                    // from text to codes
+void add_trees();                   // growing whole trees
 
 }  // namespace arbor::bench
 

@@ -1,5 +1,8 @@
 #include "bench/comparison.h"
 
+#include <sched.h>
+
+#include <cstring>
 #include <ctime>
 #include <exception>
 #include <stdexcept>
@@ -16,19 +19,48 @@ double processor_time() {
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-double time_of(const std::function<void()>& call) {
-  const double start = processor_time();
-  call();
-  return processor_time() - start;
+double clock_time() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
+
+double time_of(const std::function<void()>& call, bool by_clock) {
+  const auto now = by_clock ? clock_time : processor_time;
+  const double start = now();
+  call();
+  return now() - start;
+}
+
+// Lets this thread and those that it starts run on any core, until the end of the scope.
+class all_cores {
+ public:
+  explicit all_cores(bool wanted) : changed(wanted) {
+    if (!changed) return;
+    cpu_set_t all;
+    std::memset(&all, 0xFF, sizeof all);
+    sched_getaffinity(0, sizeof before, &before);
+    sched_setaffinity(0, sizeof all, &all);
+  }
+  all_cores(const all_cores&) = delete;
+  all_cores& operator=(const all_cores&) = delete;
+  ~all_cores() {
+    if (changed) sched_setaffinity(0, sizeof before, &before);
+  }
+
+ private:
+  bool changed;
+  cpu_set_t before{};
+};
 
 void alternate(benchmark::State& state, const comparison& pair, const aim& wanted) {
   double unit = 0;
   double bare = 0;
+  const all_cores cores(pair.by_clock);
   while (state.KeepRunning()) {
-    if (pair.bare) bare += time_of(pair.bare);
+    if (pair.bare) bare += time_of(pair.bare, pair.by_clock);
     if (pair.prepare) pair.prepare();
-    const double seconds = time_of(pair.unit);
+    const double seconds = time_of(pair.unit, pair.by_clock);
     unit += seconds;
     state.SetIterationTime(seconds);
   }

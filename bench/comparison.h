@@ -28,6 +28,7 @@ struct comparison {
   std::function<void()> prepare = {};  // called before each call of the unit, off the clock
   std::size_t swept =
       0;  // unless 0, the difference of the two per so many items is a result as well
+  bool by_clock = false;  // on all cores and timed by the clock: what several threads do
 };
 
 // What the result should be at most.

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <vector>
 
+#include "arbor/model/measure/entropy.h"
+#include "arbor/model/weight_type.h"
 #include "bench/benches.h"
 #include "bench/comparison.h"
 #include "bench/value_weights.h"
@@ -182,8 +184,9 @@ void add_rainforest(sample& table) {
   // the greatest share in the smallest nodes that are measured this way, those of three cases a
   // value.
   for (const circumstances& c : combinations({10000, 130000, 333333}, {row_order::rows})) {
-    const aim wanted =
-        c.weights == weighing::uneven ? aim{} : aim{aim::sweep, c.classes == 2 ? 6.0 : 20.0};
+    const bool uneven = c.weights == weighing::uneven;
+    const aim wanted = c.classes == 2 ? uneven ? aim{} : aim{aim::sweep, 6}
+                                      : aim{aim::sweep, uneven ? 25.0 : 10.0};
     compare("continuous measure by class weights - bare class weights, 3 cases a value/" + c.text(),
             wanted, [=, &table] {
               const auto node = make_rainforest_node(table, c, 3 * c.known + 1);
@@ -217,6 +220,71 @@ void add_sorting(sample& table) {
   }
 }
 
+// Nodes of so many cases, one after the other: rating one again and again would teach the processor
+// its branches.
+std::shared_ptr<std::vector<node_rating>> make_nodes(sample& table, const circumstances& c,
+                                                     unsigned int cases_of_each) {
+  const w_sequence all = sample::node(c.order, c.weights);
+  const std::size_t count = std::max<std::size_t>(1, 100000 / cases_of_each);
+  auto nodes = std::make_shared<std::vector<node_rating>>();
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto first = all.begin() + static_cast<std::ptrdiff_t>(i * cases_of_each);
+    nodes->push_back({table.attribute("continuous", c.known), table.classes(c.classes),
+                      w_sequence(first, first + cases_of_each)});
+  }
+  return nodes;
+}
+
+void add_uneven_sorting(sample& table) {
+  for (const unsigned int cases : {sample::cases, 1000U, 100U, 10U}) {
+    for (const unsigned int codes : {cases / 2, 4 * cases}) {
+      if (codes > sample::cases) continue;  // they take too long to make
+      for (const unsigned int classes : {2U, 10U}) {
+        const circumstances even{codes, classes, row_order::rows, weighing::unit};
+        circumstances uneven = even;
+        uneven.weights = weighing::uneven;
+        compare("continuous measure by sorting, uneven weights : even weights/" +
+                    with_thousands(cases) + " cases/" + with_thousands(codes) + " codes/" +
+                    std::to_string(classes) + " classes",
+                {aim::ratio, 3}, [=, &table] {
+                  const auto unit = make_nodes(table, uneven, cases);
+                  const auto bare = make_nodes(table, even, cases);
+                  const auto rate = [](const auto& nodes) {
+                    for (node_rating& node : *nodes) node.rate();
+                  };
+                  return comparison{unit->size() * cases, [=] { rate(unit); }, [=] { rate(bare); }};
+                });
+      }
+    }
+  }
+}
+
+void add_logarithms() {
+  compare("x log2 x : by the library's logarithm/4,096 weights", {aim::time, 2}, [] {
+    const auto weights = std::make_shared<std::vector<float>>();
+    const auto terms = std::make_shared<std::vector<double>>(4096);
+    for (std::size_t i = 0; i < terms->size(); ++i)
+      weights->push_back(0.125F * static_cast<float>(i * i % 65521 + 1));
+    const auto bare = [=](std::vector<double>& result) {
+      for (std::size_t i = 0; i < result.size(); ++i) {
+        const auto weight = static_cast<double>((*weights)[i]);
+        result[i] = weight * static_cast<double>(static_cast<float>(
+                                 std::log(weight) / static_cast<double>(impls::weight_type::Log2)));
+      }
+      keep(result.data());
+    };
+    const auto unit = [=](std::vector<double>& result) {
+      for (std::size_t i = 0; i < result.size(); ++i) result[i] = impls::log_term((*weights)[i]);
+      keep(result.data());
+    };
+    std::vector<double> expected(terms->size());
+    bare(expected);
+    unit(*terms);
+    expect(*terms == expected, "the terms are equal");
+    return comparison{terms->size(), [=] { unit(*terms); }, [=] { bare(*terms); }};
+  });
+}
+
 // A node of ten cases, where what a call costs once outweighs what it costs per case: the codes
 // take turns, and those of the upper half of the range are of the second class.
 void add_small(const string& name, const aim& wanted, const string& kind, unsigned int known,
@@ -248,6 +316,8 @@ void add_measures(sample& table) {
   add_discrete(table);
   add_rainforest(table);
   add_sorting(table);
+  add_uneven_sorting(table);
+  add_logarithms();
   add_small("discrete, 3 values", {aim::time, 150}, "discrete", 3, 3);
   add_small("discrete, 2 values", {aim::time, 150}, "discrete", 2, 2);
   add_small("continuous, 5 values of 5", {aim::time, 400}, "continuous", 5, 5);

@@ -24,12 +24,13 @@ node_cases root_cases(const table& training, const impls::w_sequence& cases) {
 grown_nodes grow_unpruned(const table& training, const impls::w_sequence& cases,
                           const grow_options& options) {
   growth shared(options, cases);
-  subtree all(shared);
   if (shared.pool.size() == 1) {
+    subtree all(shared);
     all.grow(root_cases(training, cases));
-  } else {
-    all.grow_in_parallel(root_cases(training, cases));
+    return all.take_nodes();
   }
+  parallel_subtree all(shared, cases.size());
+  all.grow(root_cases(training, cases));
   return all.take_nodes();
 }
 

@@ -44,11 +44,11 @@ class class_table {
   // stays empty: the class of a case whose value is unknown is not read.
   unsigned int rows() const { return row_count; }
   unsigned int classes() const { return static_cast<unsigned int>(stride - 1); }
+  // How far row(i + 1) is behind row(i).
+  std::size_t width() const { return stride; }
   // Returns the weights of the classes 1 to classes() in a row.
   const Weight* row(unsigned int i) const { return cells.data() + i * stride + 1; }
   row_weights<Weight> weights_in_row(unsigned int i) const { return {row(i), row(i) + classes()}; }
-  // How many codes of the range have no row; see sparse_class_table.h.
-  unsigned int empty_rows() const { return 0; }
   // Returns those of all known cases.
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }

@@ -4,6 +4,7 @@
 
 #include "arbor/model/measure/cut_search.h"
 #include "arbor/model/measure/sorted_cases.h"
+#include "arbor/model/measure/weight_if.h"
 
 namespace arbor::impls {
 
@@ -17,14 +18,14 @@ class case_sweep {
     if (cases.size() > 0) run_class = cases.class_code(0);
   }
 
-  template <class Search>
-  bool move_next(Search& search) {
+  template <class Sides>
+  bool move_next(Sides& sides) {
     if (next == cases.size()) return false;
     const auto code = cases.code(next);
     do {
       const unsigned int class_code = cases.class_code(next);
       one_class = one_class && class_code == run_class;
-      search.move(class_code, search.as_weight(cases.weight(next)));
+      sides.move(class_code, sides.as_weight(cases.weight(next)));
       ++next;
     } while (next < cases.size() && cases.code(next) == code);
     return next < cases.size();
@@ -37,9 +38,9 @@ class case_sweep {
   // A cut is inside a run if all cases since the last cut that was rated, and all of the next code,
   // are of one class, and the right side of the cut after these is not too light. The best cut is
   // never inside a run (U. M. Fayyad and K. B. Irani, Machine Learning 8 (1992), 87-102).
-  template <class Search>
-  bool inside_run(const Search& search) {
-    if (one_class && run_goes_on(search)) return true;
+  template <class Search, class Sides>
+  bool inside_run(const Search& search, const Sides& sides) {
+    if (one_class && run_goes_on(search, sides)) return true;
     run_class = cases.class_code(next);
     one_class = true;
     return false;
@@ -48,13 +49,13 @@ class case_sweep {
  private:
   unsigned int code_at(std::size_t i) const { return static_cast<unsigned int>(cases.code(i)); }
 
-  template <class Search>
-  bool run_goes_on(const Search& search) const {
+  template <class Search, class Sides>
+  bool run_goes_on(const Search& search, const Sides& sides) const {
     const auto code = cases.code(next);
-    auto left_of_next_cut = search.left_weight();
+    auto left_of_next_cut = sides.left_weight();
     for (std::size_t i = next; i < cases.size() && cases.code(i) == code; ++i) {
       if (cases.class_code(i) != run_class) return false;
-      left_of_next_cut += search.as_weight(cases.weight(i));
+      left_of_next_cut += sides.as_weight(cases.weight(i));
       if (search.right_too_light(left_of_next_cut)) return false;
     }
     return true;
@@ -79,107 +80,172 @@ void rate_sorted_cases(const Cases& cases, cut_problem node, column::splitting_d
   find_best_cut<0, weight>(node, cases.size(), case_sweep<Cases>(cases), result);
 }
 
-// Where each code ends among packed cases of two classes. As all weights are equal, two numbers
-// describe a cut: how many cases are up to it, and how many of these are of the second class.
-// Nothing here or in the sweep branches on a case: codes and classes are hard to predict.
-class code_ends {
+// What is up to the end of a code among sorted cases of two classes. If all cases weigh the same,
+// the weight and that of the second class say everything.
+class counted_end {
  public:
-  explicit code_ends(const packed_cases& sorted)
-      : cases(sorted),
-        each(sorted.weight()),
-        cases_up_to(sorted.size(), strata::util::first_values::any),
-        second_up_to(sorted.size(), strata::util::first_values::any) {
-    unsigned int second_class = 0;
+  using weight = unsigned int;
+  using of_classes = std::array<weight, 2>;
+
+  counted_end() = default;
+  explicit counted_end(const of_classes& /*all*/) : up_to(0), second(0) {}
+  void add(unsigned int is_second, weight each) {
+    up_to += each;
+    second += is_second * each;
+  }
+
+  weight left_side() const { return up_to; }
+  of_classes left() const { return {up_to - second, second}; }
+  of_classes right(const of_classes& all) const {
+    return {all[0] - (up_to - second), all[1] - second};
+  }
+  // Whether all cases after another end and up to this one are of one class.
+  bool one_class_since(const counted_end& other) const {
+    const weight second_since = second - other.second;
+    return (second_since == 0) | (second_since == up_to - other.up_to);
+  }
+
+ private:
+  weight up_to;
+  weight second;
+};
+
+// Otherwise each weight is a float sum over the cases, one after the other. The cases are counted
+// as well, because some may weigh nothing.
+class weighed_end {
+ public:
+  using weight = float;
+  using of_classes = std::array<weight, 2>;
+
+  weighed_end() = default;
+  explicit weighed_end(const of_classes& all)
+      : up_to{}, after(all), all_up_to(0), cases(0), second_cases(0) {}
+  void add(unsigned int is_second, weight added) {
+    // Adding and subtracting 0 leaves a sum as it is.
+    const float of_first = weight_if(1 - is_second, added);
+    const float of_second = weight_if(is_second, added);
+    up_to[0] += of_first;
+    up_to[1] += of_second;
+    after[0] -= of_first;
+    after[1] -= of_second;
+    all_up_to += added;
+    ++cases;
+    second_cases += is_second;
+  }
+
+  weight left_side() const { return all_up_to; }
+  const of_classes& left() const { return up_to; }
+  const of_classes& right(const of_classes& /*all*/) const { return after; }
+  bool one_class_since(const weighed_end& other) const {
+    const unsigned int second_since = second_cases - other.second_cases;
+    return (second_since == 0) | (second_since == cases - other.cases);
+  }
+
+ private:
+  of_classes up_to;
+  of_classes after;
+  weight all_up_to;
+  unsigned int cases;
+  unsigned int second_cases;
+};
+
+// The ends of the codes among sorted cases. Nothing here or in the sweep branches on a case: codes
+// and classes are hard to predict.
+template <class End>
+struct code_ends {
+  template <class Case>
+  explicit code_ends(const packed_cases<Case>& cases)
+      : ends(cases.size(), strata::util::first_values::any),
+        codes(cases.size(), strata::util::first_values::any) {
+    const auto is_second = [&](std::size_t i) {
+      return static_cast<unsigned int>(cases.class_code(i) == 2);
+    };
     for (std::size_t i = 0; i < cases.size(); ++i) {
-      second_class += cases.class_code(i) == 2 ? 1 : 0;
-      // Unless the code ends here, the next case overwrites the entry.
-      cases_up_to[count] = static_cast<unsigned int>(i + 1);
-      second_up_to[count] = second_class;
+      all[0] += weight_if(1 - is_second(i), cases.weight(i));
+      all[1] += weight_if(is_second(i), cases.weight(i));
+    }
+    End end(all);
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+      end.add(is_second(i), cases.weight(i));
+      // Unless the code ends here, the next case overwrites the entries.
+      ends[count] = end;
+      codes[count] = cases.code(i);
       const bool last = i + 1 == cases.size();
       count += last || cases.code(i) != cases.code(i + 1) ? 1 : 0;
     }
   }
 
-  std::size_t size() const { return count; }
-  unsigned int code(std::size_t i) const { return cases.code(cases_up_to[i] - 1); }
-  // The weight of the cases up to the i-th end, and of those of the second class.
-  unsigned int weight(std::size_t i) const { return cases_up_to[i] * each; }
-  unsigned int second_weight(std::size_t i) const { return second_up_to[i] * each; }
-
- private:
-  const packed_cases& cases;
-  unsigned int each;
+  typename End::of_classes all{};  // the weights of both classes
   std::size_t count = 0;
-  strata::util::work_array<unsigned int, 64> cases_up_to;
-  strata::util::work_array<unsigned int, 64> second_up_to;
+  strata::util::work_array<End, 64> ends;
+  strata::util::work_array<unsigned int, 64> codes;
 };
 
 // Moves a cut from code to code.
+template <class End>
 class two_class_sweep {
  public:
-  explicit two_class_sweep(const code_ends& of_codes) : ends(of_codes) {}
+  explicit two_class_sweep(const code_ends<End>& of_codes) : at(of_codes), rated(of_codes.all) {}
 
-  template <class Search>
-  bool move_next(Search& search) {
-    if (next + 1 >= ends.size()) return false;
-    const unsigned int second = ends.second_weight(next);
-    search.set_left(search.as_weight(ends.weight(next) - second), search.as_weight(second));
+  template <class Sides>
+  bool move_next(Sides& sides) {
+    if (next + 1 >= at.count) return false;
+    const End& end = at.ends[next];
+    sides.set(end.left(), end.right(at.all), end.left_side());
     ++next;
     return true;
   }
 
   std::size_t place() const { return next - 1; }
-  unsigned int low_code(std::size_t place) const { return ends.code(place); }
-  unsigned int high_code(std::size_t place) const { return ends.code(place + 1); }
+  unsigned int low_code(std::size_t place) const { return at.codes[place]; }
+  unsigned int high_code(std::size_t place) const { return at.codes[place + 1]; }
 
   // As in case_sweep.
-  template <class Search>
-  bool inside_run(const Search& search) {
-    const unsigned int since = ends.weight(next) - rated_weight;
-    const unsigned int second_since = ends.second_weight(next) - rated_second;
-    const bool one_class = (second_since == 0) | (second_since == since);
-    const bool inside = one_class & !search.right_too_light(search.as_weight(ends.weight(next)));
-    rated_weight = inside ? rated_weight : ends.weight(next - 1);
-    rated_second = inside ? rated_second : ends.second_weight(next - 1);
+  template <class Search, class Sides>
+  bool inside_run(const Search& search, const Sides& sides) {
+    const End& end = at.ends[next];
+    const bool inside =
+        end.one_class_since(rated) & !search.right_too_light(sides.as_weight(end.left_side()));
+    rated = inside ? rated : at.ends[next - 1];
     return inside;
   }
 
  private:
-  const code_ends& ends;
-  std::size_t next = 0;           // the first code on the right side
-  unsigned int rated_weight = 0;  // up to the last cut that was rated
-  unsigned int rated_second = 0;
+  const code_ends<End>& at;
+  std::size_t next = 0;  // the first code on the right side
+  End rated;             // the last cut that was rated
 };
 
-void rate_two_classes(const packed_cases& cases, cut_problem node, column::splitting_desc& result) {
-  const code_ends ends(cases);
-  if (ends.size() < 2) return;
-  const unsigned int weight = ends.weight(ends.size() - 1);
-  const unsigned int second = ends.second_weight(ends.size() - 1);
-  const std::array<float, 2> class_weights{static_cast<float>(weight - second),
-                                           static_cast<float>(second)};
+template <class Case>
+void rate_two_classes(const packed_cases<Case>& cases, cut_problem node,
+                      column::splitting_desc& result) {
+  using weight = typename Case::weight_type;
+  using end = std::conditional_t<std::is_integral_v<weight>, counted_end, weighed_end>;
+  const code_ends<end> codes(cases);
+  if (codes.count < 2) return;
+  const std::array<float, 2> class_weights{static_cast<float>(codes.all[0]),
+                                           static_cast<float>(codes.all[1])};
   node.class_weights = class_weights.data();
   node.unknown_weight = cases.unknown_weight();
-  find_best_cut<2, unsigned int>(node, ends.size(), two_class_sweep(ends), result);
+  find_best_cut<2, weight>(node, codes.count, two_class_sweep<end>(codes), result);
 }
 
-// Sorts a copy of the cases, packed if they can be, and leaves the caller's sequence as it is.
+// Rates packed and sorted cases, and leaves the caller's sequence as it is. Returns false if they
+// cannot be packed.
 template <class T>
-void rate_copy(const column_typed<T>& rated, const column& class_column, const w_sequence& cases,
-               const code_bounds& range, const cut_problem& node, column::splitting_desc& result) {
-  const stored_codes<T> code_of{rated.codes().data()};
+bool rate_packed(const column_typed<T>& rated, const column& class_column, const w_sequence& cases,
+                 const code_bounds& range, const cut_problem& node,
+                 column::splitting_desc& result) {
   // Codes of more than 32 bits cannot be packed: all their bits count for the order.
-  if constexpr (sizeof(T) <= sizeof(unsigned int)) {
-    const auto rate = [&](const packed_cases& packed) {
-      if (node.class_count == 2) {
-        rate_two_classes(packed, node, result);
-      } else {
-        rate_sorted_cases(packed, node, result);
-      }
-    };
-    if (with_packed_cases(code_of, class_column, cases, range, rate)) return;
-  }
-  rate_sorted_cases(gathered_cases<T>(code_of, class_column, cases, range), node, result);
+  if constexpr (sizeof(T) > sizeof(unsigned int)) return false;
+  const stored_codes<T> code_of{rated.codes().data()};
+  return with_packed_cases(code_of, class_column, cases, range, [&](const auto& packed) {
+    if (node.class_count == 2) {
+      rate_two_classes(packed, node, result);
+    } else {
+      rate_sorted_cases(packed, node, result);
+    }
+  });
 }
 
 }  // namespace
@@ -193,8 +259,8 @@ void rate_continuous(const column_typed<T>& rated, const column& class_column, f
   const cut_problem node{
       nullptr, class_column.get_distinct() - 1, 0, total_weight, cases.size(), min_weight, opts};
   const bool own_class = typeid(rated) == typeid(column_typed<T>);
-  if (copy_cases && own_class) {
-    rate_copy(rated, class_column, cases, code_range, node, result);
+  if (copy_cases && own_class &&
+      rate_packed(rated, class_column, cases, code_range, node, result)) {
     return;
   }
   const auto rate_in_place = [&](const w_sequence& sorted) {

@@ -4,6 +4,7 @@
 #ifndef ARBOR_MODEL_MEASURE_CUT_SEARCH_H
 #define ARBOR_MODEL_MEASURE_CUT_SEARCH_H
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <limits>
@@ -45,112 +46,125 @@ struct cut_problem {
   }
 };
 
-// Keeps the class weights on both sides of a cut that moves from the lowest code to the highest,
-// and the best place for it.
+// The class weights on both sides of a cut that moves from the lowest code to the highest.
 //
-// Weight and Terms as in entropy_sum. `Classes` is the number of classes if the compiler knows it,
-// else 0.
-template <class Weight, class Terms, unsigned int Classes>
-class cut_search {
+// Weight is unsigned int if all weights are the same whole number, else float. `Classes` is the
+// number of classes if the compiler knows it, else 0; the weights of two can stay in registers.
+template <class Weight, unsigned int Classes>
+class cut_sides {
  public:
-  cut_search(const cut_problem& searched, const Terms& of_weights)
-      : node(searched),
-        term(of_weights),
-        known_weight(searched.known_weight()),
-        info(static_cast<float>(
-            weighted_entropy<Weight>(term, node.class_weights, node.class_count) /
-            static_cast<double>(known_weight))),
-        known_fraction(
-            static_cast<double>(known_weight) /
-            (static_cast<double>(node.unknown_weight) + static_cast<double>(known_weight))),
-        least_left(least_side_weight(known_weight, node.class_count, node.min_weight)),
-        most_left(known_weight - least_left),
-        left(node.class_count + 1ULL),
-        right(node.class_count + 1ULL) {
-    for (unsigned int c = 1; c <= classes(); ++c) {
+  // All cases are on the right side.
+  explicit cut_sides(const cut_problem& node)
+      : class_count(node.class_count), left(class_count + 1ULL), right(class_count + 1ULL) {
+    for (unsigned int c = 1; c <= classes(); ++c)
       right[c] = static_cast<Weight>(node.class_weights[c - 1]);
-      known_sum += right[c];
-    }
   }
 
   // Moves weight of a class from the right side to the left.
-  void move(unsigned int class_code, Weight weight) {
-    left[class_code] += weight;
-    right[class_code] -= weight;
-    left_sum += weight;
+  void move(unsigned int class_code, Weight moved) {
+    left[class_code] += moved;
+    right[class_code] -= moved;
+    left_sum += moved;
   }
   // Moves weights of all classes, from that of class 1 on.
   template <class Stored>
   void move_all(const Stored* weights) {
     const unsigned int count = classes();
-    Weight* const on_left = left.data() + 1;
-    Weight* const on_right = right.data() + 1;
     for (unsigned int c = 0; c < count; ++c) left_sum += as_weight(weights[c]);
-    for (unsigned int c = 0; c < count; ++c) on_left[c] += as_weight(weights[c]);
-    for (unsigned int c = 0; c < count; ++c) on_right[c] -= as_weight(weights[c]);
+    for (unsigned int c = 0; c < count; ++c) left[c + 1] += as_weight(weights[c]);
+    for (unsigned int c = 0; c < count; ++c) right[c + 1] -= as_weight(weights[c]);
   }
-  // Sets the weights of the two classes on the left side.
-  void set_left(Weight first_class, Weight second_class) {
-    static_assert(Classes == 2, "the weights of all classes are needed");
-    right[1] += left[1] - first_class;
-    right[2] += left[2] - second_class;
-    left[1] = first_class;
-    left[2] = second_class;
-    left_sum = first_class + second_class;
-  }
-  Weight left_weight() const { return left_sum; }
+  // Sets the weights of the two classes on both sides, and that of the left side.
   template <class Stored>
-  static Weight as_weight(Stored weight) {
-    return static_cast<Weight>(weight);
-  }
-
-  // Whether the left (right) side is still (already) too light.
-  bool left_too_light() const { return static_cast<float>(left_sum) < least_left; }
-  bool right_too_light() const { return right_too_light(left_sum); }
-  // The same for another weight of the left side.
-  bool right_too_light(Weight left_of_cut) const {
-    return static_cast<float>(left_of_cut) > most_left;
-  }
-
-  // Counts a candidate.
-  void count_candidate() { ++candidates; }
-
-  // Rates the cut; the caller identifies it by `place`. If gains are equal when rounded to float,
-  // the earlier cut stays the best. A cut that is not `eligible` cannot become the best; with two
-  // classes it is rated all the same, which costs less than a branch that is hard to predict.
-  void evaluate(std::size_t place, bool eligible) {
-    if (Classes != 2 && !eligible) return;
-    const unsigned int count = classes();
-    const Weight* const on_left = left.data() + 1;
-    const Weight* const on_right = right.data() + 1;
-    // Two sums at once: each addition waits for the one before it, but not for the other side's.
-    float left_terms = 0;
-    float right_terms = 0;
-    for (unsigned int c = 0; c < count; ++c) {
-      left_terms = with_term(left_terms, term(on_left[c]));
-      right_terms = with_term(right_terms, term(on_right[c]));
+  void set(const std::array<Stored, 2>& on_left, const std::array<Stored, 2>& on_right,
+           Stored on_left_side) {
+    static_assert(Classes == 2, "the weights of all classes are needed");
+    for (std::size_t c = 0; c < 2; ++c) {
+      left[c + 1] = as_weight(on_left[c]);
+      right[c + 1] = as_weight(on_right[c]);
     }
-    const double left_entropy = term(sum_of(on_left, left_sum)) - static_cast<double>(left_terms);
-    const double right_entropy =
-        term(sum_of(on_right, known_sum - left_sum)) - static_cast<double>(right_terms);
-    const auto value_entropy = static_cast<float>(left_entropy + right_entropy);
-    // However it is rounded, the gain never grows with the entropy within the sides, since neither
-    // the known weight nor its share is negative. So most cuts need no division.
-    if (!(value_entropy < best_entropy) || !eligible) return;
-    const auto gain =
-        static_cast<float>((static_cast<double>(info) - static_cast<double>(value_entropy) /
-                                                            static_cast<double>(known_weight)) *
-                           known_fraction);
-    if (!(gain > best_gain)) return;
-    best_gain = gain;
-    best_entropy = value_entropy;
-    best_left = left_sum;
-    best = place;
+    left_sum = as_weight(on_left_side);
+  }
+  template <class Stored>
+  static Weight as_weight(Stored stored) {
+    return static_cast<Weight>(stored);
   }
 
-  // Sets gain and split information of `result` to those of the best cut, `best_place`, and returns
-  // true; or returns false when there is none or its gain does not exceed the penalty.
-  bool conclude(column::splitting_desc& result) const {
+  Weight left_weight() const { return left_sum; }
+  // Copies the weights of the classes on one side.
+  void copy_left(Weight* to) const {
+    for (unsigned int c = 0; c < classes(); ++c) to[c] = left[c + 1];
+  }
+  void copy_right(Weight* to) const {
+    for (unsigned int c = 0; c < classes(); ++c) to[c] = right[c + 1];
+  }
+
+ private:
+  unsigned int classes() const { return Classes != 0 ? Classes : class_count; }
+
+  struct few : std::array<Weight, Classes + 1> {
+    explicit few(unsigned long long /*length*/) : std::array<Weight, Classes + 1>{} {}
+  };
+  using by_class = std::conditional_t<Classes != 0, few, strata::util::work_array<Weight, 16>>;
+
+  unsigned int class_count;
+  by_class left;  // by class code the weight on this side; entry 0 is of no class
+  by_class right;
+  Weight left_sum = 0;
+};
+
+// Rates the cuts of a node, and keeps the best one. Many are rated at a time: what a cut is worth
+// takes a long chain of roundings, and the chains of several cuts can run side by side.
+//
+// Entropies is whole_entropies or real_entropies, `Classes` as in cut_sides.
+template <class Entropies, unsigned int Classes>
+class cut_search {
+ public:
+  using weight = typename Entropies::weight;
+
+  // The node has at most `cuts` cuts.
+  cut_search(const cut_problem& searched, std::size_t cuts, Entropies& of_sides)
+      : node(searched),
+        entropies(of_sides),
+        rows(distributions_at_once(node.class_count, cuts)),
+        left_rows(rows * node.class_count, strata::util::first_values::any),
+        right_rows(rows * node.class_count, strata::util::first_values::any),
+        known_weight(searched.known_weight()),
+        known_fraction(
+            static_cast<double>(known_weight) /
+            (static_cast<double>(node.unknown_weight) + static_cast<double>(known_weight))),
+        least_left(least_side_weight(known_weight, node.class_count, node.min_weight)),
+        most_left(known_weight - least_left) {
+    cut_sides<weight, Classes>(node).copy_right(right_rows.data());
+    distribution_sums<weight> all;
+    entropies.add_up(right_rows.data(), shape_of(1), &all);
+    info = static_cast<float>(all.entropy() / static_cast<double>(known_weight));
+  }
+
+  // Whether a side is too light, by the weight of the left one.
+  bool left_too_light(weight left) const { return static_cast<float>(left) < least_left; }
+  bool right_too_light(weight left) const { return static_cast<float>(left) > most_left; }
+
+  // Rates a cut, now or later, if it is `eligible`; the caller identifies it by `place`. If gains
+  // are equal when rounded to float, the earlier cut stays the best.
+  void rate(const cut_sides<weight, Classes>& sides, std::size_t place, bool eligible) {
+    // Of two classes the weights are copied in any case: a branch that is hard to predict costs
+    // more.
+    if (Classes != 2 && !eligible) return;
+    const std::size_t width = shape_of(1).stride;
+    sides.copy_left(left_rows.data() + waiting * width);
+    sides.copy_right(right_rows.data() + waiting * width);
+    left_weights[waiting] = sides.left_weight();
+    places[waiting] = place;
+    waiting += eligible ? 1 : 0;
+    if (waiting == rows) rate_waiting();
+  }
+
+  // Sets gain and split information of `result` to those of the best of so many candidates, that at
+  // `best_place`, and returns true; or returns false when there is none or its gain does not exceed
+  // the penalty.
+  bool conclude(unsigned int candidates, column::splitting_desc& result) {
+    if (waiting > 0) rate_waiting();
     const float penalty =
         cut_point_penalty(candidates, node.total_weight, node.case_count, node.opts);
     if (!(penalty < best_gain)) return false;
@@ -158,7 +172,7 @@ class cut_search {
     const std::array<float, 3> branches{node.unknown_weight, left_branch,
                                         known_weight - left_branch};
     const auto split_entropy =
-        static_cast<float>(weighted_entropy<float>(real_terms(), branches.data(), 3));
+        static_cast<float>(add_up(branches.data(), branches.data() + 3).entropy());
     result.gain = best_gain - penalty;
     result.split_info = split_entropy / node.total_weight;
     return true;
@@ -166,54 +180,76 @@ class cut_search {
   std::size_t best_place() const { return best; }
 
  private:
-  unsigned int classes() const { return Classes != 0 ? Classes : node.class_count; }
-
-  // The sum of a side's weights. Whole numbers need not be added up again.
-  Weight sum_of(const Weight* side, Weight whole_sum) const {
-    if constexpr (std::is_integral_v<Weight>) return whole_sum;
-    return std::accumulate(side, side + classes(), Weight());
+  distribution_rows shape_of(std::size_t count) const {
+    const std::size_t classes = Classes != 0 ? Classes : node.class_count;
+    return {classes, classes, count};
   }
 
-  // Two numbers can stay in registers.
-  struct few : std::array<Weight, Classes + 1> {
-    explicit few(unsigned long long /*length*/) : std::array<Weight, Classes + 1>{} {}
-  };
-  using by_class = std::conditional_t<Classes != 0, few, strata::util::work_array<Weight, 16>>;
+  void rate_waiting() {
+    std::array<distribution_sums<weight>, most_together> left_sums;
+    std::array<distribution_sums<weight>, most_together> right_sums;
+    entropies.add_up(left_rows.data(), shape_of(waiting), left_sums.data());
+    entropies.add_up(right_rows.data(), shape_of(waiting), right_sums.data());
+    for (std::size_t i = 0; i < waiting; ++i)
+      compare(static_cast<float>(left_sums[i].entropy() + right_sums[i].entropy()), i);
+    waiting = 0;
+  }
+
+  void compare(float value_entropy, std::size_t row) {
+    // However it is rounded, the gain never grows with the entropy within the sides, since neither
+    // the known weight nor its share is negative. So most cuts need no division.
+    if (!(value_entropy < best_entropy)) return;
+    const auto gain =
+        static_cast<float>((static_cast<double>(info) - static_cast<double>(value_entropy) /
+                                                            static_cast<double>(known_weight)) *
+                           known_fraction);
+    if (!(gain > best_gain)) return;
+    best_gain = gain;
+    best_entropy = value_entropy;
+    best_left = left_weights[row];
+    best = places[row];
+  }
 
   const cut_problem& node;
-  const Terms& term;
+  Entropies& entropies;
+  const std::size_t rows;
+  // Of the cuts that wait to be rated: by class, row by row, and of each cut.
+  strata::util::work_array<weight, 2 * most_together> left_rows;
+  strata::util::work_array<weight, 2 * most_together> right_rows;
+  std::array<weight, most_together> left_weights;
+  std::array<std::size_t, most_together> places;
+  std::size_t waiting = 0;
   const float known_weight;
-  const float info;  // class entropy of the known cases, in bits
   const double known_fraction;
   const float least_left;
   const float most_left;
-  by_class left;  // by class code the weight on this side; entry 0 is unused
-  by_class right;
-  Weight known_sum = 0;
-  Weight left_sum = 0;
-  unsigned int candidates = 0;
+  float info = 0;  // class entropy of the known cases, in bits
   float best_gain = column::splitting_desc::no_split;
   float best_entropy = std::numeric_limits<float>::infinity();
-  Weight best_left = 0;
+  weight best_left = 0;
   std::size_t best = 0;
 };
 
-// Moves the cut over the codes and rates every candidate. `codes` moves it:
+// Moves a cut over the codes, rates every candidate, and returns how many there are. `codes` moves
+// it:
 //
-//   move_next(search)       moves the cases of the next code to the left side; returns false if no
+//   move_next(sides)        moves the cases of the next code to the left side; returns false if no
 //                           other code would be left on the right side, and may have moved them or
 //                           not then
-//   place()                 the number by which `evaluate` and `codes` know the cut
-//   inside_run(search)      whether the cases around the cut are all of one class, so that the cut
+//   place()                 the number by which the search and `codes` know the cut
+//   inside_run(search, sides)
+//                           whether the cases around the cut are all of one class, so that the cut
 //                           cannot be the best; called once for each candidate
-template <class Codes, class Search>
-void sweep(Codes& codes, Search& search) {
-  while (codes.move_next(search)) {
-    if (search.left_too_light()) continue;
-    if (search.right_too_light()) break;
-    search.count_candidate();
-    search.evaluate(codes.place(), !codes.inside_run(search));
+template <class Codes, class Sides, class Search>
+unsigned int sweep(Codes& codes, Sides& sides, Search& search) {
+  unsigned int candidates = 0;
+  while (codes.move_next(sides)) {
+    if (search.left_too_light(sides.left_weight())) continue;
+    if (search.right_too_light(sides.left_weight())) break;
+    ++candidates;
+    search.rate(sides, codes.place(), !codes.inside_run(search, sides));
   }
+  return candidates;
 }
 
 // Calls `use` with a cut_search for this number of classes (0 for any) and at most `cuts` cuts.
@@ -225,14 +261,15 @@ void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
         std::accumulate(node.class_weights, node.class_weights + node.class_count, 0.0F);
     const unsigned long long term_count = 2 * (node.class_count + 1ULL) * cuts;
     if (const double* table = whole_number_terms(static_cast<unsigned int>(sum), term_count)) {
-      const whole_terms terms{table};
-      cut_search<Weight, whole_terms, Classes> search(node, terms);
+      whole_entropies entropies(table);
+      cut_search<whole_entropies, Classes> search(node, cuts, entropies);
       use(search);
       return;
     }
   }
-  const real_terms terms;
-  cut_search<float, real_terms, Classes> search(node, terms);
+  real_entropies entropies(node.class_count,
+                           distributions_at_once(node.class_count, cuts) * node.class_count);
+  cut_search<real_entropies, Classes> search(node, cuts, entropies);
   use(search);
 }
 
@@ -240,15 +277,16 @@ void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
 // gain, split information and codes are set if there is such a cut.
 //
 // `codes` as in `sweep`, with low_code(place) and high_code(place). It is copied, so that its state
-// can stay in registers.
+// and the sides can stay in registers.
 template <unsigned int Classes, class Weight, class Codes>
 void find_best_cut(const cut_problem& node, std::size_t cuts, const Codes& codes,
                    column::splitting_desc& result) {
   if (!node.splittable()) return;
   with_cut_search<Classes, Weight>(node, cuts, [&](auto& search) {
+    using sides = cut_sides<typename std::decay_t<decltype(search)>::weight, Classes>;
     Codes cut = codes;
-    sweep(cut, search);
-    if (!search.conclude(result)) return;
+    sides around_cut(node);
+    if (!search.conclude(sweep(cut, around_cut, search), result)) return;
     result.low_code = cut.low_code(search.best_place());
     result.high_code = cut.high_code(search.best_place());
   });

@@ -3,6 +3,8 @@
 
 #include "arbor/model/measure/discrete_quality.h"
 
+#include <algorithm>
+#include <array>
 #include <numeric>
 #include <type_traits>
 
@@ -20,25 +22,74 @@ struct discrete_entropies {
   float of_branches = 0;
 };
 
-template <class Weight, class Terms, class Table>
-discrete_entropies entropies(const Table& table, float min_weight, const Terms& terms) {
-  discrete_entropies result;
-  if (0 >= min_weight) result.real_branches = table.empty_rows();
-  result.of_classes =
-      static_cast<float>(weighted_entropy<Weight>(terms, table.totals(), table.classes()));
-  entropy_sum<Weight, Terms> branches(terms);
-  branches.add(static_cast<Weight>(table.unknown_weight()));
-  for (unsigned int i = 1; i < table.rows(); ++i) {
-    entropy_sum<Weight, Terms> classes(terms);
-    for (const auto weight : table.weights_in_row(i)) classes.add(static_cast<Weight>(weight));
-    const Weight branch_weight = classes.weight();
-    if (static_cast<float>(branch_weight) >= min_weight) ++result.real_branches;
-    result.within_values =
-        static_cast<float>(static_cast<double>(result.within_values) + classes.value());
-    branches.add(branch_weight);
+// Makes them of the classes of all cases and of those of one value after the other.
+template <class Weight>
+class entropies_in_making {
+ public:
+  entropies_in_making(float unknown_weight, unsigned int empty_branches, float least_weight)
+      : min_weight(least_weight) {
+    if (0 >= min_weight) result.real_branches = empty_branches;
+    add_branch(static_cast<Weight>(unknown_weight), log_term(unknown_weight));
   }
-  result.of_branches = static_cast<float>(branches.value());
-  return result;
+
+  void set_classes(const distribution_sums<Weight>& of_all) {
+    result.of_classes = static_cast<float>(of_all.entropy());
+  }
+  void add_value(const distribution_sums<Weight>& classes) {
+    if (static_cast<float>(classes.weight) >= min_weight) ++result.real_branches;
+    result.within_values = with_term(result.within_values, classes.entropy());
+    add_branch(classes.weight, classes.weight_term);
+  }
+  discrete_entropies made() {
+    branches.weight_term = log_term(static_cast<float>(branches.weight));
+    result.of_branches = static_cast<float>(branches.entropy());
+    return result;
+  }
+
+ private:
+  void add_branch(Weight weight, double weight_term) {
+    branches.weight += weight;
+    branches.terms = with_term(branches.terms, weight_term);
+  }
+
+  float min_weight;
+  discrete_entropies result;
+  distribution_sums<Weight> branches{};
+};
+
+// `count` numbers, of a type that a class_table has, as weights of another type.
+template <class Weight>
+const Weight* as_weights(const Weight* numbers, std::size_t /*count*/, Weight* /*room*/) {
+  return numbers;
+}
+const float* as_weights(const unsigned int* numbers, std::size_t count, float* room) {
+  std::copy_n(numbers, count, room);
+  return room;
+}
+
+template <class Entropies, class Stored>
+discrete_entropies entropies_by(Entropies& entropies, const class_table<Stored>& table,
+                                float min_weight) {
+  using weight = typename Entropies::weight;
+  const std::size_t classes = table.classes();
+  const std::size_t at_once = distributions_at_once(table.width(), table.rows() - 1);
+  const bool converts = !std::is_same_v<weight, Stored>;
+  strata::util::work_array<weight, 1> room(converts ? at_once * table.width() : 0);
+  std::array<distribution_sums<weight>, most_together> sums;
+  entropies_in_making<weight> making(static_cast<float>(table.unknown_weight()), 0, min_weight);
+  const auto add_up = [&](const Stored* first, std::size_t count) {
+    const distribution_rows rows{classes, table.width(), count};
+    entropies.add_up(as_weights(first, (count - 1) * table.width() + classes, room.data()), rows,
+                     sums.data());
+  };
+  add_up(table.totals(), 1);
+  making.set_classes(sums[0]);
+  for (unsigned int i = 1; i < table.rows(); i += static_cast<unsigned int>(at_once)) {
+    const std::size_t count = std::min<std::size_t>(at_once, table.rows() - i);
+    add_up(table.row(i), count);
+    for (std::size_t row = 0; row < count; ++row) making.add_value(sums[row]);
+  }
+  return making.made();
 }
 
 template <class Weight>
@@ -48,14 +99,23 @@ discrete_entropies entropies(const class_table<Weight>& table, float min_weight)
         std::accumulate(table.totals(), table.totals() + table.classes(), table.unknown_weight());
     const unsigned long long term_count = (table.classes() + 2ULL) * table.rows();
     if (const double* terms = whole_number_terms(weight, term_count)) {
-      return entropies<Weight>(table, min_weight, whole_terms{terms});
+      whole_entropies whole(terms);
+      return entropies_by(whole, table, min_weight);
     }
   }
-  return entropies<float>(table, min_weight, real_terms());
+  const std::size_t at_once = distributions_at_once(table.width(), table.rows() - 1);
+  real_entropies real(table.classes(), at_once * table.width());
+  return entropies_by(real, table, min_weight);
 }
 
 discrete_entropies entropies(const sparse_class_table& table, float min_weight) {
-  return entropies<float>(table, min_weight, real_terms());
+  entropies_in_making<float> making(table.unknown_weight(), table.empty_rows(), min_weight);
+  making.set_classes(add_up(table.totals(), table.totals() + table.classes()));
+  for (unsigned int i = 1; i < table.rows(); ++i) {
+    const auto weights = table.weights_in_row(i);
+    making.add_value(add_up(weights.begin(), weights.end()));
+  }
+  return making.made();
 }
 
 template <class Table>

@@ -1,37 +1,33 @@
-// The weighted entropy sum, from which every measure of a split is made, and the terms
-// x log2 x that it adds up. Internal to the model.
+// The weighted entropy sum, from which every measure of a split is made: of one distribution of
+// weights, or of many at once. Internal to the model.
 //
-//   const real_terms terms;
-//   entropy_sum<float, real_terms> branches(terms);
-//   for (float weight : branch_weights) branches.add(weight);
-//   branches.value();
+//   real_entropies entropies(classes, weights.size());
+//   entropies.add_up(weights.data(), {classes, classes, rows}, sums.data());
+//   sums[0].entropy();
+//
+// The entropy of a distribution of weights w in bits, times their sum S, is S log2 S minus the sum
+// of all w log2 w (C. E. Shannon, Bell System Technical Journal 27 (1948), 379-423). Both running
+// sums are floats, rounded at each addition.
 #ifndef ARBOR_MODEL_MEASURE_ENTROPY_H
 #define ARBOR_MODEL_MEASURE_ENTROPY_H
 
+#include <algorithm>
 #include <cstddef>
+
+#include "arbor/model/measure/logarithm.h"
+#include "arbor/utils/work_array.h"
 
 namespace arbor::impls {
 
-// The binary logarithm, rounded to float. The rounding hides that the C library's logarithm may
-// differ in its last bit between processors and builds (glibc 2.36: checked for all positive
-// floats). Another library's differences may be larger.
-float binary_log(double x);
+// Weight is float, or unsigned int if all weights are whole numbers and float holds their sum
+// exactly: sums of up to 2^24 are the same in either.
+template <class Weight>
+struct distribution_sums {
+  Weight weight;       // S
+  double weight_term;  // S log2 S
+  float terms;         // the sum of all w log2 w
 
-// x times its binary logarithm, not rounded; 0 unless x is positive.
-double log_term(float x);
-
-// A table of log_term for the whole numbers from 0 to at least `greatest`, or null: a table is made
-// on first use, if `terms` look-ups or so make it worth its cost and there is memory for it. It
-// then stays unchanged until the process ends. Several threads may ask at once.
-const double* whole_number_terms(unsigned int greatest, unsigned long long terms);
-
-// The terms of arbitrary weights, and those of whole numbers within a table.
-struct real_terms {
-  double operator()(float weight) const { return log_term(weight); }
-};
-struct whole_terms {
-  const double* table;
-  double operator()(unsigned int weight) const { return table[weight]; }
+  double entropy() const { return weight_term - static_cast<double>(terms); }
 };
 
 // A float sum of terms, after one more.
@@ -39,36 +35,68 @@ inline float with_term(float sum, double term) {
   return static_cast<float>(static_cast<double>(sum) + term);
 }
 
-// The entropy of a distribution of weights in bits, times their sum S: S log2 S minus the sum of
-// all w log2 w (C. E. Shannon, Bell System Technical Journal 27 (1948), 379-423). Both running sums
-// are floats. Weights are float with real_terms, or unsigned int with whole_terms: sums of up to
-// 2^24 are the same in either.
-template <class Weight, class Terms>
-class entropy_sum {
+// Of the weights [first, last).
+distribution_sums<float> add_up(const float* first, const float* last);
+
+// A table of log_term for the whole numbers from 0 to at least `greatest`, or null: a table is made
+// on first use, if `terms` look-ups or so make it worth its cost and there is memory for it. It
+// then stays unchanged until the process ends. Several threads may ask at once.
+const double* whole_number_terms(unsigned int greatest, unsigned long long terms);
+
+// Where the weights of several distributions are: those of distribution i, `classes` of them, begin
+// i * stride after those of the first.
+struct distribution_rows {
+  std::size_t classes;
+  std::size_t stride;
+  std::size_t count;  // of distributions, from 1 to most_together
+};
+constexpr std::size_t most_together = 64;
+
+// How many distributions of `width` numbers each are best added up in a call, of `count` in all:
+// so many that their numbers stay in the core's own cache.
+inline std::size_t distributions_at_once(std::size_t width, std::size_t count) {
+  constexpr std::size_t most_numbers = 1U << 10U;
+  constexpr std::size_t fewest = 4;
+  const std::size_t most = std::clamp<std::size_t>(count, 1, most_together);
+  return std::min(std::max(most_numbers / width, fewest), most);
+}
+
+// The sums of several distributions of whole numbers, whose terms are looked up.
+class whole_entropies {
  public:
-  // `of_weights` must outlive the sum.
-  explicit entropy_sum(const Terms& of_weights) : term(of_weights) {}
+  using weight = unsigned int;
 
-  void add(Weight weight) {
-    sum += weight;
-    terms = with_term(terms, term(weight));
-  }
+  // `of_numbers` has the terms of all numbers up to the greatest sum.
+  explicit whole_entropies(const double* of_numbers) : term(of_numbers) {}
 
-  Weight weight() const { return sum; }
-  double value() const { return term(sum) - static_cast<double>(terms); }
+  // Sets an entry of `sums` for each distribution.
+  void add_up(const unsigned int* rows, const distribution_rows& shape,
+              distribution_sums<unsigned int>* sums) const;
 
  private:
-  const Terms& term;
-  Weight sum = 0;
-  float terms = 0;
+  const double* term;
 };
 
-template <class Weight, class Terms, class Stored>
-double weighted_entropy(const Terms& terms, const Stored* weights, std::size_t count) {
-  entropy_sum<Weight, Terms> result(terms);
-  for (std::size_t i = 0; i < count; ++i) result.add(static_cast<Weight>(weights[i]));
-  return result.value();
-}
+// The sums of several distributions of any weights.
+class real_entropies {
+ public:
+  using weight = float;
+
+  // `most` is the greatest count * stride.
+  real_entropies(std::size_t classes, std::size_t most);
+
+  // Sets an entry of `sums` for each distribution.
+  void add_up(const float* rows, const distribution_rows& shape, distribution_sums<float>* sums);
+
+ private:
+  void make_terms_of_changes(const float* rows, const distribution_rows& shape);
+
+  strata::util::work_array<double, 2 * most_together + 1> terms;
+  // With many classes: the weights that differ from those of the distribution before, and by weight
+  // the place of its term.
+  strata::util::work_array<float, 1> changed;
+  strata::util::work_array<unsigned int, 1> places;
+};
 
 }  // namespace arbor::impls
 

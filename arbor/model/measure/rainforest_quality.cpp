@@ -22,13 +22,13 @@ class row_sweep {
     while (last > 0 && !occurs(last)) --last;
   }
 
-  template <class Search>
-  bool move_next(Search& search) {
+  template <class Sides>
+  bool move_next(Sides& sides) {
     do {
       ++row;
       if (row >= last) return false;
     } while (!occurs(row));
-    search.move_all(table.row(row));
+    sides.move_all(table.row(row));
     return true;
   }
 
@@ -43,8 +43,8 @@ class row_sweep {
   }
 
   // Every cut is rated.
-  template <class Search>
-  bool inside_run(const Search& /*search*/) const {
+  template <class Search, class Sides>
+  bool inside_run(const Search& /*search*/, const Sides& /*sides*/) const {
     return false;
   }
 

@@ -1,8 +1,7 @@
-// A node's cases in the order of their codes, stored in one of three ways:
+// A node's cases in the order of their codes, stored in one of two ways:
 //
-//   packed_cases     one integer per case, if all cases weigh the same
-//   gathered_cases   one record per case, in a sorted copy
-//   cases_in_place   the caller's own sequence, read through the columns
+//   packed_cases     records of a code, a class and, unless all are equal, a weight
+//   cases_in_place   a sequence of cases, read through the columns
 //
 // Each has the known cases as numbers from 0 to before size(), with code(i), class_code(i) and
 // weight(i), and the weight of the others as unknown_weight(). Internal to the model.
@@ -29,28 +28,52 @@ inline bool counting_pays(std::size_t cases, const code_bounds& range) {
   return keys / cases <= most_keys_per_case;
 }
 
-// -- One integer per case --
+// -- Packed cases --
 
-// How a case is packed into 32 bits: the offset of its code in the range, then its class code in
-// the lowest bits.
+// How the code and the class of a case are packed into 32 bits: the offset of its code in the
+// range, then its class code in the lowest bits.
 struct case_packing {
   case_packing(const code_bounds& range, unsigned int class_count);
 
   bool fits() const { return class_bits + code_bits <= 32; }
+  unsigned int pack(unsigned int code, unsigned int class_code) const {
+    return (code - code_before_range) << class_bits | class_code;
+  }
 
   unsigned int code_before_range;
   unsigned int class_bits;
   unsigned int code_bits;
 };
 
-// If all cases weigh the same, only the code and the class of each matter, and the order among
-// equal codes does not.
+// A case is a counted_case if all cases weigh the same whole number, else a weighed_case.
+struct counted_case {
+  using weight_type = unsigned int;
+
+  counted_case() = default;
+  counted_case(unsigned int code_and_class, float /*weight*/) : packed(code_and_class) {}
+  unsigned int weight(unsigned int of_each) const { return of_each; }
+
+  unsigned int packed;
+};
+struct weighed_case {
+  using weight_type = float;
+
+  weighed_case() = default;
+  weighed_case(unsigned int code_and_class, float weight)
+      : packed(code_and_class), own_weight(weight) {}
+  float weight(unsigned int /*of_each*/) const { return own_weight; }
+
+  unsigned int packed;
+  float own_weight;
+};
+
+template <class Case>
 class packed_cases {
  public:
   // `sorted` points to `count` packed cases in the order of their codes, and stays the caller's.
-  // Each weighs `weight_of_each`; the unknown cases weigh `weight_of_unknown` together.
-  packed_cases(const case_packing& packing, const unsigned int* sorted, std::size_t count,
-               unsigned int weight_of_each, unsigned int weight_of_unknown)
+  // Counted cases weigh `weight_of_each`; the unknown ones weigh `weight_of_unknown` together.
+  packed_cases(const case_packing& packing, const Case* sorted, std::size_t count,
+               unsigned int weight_of_each, float weight_of_unknown)
       : packed(packing),
         known(sorted),
         known_count(count),
@@ -59,140 +82,81 @@ class packed_cases {
 
   std::size_t size() const { return known_count; }
   unsigned int code(std::size_t i) const {
-    return packed.code_before_range + (known[i] >> packed.class_bits);
+    return packed.code_before_range + (known[i].packed >> packed.class_bits);
   }
   unsigned int class_code(std::size_t i) const {
-    return known[i] & ((1U << packed.class_bits) - 1);
+    return known[i].packed & ((1U << packed.class_bits) - 1);
   }
-  unsigned int weight(std::size_t /*i*/ = 0) const { return each; }
-  float unknown_weight() const { return static_cast<float>(unknown); }
+  auto weight(std::size_t i) const { return known[i].weight(each); }
+  float unknown_weight() const { return unknown; }
 
  private:
   case_packing packed;
-  const unsigned int* known;
+  const Case* known;
   std::size_t known_count;
   unsigned int each;
-  unsigned int unknown;
+  float unknown;
 };
 
-constexpr std::size_t most_compared = 64;  // cases; more are sorted faster digit by digit
+constexpr std::size_t most_compared = 32;  // cases; more are sorted faster digit by digit
 
-// Sorts packed cases by their codes. `numbers` holds `count` of them, and as many again of room if
-// `count` is above `most_compared`; returns where in it the sorted ones begin.
-const unsigned int* sort_packed(unsigned int* numbers, std::size_t count,
-                                const case_packing& packing);
+// Sorts packed cases by their codes; those of the same code stay in order, so that float sums over
+// them have one value. `cases` holds `count` of them, and as many again of room if `count` is above
+// `most_compared`; returns where in it the sorted ones begin.
+template <class Case>
+const Case* sort_packed(Case* cases, std::size_t count, const case_packing& packing);
 
-// Packs each case whose value is known into `numbers`, and sets `known` to their number. Returns
-// whether all of them have a class: the weight of one without a class belongs to no class's sum,
-// which packed cases cannot express.
-template <class CodeOf, class ClassOf>
-bool pack(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const case_packing& packing,
-          unsigned int* numbers, std::size_t& known) {
-  bool all_have_a_class = true;
-  unsigned int* next = numbers;
-  for (const auto& c : cases) {
-    const auto code = static_cast<unsigned int>(code_of(c.first));
-    if (code == 0) continue;  // its class is not read
-    const unsigned int class_code = class_of(c.first);
-    all_have_a_class = all_have_a_class & (class_code != 0);
-    *next++ = (code - packing.code_before_range) << packing.class_bits | class_code;
-  }
-  known = static_cast<std::size_t>(next - numbers);
-  return all_have_a_class;
-}
-
-// Calls `use` with the packed cases and returns true. Returns false if they cannot be packed: their
-// weights are not all the same whole number, code and class do not fit into 32 bits, or a class is
-// unknown.
-template <class CodeOf, class Use>
-bool with_packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
-                       const code_bounds& range, Use use) {
-  const even_weight weight(cases);
-  const case_packing packing(range, class_column.get_distinct() - 1);
+// Calls `use` with the packed cases and returns true. Returns false if a class is unknown: such a
+// weight belongs to no class's sum, which the sweeps over packed cases do not expect.
+template <class Case, class CodeOf, class Use>
+bool with_cases_packed_as(CodeOf code_of, const column& class_column, const w_sequence& cases,
+                          const case_packing& packing, unsigned int weight_of_each, Use use) {
   const std::size_t count = cases.size();
-  if (!packing.fits() || !weight.likely() || !weight.is_of_all(cases)) return false;
-  strata::util::work_array<unsigned int, most_compared> numbers(
+  strata::util::work_array<Case, most_compared> packed(
       count <= most_compared ? count : 2ULL * count, strata::util::first_values::any);
-  std::size_t known = 0;
-  bool packed = false;
+  Case* next = packed.data();
+  float unknown = 0;
+  bool all_have_a_class = true;
   with_codes(class_column, [&](auto class_of) {
-    packed = pack(code_of, class_of, cases, packing, numbers.data(), known);
+    Case* place = next;  // these stay in registers
+    float unknown_sum = 0;
+    bool classes_known = true;
+    for (const auto& c : cases) {
+      const auto code = static_cast<unsigned int>(code_of(c.first));
+      if (code == 0) {  // its class is not read
+        unknown_sum += c.second;
+        continue;
+      }
+      const unsigned int class_code = class_of(c.first);
+      classes_known = classes_known & (class_code != 0);
+      *place++ = Case(packing.pack(code, class_code), c.second);
+    }
+    next = place;
+    unknown = unknown_sum;
+    all_have_a_class = classes_known;
   });
-  if (!packed) return false;
-  const unsigned int* const sorted = sort_packed(numbers.data(), known, packing);
-  const auto unknown = static_cast<unsigned int>(count - known);
-  use(packed_cases(packing, sorted, known, weight.value(), unknown * weight.value()));
+  if (!all_have_a_class) return false;
+  const auto known = static_cast<std::size_t>(next - packed.data());
+  const Case* const sorted = sort_packed(packed.data(), known, packing);
+  use(packed_cases<Case>(packing, sorted, known, weight_of_each, unknown));
   return true;
 }
 
-// -- One record per case --
+// Calls `use` with the packed cases and returns true. Returns false if they cannot be packed: code
+// and class do not fit into 32 bits, or a class is unknown.
+template <class CodeOf, class Use>
+bool with_packed_cases(CodeOf code_of, const column& class_column, const w_sequence& cases,
+                       const code_bounds& range, Use use) {
+  const case_packing packing(range, class_column.get_distinct() - 1);
+  if (!packing.fits()) return false;
+  const even_weight weight(cases);
+  return weight.likely() && weight.is_of_all(cases)
+             ? with_cases_packed_as<counted_case>(code_of, class_column, cases, packing,
+                                                  weight.value(), use)
+             : with_cases_packed_as<weighed_case>(code_of, class_column, cases, packing, 0, use);
+}
 
-// The code and class of a case are read several times; in the columns they are far apart.
-template <class Code>
-struct coded_case {
-  Code code;
-  unsigned int class_code;
-  float weight;
-};
-
-// Cases of any weight. Equal codes stay in the order of the cases, however they are sorted, so that
-// float sums over them have one value.
-template <class Code>
-class gathered_cases {
- public:
-  gathered_cases(stored_codes<Code> code_of, const column& class_column, const w_sequence& cases,
-                 const code_bounds& range)
-      : all(cases.size(), strata::util::first_values::any) {
-    with_codes(class_column, [&](auto class_of) {
-      const auto coded = [&](const w_sequence::value_type& c, Code code) {
-        return coded_case<Code>{code, code == 0 ? 0 : class_of(c.first), c.second};
-      };
-      if (counting_pays(cases.size(), range)) {
-        place_by_count(code_of, coded, cases, range);
-      } else {
-        coded_case<Code>* next = all.data();
-        for (const auto& c : cases) *next++ = coded(c, code_of(c.first));
-        std::stable_sort(all.data(), next,
-                         [](const auto& a, const auto& b) { return a.code < b.code; });
-      }
-    });
-    for (known = all.data(); size() > 0 && known->code == 0; ++known) unknown += known->weight;
-  }
-
-  float unknown_weight() const { return unknown; }
-  std::size_t size() const { return static_cast<std::size_t>(all.data() + all.size() - known); }
-  Code code(std::size_t i) const { return known[i].code; }
-  unsigned int class_code(std::size_t i) const { return known[i].class_code; }
-  float weight(std::size_t i) const { return known[i].weight; }
-
- private:
-  template <class Coded>
-  void place_by_count(stored_codes<Code> code_of, Coded coded, const w_sequence& cases,
-                      const code_bounds& range) {
-    const unsigned int before = range.first - 1;
-    const auto key_of = [before](Code code) {
-      return code == 0 ? 0 : static_cast<unsigned int>(code) - before;
-    };
-    strata::util::work_array<unsigned int, 64> next(range.second - range.first + 1ULL);
-    for (const auto& c : cases) ++next[key_of(code_of(c.first))];
-    unsigned int first = 0;
-    for (std::size_t key = 0; key < next.size(); ++key) {
-      const unsigned int count = next[key];
-      next[key] = first;
-      first += count;
-    }
-    for (const auto& c : cases) {
-      const Code code = code_of(c.first);
-      all[next[key_of(code)]++] = coded(c, code);
-    }
-  }
-
-  strata::util::work_array<coded_case<Code>, 16> all;
-  const coded_case<Code>* known = nullptr;
-  float unknown = 0;
-};
-
-// -- The caller's own sequence --
+// -- A sequence of cases --
 
 // Sorts the caller's own cases by the codes of `rated`. The order among equal codes is not
 // specified.

@@ -15,6 +15,10 @@ inline float weight_if(unsigned int one_or_zero, float weight) {
   return weight;
 }
 
+inline unsigned int weight_if(unsigned int one_or_zero, unsigned int weight) {
+  return one_or_zero * weight;
+}
+
 }  // namespace arbor::impls
 
 #endif

@@ -7,8 +7,10 @@
 
 namespace arbor::tree {
 
-void grown_nodes::add_child(unsigned int branch) {
-  nodes.emplace_back().branch = branch;
+void grown_nodes::add_child(unsigned int branch, float share) {
+  tree_node& child = nodes.emplace_back();
+  child.branch = branch;
+  child.share = share;
   cuts.emplace_back();
 }
 

@@ -18,7 +18,7 @@ struct grown_nodes {
   std::vector<cut> cuts = std::vector<cut>(1);
 
   // Appends a node for a branch of the last test.
-  void add_child(unsigned int branch);
+  void add_child(unsigned int branch, float share);
 
   // Puts another part, grown from one node's cases, in the place of that node.
   void graft(std::size_t node, grown_nodes part);

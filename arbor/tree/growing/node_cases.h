@@ -49,6 +49,13 @@ class case_rows : private strata::util::nocopy {
   const impls::w_sequence& weights;
 };
 
+// Whether so little is left of a case's weight that it is left out. It would take the time and the
+// memory of a whole case, in many branches at once, and its weight might end as 0.
+inline bool is_sliver(const impls::w_sequence::value_type& weighted, const case_rows& rows) {
+  constexpr float least_part = 1.0F / 1024;
+  return weighted.second < least_part * rows.weight(weighted.first) || !(weighted.second > 0);
+}
+
 // Bounds [first, second) of known codes.
 using code_range = strata::util::pair<unsigned int, unsigned int>;
 

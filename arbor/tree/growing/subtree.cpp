@@ -1,8 +1,8 @@
 #include "arbor/tree/growing/subtree.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
-#include <optional>
 #include <utility>
 
 namespace arbor::tree {
@@ -15,6 +15,31 @@ constexpr std::size_t worth_sharing = 1000;
 unsigned int threads_for(const grow_options& options, std::size_t cases) {
   if (cases < worth_sharing) return 1;
   return options.threads == 0 ? machine_threads() : options.threads;
+}
+
+// Makes a node a test or, if `split` is null, a leaf. Returns the branches, the largest first: it
+// goes to the bottom of a stack and is processed last, so that waiting branches hold at most twice
+// the root's cases.
+std::vector<open_branch> make_node(grown_nodes& grown, std::size_t number, const growing_node& node,
+                                   const std::shared_ptr<node_split>& split) {
+  grown.nodes[number].class_weights = node.class_weights();
+  std::vector<open_branch> branches;
+  if (split == nullptr) return branches;
+  const rated_test& test = split->test();
+  tree_node& made = grown.nodes[number];
+  made.attribute = static_cast<unsigned int>(test.column_index);
+  made.split.branches = test.rating.branches;
+  made.first_child = static_cast<unsigned int>(grown.nodes.size());
+  made.child_count = static_cast<unsigned int>(split->branches().size());
+  grown.cuts[number] = cut_of(test.rating);
+  for (const node_split::branch& branch : split->branches()) {
+    branches.push_back({grown.nodes.size(), split, branch});
+    grown.add_child(branch.number, branch.share);
+  }
+  std::stable_sort(
+      branches.begin(), branches.end(),
+      [](const open_branch& a, const open_branch& b) { return a.branch.size > b.branch.size; });
+  return branches;
 }
 
 }  // namespace
@@ -31,91 +56,62 @@ void growth::add_settled(float weight) {
 }
 
 void subtree::grow(node_cases root) {
-  settle({0, std::move(root)}, nullptr);
-  while (!open.empty()) settle(take_next(), nullptr);
-}
-
-void subtree::grow_in_parallel(node_cases root) {
-  const std::size_t small =
-      std::max(worth_sharing, root.cases->size() / (std::size_t{16} * shared.pool.size()));
-  // Cases with unknown values wait in many branches at once; this bounds the memory they take.
-  const std::size_t most_waiting = root.cases->size();
-  std::vector<waiting_node> small_nodes;
-  std::size_t waiting = 0;
-  settle({0, std::move(root)}, &shared.pool);
+  settle(0, std::move(root));
   while (!open.empty()) {
-    waiting_node next = take_next();
-    if (next.cases.cases->size() >= small) {
-      settle(std::move(next), &shared.pool);
-      continue;
-    }
-    waiting += next.cases.cases->size();
-    small_nodes.push_back(std::move(next));
-    if (waiting >= most_waiting) {
-      grow_all(std::exchange(small_nodes, {}));
-      waiting = 0;
-    }
-  }
-  grow_all(std::move(small_nodes));
-}
-
-// Grows the subtrees of some nodes in parallel.
-void subtree::grow_all(std::vector<waiting_node> roots) {
-  std::vector<subtree> subtrees(roots.size(), subtree(shared));
-  shared.pool.for_each(subtrees.size(),
-                       [&](std::size_t i) { subtrees[i].grow(std::move(roots[i].cases)); });
-  for (std::size_t i = 0; i < subtrees.size(); ++i)
-    grown.graft(roots[i].node, subtrees[i].take_nodes());
-}
-
-subtree::waiting_node subtree::take_next() {
-  const open_branch next = std::move(open.back());
-  open.pop_back();
-  return {next.node, next.parent->cases_of(next.branch, grown.nodes[next.node].share)};
-}
-
-// Makes a node a test or a leaf.
-void subtree::settle(waiting_node next, thread_pool* pool) {
-  const float weight = total_weight(*next.cases.cases);
-  grown.nodes[next.node].class_weights =
-      present_classes(class_weights(next.cases.rows->class_column(), *next.cases.cases));
-  std::optional<rated_test> best;
-  if (may_split(next, weight)) {
-    gather_rows(next.cases);
-    best = best_test(next.cases, grown.nodes[next.node].class_weights, weight, options.min_weight,
-                     pool);
-  }
-  if (best) {
-    make_test(std::move(next), weight, *best);
-  } else {
-    shared.add_settled(weight);
+    const open_branch next = std::move(open.back());
+    open.pop_back();
+    settle(next.node, next.parent->take_cases(next.branch));
   }
 }
 
-bool subtree::may_split(const waiting_node& next, float weight) const {
-  const std::size_t classes = grown.nodes[next.node].class_weights.size();
-  return classes > 1 && weight >= 2 * options.min_weight && next.cases.depth < options.max_depth;
-}
-
-void subtree::make_test(waiting_node next, float weight, const rated_test& test) {
-  const auto parent = std::make_shared<const node_split>(std::move(next.cases), weight, test);
-  tree_node& node = grown.nodes[next.node];
-  node.attribute = static_cast<unsigned int>(test.column_index);
-  node.split.branches = test.rating.branches;
-  node.first_child = static_cast<unsigned int>(grown.nodes.size());
-  node.child_count = static_cast<unsigned int>(parent->branches().size());
-  grown.cuts[next.node] = cut_of(test.rating);
-  std::vector<open_branch> branches;
-  for (const node_split::branch& branch : parent->branches()) {
-    branches.push_back({grown.nodes.size(), parent, branch});
-    grown.add_child(branch.number);
-  }
-  // The largest branch goes to the bottom of the stack and is processed last, so waiting branches
-  // hold at most twice the root's cases.
-  std::stable_sort(
-      branches.begin(), branches.end(),
-      [](const open_branch& a, const open_branch& b) { return a.branch.size() > b.branch.size(); });
+void subtree::settle(std::size_t number, node_cases cases) {
+  growing_node node(std::move(cases), shared.options);
+  for (std::size_t i = 0; i < node.columns(); ++i) node.rate(i);
+  const std::shared_ptr<node_split> split = node.split();
+  if (split == nullptr) shared.add_settled(node.weight());
+  std::vector<open_branch> branches = make_node(grown, number, node, split);
   std::move(branches.begin(), branches.end(), std::back_inserter(open));
+}
+
+parallel_subtree::parallel_subtree(growth& of_tree, std::size_t root_cases)
+    : shared(of_tree),
+      small(std::max(worth_sharing, root_cases / (std::size_t{16} * shared.pool.size()))) {}
+
+void parallel_subtree::grow(node_cases root) {
+  tasks.add([this, root] { settle(0, root); });
+  tasks.run(shared.pool);
+}
+
+void parallel_subtree::settle(std::size_t number, node_cases cases) {
+  if (cases.cases->size() < small) {
+    subtree part(shared);
+    part.grow(std::move(cases));
+    const std::lock_guard<std::mutex> lock(mutex);
+    grown.graft(number, part.take_nodes());
+    return;
+  }
+  const auto node = std::make_shared<growing_node>(std::move(cases), shared.options);
+  if (node->columns() == 0) {
+    conclude(number, *node);
+    return;
+  }
+  const auto unrated = std::make_shared<std::atomic<std::size_t>>(node->columns());
+  for (std::size_t i = 0; i < node->columns(); ++i) {
+    tasks.add([=] {
+      node->rate(i);
+      if (--*unrated == 0) conclude(number, *node);
+    });
+  }
+}
+
+void parallel_subtree::conclude(std::size_t number, growing_node& node) {
+  const std::shared_ptr<node_split> split = node.split();
+  if (split == nullptr) shared.add_settled(node.weight());
+  std::unique_lock<std::mutex> lock(mutex);
+  const std::vector<open_branch> branches = make_node(grown, number, node, split);
+  lock.unlock();
+  for (const open_branch& next : branches)
+    tasks.add([this, next] { settle(next.node, next.parent->take_cases(next.branch)); });
 }
 
 }  // namespace arbor::tree

@@ -1,10 +1,11 @@
 // Grows a tree, or a part of one, from the cases of one node.
 //
-// Branches wait on a stack of their own until their turn comes, because a recursive function could
-// overflow the thread's stack on a deep tree.
+// Branches wait on a stack until their turn comes, because a recursive function could overflow the
+// thread's stack on a deep tree.
 #ifndef ARBOR_TREE_GROWING_SUBTREE_H
 #define ARBOR_TREE_GROWING_SUBTREE_H
 
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -12,8 +13,9 @@
 
 #include "arbor/table/thread_pool.h"
 #include "arbor/tree/grower.h"
+#include "arbor/tree/growing/growing_node.h"
 #include "arbor/tree/growing/grown_nodes.h"
-#include "arbor/tree/growing/node_split.h"
+#include "arbor/tree/task_stack.h"
 #include "arbor/utils/nocopy.h"
 
 namespace arbor::tree {
@@ -35,42 +37,47 @@ class growth : private strata::util::nocopy {
   double settled_weight = 0;
 };
 
+// A branch whose cases are still part of its parent's split.
+struct open_branch {
+  std::size_t node;
+  std::shared_ptr<node_split> parent;
+  node_split::branch branch;
+};
+
+// Grows on the calling thread.
 class subtree {
  public:
-  explicit subtree(growth& of_tree) : shared(of_tree), options(of_tree.options) {}
+  explicit subtree(growth& of_tree) : shared(of_tree) {}
 
-  // Grows from `root`, on the calling thread.
   void grow(node_cases root);
-
-  // The same on all threads of the pool: the columns of a large node are rated in parallel, and
-  // small nodes' subtrees are grown in parallel.
-  void grow_in_parallel(node_cases root);
-
   grown_nodes take_nodes() { return std::move(grown); }
 
  private:
-  // A branch whose cases have not yet been separated from those of its parent.
-  struct open_branch {
-    std::size_t node;
-    std::shared_ptr<const node_split> parent;
-    node_split::branch branch;
-  };
-  // A node that has its cases, and will become a test or a leaf.
-  struct waiting_node {
-    std::size_t node;
-    node_cases cases;
-  };
-
-  waiting_node take_next();
-  void grow_all(std::vector<waiting_node> roots);
-  void settle(waiting_node next, thread_pool* pool);
-  bool may_split(const waiting_node& next, float weight) const;
-  void make_test(waiting_node next, float weight, const rated_test& test);
+  void settle(std::size_t number, node_cases cases);
 
   growth& shared;
-  const grow_options& options;
   grown_nodes grown;
   std::vector<open_branch> open;
+};
+
+// Grows on all threads of the pool: the columns of a large node are rated in parallel, and large
+// nodes and the subtrees of small ones grow in parallel.
+class parallel_subtree {
+ public:
+  parallel_subtree(growth& of_tree, std::size_t root_cases);
+
+  void grow(node_cases root);
+  grown_nodes take_nodes() { return std::move(grown); }
+
+ private:
+  void settle(std::size_t number, node_cases cases);
+  void conclude(std::size_t number, growing_node& node);
+
+  growth& shared;
+  std::size_t small;  // nodes of fewer cases are grown by one thread, with all below them
+  task_stack tasks;
+  std::mutex mutex;  // guards `grown`
+  grown_nodes grown;
 };
 
 }  // namespace arbor::tree

@@ -14,15 +14,6 @@ std::vector<std::size_t> testable_columns(const case_rows& rows) {
   return result;
 }
 
-judged_split split_on(std::size_t column_index, node_cases& node, const rated_cases& of_node) {
-  const column& attribute = *node.rows->columns()[column_index];
-  code_range& range = node.ranges[column_index];
-  // Reading every case once is cheaper than rating a range with more codes than there are cases.
-  const bool too_wide = range.second - range.first > node.cases->size();
-  if (too_wide) range = occurring_range(attribute, *node.cases);
-  return rate_split(attribute, range, of_node);
-}
-
 // Whether a tree may test the attribute.
 bool is_eligible(const judged_split& split) {
   return split.judged_gain > 0;
@@ -51,23 +42,29 @@ split_choice choose(const std::vector<judged_split>& splits) {
   return result;
 }
 
-std::optional<rated_test> best_test(node_cases& node,
-                                    const std::vector<weighted_class>& class_weights,
-                                    float node_weight, float min_weight, thread_pool* pool) {
-  const gain_by_chance chance(class_weights);
-  const rated_cases of_node{*node.cases, node.rows->class_column(), node_weight, min_weight,
-                            chance,      rating_need::choice};
-  const std::vector<std::size_t> columns = testable_columns(*node.rows);
-  std::vector<judged_split> splits(columns.size());
-  const auto rate_one = [&](std::size_t i) { splits[i] = split_on(columns[i], node, of_node); };
-  if (pool != nullptr) {
-    pool->for_each(splits.size(), rate_one);
-  } else {
-    for (std::size_t i = 0; i < splits.size(); ++i) rate_one(i);
-  }
+test_search::test_search(node_cases& rated, const std::vector<weighted_class>& class_weights,
+                         float node_weight, float min_weight)
+    : node(rated),
+      chance(class_weights),
+      of_node{*node.cases, node.rows->class_column(), node_weight, min_weight,
+              chance,      rating_need::choice},
+      column_indices(testable_columns(*node.rows)),
+      splits(column_indices.size()) {}
+
+void test_search::rate(std::size_t i) {
+  const std::size_t column_index = column_indices[i];
+  const column& attribute = *node.rows->columns()[column_index];
+  code_range& range = node.ranges[column_index];
+  // Reading every case once is cheaper than rating a range with more codes than there are cases.
+  const bool too_wide = range.second - range.first > node.cases->size();
+  if (too_wide) range = occurring_range(attribute, *node.cases);
+  splits[i] = rate_split(attribute, range, of_node);
+}
+
+std::optional<rated_test> test_search::best() const {
   const split_choice choice = choose(splits);
   if (!choice.best) return std::nullopt;
-  return rated_test{columns[*choice.best], splits[*choice.best].rating};
+  return rated_test{column_indices[*choice.best], splits[*choice.best].rating};
 }
 
 }  // namespace arbor::tree

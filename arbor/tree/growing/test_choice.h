@@ -10,9 +10,9 @@
 #include <optional>
 #include <vector>
 
-#include "arbor/table/thread_pool.h"
 #include "arbor/tree/growing/judged_split.h"
 #include "arbor/tree/growing/node_cases.h"
+#include "arbor/utils/nocopy.h"
 
 namespace arbor::tree {
 
@@ -29,13 +29,34 @@ struct rated_test {
   impls::column::splitting_desc rating;
 };
 
-// The best test of a node; none if no attribute splits its cases so that a gain is left when it is
-// judged. `class_weights` are those of the cases, `node_weight` is their sum, and `min_weight` the
-// least weight of a branch. Ranges of codes that turn out to be far too wide are narrowed in
-// `node`. The columns are rated on the threads of `pool`; null for one thread.
-std::optional<rated_test> best_test(node_cases& node,
-                                    const std::vector<weighted_class>& class_weights,
-                                    float node_weight, float min_weight, thread_pool* pool);
+// Rates the columns of a node and chooses its test.
+//
+//   test_search search(node, class_weights, weight, 2);
+//   for (std::size_t i = 0; i < search.columns(); ++i) search.rate(i);
+//   std::optional<rated_test> test = search.best();
+class test_search : private strata::util::nocopy {
+ public:
+  // `class_weights` are those of the cases, `node_weight` is their sum, and `min_weight` the least
+  // weight of a branch. `rated` must outlive the search.
+  test_search(node_cases& rated, const std::vector<weighted_class>& class_weights,
+              float node_weight, float min_weight);
+
+  // The number of columns that a tree may test.
+  std::size_t columns() const { return splits.size(); }
+  // Rates one of them, once; several threads may rate different ones. A range of codes in the node
+  // that turns out to be far too wide is narrowed.
+  void rate(std::size_t i);
+  // Once all are rated: the best test; none if no attribute splits the cases so that a gain is left
+  // when it is judged.
+  std::optional<rated_test> best() const;
+
+ private:
+  node_cases& node;
+  const gain_by_chance chance;
+  const rated_cases of_node;
+  const std::vector<std::size_t> column_indices;
+  std::vector<judged_split> splits;
+};
 
 }  // namespace arbor::tree
 
