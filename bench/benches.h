@@ -12,6 +12,7 @@ void add_partition(sample& table);  // taking the cases of a branch
 void add_records();                 // saving and reloading columns
 void add_text();                    // from text to codes
 void add_trees();                   // growing whole trees
+void add_classifying();             // the rows of a file
 
 }  // namespace arbor::bench
 

@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
   arbor::bench::add_records();
   arbor::bench::add_text();
   arbor::bench::add_trees();
+  arbor::bench::add_classifying();
   benchmark::RunSpecifiedBenchmarks();
   return 0;
 }

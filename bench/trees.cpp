@@ -1,14 +1,13 @@
 // Growing a whole tree on a table with unknown cells or uneven weights, compared with growing one
 // on the same table without, and on two threads, compared with one.
 
-#include <cstdio>
 #include <memory>
 
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/grower.h"
 #include "bench/benches.h"
 #include "bench/comparison.h"
-#include "bench/people_table.h"
+#include "bench/people_file.h"
 
 namespace arbor::bench {
 
@@ -17,17 +16,10 @@ namespace {
 constexpr std::size_t rows = 300000;
 
 std::shared_ptr<const tree::table> make_table(const people_table::settings& settings) {
-  people_table people(settings);
-  std::string text = people.head();
-  for (std::size_t row = 0; row < rows; ++row) people.append_row(text);
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
-  expect(file != nullptr, "there is room for a file");
-  expect(std::fwrite(text.data(), 1, text.size(), file.get()) == text.size(), "it is written");
-  expect(std::fflush(file.get()) == 0, "it is written");
   tree::load_options options;
   if (settings.weights) options.weights_name = "weight";
-  const std::string path = "/proc/self/fd/" + std::to_string(fileno(file.get()));
-  return std::make_shared<const tree::table>(tree::load_table(path, options));
+  return std::make_shared<const tree::table>(
+      tree::load_table(people_file(settings, rows).path(), options));
 }
 
 std::function<void()> growing(const std::shared_ptr<const tree::table>& training,
