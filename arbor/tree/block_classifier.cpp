@@ -9,6 +9,12 @@
 
 namespace arbor::tree {
 
+namespace {
+
+constexpr std::size_t most_text = 1U << 20U;
+
+}  // namespace
+
 void stray_texts::add(const stray_texts& later) {
   if (count == 0) {
     first = later.first;
@@ -29,18 +35,21 @@ block_classifier::block_classifier(const csv_table& table, const decision_tree& 
       read_class(*grown.class_column),
       texts(grown.attributes.size()) {}
 
-void block_classifier::operator()(const csv_block& block, classified_rows& result) {
+std::size_t block_classifier::operator()(const csv_block& block, std::size_t next,
+                                         classified_rows& result) {
   result.rows = 0;
   result.text.clear();
   result.cases.clear();
   result.strays.assign(cells.attributes.size(), {});
   result.error = nullptr;
   try {
-    for (; result.rows < block.rows(); ++result.rows) classify(block.row(result.rows), result);
-    block.check_end();
+    for (; next < block.rows() && result.text.size() < most_text; ++next, ++result.rows)
+      classify(block.row(next), result);
+    if (next == block.rows()) block.check_end();
   } catch (const table_error&) {
     result.error = std::current_exception();
   }
+  return next;
 }
 
 void block_classifier::classify(const csv_row& row, classified_rows& result) {

@@ -2,8 +2,10 @@
 //
 //   block_classifier classify(file, tree, cells, options, true);
 //   classified_rows classified;
-//   classify(block, classified);
-//   out << classified.text;
+//   for (std::size_t next = 0; next < block.rows();) {
+//     next = classify(block, next, classified);
+//     out << classified.text;
+//   }
 #ifndef ARBOR_TREE_BLOCK_CLASSIFIER_H
 #define ARBOR_TREE_BLOCK_CLASSIFIER_H
 
@@ -51,8 +53,10 @@ class block_classifier {
   block_classifier(const csv_table& file, const decision_tree& tree, const used_cells& cells,
                    const classification_options& options, bool writes);
 
-  // Replaces `result`, whose storage is used again.
-  void operator()(const csv_block& block, classified_rows& result);
+  // Classifies rows from the one with this number on, as many as there are or until a megabyte has
+  // been written: the probabilities of many classes may take far more room than the row. Replaces
+  // `result`, whose storage is used again. Returns the number of the next row.
+  std::size_t operator()(const csv_block& block, std::size_t next, classified_rows& result);
 
  private:
   void classify(const csv_row& row, classified_rows& result);

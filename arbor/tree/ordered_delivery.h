@@ -2,7 +2,7 @@
 //
 //   ordered_delivery<std::string> rows(8, [&](const std::string& text) { out << text; });
 //   // on each thread, for each number that it gets:
-//   if (!rows.put(number, text)) return;
+//   if (!rows.put(number, text, true)) return;
 #ifndef ARBOR_TREE_ORDERED_DELIVERY_H
 #define ARBOR_TREE_ORDERED_DELIVERY_H
 
@@ -24,10 +24,11 @@ class ordered_delivery {
       : deliver(std::move(take)), waiting(most_waiting) {}
 
   // Hands over the piece of a number, from 0 on, and leaves an old one in its place, whose storage
-  // can be used again. Delivers it and those that waited for it, unless another thread is about to;
+  // can be used again. A number may have several pieces, from one thread, with `is_last` at the
+  // last. Delivers the piece and those that waited for it, unless another thread is about to;
   // throws what that throws. Blocks while too many pieces would wait. Returns false, and does
   // nothing, after `end`.
-  bool put(std::size_t number, Piece& piece);
+  bool put(std::size_t number, Piece& piece, bool is_last);
 
   // Ends the delivery. Call it when a number will never be put, or when `put` has thrown.
   void end();
@@ -36,6 +37,7 @@ class ordered_delivery {
   struct place {
     Piece piece;
     bool is_taken = false;
+    bool is_last = false;
   };
 
   place& place_of(std::size_t number) { return waiting[number % waiting.size()]; }
@@ -52,19 +54,21 @@ class ordered_delivery {
 // -- Implementation --
 
 template <class Piece>
-bool ordered_delivery<Piece>::put(std::size_t number, Piece& piece) {
+bool ordered_delivery<Piece>::put(std::size_t number, Piece& piece, bool is_last) {
   std::unique_lock<std::mutex> lock(mutex);
-  changed.wait(lock, [&] { return ended || number < next + waiting.size(); });
+  place& own = place_of(number);
+  changed.wait(lock, [&] { return ended || (number < next + waiting.size() && !own.is_taken); });
   if (ended) return false;
-  std::swap(place_of(number).piece, piece);
-  place_of(number).is_taken = true;
+  std::swap(own.piece, piece);
+  own.is_taken = true;
+  own.is_last = is_last;
   if (std::exchange(is_delivering, true)) return true;
   while (!ended && place_of(next).is_taken) {
     lock.unlock();
     deliver(place_of(next).piece);  // only this thread changes `next`
     lock.lock();
     place_of(next).is_taken = false;
-    ++next;
+    if (place_of(next).is_last) ++next;
     changed.notify_all();
   }
   is_delivering = false;

@@ -78,8 +78,11 @@ class file_classifier {
       csv_block block;
       classified_rows classified;
       while (file.next(block)) {
-        classify(block, classified);
-        if (!delivery.put(block.number(), classified)) return;
+        std::size_t next = 0;
+        do {
+          next = classify(block, next, classified);
+          if (!delivery.put(block.number(), classified, next == block.rows())) return;
+        } while (next < block.rows());
       }
     } catch (...) {
       delivery.end();

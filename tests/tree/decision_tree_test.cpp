@@ -4,9 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <map>
+#include <set>
+#include <sstream>
 #include <utility>
 
 #include "arbor/table/thread_pool.h"
@@ -224,6 +227,38 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
       for (const auto& weighted : here) EXPECT_GT(weighted.second, 0);
     }
   }
+}
+
+// Of many blocks and uneven weights: a whole file, and one with two faults.
+TEST(Classification, IsTheSameOnAnyThreadsAndEndsAtTheFirstFault) {
+  const decision_tree t = grown(load_csv("n,c\n1,x\n1,x\n2,y\n2,y\n2,x\n"));
+  std::string rows;
+  for (int i = 0; i < 30000; ++i)
+    rows += (i % 500 == 7 ? "8O" : std::to_string(i % 4)) + ",x,0." + std::to_string(i % 97) + "\n";
+  const temporary_file whole("n,c,w\n" + rows + rows),
+      faulty("n,c,w\n" + rows + "1,x,-1\n" + rows + "1,x\n" + rows);
+  tree::classification_options options;
+  options.weights_name = "w";
+  std::set<std::string> results;
+  for (const unsigned int threads : {1U, 2U, 5U}) {
+    options.threads = threads;
+    std::ostringstream out, before_fault;
+    const auto result = tree::classify_table(whole.path(), t, options, &out);
+    EXPECT_EQ(result.rows, 60000);
+    EXPECT_EQ(result.remarks.at(0).substr(whole.path().size()),
+              ": column \"n\": 118 texts that are no numbers were taken as unknown, the first is "
+              "\"8O\" in line 9");
+    const std::string message =
+        message_of([&] { tree::classify_table(faulty.path(), t, options, &before_fault); });
+    EXPECT_EQ(message.substr(faulty.path().size(), 30), ":30002: column \"w\": \"-1\" is no");
+    EXPECT_EQ(before_fault.str(), out.str().substr(0, before_fault.str().size()));
+    const std::string written = before_fault.str();
+    EXPECT_EQ(std::count(written.begin(), written.end(), '\n'), 30001);
+    std::ostringstream bits;
+    bits << std::hexfloat << result.quality->log_loss() << result.quality->brier_score();
+    results.insert(out.str() + bits.str());
+  }
+  EXPECT_EQ(results.size(), 1);
 }
 
 // Which branch texts take of a test that has 2 on its first and 5 on its second one: 0 stands for
