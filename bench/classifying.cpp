@@ -10,7 +10,7 @@
 #include "arbor/tree/table_classification.h"
 #include "bench/benches.h"
 #include "bench/comparison.h"
-#include "bench/people_file.h"
+#include "bench/people_table.h"
 
 namespace arbor::bench {
 

@@ -274,7 +274,7 @@ void add_logarithms() {
       keep(result.data());
     };
     const auto unit = [=](std::vector<double>& result) {
-      for (std::size_t i = 0; i < result.size(); ++i) result[i] = impls::log_term((*weights)[i]);
+      impls::log_terms(weights->data(), weights->size(), result.data());
       keep(result.data());
     };
     std::vector<double> expected(terms->size());

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <iterator>
+#include <stdexcept>
 
 namespace arbor::bench {
 
@@ -35,6 +36,18 @@ void people_table::append_row(std::string& text) {
   append_cell("{},", p.years_owned);
   append_cell("{},", p.loan);
   text += p.group == 0 ? "A\n" : "B\n";
+}
+
+people_file::people_file(const people_table::settings& settings, std::size_t rows)
+    : file(std::tmpfile(), std::fclose) {
+  people_table people(settings);
+  std::string text = people.head();
+  for (std::size_t row = 0; row < rows; ++row) people.append_row(text);
+  bytes = text.size();
+  if (file == nullptr || std::fwrite(text.data(), 1, bytes, file.get()) != bytes ||
+      std::fflush(file.get()) != 0) {
+    throw std::runtime_error("there is no room for a file");
+  }
 }
 
 }  // namespace arbor::bench

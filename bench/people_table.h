@@ -6,6 +6,9 @@
 #ifndef ARBOR_BENCH_PEOPLE_TABLE_H
 #define ARBOR_BENCH_PEOPLE_TABLE_H
 
+#include <cstddef>
+#include <cstdio>
+#include <memory>
 #include <random>
 #include <string>
 
@@ -32,6 +35,19 @@ class people_table {
   settings chosen;
   agrawal people;
   std::mt19937_64 random;  // which cells are unknown, and the weights
+};
+
+// A file of such rows, gone with this object.
+class people_file {
+ public:
+  people_file(const people_table::settings& settings, std::size_t rows);
+
+  std::string path() const { return "/proc/self/fd/" + std::to_string(fileno(file.get())); }
+  std::size_t size() const { return bytes; }
+
+ private:
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file;
+  std::size_t bytes = 0;
 };
 
 }  // namespace arbor::bench

@@ -1,5 +1,5 @@
-// From text to codes: reading numbers, filling a domain, looking values up, appending rows. There
-// is no aim here; the loops by hand show how much of the time the task itself takes.
+// From text to codes: reading numbers, filling a domain, looking values up, appending rows. Most
+// have no aim; the loops by hand show how much of the time the task itself takes.
 
 #include <algorithm>
 #include <array>
@@ -71,19 +71,23 @@ std::vector<T> bare_domain(const std::vector<const char*>& texts) {
   return values;
 }
 
-// The cells of a column as a file would hold them: repeated texts, in no order.
+// The cells of a column as a file would hold them: repeated texts, in no order, row after row.
 struct cells {
   std::string data_type;
   std::vector<std::string> distinct;
+  std::string characters = {};
   std::vector<const char*> texts = {};
 
   // Each text once, and then any of them.
   void draw() {
     std::mt19937_64 random(3);
-    texts.reserve(cell_count);
-    for (const std::string& text : distinct) texts.push_back(text.c_str());
-    while (texts.size() < cell_count) texts.push_back(distinct[random() % distinct.size()].c_str());
-    std::shuffle(texts.begin(), texts.end(), random);
+    std::vector<std::size_t> drawn(cell_count);
+    for (std::size_t i = 0; i < cell_count; ++i)
+      drawn[i] = i < distinct.size() ? i : random() % distinct.size();
+    std::shuffle(drawn.begin(), drawn.end(), random);
+    for (const std::size_t i : drawn) characters += distinct[i] + '\0';
+    for (const char* c = characters.data(); texts.size() < cell_count; c += std::strlen(c) + 1)
+      texts.push_back(c);
   }
 
   std::unique_ptr<o_set> domain() const {
@@ -167,6 +171,48 @@ void add(const std::string& data_type, unsigned int count) {
   });
 }
 
+// The codes of a column of integers, in the order in which the values occur: a table of hashes, as
+// small as one of these values can be.
+std::vector<unsigned int> hashed_codes(const std::vector<const char*>& texts) {
+  struct slot {
+    int value;
+    unsigned int code;  // 0: free
+  };
+  constexpr std::size_t slots = 1U << 18U;
+  std::vector<slot> table(slots, slot{0, 0});
+  std::vector<unsigned int> codes;
+  codes.reserve(texts.size());
+  unsigned int last = 0;
+  for (const char* text : texts) {
+    int value = 0;
+    read(text, value);
+    std::size_t i = (static_cast<unsigned int>(value) * 2654435769U) >> 14U;
+    while (table[i].code != 0 && table[i].value != value) i = (i + 1) % slots;
+    if (table[i].code == 0) table[i] = {value, ++last};
+    codes.push_back(table[i].code);
+  }
+  keep(codes.data());
+  return codes;
+}
+
+// A column as a program without the loader makes it: all texts inserted, then all appended.
+void add_embedded() {
+  compare("inserting and appending texts : hashing/130,000 values, integer", {aim::ratio, 12}, [] {
+    const auto source = make_cells("integer", 130000);
+    const auto make = [=] {
+      std::string error;
+      std::unique_ptr<o_set> domain = source->domain();
+      const std::unique_ptr<column> made(
+          column::NEW_COLUMN(domain.get(), "x", "continuous", error));
+      expect(made != nullptr, "the column is made");
+      domain.release();
+      for (const char* text : source->texts) made->push_back(text);
+      keep(made.get());
+    };
+    return comparison{cell_count, make, [=] { hashed_codes(source->texts); }};
+  });
+}
+
 // The first question to a domain of values that came in no order.
 void add_freeze() {
   constexpr unsigned int count = 100000;
@@ -240,6 +286,7 @@ void add_text() {
   add<int>("integer", 1000);
   add<float>("float", 100000);
   add_freeze();
+  add_embedded();
 }
 
 }  // namespace arbor::bench

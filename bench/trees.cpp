@@ -7,7 +7,7 @@
 #include "arbor/tree/grower.h"
 #include "bench/benches.h"
 #include "bench/comparison.h"
-#include "bench/people_file.h"
+#include "bench/people_table.h"
 
 namespace arbor::bench {
 
@@ -16,10 +16,10 @@ namespace {
 constexpr std::size_t rows = 300000;
 
 std::shared_ptr<const tree::table> make_table(const people_table::settings& settings) {
+  const people_file file(settings, rows);
   tree::load_options options;
   if (settings.weights) options.weights_name = "weight";
-  return std::make_shared<const tree::table>(
-      tree::load_table(people_file(settings, rows).path(), options));
+  return std::make_shared<const tree::table>(tree::load_table(file.path(), options));
 }
 
 std::function<void()> growing(const std::shared_ptr<const tree::table>& training,

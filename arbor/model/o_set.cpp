@@ -34,7 +34,8 @@ o_set* o_set::NEW_O_SET(const std::string& data_type, bool admits_null,
 }
 
 bool o_set::is_null(const char* value) const {
-  return std::strcmp(value, null_value.get()) == 0;
+  const char* const null_text = null_value.get();
+  return *value == *null_text && std::strcmp(value, null_text) == 0;
 }
 
 void o_set::insert_null() {

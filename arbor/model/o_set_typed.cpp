@@ -1,6 +1,7 @@
 #include "arbor/model/o_set_typed.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -11,6 +12,7 @@
 #include "arbor/model/midpoint.h"
 #include "arbor/utils/binary_search_mid.h"
 #include "arbor/utils/number_text.h"
+#include "arbor/utils/pair.h"
 #include "arbor/utils/string_util.h"
 #include "arbor/utils/text_storage.h"
 
@@ -88,12 +90,33 @@ bool greater(const std::string& a, const std::string& b) {
   return string_util::compare_signed(a.c_str(), b.c_str()) > 0;
 }
 
+// A part [first, second) of sorted numbers outside of which `key` is not. Values that are spread
+// evenly are about where a straight line from the first to the last one has them, random ones
+// within about the square root of their number. So the search begins there.
+template <class Number>
+strata::util::pair<std::size_t, std::size_t> part_around(
+    Number key, const std::vector<datatype<Number>>& values) {
+  constexpr std::size_t worth_narrowing = 100;
+  const std::size_t count = values.size();
+  if (count < worth_narrowing) return {0, count};
+  const auto first = static_cast<double>(values.front().value);
+  const auto last = static_cast<double>(values.back().value);
+  const double share = (static_cast<double>(key) - first) / (last - first);
+  if (!(share >= 0 && share <= 1)) return {0, count};  // or one of them is infinite or a NaN
+  const auto guess = static_cast<std::size_t>(share * static_cast<double>(count - 1));
+  const auto near = static_cast<std::size_t>(std::sqrt(static_cast<double>(count)));
+  const std::size_t low = guess > near ? guess - near : 0;
+  const std::size_t high = std::min(count, guess + near);
+  if (key < values[low].value) return {0, low};
+  if (high < count && !(key < values[high].value)) return {high, count};
+  return {low, high};
+}
+
 // The position of a text's value among sorted values, or their number when it is not there.
 template <class Number>
 std::size_t position_of(const char* text, const std::vector<datatype<Number>>& values) {
   const auto key = parsed<datatype<Number>>(text);
-  std::size_t lo = 0;
-  std::size_t hi = values.size();
+  auto [lo, hi] = part_around(key.value, values);
   while (lo < hi) {
     const std::size_t mid = lo + (hi - lo) / 2;
     if (values[mid] == key) return mid;

@@ -69,10 +69,9 @@ class loading {
     table result;
     result.name = file.name();
     result.class_index = class_cell;
-    make_columns();
+    make_columns_and(result.cases);
     for (const auto& loader : loaders)
       result.columns.push_back(loader->take(file.unknowns().texts(), result.remarks));
-    result.cases = weighted_cases();
     result.total_weight = total_weight(result.cases);
     check_total(result.total_weight);
     return result;
@@ -236,13 +235,15 @@ class loading {
   }
 
   // The class before the others, as it may have too many values. Of several columns that are
-  // refused, the first one is named.
-  void make_columns() {
+  // refused, the first one is named. The cases come last, when most cells have been freed.
+  void make_columns_and(impls::w_sequence& cases) {
     make_class_column();
     std::vector<std::exception_ptr> refusals(loaders.size());
-    pool->for_each(loaders.size(), [&](std::size_t cell) {
+    pool->for_each(loaders.size() + 1, [&](std::size_t cell) {
+      if (cell == class_cell) return;
+      if (cell == loaders.size()) return make_cases(cases);
       try {
-        if (cell != class_cell) make_column(*loaders[cell]);
+        make_column(*loaders[cell]);
       } catch (const table_error&) {
         refusals[cell] = std::current_exception();
       }
@@ -271,15 +272,13 @@ class loading {
     }
   }
 
-  impls::w_sequence weighted_cases() {
-    impls::w_sequence cases;
+  void make_cases(impls::w_sequence& cases) {
     cases.reserve(rows);
     for (unsigned int row = 0; row < rows; ++row) cases.push_back({row, 1.0F});
     auto next = cases.begin();
     weights.consume([&](const float* first, std::size_t count) {
       for (std::size_t i = 0; i < count; ++i, ++next) next->second = first[i];
     });
-    return cases;
   }
 
   csv_table file;

@@ -20,7 +20,7 @@ namespace arbor::tree {
 class prediction {
  public:
   prediction() = default;
-  // `of_classes` are the probabilities of the classes; entry c is that of the class with code c + 1.
+  // `of_classes` has the probability of each class; entry c is that of the class with code c + 1.
   explicit prediction(std::vector<double> of_classes) : distribution(std::move(of_classes)) {}
 
   // The same as `scored` returns, which is kept for one class: most cases at a leaf have the same.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <iterator>
 #include <new>
 #include <string>
@@ -60,18 +61,67 @@ bool comes_before(const datatype<T>& a, const datatype<T>& b) {
   return a < b;
 }
 
-// Of values that are equal the first one stays. Only 0 and -0 are equal and different, so the other
-// data types do without a stable sort.
+// Numbers that sort like the values. Zero and its negative have the same one, NaNs the greatest.
+unsigned int sort_key(int value) {
+  return static_cast<unsigned int>(value) ^ 0x80000000U;
+}
+
+unsigned int sort_key(unsigned int value) {
+  return value;
+}
+
+unsigned int sort_key(float value) {
+  if (std::isnan(value)) return 0xFFFFFFFF;
+  if (value == 0) return 0x80000000U;
+  unsigned int bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return (bits & 0x80000000U) != 0 ? ~bits : bits | 0x80000000U;
+}
+
+// One counting sort for each eleven bits of the keys, the lowest first: values that are equal stay
+// in their order. Returns whether there is memory for that; the values are unchanged if not.
+template <class T>
+bool sort_by_digits(std::vector<T>& values) noexcept {
+  constexpr unsigned int digit_bits = 11;
+  constexpr unsigned int digits = 1U << digit_bits;
+  const std::unique_ptr<T[]> copy(new (std::nothrow) T[values.size()]);
+  if (copy == nullptr) return false;
+  T* from = values.data();
+  T* to = copy.get();
+  for (unsigned int shift = 0; shift < 32; shift += digit_bits) {
+    const auto digit = [shift](const T& v) { return sort_key(v.value) >> shift & (digits - 1); };
+    std::array<std::size_t, digits> place{};
+    for (std::size_t i = 0; i < values.size(); ++i) ++place[digit(from[i])];
+    if (place[digit(from[0])] == values.size()) continue;  // all have the same one
+    std::size_t before = 0;
+    for (std::size_t& p : place) before += std::exchange(p, before);
+    for (std::size_t i = 0; i < values.size(); ++i) to[place[digit(from[i])]++] = from[i];
+    std::swap(from, to);
+  }
+  if (from != values.data()) std::copy_n(from, values.size(), values.data());
+  return true;
+}
+
+// Of values that are equal the first one stays. Only 0 and -0 are equal and different, so integers
+// and texts do without a stable sort.
+template <class T>
+void sort_values(std::vector<datatype<T>>& values) {
+  constexpr std::size_t worth_digits = 1000;
+  if constexpr (std::is_arithmetic_v<T> && sizeof(T) == sizeof(int)) {
+    if (values.size() >= worth_digits && sort_by_digits(values)) return;
+  }
+  if constexpr (std::is_floating_point_v<T>) {
+    std::stable_sort(values.begin(), values.end(), comes_before<T>);
+  } else {
+    std::sort(values.begin(), values.end(), comes_before<T>);
+  }
+}
+
 template <class T>
 void sort_distinct(std::vector<datatype<T>>& values) {
-  const auto before = [](const auto& a, const auto& b) { return comes_before(a, b); };
-  const auto misplaced = [&](const auto& a, const auto& b) { return !before(a, b); };
+  const auto misplaced = [](const auto& a, const auto& b) { return !comes_before(a, b); };
   if (std::adjacent_find(values.begin(), values.end(), misplaced) == values.end()) return;
-  if constexpr (std::is_floating_point_v<T>) {
-    std::stable_sort(values.begin(), values.end(), before);
-  } else {
-    std::sort(values.begin(), values.end(), before);
-  }
+  sort_values(values);
   values.erase(std::unique(values.begin(), values.end()), values.end());
 }
 

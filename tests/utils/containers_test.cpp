@@ -87,23 +87,36 @@ TEST(CountingSort, OrdersTheCodesOfTwoKeysOrMoreAndLosesNoneToAThrow) {
 }
 
 // Infinity displaces a zero from its slot; after 256 of that the builder is compacted.
-TEST(ValueSet, KeepsEachValueOnceAndTheZeroThatWasInsertedFirst) {
-  for (const double first : {0.0, -0.0}) {
-    for (const int between : {0, 1, 300}) {
+template <class Number>
+void keep_the_first_zero() {
+  using value = datatype<Number>;
+  for (const Number first : {Number(0), -Number(0)}) {
+    for (const int others : {0, 1, 300, 3000}) {
       for (const bool all_at_once : {false, true}) {
-        strata::adt::set<datatype<double>> builder;
-        for (int i = 0; i <= between; ++i) builder.insert(i % 2 == 0 ? first : HUGE_VAL);
-        std::vector<datatype<double>> more(60, -first);
-        more.push_back(5.0);
+        strata::adt::set<value> builder;
+        for (int i = 0; i <= others; ++i)
+          builder.insert(i == 0 ? first : Number(1 << 20) / -Number(i));
+        std::vector<value> more(60, -first);
+        for (const Number last : {Number(5), Number(HUGE_VAL), Number(NAN), Number(NAN)})
+          more.push_back(last);
         if (all_at_once) builder.insert_all(more);
-        builder.insert(-first);
-        const std::unique_ptr<std::vector<datatype<double>>> values(builder.get());
-        EXPECT_EQ(values->size(), 1U + (between > 0 ? 1 : 0) + (all_at_once ? 1 : 0));
-        EXPECT_TRUE(std::unique_ptr<std::vector<datatype<double>>>(builder.get())->empty());
-        EXPECT_EQ(std::signbit(values->front().value), std::signbit(first)) << between;
+        for (int i = 0; i < 2; ++i) builder.insert(-first);
+        const std::unique_ptr<std::vector<value>> values(builder.get());
+        const std::size_t zero = static_cast<std::size_t>(others);
+        ASSERT_EQ(values->size(), zero + 1 + (all_at_once ? 4 : 0));
+        EXPECT_TRUE(std::unique_ptr<std::vector<value>>(builder.get())->empty());
+        EXPECT_EQ(values->at(zero), value(0));
+        EXPECT_EQ(std::signbit(values->at(zero).value), std::signbit(first)) << others;
+        EXPECT_TRUE(std::is_sorted(values->begin(), values->begin() + others));
+        EXPECT_EQ(std::isnan(values->back().value), all_at_once);
       }
     }
   }
+}
+
+TEST(ValueSet, KeepsEachValueOnceAndTheZeroThatWasInsertedFirst) {
+  keep_the_first_zero<float>();
+  keep_the_first_zero<double>();
 }
 
 TEST(ValueSet, TakesRepeatsWithoutAnAllocation) {

@@ -87,8 +87,8 @@ class counted_end {
   using weight = unsigned int;
   using of_classes = std::array<weight, 2>;
 
-  counted_end() = default;
-  explicit counted_end(const of_classes& /*all*/) : up_to(0), second(0) {}
+  // What is before the first case.
+  static counted_end start(const packed_cases<counted_case>& /*cases*/) { return {}; }
   void add(unsigned int is_second, weight each) {
     up_to += each;
     second += is_second * each;
@@ -99,11 +99,11 @@ class counted_end {
   of_classes right(const of_classes& all) const {
     return {all[0] - (up_to - second), all[1] - second};
   }
-  // Whether all cases after another end and up to this one are of one class.
-  bool one_class_since(const counted_end& other) const {
-    const weight second_since = second - other.second;
-    return (second_since == 0) | (second_since == up_to - other.up_to);
-  }
+  // Of the last end: the weights of all cases.
+  of_classes all(const counted_end& /*start*/) const { return left(); }
+  // The cases up to here, those of the second class in particular.
+  unsigned int of_all() const { return up_to; }
+  unsigned int of_second_class() const { return second; }
 
  private:
   weight up_to;
@@ -117,9 +117,15 @@ class weighed_end {
   using weight = float;
   using of_classes = std::array<weight, 2>;
 
-  weighed_end() = default;
-  explicit weighed_end(const of_classes& all)
-      : up_to{}, after(all), all_up_to(0), cases(0), second_cases(0) {}
+  static weighed_end start(const packed_cases<weighed_case>& cases) {
+    weighed_end result{};
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+      const unsigned int is_second = cases.class_code(i) == 2 ? 1 : 0;
+      result.after[0] += weight_if(1 - is_second, cases.weight(i));
+      result.after[1] += weight_if(is_second, cases.weight(i));
+    }
+    return result;
+  }
   void add(unsigned int is_second, weight added) {
     // Adding and subtracting 0 leaves a sum as it is.
     const float of_first = weight_if(1 - is_second, added);
@@ -136,10 +142,9 @@ class weighed_end {
   weight left_side() const { return all_up_to; }
   const of_classes& left() const { return up_to; }
   const of_classes& right(const of_classes& /*all*/) const { return after; }
-  bool one_class_since(const weighed_end& other) const {
-    const unsigned int second_since = second_cases - other.second_cases;
-    return (second_since == 0) | (second_since == cases - other.cases);
-  }
+  static const of_classes& all(const weighed_end& start) { return start.after; }
+  unsigned int of_all() const { return cases; }
+  unsigned int of_second_class() const { return second_cases; }
 
  private:
   of_classes up_to;
@@ -157,25 +162,20 @@ struct code_ends {
   explicit code_ends(const packed_cases<Case>& cases)
       : ends(cases.size(), strata::util::first_values::any),
         codes(cases.size(), strata::util::first_values::any) {
-    const auto is_second = [&](std::size_t i) {
-      return static_cast<unsigned int>(cases.class_code(i) == 2);
-    };
+    const End start = End::start(cases);
+    End end = start;
     for (std::size_t i = 0; i < cases.size(); ++i) {
-      all[0] += weight_if(1 - is_second(i), cases.weight(i));
-      all[1] += weight_if(is_second(i), cases.weight(i));
-    }
-    End end(all);
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-      end.add(is_second(i), cases.weight(i));
+      end.add(cases.class_code(i) == 2 ? 1 : 0, cases.weight(i));
       // Unless the code ends here, the next case overwrites the entries.
       ends[count] = end;
       codes[count] = cases.code(i);
       const bool last = i + 1 == cases.size();
       count += last || cases.code(i) != cases.code(i + 1) ? 1 : 0;
     }
+    all = end.all(start);
   }
 
-  typename End::of_classes all{};  // the weights of both classes
+  typename End::of_classes all;  // the weights of both classes
   std::size_t count = 0;
   strata::util::work_array<End, 64> ends;
   strata::util::work_array<unsigned int, 64> codes;
@@ -185,7 +185,7 @@ struct code_ends {
 template <class End>
 class two_class_sweep {
  public:
-  explicit two_class_sweep(const code_ends<End>& of_codes) : at(of_codes), rated(of_codes.all) {}
+  explicit two_class_sweep(const code_ends<End>& of_codes) : at(of_codes) {}
 
   template <class Sides>
   bool move_next(Sides& sides) {
@@ -204,16 +204,20 @@ class two_class_sweep {
   template <class Search, class Sides>
   bool inside_run(const Search& search, const Sides& sides) {
     const End& end = at.ends[next];
-    const bool inside =
-        end.one_class_since(rated) & !search.right_too_light(sides.as_weight(end.left_side()));
-    rated = inside ? rated : at.ends[next - 1];
+    const unsigned int since = end.of_all() - rated_all;
+    const unsigned int second_since = end.of_second_class() - rated_second;
+    const bool one_class = (second_since == 0) | (second_since == since);
+    const bool inside = one_class & !search.right_too_light(sides.as_weight(end.left_side()));
+    rated_all = inside ? rated_all : at.ends[next - 1].of_all();
+    rated_second = inside ? rated_second : at.ends[next - 1].of_second_class();
     return inside;
   }
 
  private:
   const code_ends<End>& at;
-  std::size_t next = 0;  // the first code on the right side
-  End rated;             // the last cut that was rated
+  std::size_t next = 0;        // the first code on the right side
+  unsigned int rated_all = 0;  // up to the last cut that was rated
+  unsigned int rated_second = 0;
 };
 
 template <class Case>

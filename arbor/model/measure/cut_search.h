@@ -66,13 +66,21 @@ class cut_sides {
     right[class_code] -= moved;
     left_sum += moved;
   }
-  // Moves weights of all classes, from that of class 1 on.
+  // Moves weights of all classes, from that of class 1 on. Returns whether any of them is not 0.
   template <class Stored>
-  void move_all(const Stored* weights) {
+  bool move_all(const Stored* weights) {
     const unsigned int count = classes();
-    for (unsigned int c = 0; c < count; ++c) left_sum += as_weight(weights[c]);
-    for (unsigned int c = 0; c < count; ++c) left[c + 1] += as_weight(weights[c]);
-    for (unsigned int c = 0; c < count; ++c) right[c + 1] -= as_weight(weights[c]);
+    const Stored* __restrict const moved = weights;
+    Weight* __restrict const to = left.data() + 1;
+    Weight* __restrict const from = right.data() + 1;
+    bool any = false;
+    for (unsigned int c = 0; c < count; ++c) {
+      any |= moved[c] != 0;
+      to[c] += as_weight(moved[c]);
+      from[c] -= as_weight(moved[c]);
+    }
+    for (unsigned int c = 0; c < count; ++c) left_sum += as_weight(moved[c]);
+    return any;
   }
   // Sets the weights of the two classes on both sides, and that of the left side.
   template <class Stored>
@@ -91,12 +99,11 @@ class cut_sides {
   }
 
   Weight left_weight() const { return left_sum; }
-  // Copies the weights of the classes on one side.
-  void copy_left(Weight* to) const {
-    for (unsigned int c = 0; c < classes(); ++c) to[c] = left[c + 1];
-  }
-  void copy_right(Weight* to) const {
-    for (unsigned int c = 0; c < classes(); ++c) to[c] = right[c + 1];
+  // Copies the weights of the classes on both sides.
+  void copy(Weight* __restrict left_copy, Weight* __restrict right_copy) const {
+    // Not as one block: two weights would then be in memory, and not yet when they are copied.
+    for (unsigned int c = 0; c < classes(); ++c) left_copy[c] = left[c + 1];
+    for (unsigned int c = 0; c < classes(); ++c) right_copy[c] = right[c + 1];
   }
 
  private:
@@ -121,12 +128,13 @@ template <class Entropies, unsigned int Classes>
 class cut_search {
  public:
   using weight = typename Entropies::weight;
+  static constexpr bool at_sight = Classes == 2 && std::is_integral_v<weight>;
 
   // The node has at most `cuts` cuts.
   cut_search(const cut_problem& searched, std::size_t cuts, Entropies& of_sides)
       : node(searched),
         entropies(of_sides),
-        rows(distributions_at_once(node.class_count, cuts)),
+        rows(at_sight ? 1 : distributions_at_once(node.class_count, cuts)),
         left_rows(rows * node.class_count, strata::util::first_values::any),
         right_rows(rows * node.class_count, strata::util::first_values::any),
         known_weight(searched.known_weight()),
@@ -135,7 +143,7 @@ class cut_search {
             (static_cast<double>(node.unknown_weight) + static_cast<double>(known_weight))),
         least_left(least_side_weight(known_weight, node.class_count, node.min_weight)),
         most_left(known_weight - least_left) {
-    cut_sides<weight, Classes>(node).copy_right(right_rows.data());
+    cut_sides<weight, Classes>(node).copy(left_rows.data(), right_rows.data());
     distribution_sums<weight> all;
     entropies.add_up(right_rows.data(), shape_of(1), &all);
     info = static_cast<float>(all.entropy() / static_cast<double>(known_weight));
@@ -148,12 +156,21 @@ class cut_search {
   // Rates a cut, now or later, if it is `eligible`; the caller identifies it by `place`. If gains
   // are equal when rounded to float, the earlier cut stays the best.
   void rate(const cut_sides<weight, Classes>& sides, std::size_t place, bool eligible) {
-    // Of two classes the weights are copied in any case: a branch that is hard to predict costs
-    // more.
+    if constexpr (at_sight) {
+      // Two weights have no chain to speak of. To rate a cut that is not eligible costs less than a
+      // branch that is hard to predict.
+      std::array<weight, 2> left;
+      std::array<weight, 2> right;
+      sides.copy(left.data(), right.data());
+      const auto entropy =
+          static_cast<float>(entropies.of_two(left.data()) + entropies.of_two(right.data()));
+      if (entropy < best_entropy && eligible) compare(entropy, sides.left_weight(), place);
+      return;
+    }
+    // Of two classes the weights are copied in any case, for the same reason.
     if (Classes != 2 && !eligible) return;
     const std::size_t width = shape_of(1).stride;
-    sides.copy_left(left_rows.data() + waiting * width);
-    sides.copy_right(right_rows.data() + waiting * width);
+    sides.copy(left_rows.data() + waiting * width, right_rows.data() + waiting * width);
     left_weights[waiting] = sides.left_weight();
     places[waiting] = place;
     waiting += eligible ? 1 : 0;
@@ -190,12 +207,14 @@ class cut_search {
     std::array<distribution_sums<weight>, most_together> right_sums;
     entropies.add_up(left_rows.data(), shape_of(waiting), left_sums.data());
     entropies.add_up(right_rows.data(), shape_of(waiting), right_sums.data());
-    for (std::size_t i = 0; i < waiting; ++i)
-      compare(static_cast<float>(left_sums[i].entropy() + right_sums[i].entropy()), i);
+    for (std::size_t i = 0; i < waiting; ++i) {
+      const auto entropy = static_cast<float>(left_sums[i].entropy() + right_sums[i].entropy());
+      compare(entropy, left_weights[i], places[i]);
+    }
     waiting = 0;
   }
 
-  void compare(float value_entropy, std::size_t row) {
+  void compare(float value_entropy, weight left_weight, std::size_t place) {
     // However it is rounded, the gain never grows with the entropy within the sides, since neither
     // the known weight nor its share is negative. So most cuts need no division.
     if (!(value_entropy < best_entropy)) return;
@@ -206,8 +225,8 @@ class cut_search {
     if (!(gain > best_gain)) return;
     best_gain = gain;
     best_entropy = value_entropy;
-    best_left = left_weights[row];
-    best = places[row];
+    best_left = left_weight;
+    best = place;
   }
 
   const cut_problem& node;

@@ -16,45 +16,31 @@ namespace {
 
 // The three weighted entropy sums that a discrete split is rated by.
 struct discrete_entropies {
-  unsigned int real_branches = 0;  // values that carry the least weight of a branch
-  float of_classes = 0;
-  float within_values = 0;
-  float of_branches = 0;
+  unsigned int real_branches;  // values that carry the least weight of a branch
+  float of_classes;
+  float within_values;
+  float of_branches;
 };
 
-// Makes them of the classes of all cases and of those of one value after the other.
+// Adds up what is known of one value after the other.
 template <class Weight>
-class entropies_in_making {
- public:
-  entropies_in_making(float unknown_weight, unsigned int empty_branches, float least_weight)
-      : min_weight(least_weight) {
-    if (0 >= min_weight) result.real_branches = empty_branches;
-    add_branch(static_cast<Weight>(unknown_weight), log_term(unknown_weight));
-  }
-
-  void set_classes(const distribution_sums<Weight>& of_all) {
-    result.of_classes = static_cast<float>(of_all.entropy());
-  }
-  void add_value(const distribution_sums<Weight>& classes) {
-    if (static_cast<float>(classes.weight) >= min_weight) ++result.real_branches;
-    result.within_values = with_term(result.within_values, classes.entropy());
-    add_branch(classes.weight, classes.weight_term);
-  }
-  discrete_entropies made() {
-    branches.weight_term = log_term(static_cast<float>(branches.weight));
-    result.of_branches = static_cast<float>(branches.entropy());
-    return result;
-  }
-
- private:
-  void add_branch(Weight weight, double weight_term) {
-    branches.weight += weight;
-    branches.terms = with_term(branches.terms, weight_term);
-  }
-
+struct value_sums {
   float min_weight;
-  discrete_entropies result;
-  distribution_sums<Weight> branches{};
+  distribution_sums<Weight> branches;  // the unknown cases are one, too
+  unsigned int real_branches = 0;
+  float entropy_within = 0;
+
+  void add(const distribution_sums<Weight>& classes) {
+    if (static_cast<float>(classes.weight) >= min_weight) ++real_branches;
+    entropy_within = with_term(entropy_within, classes.entropy());
+    branches.weight += classes.weight;
+    branches.terms = with_term(branches.terms, classes.weight_term);
+  }
+
+  discrete_entropies with_classes(const distribution_sums<Weight>& all) const {
+    return {real_branches, static_cast<float>(all.entropy()), entropy_within,
+            static_cast<float>(branches.entropy())};
+  }
 };
 
 // `count` numbers, of a type that a class_table has, as weights of another type.
@@ -76,20 +62,22 @@ discrete_entropies entropies_by(Entropies& entropies, const class_table<Stored>&
   const bool converts = !std::is_same_v<weight, Stored>;
   strata::util::work_array<weight, 1> room(converts ? at_once * table.width() : 0);
   std::array<distribution_sums<weight>, most_together> sums;
-  entropies_in_making<weight> making(static_cast<float>(table.unknown_weight()), 0, min_weight);
   const auto add_up = [&](const Stored* first, std::size_t count) {
     const distribution_rows rows{classes, table.width(), count};
     entropies.add_up(as_weights(first, (count - 1) * table.width() + classes, room.data()), rows,
                      sums.data());
   };
   add_up(table.totals(), 1);
-  making.set_classes(sums[0]);
+  const distribution_sums<weight> all = sums[0];
+  const auto unknown = static_cast<weight>(table.unknown_weight());
+  value_sums<weight> values{min_weight, {unknown, 0, with_term(0, entropies.term_of(unknown))}};
   for (unsigned int i = 1; i < table.rows(); i += static_cast<unsigned int>(at_once)) {
     const std::size_t count = std::min<std::size_t>(at_once, table.rows() - i);
     add_up(table.row(i), count);
-    for (std::size_t row = 0; row < count; ++row) making.add_value(sums[row]);
+    for (std::size_t row = 0; row < count; ++row) values.add(sums[row]);
   }
-  return making.made();
+  values.branches.weight_term = entropies.term_of(values.branches.weight);
+  return values.with_classes(all);
 }
 
 template <class Weight>
@@ -109,13 +97,15 @@ discrete_entropies entropies(const class_table<Weight>& table, float min_weight)
 }
 
 discrete_entropies entropies(const sparse_class_table& table, float min_weight) {
-  entropies_in_making<float> making(table.unknown_weight(), table.empty_rows(), min_weight);
-  making.set_classes(add_up(table.totals(), table.totals() + table.classes()));
+  const float unknown = table.unknown_weight();
+  value_sums<float> values{min_weight, {unknown, 0, with_term(0, log_term(unknown))}};
+  if (0 >= min_weight) values.real_branches = table.empty_rows();
   for (unsigned int i = 1; i < table.rows(); ++i) {
     const auto weights = table.weights_in_row(i);
-    making.add_value(add_up(weights.begin(), weights.end()));
+    values.add(add_up(weights.begin(), weights.end()));
   }
-  return making.made();
+  values.branches.weight_term = log_term(values.branches.weight);
+  return values.with_classes(add_up(table.totals(), table.totals() + table.classes()));
 }
 
 template <class Table>

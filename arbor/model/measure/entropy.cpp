@@ -142,10 +142,10 @@ void real_entropies::add_up(const float* rows, const distribution_rows& shape,
 // A weight that is the same as in the distribution before has the same term. Nothing branches on
 // the weights.
 void real_entropies::make_terms_of_changes(const float* rows, const distribution_rows& shape) {
-  std::size_t next = 0;
-  for (std::size_t c = 0; c < shape.classes; ++c) {
-    places[c] = static_cast<unsigned int>(next);
-    changed[next++] = rows[c];
+  unsigned int next = 0;
+  for (; next < shape.classes; ++next) {
+    places[next] = next;
+    changed[next] = rows[next];
   }
   for (std::size_t i = 1; i < shape.count; ++i) {
     const float* const before = rows + (i - 1) * shape.stride;
@@ -153,10 +153,11 @@ void real_entropies::make_terms_of_changes(const float* rows, const distribution
     const unsigned int* const places_before = places.data() + (i - 1) * shape.stride;
     unsigned int* const places_here = places.data() + i * shape.stride;
     for (std::size_t c = 0; c < shape.classes; ++c) {
-      const bool same = weights[c] == before[c];
+      const auto differs = static_cast<unsigned int>(weights[c] != before[c]);
+      const unsigned int place_before = places_before[c];
       changed[next] = weights[c];
-      places_here[c] = same ? places_before[c] : static_cast<unsigned int>(next);
-      next += same ? 0 : 1;
+      places_here[c] = place_before + (next - place_before) * differs;
+      next += differs;
     }
   }
   log_terms(changed.data(), next, terms.data());

@@ -69,6 +69,12 @@ class whole_entropies {
   // `of_numbers` has the terms of all numbers up to the greatest sum.
   explicit whole_entropies(const double* of_numbers) : term(of_numbers) {}
 
+  double term_of(unsigned int number) const { return term[number]; }
+  // The entropy of two weights, times their sum.
+  double of_two(const unsigned int* weights) const {
+    const float terms = with_term(static_cast<float>(term[weights[0]]), term[weights[1]]);
+    return term[weights[0] + weights[1]] - static_cast<double>(terms);
+  }
   // Sets an entry of `sums` for each distribution.
   void add_up(const unsigned int* rows, const distribution_rows& shape,
               distribution_sums<unsigned int>* sums) const;
@@ -85,6 +91,7 @@ class real_entropies {
   // `most` is the greatest count * stride.
   real_entropies(std::size_t classes, std::size_t most);
 
+  static double term_of(float number) { return log_term(number); }
   // Sets an entry of `sums` for each distribution.
   void add_up(const float* rows, const distribution_rows& shape, distribution_sums<float>* sums);
 

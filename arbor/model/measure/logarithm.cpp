@@ -230,13 +230,13 @@ double log_term(float x) {
 }
 
 void log_terms(const float* weights, std::size_t count, double* terms) {
-  std::size_t i = 0;
-  for (; i + at_once <= count; i += at_once) four_terms(weights + i, terms + i);
-  std::array<float, at_once> last{};
-  std::array<double, at_once> last_terms{};
-  std::copy(weights + i, weights + count, last.begin());
-  four_terms(last.data(), last_terms.data());
-  std::copy_n(last_terms.begin(), count - i, terms + i);
+  if (count < at_once) {
+    for (std::size_t i = 0; i < count; ++i) terms[i] = log_term(weights[i]);
+    return;
+  }
+  for (std::size_t i = 0; i + at_once < count; i += at_once) four_terms(weights + i, terms + i);
+  // The last four; some of them may be done again.
+  four_terms(weights + count - at_once, terms + count - at_once);
 }
 
 }  // namespace arbor::impls

@@ -27,8 +27,7 @@ class row_sweep {
     do {
       ++row;
       if (row >= last) return false;
-    } while (!occurs(row));
-    sides.move_all(table.row(row));
+    } while (!sides.move_all(table.row(row)));
     return true;
   }
 
