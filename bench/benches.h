@@ -13,6 +13,7 @@ void add_records();                 // saving and reloading columns
 void add_text();                    // from text to codes
 void add_loading();                 // from a file to a table
 void add_trees();                   // growing whole trees
+void add_classifying();             // the rows of a file
 
 }  // namespace arbor::bench
 

@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
   arbor::bench::add_text();
   arbor::bench::add_loading();
   arbor::bench::add_trees();
+  arbor::bench::add_classifying();
   benchmark::RunSpecifiedBenchmarks();
   return 0;
 }

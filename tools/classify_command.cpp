@@ -11,6 +11,7 @@
 #include "tools/classify_rows.h"
 #include "tools/output_file.h"
 #include "tools/terminal.h"
+#include "tools/thread_option.h"
 
 namespace arbor::tools {
 
@@ -61,6 +62,7 @@ classify_command::classify_command(CLI::App& app)
   table.add_cell_options_to(parser);
   parser.add_flag("--strict", strict,
                   "Refuse a text that is no number in a column where the model has numbers");
+  add_threads(parser, threads);
 }
 
 void classify_command::run() {
@@ -94,6 +96,7 @@ tree::classification_options classify_command::chosen_options(
   tree::classification_options options = options_from(table.chosen());
   options.all_probabilities = all_probabilities;
   options.strict = strict;
+  options.threads = thread_count(threads);
   if (unsmoothed) options.estimate = tree::leaf_estimate::training_share;
   options.class_name = class_name;
   options.class_from = given("--class") ? "--class" : "--quiet, which needs the actual classes";

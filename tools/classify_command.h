@@ -29,6 +29,7 @@ class classify_command : public command {
   std::string table_path;
   std::string output_path = "-";
   std::string class_name;
+  std::string threads;
   bool all_probabilities = false;
   bool unsmoothed = false;
   bool strict = false;

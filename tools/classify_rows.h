@@ -10,7 +10,7 @@
 
 namespace arbor::tools {
 
-// The options that both have: the weights and the texts of the unknown value.
+// The options that both have: the weights, the texts of the unknown value and the threads.
 tree::classification_options options_from(const tree::load_options& load);
 
 // See classify_table. `advice` ends each remark.

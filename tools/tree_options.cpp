@@ -7,18 +7,11 @@
 #include "arbor/tree/validation/tuning.h"
 #include "tools/command_line.h"
 #include "tools/table_options.h"
+#include "tools/thread_option.h"
 
 namespace arbor::tools {
 
 namespace {
-
-unsigned int thread_count(const std::string& given) {
-  constexpr unsigned int most_threads = 1024;  // a greater number is a mistake, not a machine
-  const unsigned int count = whole_value("--threads", given);
-  refuse_if(count == 0 || count > most_threads,
-            fmt::format("--threads: {} is not from 1 to {}", tree::in_quotes(given), most_threads));
-  return count;
-}
 
 float confidence_value(const std::string& given) {
   const float confidence = share_value("--confidence", given);
@@ -60,15 +53,14 @@ void tree_options::add_to(CLI::App& to) {
                   "cross-validation with the training rows: the pair with the least sum "
                   "of the share of errors and the Brier score",
                   alternatives(tree::tuned_min_weights), alternatives(tree::tuned_confidences)));
-  to.add_option("--threads", threads, "Number of threads (default: one for each processor core)")
-      ->type_name("N");
+  add_threads(to, threads);
 }
 
 tree::grow_options tree_options::chosen() const {
   tree::grow_options options;
   if (!min_weight.empty()) options.min_weight = weight_value("--min-weight", min_weight);
   if (!max_depth.empty()) options.max_depth = whole_value("--max-depth", max_depth);
-  if (!threads.empty()) options.threads = thread_count(threads);
+  options.threads = thread_count(threads);
   if (!confidence.empty()) options.confidence = confidence_value(confidence);
   options.prune = !no_pruning;
   refuse_if(tuning && !min_weight.empty(), "--tune does not go with --min-weight");

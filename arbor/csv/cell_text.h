@@ -18,6 +18,9 @@ struct cell_text {
 
 constexpr std::size_t readable_after_cell = 8;
 
+// Stands for an unknown value where one may be.
+constexpr cell_text unknown_cell{nullptr, 0};
+
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
               "the first of eight characters is the lowest byte");
 

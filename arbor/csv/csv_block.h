@@ -31,6 +31,9 @@ class csv_row {
   }
   // Whether there is nothing at all between the separators, not even quotes.
   bool is_empty(std::size_t cell) const { return *text(cell) == '\0' && !is_in_quotes(cell); }
+  // Whether the row has no quotes. Then its cells, with a comma between each two, are as they stand
+  // in the file.
+  bool is_plain() const { return plain; }
   // The line of the file, from 1, on which the row begins, and on which a cell of it begins.
   unsigned long long line() const { return first_line; }
   unsigned long long line_of(std::size_t cell) const;
@@ -47,6 +50,7 @@ class csv_row {
   const std::uint32_t* bounds;
   std::size_t cells;
   unsigned long long first_line;
+  bool plain;
 };
 
 class csv_block {
@@ -91,6 +95,7 @@ class csv_block {
     std::uint32_t bound;
     std::uint32_t cells;
     std::uint32_t line;  // from first_line on
+    bool plain;
   };
 
   std::size_t place = 0;
@@ -108,7 +113,8 @@ inline csv_row::csv_row(const csv_block& of, std::size_t number)
       characters(of.bytes.data()),
       bounds(of.bounds.data() + of.starts[number].bound),
       cells(of.starts[number].cells),
-      first_line(of.first_line + of.starts[number].line) {}
+      first_line(of.first_line + of.starts[number].line),
+      plain(of.starts[number].plain) {}
 
 template <class Keep>
 void csv_block::keep_rows(Keep keep) {

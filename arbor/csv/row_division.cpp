@@ -83,7 +83,7 @@ std::size_t row_division::take_plain_lines(std::size_t at) {
           *bound++ = static_cast<std::uint32_t>(end + 1);
           row_bound = bounds;
           begin_row();
-          end_row(cells);
+          end_row(cells, true);
         }
         line_begin = i + 1;
         *bound++ = static_cast<std::uint32_t>(line_begin);
@@ -111,9 +111,9 @@ void row_division::begin_row() {
   fail("an empty line; only the end of a table may have some");
 }
 
-void row_division::end_row(std::size_t cells) {
+void row_division::end_row(std::size_t cells, bool plain) {
   block.starts.push_back({static_cast<std::uint32_t>(row_bound), static_cast<std::uint32_t>(cells),
-                          static_cast<std::uint32_t>(row_line)});
+                          static_cast<std::uint32_t>(row_line), plain});
   bounds = row_bound + cells + 1;
   row_bound = bounds;
   ++lines;
@@ -149,7 +149,7 @@ void row_division::end_line() {
   if (bounds == row_bound) {
     end_empty_line();
   } else {
-    end_row(bounds - row_bound - 1);
+    end_row(bounds - row_bound - 1, false);
   }
 }
 

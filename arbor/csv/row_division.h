@@ -42,7 +42,7 @@ class row_division {
   std::size_t take_quoted_lines(std::size_t at, quoted_lines& parser);
   std::uint32_t* room_for_bounds(std::size_t count);
   void begin_row();
-  void end_row(std::size_t cells);
+  void end_row(std::size_t cells, bool plain);
   void end_empty_line();
   unsigned long long line() const { return block.first_line + lines; }
 

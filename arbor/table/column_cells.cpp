@@ -45,7 +45,7 @@ std::size_t column_cells::add_regular(const csv_block& rows, std::size_t cell, s
   };
   if (kept == form::texts) {
     return add_while(narrow, [&](std::uint32_t& code, cell_text text) {
-      code = text.length <= 8 ? dictionary.find_short(text) : dictionary.code_of(text);
+      code = dictionary.find(text);
       return code != 0;
     });
   }

@@ -6,12 +6,8 @@ namespace arbor::tree {
 
 unsigned int text_dictionary::code_of(cell_text text) {
   const std::uint64_t key = key_of(text);
-  std::size_t slot = first_slot(key);
-  while (const unsigned int code = slots[slot]) {
-    if (entries[code - 1].key == key && (text.length <= 8 || is_text(code, text))) return code;
-    slot = (slot + 1) & (slots.size() - 1);
-  }
-  return add(text, key, slot);
+  const std::size_t slot = slot_of(text, key);
+  return slots[slot] != 0 ? slots[slot] : add(text, key, slot);
 }
 
 unsigned int text_dictionary::code_of(const std::string& text) {

@@ -20,8 +20,8 @@ class text_dictionary {
  public:
   // The number of a text, which is added unless it is there.
   unsigned int code_of(cell_text text);
-  // The number of a text of at most eight characters; 0 if it is not there.
-  unsigned int find_short(cell_text text) const;
+  // The number of a text; 0 if it is not there.
+  unsigned int find(cell_text text) const { return slots[slot_of(text, key_of(text))]; }
   // The same as code_of for a text after whose end no bytes need to be readable.
   unsigned int code_of(const std::string& text);
 
@@ -40,6 +40,7 @@ class text_dictionary {
 
   static std::uint64_t key_of(cell_text text);
   std::size_t first_slot(std::uint64_t key) const;
+  std::size_t slot_of(cell_text text, std::uint64_t key) const;
   bool is_text(unsigned int code, cell_text text) const;
   unsigned int add(cell_text text, std::uint64_t key, std::size_t slot);
   void grow();
@@ -51,14 +52,14 @@ class text_dictionary {
   unsigned int slot_shift = 64 - 3;  // of a hash, to get the number of a slot
 };
 
-inline unsigned int text_dictionary::find_short(cell_text text) const {
-  const std::uint64_t key = key_of(text);
+// The slot of a text, or the free one where it belongs.
+inline std::size_t text_dictionary::slot_of(cell_text text, std::uint64_t key) const {
   std::size_t slot = first_slot(key);
   while (const unsigned int code = slots[slot]) {
-    if (entries[code - 1].key == key) return code;
+    if (entries[code - 1].key == key && (text.length <= 8 || is_text(code, text))) break;
     slot = (slot + 1) & (slots.size() - 1);
   }
-  return 0;
+  return slot;
 }
 
 // The key of a text of up to eight characters is the text itself. With fewer than eight its low

@@ -70,16 +70,41 @@ std::size_t likeliest(const std::vector<estimated_class>& classes) {
 
 }  // namespace
 
-const tree_node* child_on(const decision_tree& tree, const tree_node& test, unsigned int branch) {
-  const auto first = tree.nodes.begin() + test.first_child;
-  const auto last = first + test.child_count;
-  const auto child = std::lower_bound(
-      first, last, branch, [](const tree_node& n, unsigned int b) { return n.branch < b; });
-  return branch == every_branch || child == last || child->branch != branch ? nullptr : &*child;
+class_probabilities::class_probabilities(const decision_tree& of_tree,
+                                         const std::vector<double>& thresholds,
+                                         leaf_estimate chosen)
+    : tree(of_tree),
+      estimate(chosen),
+      parents(node_parents(of_tree)),
+      case_weights(weights_of_cases(of_tree)) {
+  steps.reserve(tree.nodes.size());
+  branches.reserve(tree.nodes.size());
+  for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+    const tree_node& node = tree.nodes[i];
+    const bool is_continuous = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
+    steps.push_back(
+        {thresholds[i], node.attribute, node.first_child, node.child_count, is_continuous});
+    branches.push_back(node.branch);
+  }
 }
 
-class_probabilities::class_probabilities(const decision_tree& of_tree, leaf_estimate chosen)
-    : tree(of_tree), estimate(chosen), case_weights(weights_of_cases(of_tree)) {}
+// The branches of a test ascend from 1 on, so that of a code is at most the one at its place.
+std::size_t class_probabilities::child_with_code(const step& test, unsigned int code) const {
+  const auto first = branches.begin() + test.first_child;
+  const auto last = first + std::min(code, test.child_count);
+  const auto found = last != first && last[-1] == code ? last - 1  // as where every value occurred
+                                                       : std::lower_bound(first, last, code);
+  return found != last && *found == code ? static_cast<std::size_t>(found - branches.begin())
+                                         : none;
+}
+
+std::vector<double> class_probabilities::at_node(std::size_t node) const {
+  std::vector<visit> visits{{node, 0, 1}};
+  for (; node != 0; node = parents[node]) visits.push_back({parents[node], 0, 0});
+  std::reverse(visits.begin(), visits.end());
+  for (std::size_t place = 1; place < visits.size(); ++place) visits[place].parent = place - 1;
+  return of_visits(std::move(visits));
+}
 
 // Goes from the leaves up. Each node adds its classes, and leaves to its parent the part of the
 // weight that the parent's estimate has in its own. Where so many shares have been multiplied that

@@ -7,6 +7,7 @@
 
 #include "arbor/csv/shown_text.h"
 #include "arbor/table/value_text.h"
+#include "arbor/tree/value_reader.h"
 
 namespace arbor::tree {
 
@@ -47,29 +48,21 @@ std::vector<unsigned int> codes_of(const column& attribute, const column& source
 class low_side {
  public:
   low_side(const column& attribute, const column& table_column, const std::string& at)
-      : source(table_column), threshold(at) {
-    const std::string type = attribute.get_o_set()->get_datatype();
-    same_type = source.get_o_set()->get_datatype() == type;
-    rounds = type == "float";
-    limit = number_of(threshold);
+      : source(table_column), threshold(at), read(attribute) {
+    same_type = source.get_o_set()->get_datatype() == attribute.get_o_set()->get_datatype();
+    limit = read.number(threshold.c_str());
   }
 
   bool has(unsigned int code) const {
     if (same_type) return source.get_o_set()->leq(code, threshold) == 0;
-    return number_of(value_text(source, code)) <= limit;
+    return read.number(value_text(source, code).c_str()) <= limit;
   }
 
  private:
-  double number_of(const std::string& text) const {
-    double number = 0;
-    read_known_number(text.c_str(), number);
-    return rounds ? static_cast<double>(static_cast<float>(number)) : number;
-  }
-
   const column& source;
   const std::string& threshold;
+  value_reader read;
   bool same_type;
-  bool rounds;  // as the values of the attribute were
   double limit;
 };
 
@@ -88,56 +81,69 @@ unsigned int last_low_code(const column& source, const low_side& low_branch) {
   return low;
 }
 
+// By node, for class_probabilities: the greatest code of the table that goes down the low branch.
+std::vector<double> low_codes(const decision_tree& tree,
+                              const std::vector<const column*>& sources) {
+  std::vector<double> result;
+  for (const tree_node& node : tree.nodes) {
+    unsigned int last_low = 0;
+    if (!node.is_leaf() && tree.attributes[node.attribute]->is_continuous()) {
+      const column& source = *sources[node.attribute];
+      last_low = last_low_code(
+          source, low_side(*tree.attributes[node.attribute], source, node.split.threshold));
+    }
+    result.push_back(last_low);
+  }
+  return result;
+}
+
+std::vector<const column*> columns_for(const decision_tree& tree, const table& rows) {
+  const columns_by_name named = by_name(rows);
+  std::vector<const column*> columns;
+  for (const auto& attribute : tree.attributes) columns.push_back(&column_for(*attribute, named));
+  return columns;
+}
+
 }  // namespace
 
 row_classifier::row_classifier(const decision_tree& grown, const table& rows,
                                leaf_estimate estimate)
-    : tree(grown), probabilities(grown, estimate), parents(node_parents(grown)) {
-  const columns_by_name named = by_name(rows);
-  for (const auto& attribute : tree.attributes) {
-    const column& source = column_for(*attribute, named);
-    columns.push_back(&source);
-    codes.push_back(attribute->is_discrete() ? codes_of(*attribute, source)
-                                             : std::vector<unsigned int>());
-  }
-  for (const tree_node& node : tree.nodes) {
-    unsigned int last_low = 0;
-    if (!node.is_leaf() && tree.attributes[node.attribute]->is_continuous()) {
-      const column& source = *columns[node.attribute];
-      last_low = last_low_code(
-          source, low_side(*tree.attributes[node.attribute], source, node.split.threshold));
-    }
-    thresholds.push_back(last_low);
+    : tree(grown),
+      columns(columns_for(grown, rows)),
+      predict(std::make_shared<class_probabilities>(grown, low_codes(grown, columns), estimate)) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const column& attribute = *tree.attributes[i];
+    codes.push_back(attribute.is_discrete() ? codes_of(attribute, *columns[i])
+                                            : std::vector<unsigned int>());
   }
 }
 
-unsigned int row_classifier::branch_of(std::size_t node, unsigned int row) const {
-  const unsigned int attribute = tree.nodes[node].attribute;
+double row_classifier::value(unsigned int attribute, unsigned int row) const {
   const unsigned int code = columns[attribute]->get_row_index(row);
-  if (tree.attributes[attribute]->is_discrete()) return codes[attribute][code];
-  if (code == 0) return every_branch;
-  return code <= thresholds[node] ? 1 : 2;
+  if (code == 0) return unknown_value;
+  return codes[attribute].empty() ? code : codes[attribute][code];
 }
 
-std::vector<double> row_classifier::operator()(unsigned int row) const {
-  return probabilities.of_case([&](std::size_t node) { return branch_of(node, row); });
+prediction& row_classifier::operator()(unsigned int row) {
+  return predict([&](unsigned int attribute) { return value(attribute, row); });
 }
 
-std::vector<double> row_classifier::with_value_of(unsigned int row, unsigned int attribute,
-                                                  unsigned int other) const {
-  return probabilities.of_case([&](std::size_t node) {
-    return branch_of(node, tree.nodes[node].attribute == attribute ? other : row);
+prediction& row_classifier::with_value_of(unsigned int row, unsigned int permuted,
+                                          unsigned int other) {
+  return predict([&](unsigned int attribute) {
+    return value(attribute, attribute == permuted ? other : row);
   });
 }
 
 double row_classifier::weight_at(unsigned int row, std::size_t node) const {
+  const class_probabilities& probabilities = predict.probabilities();
   double weight = 1;
   while (node != 0) {
-    const std::size_t parent = parents[node];
-    const tree_node* child = child_on(tree, tree.nodes[parent], branch_of(parent, row));
-    if (child == nullptr) {
+    const std::size_t parent = probabilities.parent(node);
+    const std::size_t child = probabilities.child(parent, value(tree.nodes[parent].attribute, row));
+    if (child == class_probabilities::none) {
       weight *= static_cast<double>(tree.nodes[node].share);
-    } else if (child != &tree.nodes[node]) {
+    } else if (child != node) {
       return 0;
     }
     node = parent;
@@ -148,11 +154,11 @@ double row_classifier::weight_at(unsigned int row, std::size_t node) const {
 
 evaluation classify_cases(const decision_tree& tree, const table& rows,
                           const impls::w_sequence& cases) {
-  const row_classifier classify(tree, rows);
+  row_classifier classify(tree, rows);
   evaluation result;
   for (const auto& [row, weight] : cases) {
-    result.add(rows.class_column().get_row_index(row) - 1, classify(row),
-               static_cast<double>(weight));
+    const std::size_t actual = rows.class_column().get_row_index(row) - 1;
+    result.add(classify(row).score(actual, static_cast<double>(weight)));
   }
   return result;
 }

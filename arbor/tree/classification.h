@@ -1,7 +1,7 @@
 // Classifies the rows of a table in memory with a tree.
 //
 //   row_classifier classify(tree, golf);
-//   std::vector<double> distribution = classify(0);
+//   std::vector<double> distribution = classify(0).distribution;
 //   evaluation quality = classify_cases(tree, golf, golf.cases);
 //
 // class_distribution.h says which way a case goes, text_classifier.h classifies texts.
@@ -15,6 +15,7 @@
 #include "arbor/tree/class_distribution.h"
 #include "arbor/tree/decision_tree.h"
 #include "arbor/tree/evaluation.h"
+#include "arbor/tree/predictor.h"
 
 namespace arbor::tree {
 
@@ -29,28 +30,25 @@ class row_classifier {
   row_classifier(const decision_tree& tree, const table& rows,
                  leaf_estimate estimate = leaf_estimate::smoothed);
 
-  // The probability of each class; entry c is that of the class with code c + 1.
-  std::vector<double> operator()(unsigned int row) const;
+  // Valid until the next call.
+  prediction& operator()(unsigned int row);
 
   // The same for a row that has another row's value of one attribute, given by its index in the
   // tree.
-  std::vector<double> with_value_of(unsigned int row, unsigned int attribute,
-                                    unsigned int other) const;
+  prediction& with_value_of(unsigned int row, unsigned int attribute, unsigned int other);
 
   // The part (0 to 1) of a row's weight that comes to a node, given by its index in the tree.
   double weight_at(unsigned int row, std::size_t node) const;
 
  private:
-  unsigned int branch_of(std::size_t node, unsigned int row) const;
+  double value(unsigned int attribute, unsigned int row) const;
 
   const decision_tree& tree;
-  class_probabilities probabilities;
   std::vector<const impls::column*> columns;  // of the table, by attribute of the tree
-  // By discrete attribute and code of the table: the code of the same value in the tree.
+  // By discrete attribute and code of the table: the code of the same value in the tree. Tests of
+  // continuous attributes compare codes of the table.
   std::vector<std::vector<unsigned int>> codes;
-  // By node: the greatest code of the table that goes down the low branch.
-  std::vector<unsigned int> thresholds;
-  std::vector<std::size_t> parents;  // by node
+  predictor predict;
 };
 
 // Classifies cases of a table that has the tree's class column, and compares with their classes.

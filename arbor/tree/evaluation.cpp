@@ -16,15 +16,20 @@ double share_of(double part, double whole) {
 
 }  // namespace
 
-void evaluation::add(std::size_t actual, const std::vector<double>& distribution, double weight) {
+scored_case scored(std::size_t actual, const std::vector<double>& distribution, double weight) {
   constexpr double least_probability = 0.001;
-  pairs.add(actual, likeliest_class(distribution), weight);
-  squared_weights += weight * weight;
   const double given = actual < distribution.size() ? distribution[actual] : 0;
-  lost_bits -= weight * std::log2(std::max(given, least_probability));
   double difference = 1 - 2 * given;  // (1 - given)^2 is given^2 + this
   for (const double probability : distribution) difference += probability * probability;
-  squared_differences += weight * difference;
+  return {actual, likeliest_class(distribution), weight,
+          -std::log2(std::max(given, least_probability)), difference};
+}
+
+void evaluation::add(const scored_case& added) {
+  pairs.add(added.actual, added.predicted, added.weight);
+  squared_weights += added.weight * added.weight;
+  lost_bits += added.weight * added.lost_bits;
+  squared_differences += added.weight * added.squared_difference;
 }
 
 void evaluation::add(const evaluation& other) {

@@ -1,7 +1,7 @@
 // How well predictions agree with the actual classes of cases.
 //
 //   evaluation quality;
-//   quality.add(actual, classify(row), weight);
+//   quality.add(scored(actual, classify(row), weight));
 //   use(quality.accuracy(), quality.log_loss());
 #ifndef ARBOR_TREE_EVALUATION_H
 #define ARBOR_TREE_EVALUATION_H
@@ -13,13 +13,25 @@
 
 namespace arbor::tree {
 
+// What an evaluation needs to know of a case. It is calculated apart, so that threads can do that
+// for several cases while one adds them up in the order of the cases, which the sums depend on.
+struct scored_case {
+  std::size_t actual;
+  std::size_t predicted;
+  double weight;
+  double lost_bits;           // of its log-loss
+  double squared_difference;  // of its Brier score
+};
+
+// `distribution` has the probability of each class of the tree, and the likeliest is the predicted
+// class. `actual` is the entry of the actual class; an entry past the last stands for all classes
+// that the tree does not have. The weight is above 0.
+scored_case scored(std::size_t actual, const std::vector<double>& distribution, double weight);
+
 // Each figure is 0 until a case has been added.
 class evaluation {
  public:
-  // Adds a case of a weight above 0. `distribution` has the probability of each class of the tree,
-  // and the likeliest is the predicted class. `actual` is the entry of the actual class; an entry
-  // past the last stands for all classes that the tree does not have.
-  void add(std::size_t actual, const std::vector<double>& distribution, double weight);
+  void add(const scored_case& added);
 
   // Adds all cases of another evaluation.
   void add(const evaluation& other);

@@ -1,4 +1,4 @@
-// Classifies the rows of a CSV file one by one, so that the file may be of any length.
+// Classifies the rows of a CSV file block by block, so that the file may be of any length.
 #ifndef ARBOR_TREE_TABLE_CLASSIFICATION_H
 #define ARBOR_TREE_TABLE_CLASSIFICATION_H
 
@@ -33,7 +33,8 @@ struct classification_options {
   bool strict = false;
   leaf_estimate estimate = leaf_estimate::smoothed;  // of the probabilities
   bool all_probabilities = false;                    // a column for each class instead of one
-  // Called with the number of rows after each row. May be empty.
+  unsigned int threads = 0;                          // 0: as many as the machine has cores
+  // Called now and then with the number of rows so far, by one thread at a time. May be empty.
   std::function<void(std::size_t rows)> progress;
 };
 
@@ -50,7 +51,8 @@ struct classification_result {
 // Writes to `rows`, unless it is null, the table's cells unchanged and, after them, the columns
 // "predicted" and "probability" or, with all probabilities, "predicted" and one "P(class)" for each
 // class. Columns are found by name. Throws table_error if a column is missing or, in a strict
-// classification, a text is no number; the rows before it are then written.
+// classification, a text is no number; the rows before it are then written. The result is the same
+// for any number of threads.
 classification_result classify_table(const std::string& path, const decision_tree& tree,
                                      const classification_options& options, std::ostream* rows);
 

@@ -4,17 +4,19 @@
 #include "arbor/table/value_text.h"
 #include "arbor/tree/text_classifier.h"
 #include "tests/fuzz/fuzz.h"
+#include "tests/support/cells.h"
 
 using namespace arbor::fuzz;
+using arbor::tests::as_cell;
 using namespace arbor::tree;
 
 // Classifies a case with the value `code` of every attribute; code 0 is the unknown value.
 static void classify(const decision_tree& tree, unsigned int code) {
   std::vector<std::string> texts;
   for (const auto& attribute : tree.attributes) texts.push_back(value_text(*attribute, code));
-  std::vector<const char*> values;
-  for (const std::string& text : texts) values.push_back(code == 0 ? nullptr : text.c_str());
-  const std::vector<double> distribution = text_classifier{tree}(values);
+  std::vector<cell_text> values;
+  for (std::string& text : texts) values.push_back(code == 0 ? unknown_cell : as_cell(text));
+  const std::vector<double> distribution = text_classifier{tree}(values).distribution;
   bool sound = distribution.size() + 1 == tree.class_column->get_distinct();
   for (const double share : distribution) sound &= share >= 0 && share <= 1.001;
   check(sound, "every class has a probability");

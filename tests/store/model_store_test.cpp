@@ -10,6 +10,7 @@
 #include <map>
 
 #include "arbor/tree/text_classifier.h"
+#include "tests/support/cells.h"
 #include "tests/support/reports.h"
 #include "tests/support/tables.h"
 
@@ -41,8 +42,8 @@ std::string saved(const tree::decision_tree& t) {
 std::string used(const std::string& bytes) {
   const std::string message = refusal(bytes, [&](const std::string& path) {
     const tree::decision_tree t = tree::load_model(path);
-    const std::vector<const char*> unknown(t.attributes.size(), nullptr);
-    EXPECT_EQ(tree::text_classifier(t)(unknown).size() + 1, t.class_column->get_distinct());
+    const std::vector<tree::cell_text> unknown(t.attributes.size(), tree::unknown_cell);
+    EXPECT_EQ(tree::text_classifier(t)(unknown).distribution.size(), t.class_count());
     EXPECT_NE(reports_of(t), "");
   });
   EXPECT_EQ(message.find('\n'), std::string::npos);
@@ -174,7 +175,7 @@ TEST(ModelStore, TakesATreeOfAnyDepth) {
   const temporary_file file("");
   tree::save_model(file.path(), chain);
   const tree::decision_tree t = tree::load_model(file.path());
-  EXPECT_NEAR(tree::text_classifier(t)({nullptr})[0], 1.0 / 3, 1e-9);
+  EXPECT_NEAR(tree::text_classifier(t)({tree::unknown_cell}).distribution[0], 1.0 / 3, 1e-9);
   EXPECT_EQ(text_of(t, {1}), "a <= 1: y (0)\na > 1: ... 20000 leaves below [2]\n");
 }
 

@@ -4,9 +4,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <map>
+#include <set>
+#include <sstream>
 #include <utility>
 
 #include "arbor/table/thread_pool.h"
@@ -18,6 +21,7 @@
 #include "arbor/tree/table_classification.h"
 #include "arbor/tree/task_stack.h"
 #include "arbor/tree/text_classifier.h"
+#include "tests/support/cells.h"
 #include "tests/support/oracle.h"
 #include "tests/support/reports.h"
 #include "tests/support/tables.h"
@@ -209,16 +213,6 @@ TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
   EXPECT_EQ(tree::binomial_upper_limit(5, 5, 0.25), 1);
 }
 
-// The likeliest class of a case that comes to this node alone.
-std::size_t class_at(const decision_tree& t, const tree::class_probabilities& probabilities,
-                     std::size_t node) {
-  const std::vector<std::size_t> parents = tree::node_parents(t);
-  std::map<std::size_t, unsigned int> branches;  // by test
-  for (; node != 0; node = parents[node]) branches[parents[node]] = t.nodes[node].branch;
-  return tree::likeliest_class(
-      probabilities.of_case([&](std::size_t test) { return branches[test]; }));
-}
-
 // In tables with unknown values, many values and noise: rows, their texts and the training cases
 // take the same ways, each case counts once, and leaves show the class that they predict.
 TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
@@ -231,11 +225,11 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
     EXPECT_EQ(by_text.quality->matrix().pairs(),
               tree::classify_cases(t, rows, rows.cases).matrix().pairs())
         << name;
-    const tree::class_probabilities probabilities(t);
+    const tree::class_probabilities probabilities(t, std::vector<double>(t.nodes.size()));
     const std::vector<std::size_t> predicted = tree::predicted_classes(t);
     for (std::size_t i = 0; i < t.nodes.size(); ++i) {
       if (!t.nodes[i].is_leaf()) continue;
-      EXPECT_EQ(predicted[i], class_at(t, probabilities, i)) << name << i;
+      EXPECT_EQ(predicted[i], tree::likeliest_class(probabilities.at_node(i))) << name << i;
     }
     double in_leaves = 0;
     for (const tree::tree_node& node : t.nodes) {
@@ -254,6 +248,38 @@ TEST(Classification, GivesTheSameForRowsAndForTheirTexts) {
   }
 }
 
+// Of many blocks and uneven weights: a whole file, and one with two faults.
+TEST(Classification, IsTheSameOnAnyThreadsAndEndsAtTheFirstFault) {
+  const decision_tree t = grown(load_csv("n,c\n1,x\n1,x\n2,y\n2,y\n2,x\n"));
+  std::string rows;
+  for (int i = 0; i < 30000; ++i)
+    rows += (i % 500 == 7 ? "8O" : std::to_string(i % 4)) + ",x,0." + std::to_string(i % 97) + "\n";
+  const temporary_file whole("n,c,w\n" + rows + rows),
+      faulty("n,c,w\n" + rows + "1,x,-1\n" + rows + "1,x\n" + rows);
+  tree::classification_options options;
+  options.weights_name = "w";
+  std::set<std::string> results;
+  for (const unsigned int threads : {1U, 2U, 5U}) {
+    options.threads = threads;
+    std::ostringstream out, before_fault;
+    const auto result = tree::classify_table(whole.path(), t, options, &out);
+    EXPECT_EQ(result.rows, 60000);
+    EXPECT_EQ(result.remarks.at(0).substr(whole.path().size()),
+              ": column \"n\": 118 texts that are no numbers were taken as unknown, the first is "
+              "\"8O\" in line 9");
+    const std::string message =
+        message_of([&] { tree::classify_table(faulty.path(), t, options, &before_fault); });
+    EXPECT_EQ(message.substr(faulty.path().size(), 30), ":30002: column \"w\": \"-1\" is no");
+    EXPECT_EQ(before_fault.str(), out.str().substr(0, before_fault.str().size()));
+    const std::string written = before_fault.str();
+    EXPECT_EQ(std::count(written.begin(), written.end(), '\n'), 30001);
+    std::ostringstream bits;
+    bits << std::hexfloat << result.quality->log_loss() << result.quality->brier_score();
+    results.insert(out.str() + bits.str());
+  }
+  EXPECT_EQ(results.size(), 1);
+}
+
 // Which branch texts take of a test that has 2 on its first and 5 on its second one: 0 stands for
 // both, as for an unknown value, and "!" for a text that is no number.
 TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
@@ -269,8 +295,8 @@ TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
     tree::text_classifier classify(t);
     std::istringstream in(expected_branches + " ?:0 -:0! nan:0! 5x:0! +:0!");
     for (std::string expected; in >> expected;) {
-      const std::string text = expected.substr(0, expected.find(':'));
-      const double first = classify({text.c_str()})[0];
+      std::string text = expected.substr(0, expected.find(':'));
+      const double first = classify({as_cell(text)}).distribution[0];
       EXPECT_EQ(text + ":" +
                     (first > 0.5   ? "1"
                      : first < 0.5 ? "2"
@@ -301,11 +327,12 @@ TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
                                                  {numbers, "type d string type n float"},
                                                  {unknowns, ""}}) {
       const table other = load_csv(table_of_others, options_of(words));
-      const tree::row_classifier classify(t, other);
+      tree::row_classifier classify(t, other);
       for (unsigned int row = 0; row < other.cases.size(); ++row) {
-        const std::string d = other.columns[0]->get_row_value(row);
-        const std::string n = other.columns[1]->get_row_value(row);
-        EXPECT_EQ(classify(row), by_text({d.c_str(), n.c_str()})) << words << row;
+        std::string d = other.columns[0]->get_row_value(row);
+        std::string n = other.columns[1]->get_row_value(row);
+        EXPECT_EQ(classify(row).distribution, by_text({as_cell(d), as_cell(n)}).distribution)
+            << words << row;
       }
     }
   }

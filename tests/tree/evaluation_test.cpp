@@ -25,9 +25,9 @@ using tree::table;
 TEST(Evaluation, CountsWeightsAndStaysFinite) {
   evaluation sums, part;
   EXPECT_EQ(sums.accuracy() + sums.accuracy_error() + sums.log_loss() + sums.brier_score(), 0);
-  sums.add(0, {0.5, 0.25, 0.25}, 2);
-  part.add(2, {0.5, 0.5, 0}, 1);
-  part.add(3, {0, 0.5, 0.5}, 1);
+  sums.add(tree::scored(0, {0.5, 0.25, 0.25}, 2));
+  part.add(tree::scored(2, {0.5, 0.5, 0}, 1));
+  part.add(tree::scored(3, {0, 0.5, 0.5}, 1));
   sums.add(part);
   EXPECT_EQ(sums.accuracy(), 0.5);
   EXPECT_EQ(sums.accuracy_error(), std::sqrt(0.25 * 6 / 16));

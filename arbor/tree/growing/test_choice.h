@@ -10,7 +10,6 @@
 #include <optional>
 #include <vector>
 
-#include "arbor/table/thread_pool.h"
 #include "arbor/tree/growing/judged_split.h"
 #include "arbor/tree/growing/node_cases.h"
 #include "arbor/utils/nocopy.h"

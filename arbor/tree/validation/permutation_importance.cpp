@@ -9,7 +9,7 @@ std::vector<permutation_loss> permutation_losses(const decision_tree& tree, cons
                                                  const impls::w_sequence& cases,
                                                  const evaluation& quality,
                                                  std::mt19937_64& random) {
-  const row_classifier classify(tree, rows);
+  row_classifier classify(tree, rows);
   const impls::column& classes = rows.class_column();
   std::vector<unsigned int> others;  // by case: the row whose value it gets
   for (const auto& weighted : cases) others.push_back(weighted.first);
@@ -19,8 +19,8 @@ std::vector<permutation_loss> permutation_losses(const decision_tree& tree, cons
     evaluation permuted;
     for (std::size_t i = 0; i < cases.size(); ++i) {
       const auto& [row, weight] = cases[i];
-      permuted.add(classes.get_row_index(row) - 1,
-                   classify.with_value_of(row, attribute, others[i]), static_cast<double>(weight));
+      permuted.add(classify.with_value_of(row, attribute, others[i])
+                       .score(classes.get_row_index(row) - 1, static_cast<double>(weight)));
     }
     losses.push_back(
         {permuted.log_loss() - quality.log_loss(), quality.accuracy() - permuted.accuracy()});

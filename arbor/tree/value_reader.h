@@ -1,0 +1,49 @@
+// Reads the texts of an attribute in a file as values that the tests of a tree compare.
+//
+//   value_reader read(*tree.attributes[0]);
+//   double value = read(row.cell(2));
+#ifndef ARBOR_TREE_VALUE_READER_H
+#define ARBOR_TREE_VALUE_READER_H
+
+#include <cstddef>
+#include <vector>
+
+#include "arbor/csv/cell_text.h"
+#include "arbor/model/column.h"
+#include "arbor/table/text_dictionary.h"
+
+namespace arbor::tree {
+
+// The attribute must outlive it. A copy can be used by another thread.
+class value_reader {
+ public:
+  explicit value_reader(const impls::column& attribute);
+
+  // See unknown_value for what a value is. A number of the type float is rounded, as it was when
+  // the tree was grown; a discrete value that the attribute does not have is 0. A text that is no
+  // number, where the attribute has numbers, is the unknown value.
+  double operator()(cell_text text) { return is_continuous ? number(text) : code(text); }
+
+  // The same for a text of a continuous attribute after whose end no bytes need to be readable.
+  double number(const char* text) const;
+
+ private:
+  double number(cell_text text) const;
+  double code(cell_text text);
+  double rounded(double value) const {
+    return rounds ? static_cast<double>(static_cast<float>(value)) : value;
+  }
+
+  const impls::column* column;
+  bool is_continuous;
+  bool rounds;
+  // Texts of a discrete attribute that have been looked up, and the code of each. A look-up in the
+  // domain takes many times as long.
+  text_dictionary texts;
+  std::vector<unsigned int> codes;
+  std::size_t most_texts;
+};
+
+}  // namespace arbor::tree
+
+#endif
