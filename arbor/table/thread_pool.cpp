@@ -58,12 +58,7 @@ void thread_pool::take_part(std::unique_lock<std::mutex>& lock) {
     const std::size_t number = next++;
     ++running;
     lock.unlock();
-    std::exception_ptr failure;
-    try {
-      (*task)(number);
-    } catch (...) {
-      failure = std::current_exception();
-    }
+    const std::exception_ptr failure = failure_of([&] { (*task)(number); });
     lock.lock();
     --running;
     if (failure) {

@@ -20,6 +20,17 @@ namespace arbor::tree {
 // The number of the machine's cores, at least 1.
 unsigned int machine_threads();
 
+// What a call throws; null if it returns.
+template <class Call>
+std::exception_ptr failure_of(Call&& call) {
+  try {
+    call();
+    return nullptr;
+  } catch (...) {
+    return std::current_exception();
+  }
+}
+
 class thread_pool : private strata::util::nocopy {
  public:
   // `threads`, at least 1, counts the calling thread too: with 1 it works alone. The pool is

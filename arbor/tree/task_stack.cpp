@@ -1,6 +1,5 @@
 #include "arbor/tree/task_stack.h"
 
-#include <exception>
 #include <utility>
 
 namespace arbor::tree {
@@ -25,12 +24,8 @@ void task_stack::take_part() {
     waiting.pop_back();
     ++running;
     lock.unlock();
-    std::exception_ptr failure;
-    try {
-      std::exchange(task, nullptr)();  // what it holds is freed before others see its end
-    } catch (...) {
-      failure = std::current_exception();
-    }
+    // What the task holds is freed before others see that it has ended.
+    const std::exception_ptr failure = failure_of([&] { std::exchange(task, nullptr)(); });
     lock.lock();
     --running;
     if (failure) {

@@ -77,7 +77,7 @@ parallel_subtree::parallel_subtree(growth& of_tree, std::size_t root_cases)
     : shared(of_tree),
       small(std::max(worth_sharing, root_cases / (std::size_t{16} * shared.pool.size()))) {}
 
-void parallel_subtree::grow(node_cases root) {
+void parallel_subtree::grow(const node_cases& root) {
   tasks.add([this, root] { settle(0, root); });
   tasks.run(shared.pool);
 }

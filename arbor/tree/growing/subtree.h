@@ -66,7 +66,7 @@ class parallel_subtree {
  public:
   parallel_subtree(growth& of_tree, std::size_t root_cases);
 
-  void grow(node_cases root);
+  void grow(const node_cases& root);
   grown_nodes take_nodes() { return std::move(grown); }
 
  private:
