@@ -74,16 +74,11 @@ void column::check_room(unsigned int count) const {
 
 void column::check_codes(const unsigned int* codes, unsigned int count) const {
   check_room(count);
-  const unsigned int known = domain->size_of_known();
-  unsigned int least = 1;
-  unsigned int greatest = 0;
-  for (unsigned int i = 0; i < count; ++i) {
-    least = std::min(least, codes[i]);
-    greatest = std::max(greatest, codes[i]);
-  }
-  if (greatest > known || (least == 0 && !domain->contains_null())) {
-    throw std::runtime_error("column require a valid o_set");
-  }
+  const unsigned int lowest = domain->contains_null() ? 0 : 1;
+  const unsigned long long admissible = domain->size_of_known() + 1ULL - lowest;
+  unsigned int greatest = 0;  // of the codes less the lowest, where 0 may become the largest number
+  for (unsigned int i = 0; i < count; ++i) greatest = std::max(greatest, codes[i] - lowest);
+  if (count > 0 && greatest >= admissible) throw std::runtime_error("column require a valid o_set");
 }
 
 unsigned int column::get_row_index(unsigned int /*row*/) const {
