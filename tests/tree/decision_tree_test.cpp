@@ -55,8 +55,17 @@ struct users_column : column_typed<unsigned char> {
   }
   unsigned int get_row_index(unsigned int row) const override { return source.get_row_index(row); }
   bool less_than(unsigned int a, unsigned int b) const override { return source.less_than(a, b); }
+  impls::w_sequence* partition(impls::w_sequence::const_iterator begin,
+                               impls::w_sequence::const_iterator end, unsigned int branch,
+                               float total, float& ratio,
+                               strata::util::pair<unsigned int, unsigned int>& range,
+                               const partition_desc& desc) const override {
+    ++partitions;
+    return column_typed::partition(begin, end, branch, total, ratio, range, desc);
+  }
 
   const column& source;
+  mutable std::atomic<unsigned int> partitions{0};
 };
 
 TEST(Grower, GrowsTheSameLargeTreeOnAnyThreadsAndAnyClassOfColumn) {
@@ -81,8 +90,11 @@ TEST(Grower, GrowsTheSameLargeTreeOnAnyThreadsAndAnyClassOfColumn) {
   for (const auto& [i, kind] :
        {std::pair{5U, column::CLASS}, {3U, column::CONTINUOUS}, {2U, column::DISCRETE}}) {
     auto before = std::move(large.columns[i]);
-    large.columns[i] = std::make_unique<users_column>(*before, kind);
+    auto users = std::make_unique<users_column>(*before, kind);
+    const auto& partitions = users->partitions;
+    large.columns[i] = std::move(users);
     grow_again();
+    EXPECT_EQ(partitions > 0, kind != column::CLASS);
     large.columns[i] = std::move(before);
   }
   options.progress = [](double /*share*/) { throw std::runtime_error("enough"); };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "arbor/model/code_readers.h"
+#include "arbor/tree/growing/column_partition.h"
 #include "arbor/tree/growing/threshold.h"
 
 namespace arbor::tree {
@@ -24,14 +25,39 @@ node_split::node_split(node_cases of_node, float node_weight, const rated_test& 
     : node(std::move(of_node)), chosen_test(chosen) {
   if (attribute().is_discrete()) {
     divide_by_value(node_weight);
-    return;
+  } else {
+    divide_at_threshold(node_weight);
   }
-  const unsigned int threshold = threshold_code(attribute(), cut_of(chosen.rating));
-  sides = divide_at_threshold(node, node_weight, chosen.column_index, threshold);
-  node.cases.reset();
-  for (unsigned int number : {1U, 2U}) {
-    const side_cases& side = sides[number - 1];
-    all_branches.push_back({number, side.share, side.cases->size(), 0});
+  if (!impls::is_library_column(attribute())) divide_by_column(node_weight);
+  if (!divided.empty()) node.cases.reset();
+}
+
+void node_split::divide_at_threshold(float node_weight) {
+  const unsigned int threshold = threshold_code(attribute(), cut_of(chosen_test.rating));
+  for (side_cases& side :
+       tree::divide_at_threshold(node, node_weight, chosen_test.column_index, threshold)) {
+    const std::size_t place = divided.size();
+    const auto number = static_cast<unsigned int>(place) + 1;
+    all_branches.push_back({number, side.share, side.cases->size(), 0, place});
+    divided.push_back(std::move(side));
+  }
+}
+
+// The codes say which branches there are, and the column which cases they get.
+void node_split::divide_by_column(float node_weight) {
+  divided.clear();
+  for (branch& made : all_branches) {
+    w_sequence cases = *node.cases;
+    if (attribute().is_discrete()) {
+      const auto first = node.cases->begin();
+      const auto begin = first + static_cast<std::ptrdiff_t>(made.first);
+      cases.assign(begin, begin + static_cast<std::ptrdiff_t>(made.size));
+      cases.insert(cases.end(), first, first + static_cast<std::ptrdiff_t>(unknown_count));
+    }
+    divided.push_back(
+        partition_by_column(*node.rows, cases, node_weight, chosen_test, made.number));
+    made.share = divided.back().share;
+    made.size = divided.back().cases->size();
   }
 }
 
@@ -63,14 +89,14 @@ void node_split::divide_by_value(float node_weight) {
     if (size == 0) continue;
     const auto weight = static_cast<double>(float_weight(*by_value, first, size));
     all_branches.push_back({static_cast<unsigned int>(value) + before_first,
-                            static_cast<float>(weight / known_weight), size, first});
+                            static_cast<float>(weight / known_weight), size, first,
+                            all_branches.size()});
   }
   node.cases = std::move(by_value);
 }
 
 node_cases node_split::take_cases(const branch& taken) {
-  side_cases part =
-      attribute().is_discrete() ? cases_of_value(taken) : std::move(sides[taken.number - 1]);
+  side_cases part = divided.empty() ? cases_of_value(taken) : std::move(divided[taken.place]);
   node_cases result{node.rows, std::move(part.cases), node.ranges, node.depth + 1};
   result.ranges[chosen_test.column_index] = part.range;
   return result;
@@ -80,7 +106,7 @@ node_cases node_split::take_cases(const branch& taken) {
 side_cases node_split::cases_of_value(const branch& taken) const {
   const auto first = node.cases->begin();
   const auto unknown_end = first + static_cast<std::ptrdiff_t>(unknown_count);
-  const auto begin = first + static_cast<std::ptrdiff_t>(taken.first_case);
+  const auto begin = first + static_cast<std::ptrdiff_t>(taken.first);
   auto cases = std::make_shared<w_sequence>();
   cases->reserve(taken.size + unknown_count);
   cases->assign(begin, begin + static_cast<std::ptrdiff_t>(taken.size));
