@@ -260,9 +260,9 @@ void add_uneven_sorting(sample& table) {
 }
 
 void add_logarithms() {
-  compare("x log2 x : by the library's logarithm/4,096 weights", {aim::time, 2}, [] {
+  compare("x log2 x : by the library's logarithm/1,024 weights", {aim::time, 2}, [] {
     const auto weights = std::make_shared<std::vector<float>>();
-    const auto terms = std::make_shared<std::vector<double>>(4096);
+    const auto terms = std::make_shared<std::vector<double>>(1024);
     for (std::size_t i = 0; i < terms->size(); ++i)
       weights->push_back(0.125F * static_cast<float>(i * i % 65521 + 1));
     const auto bare = [=](std::vector<double>& result) {

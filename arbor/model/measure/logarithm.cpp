@@ -164,6 +164,7 @@ constexpr std::array<entry, 256> table{{
 #pragma GCC diagnostic ignored "-Wpsabi"
 
 using four_floats = float __attribute__((vector_size(16)));
+using two_numbers = double __attribute__((vector_size(16)));
 using four_numbers = double __attribute__((vector_size(32)));
 using four_patterns = std::uint64_t __attribute__((vector_size(32)));
 
@@ -186,12 +187,11 @@ struct entries {
   return {e.r, e.logarithm};
 }
 [[gnu::always_inline]] inline entries<four_numbers> look_up(const four_patterns& places) {
-  const entry& a = table[places[0] & 0xFFU];
-  const entry& b = table[places[1] & 0xFFU];
-  const entry& c = table[places[2] & 0xFFU];
-  const entry& d = table[places[3] & 0xFFU];
-  return {four_numbers{a.r, b.r, c.r, d.r},
-          four_numbers{a.logarithm, b.logarithm, c.logarithm, d.logarithm}};
+  const auto pair = [&](int i) { return same_bits<two_numbers>(table[places[i] & 0xFFU]); };
+  const auto even = __builtin_shufflevector(pair(0), pair(2), 0, 1, 2, 3);
+  const auto odd = __builtin_shufflevector(pair(1), pair(3), 0, 1, 2, 3);
+  return {__builtin_shufflevector(even, odd, 0, 4, 2, 6),
+          __builtin_shufflevector(even, odd, 1, 5, 3, 7)};
 }
 
 // The natural logarithm of a number, or of each of four, divided by Log2. Nothing branches on it.
