@@ -1,5 +1,5 @@
-// Loading a table, compared with a scan by hand that divides the same bytes at each comma, reads the
-// numbers, and looks the texts up in a table of hashes; and on two threads, compared with one.
+// Loading a table, compared with a scan by hand that divides the same bytes at each comma, reads
+// the numbers, and looks the texts up in a table of hashes; and on two threads, compared with one.
 
 #include <array>
 #include <cstdint>

@@ -13,9 +13,9 @@
 
 namespace arbor::tree {
 
-// A block has up to `block_size` bytes, or one row that is longer. It ends at the end of a row, which is where a line
-// ends after an even number of quotes. That is wrong only after a misplaced quote; the block with
-// that quote is refused when it is divided, whatever comes after it.
+// A block has up to `block_size` bytes, or one row that is longer. It ends at the end of a row,
+// which is where a line ends after an even number of quotes. That is wrong only after a misplaced
+// quote; the block with that quote is refused when it is divided, whatever comes after it.
 class block_reader {
  public:
   // Reads `source`, which must outlive this object, from its current position. A UTF-8 byte order

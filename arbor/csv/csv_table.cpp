@@ -42,15 +42,6 @@ bool csv_table::next(csv_block& block) {
   return true;
 }
 
-void csv_table::read(const std::function<void()>& when_named,
-                     const std::function<void(const csv_row&)>& use) {
-  read_names();
-  when_named();
-  for (csv_block block; next(block); block.check_end()) {
-    for (std::size_t i = 0; i < block.rows(); ++i) use(block.row(i));
-  }
-}
-
 void csv_table::name_columns(const csv_row& row) {
   for (std::size_t cell = 0; cell < row.size(); ++cell) column_names.emplace_back(row.text(cell));
   by_name.resize(column_names.size());

@@ -8,7 +8,6 @@
 #ifndef ARBOR_CSV_CSV_TABLE_H
 #define ARBOR_CSV_CSV_TABLE_H
 
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -39,11 +38,6 @@ class csv_table {
   // Several threads may call this at the same time, each with a block of its own. One at a time
   // reads from the file; dividing what it has read into cells goes on side by side.
   bool next(csv_block& block);
-
-  // Reads the file to its end, once: first the column names, after which it calls `when_named`, and
-  // then each row, which it hands to `use`.
-  void read(const std::function<void()>& when_named,
-            const std::function<void(const csv_row&)>& use);
 
   const std::string& name() const { return file.name(); }
   const std::vector<std::string>& names() const { return column_names; }

@@ -46,9 +46,9 @@ class rank_table {
   std::vector<key> ranks;
 };
 
-// For dense keys of any range. Each key from the least to the greatest has a bit, which is set if the key
-// occurs; the rank of a key is the number of set bits up to its own. The words take at most four
-// bytes a row, so that for most tables they stay in the processor's caches.
+// For dense keys of any range. Each key from the least to the greatest has a bit, which is set if
+// the key occurs; the rank of a key is the number of set bits up to its own. The words take at most
+// four bytes a row, so that for most tables they stay in the processor's caches.
 class presence_ranks {
  public:
   presence_ranks(key least, key greatest)

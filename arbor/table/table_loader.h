@@ -58,8 +58,8 @@ struct load_options {
 //
 // The file is read once, and its text is not kept. Until the last row is read a cell takes four
 // bytes, or eight in a column of numbers that are not all integers, and a column of texts its
-// distinct texts. Then the columns are made, as many at a time as there are threads, and their cells
-// are freed; a column of sparse numbers takes about thirty bytes a row meanwhile.
+// distinct texts. Then the columns are made, as many at a time as there are threads, and their
+// cells are freed; a column of sparse numbers takes about thirty bytes a row meanwhile.
 //
 // Numbers are read in the process's locale.
 //

@@ -158,9 +158,8 @@ constexpr std::array<entry, 256> table{{
 }};
 // clang-format on
 
-// Two numbers at a time: every processor that the library is built for has instructions for that.
-// Every function that takes or returns four numbers is inlined, so it does not matter how they would
-// be passed.
+// Every function that takes or returns four numbers is inlined, so it does not matter how they
+// would be passed.
 #pragma GCC diagnostic ignored "-Wpsabi"
 
 using four_floats = float __attribute__((vector_size(16)));
