@@ -24,6 +24,7 @@ struct row_weights {
 
   const Weight* begin() const { return first; }
   const Weight* end() const { return last; }
+  std::size_t size() const { return static_cast<std::size_t>(last - first); }
 };
 
 // The table as the measures read it. Weight is float, or unsigned int if all weights are the same

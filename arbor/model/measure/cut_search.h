@@ -66,21 +66,20 @@ class cut_sides {
     right[class_code] -= moved;
     left_sum += moved;
   }
-  // Moves weights of all classes, from that of class 1 on. Returns whether any of them is not 0.
+  // Moves weights of all classes, from that of class 1 on.
   template <class Stored>
-  bool move_all(const Stored* weights) {
+  void move_all(const Stored* weights) {
     const unsigned int count = classes();
     const Stored* __restrict const moved = weights;
     Weight* __restrict const to = left.data() + 1;
     Weight* __restrict const from = right.data() + 1;
-    bool any = false;
+    Weight sum = left_sum;
     for (unsigned int c = 0; c < count; ++c) {
-      any |= moved[c] != 0;
       to[c] += as_weight(moved[c]);
       from[c] -= as_weight(moved[c]);
     }
-    for (unsigned int c = 0; c < count; ++c) left_sum += as_weight(moved[c]);
-    return any;
+    for (unsigned int c = 0; c < count; ++c) sum += as_weight(moved[c]);
+    left_sum = sum;
   }
   // Sets the weights of the two classes on both sides, and that of the left side.
   template <class Stored>
@@ -99,12 +98,9 @@ class cut_sides {
   }
 
   Weight left_weight() const { return left_sum; }
-  // Copies the weights of the classes on both sides.
-  void copy(Weight* __restrict left_copy, Weight* __restrict right_copy) const {
-    // Not as one block: two weights would then be in memory, and not yet when they are copied.
-    for (unsigned int c = 0; c < classes(); ++c) left_copy[c] = left[c + 1];
-    for (unsigned int c = 0; c < classes(); ++c) right_copy[c] = right[c + 1];
-  }
+  // The weights of the classes from code 1 on, on both sides.
+  const Weight* on_left() const { return left.data() + 1; }
+  const Weight* on_right() const { return right.data() + 1; }
 
  private:
   unsigned int classes() const { return Classes != 0 ? Classes : class_count; }
@@ -134,24 +130,22 @@ class cut_search {
   cut_search(const cut_problem& searched, std::size_t cuts, Entropies& of_sides)
       : node(searched),
         entropies(of_sides),
-        rows(at_sight ? 1 : distributions_at_once(node.class_count, cuts)),
-        left_rows(rows * node.class_count, strata::util::first_values::any),
-        right_rows(rows * node.class_count, strata::util::first_values::any),
+        room(at_sight ? 1 : distributions_at_once(node.class_count, cuts)),
+        left(room * node.class_count, strata::util::first_values::any),
+        right(room * node.class_count, strata::util::first_values::any),
         known_weight(searched.known_weight()),
         known_fraction(
             static_cast<double>(known_weight) /
             (static_cast<double>(node.unknown_weight) + static_cast<double>(known_weight))),
         least_left(least_side_weight(known_weight, node.class_count, node.min_weight)),
         most_left(known_weight - least_left) {
-    cut_sides<weight, Classes>(node).copy(left_rows.data(), right_rows.data());
-    distribution_sums<weight> all;
-    entropies.add_up(right_rows.data(), shape_of(1), &all);
+    const distribution_sums<weight> all = add_up_one(entropies, node.class_weights, classes());
     info = static_cast<float>(all.entropy() / static_cast<double>(known_weight));
   }
 
   // Whether a side is too light, by the weight of the left one.
-  bool left_too_light(weight left) const { return static_cast<float>(left) < least_left; }
-  bool right_too_light(weight left) const { return static_cast<float>(left) > most_left; }
+  bool left_too_light(weight left_side) const { return static_cast<float>(left_side) < least_left; }
+  bool right_too_light(weight left_side) const { return static_cast<float>(left_side) > most_left; }
 
   // Rates a cut, now or later, if it is `eligible`; the caller identifies it by `place`. If gains
   // are equal when rounded to float, the earlier cut stays the best.
@@ -159,22 +153,18 @@ class cut_search {
     if constexpr (at_sight) {
       // Two weights have no chain to speak of. To rate a cut that is not eligible costs less than a
       // branch that is hard to predict.
-      std::array<weight, 2> left;
-      std::array<weight, 2> right;
-      sides.copy(left.data(), right.data());
-      const auto entropy =
-          static_cast<float>(entropies.of_two(left.data()) + entropies.of_two(right.data()));
+      const auto entropy = static_cast<float>(entropies.of_two(sides.on_left()) +
+                                              entropies.of_two(sides.on_right()));
       if (entropy < best_entropy && eligible) compare(entropy, sides.left_weight(), place);
       return;
     }
     // Of two classes the weights are copied in any case, for the same reason.
     if (Classes != 2 && !eligible) return;
-    const std::size_t width = shape_of(1).stride;
-    sides.copy(left_rows.data() + waiting * width, right_rows.data() + waiting * width);
+    copy(sides);
     left_weights[waiting] = sides.left_weight();
     places[waiting] = place;
     waiting += eligible ? 1 : 0;
-    if (waiting == rows) rate_waiting();
+    if (waiting == room) rate_waiting();
   }
 
   // Sets gain and split information of `result` to those of the best of so many candidates, that at
@@ -189,7 +179,7 @@ class cut_search {
     const std::array<float, 3> branches{node.unknown_weight, left_branch,
                                         known_weight - left_branch};
     const auto split_entropy =
-        static_cast<float>(add_up(branches.data(), branches.data() + 3).entropy());
+        static_cast<float>(add_up_one(real_entropies(), branches.data(), 3).entropy());
     result.gain = best_gain - penalty;
     result.split_info = split_entropy / node.total_weight;
     return true;
@@ -197,16 +187,28 @@ class cut_search {
   std::size_t best_place() const { return best; }
 
  private:
-  distribution_rows shape_of(std::size_t count) const {
-    const std::size_t classes = Classes != 0 ? Classes : node.class_count;
-    return {classes, classes, count};
+  std::size_t classes() const { return Classes != 0 ? Classes : node.class_count; }
+
+  // Copies the weights of a cut behind those that wait.
+  void copy(const cut_sides<weight, Classes>& sides) {
+    const std::size_t count = classes();
+    const std::size_t step = room;
+    weight* __restrict to_left = left.data() + waiting;
+    weight* __restrict to_right = right.data() + waiting;
+    const weight* __restrict const on_left = sides.on_left();
+    const weight* __restrict const on_right = sides.on_right();
+    for (std::size_t c = 0; c < count; ++c, to_left += step, to_right += step) {
+      *to_left = on_left[c];
+      *to_right = on_right[c];
+    }
   }
 
   void rate_waiting() {
     std::array<distribution_sums<weight>, most_together> left_sums;
     std::array<distribution_sums<weight>, most_together> right_sums;
-    entropies.add_up(left_rows.data(), shape_of(waiting), left_sums.data());
-    entropies.add_up(right_rows.data(), shape_of(waiting), right_sums.data());
+    const distributions shape{classes(), room, waiting};
+    entropies.add_up(left.data(), shape, left_sums.data());
+    entropies.add_up(right.data(), shape, right_sums.data());
     for (std::size_t i = 0; i < waiting; ++i) {
       const auto entropy = static_cast<float>(left_sums[i].entropy() + right_sums[i].entropy());
       compare(entropy, left_weights[i], places[i]);
@@ -231,10 +233,10 @@ class cut_search {
 
   const cut_problem& node;
   Entropies& entropies;
-  const std::size_t rows;
-  // Of the cuts that wait to be rated: by class, row by row, and of each cut.
-  strata::util::work_array<weight, 2 * most_together> left_rows;
-  strata::util::work_array<weight, 2 * most_together> right_rows;
+  const std::size_t room;  // for cuts that wait to be rated
+  // Their weights by class on both sides, see distributions, and what is known of each cut.
+  strata::util::work_array<weight, 2 * most_together> left;
+  strata::util::work_array<weight, 2 * most_together> right;
   std::array<weight, most_together> left_weights;
   std::array<std::size_t, most_together> places;
   std::size_t waiting = 0;
@@ -286,8 +288,7 @@ void with_cut_search(const cut_problem& node, std::size_t cuts, Use&& use) {
       return;
     }
   }
-  real_entropies entropies(node.class_count,
-                           distributions_at_once(node.class_count, cuts) * node.class_count);
+  real_entropies entropies;
   cut_search<real_entropies, Classes> search(node, cuts, entropies);
   use(search);
 }

@@ -43,41 +43,31 @@ struct value_sums {
   }
 };
 
-// `count` numbers, of a type that a class_table has, as weights of another type.
-template <class Weight>
-const Weight* as_weights(const Weight* numbers, std::size_t /*count*/, Weight* /*room*/) {
-  return numbers;
-}
-const float* as_weights(const unsigned int* numbers, std::size_t count, float* room) {
-  std::copy_n(numbers, count, room);
-  return room;
-}
-
 template <class Entropies, class Stored>
-discrete_entropies entropies_by(Entropies& entropies, const class_table<Stored>& table,
+discrete_entropies entropies_by(const Entropies& entropies, const class_table<Stored>& table,
                                 float min_weight) {
   using weight = typename Entropies::weight;
   const std::size_t classes = table.classes();
-  const std::size_t at_once = distributions_at_once(table.width(), table.rows() - 1);
-  const bool converts = !std::is_same_v<weight, Stored>;
-  strata::util::work_array<weight, 1> room(converts ? at_once * table.width() : 0);
+  const std::size_t room = distributions_at_once(classes, table.rows() - 1);
+  strata::util::work_array<weight, 2 * most_together> weights(room * classes,
+                                                              strata::util::first_values::any);
   std::array<distribution_sums<weight>, most_together> sums;
   const auto add_up = [&](const Stored* first, std::size_t count) {
-    const distribution_rows rows{classes, table.width(), count};
-    entropies.add_up(as_weights(first, (count - 1) * table.width() + classes, room.data()), rows,
-                     sums.data());
+    for (std::size_t i = 0; i < count; ++i, first += table.width()) {
+      for (std::size_t c = 0; c < classes; ++c)
+        weights[c * room + i] = static_cast<weight>(first[c]);
+    }
+    entropies.add_up(weights.data(), {classes, room, count}, sums.data());
   };
-  add_up(table.totals(), 1);
-  const distribution_sums<weight> all = sums[0];
   const auto unknown = static_cast<weight>(table.unknown_weight());
   value_sums<weight> values{min_weight, {unknown, 0, with_term(0, entropies.term_of(unknown))}};
-  for (unsigned int i = 1; i < table.rows(); i += static_cast<unsigned int>(at_once)) {
-    const std::size_t count = std::min<std::size_t>(at_once, table.rows() - i);
+  for (unsigned int i = 1; i < table.rows(); i += static_cast<unsigned int>(room)) {
+    const std::size_t count = std::min<std::size_t>(room, table.rows() - i);
     add_up(table.row(i), count);
     for (std::size_t row = 0; row < count; ++row) values.add(sums[row]);
   }
   values.branches.weight_term = entropies.term_of(values.branches.weight);
-  return values.with_classes(all);
+  return values.with_classes(add_up_one(entropies, table.totals(), classes));
 }
 
 template <class Weight>
@@ -86,14 +76,10 @@ discrete_entropies entropies(const class_table<Weight>& table, float min_weight)
     const unsigned int weight =
         std::accumulate(table.totals(), table.totals() + table.classes(), table.unknown_weight());
     const unsigned long long term_count = (table.classes() + 2ULL) * table.rows();
-    if (const double* terms = whole_number_terms(weight, term_count)) {
-      whole_entropies whole(terms);
-      return entropies_by(whole, table, min_weight);
-    }
+    if (const double* terms = whole_number_terms(weight, term_count))
+      return entropies_by(whole_entropies(terms), table, min_weight);
   }
-  const std::size_t at_once = distributions_at_once(table.width(), table.rows() - 1);
-  real_entropies real(table.classes(), at_once * table.width());
-  return entropies_by(real, table, min_weight);
+  return entropies_by(real_entropies(), table, min_weight);
 }
 
 discrete_entropies entropies(const sparse_class_table& table, float min_weight) {
@@ -102,10 +88,10 @@ discrete_entropies entropies(const sparse_class_table& table, float min_weight) 
   if (0 >= min_weight) values.real_branches = table.empty_rows();
   for (unsigned int i = 1; i < table.rows(); ++i) {
     const auto weights = table.weights_in_row(i);
-    values.add(add_up(weights.begin(), weights.end()));
+    values.add(add_up_one(real_entropies(), weights.begin(), weights.size()));
   }
   values.branches.weight_term = log_term(values.branches.weight);
-  return values.with_classes(add_up(table.totals(), table.totals() + table.classes()));
+  return values.with_classes(add_up_one(real_entropies(), table.totals(), table.classes()));
 }
 
 template <class Table>

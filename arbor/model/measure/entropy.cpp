@@ -10,56 +10,30 @@ namespace arbor::impls {
 
 namespace {
 
-using two_numbers = double __attribute__((vector_size(16)));
-using two_floats = float __attribute__((vector_size(8)));
-
-// with_term for two sums.
-two_floats with_terms(two_floats sums, two_numbers terms) {
-  return __builtin_convertvector(__builtin_convertvector(sums, two_numbers) + terms, two_floats);
-}
-
-// Adds up the weights and terms of several distributions at once: an addition waits for the one
+// Adds up the weights and terms of several distributions side by side: an addition waits for the one
 // before it, but not for those of other distributions. Each sum is formed as if it were alone.
-// term_of(i) is the term of rows[i]. `Classes` is the number of classes if the compiler knows it,
-// else 0.
-template <unsigned int Classes, class Weight, class TermOf>
-void add_up_rows(const Weight* rows, const distribution_rows& shape, TermOf term_of,
-                 distribution_sums<Weight>* sums) {
-  constexpr std::size_t at_once = 4;
-  const std::size_t classes = Classes != 0 ? Classes : shape.classes;
-  for (std::size_t i = 0; i < shape.count; i += at_once) {
-    std::array<std::size_t, at_once> first{};  // weight of each; the last one may be there again
-    for (std::size_t r = 0; r < at_once; ++r)
-      first[r] = std::min(i + r, shape.count - 1) * shape.stride;
-    std::array<Weight, at_once> weights{};
-    two_floats terms_of_two{};
-    two_floats terms_of_others{};
-    for (std::size_t c = 0; c < classes; ++c) {
-      for (std::size_t r = 0; r < at_once; ++r) weights[r] += rows[first[r] + c];
-      terms_of_two =
-          with_terms(terms_of_two, two_numbers{term_of(first[0] + c), term_of(first[1] + c)});
-      terms_of_others =
-          with_terms(terms_of_others, two_numbers{term_of(first[2] + c), term_of(first[3] + c)});
-    }
-    const std::array<float, at_once> terms{terms_of_two[0], terms_of_two[1], terms_of_others[0],
-                                           terms_of_others[1]};
-    for (std::size_t r = 0; r < at_once && i + r < shape.count; ++r)
-      sums[i + r] = {weights[r], 0, terms[r]};
+// set_terms(first, terms) sets the terms of the weights of a class.
+template <class Entropies, class Weight, class SetTerms>
+void add_up_classes(const Entropies& entropies, const Weight* weights, const distributions& shape,
+                    SetTerms set_terms, distribution_sums<Weight>* sums) {
+  constexpr std::size_t few = 4;
+  const std::size_t count = shape.count;
+  if (count < few) {
+    for (std::size_t i = 0; i < count; ++i)
+      sums[i] = add_up_one(entropies, weights + i, shape.classes, shape.room);
+    return;
   }
-}
-
-template <class Weight, class TermOf>
-void add_up_rows(const Weight* rows, const distribution_rows& shape, TermOf term_of,
-                 distribution_sums<Weight>* sums) {
-  if (shape.classes == 2) {
-    for (std::size_t i = 0; i < shape.count; ++i) {
-      const std::size_t at = i * shape.stride;
-      sums[i] = {rows[at] + rows[at + 1], 0,
-                 with_term(static_cast<float>(term_of(at)), term_of(at + 1))};
-    }
-  } else {
-    add_up_rows<0>(rows, shape, term_of, sums);
+  std::array<Weight, most_together> weight_sums{};
+  std::array<float, most_together> term_sums{};
+  std::array<double, most_together> terms;
+  for (std::size_t c = 0; c < shape.classes; ++c) {
+    const Weight* const of_class = weights + c * shape.room;
+    set_terms(of_class, terms.data());
+    for (std::size_t i = 0; i < count; ++i) weight_sums[i] += of_class[i];
+    for (std::size_t i = 0; i < count; ++i) term_sums[i] = with_term(term_sums[i], terms[i]);
   }
+  set_terms(weight_sums.data(), terms.data());
+  for (std::size_t i = 0; i < count; ++i) sums[i] = {weight_sums[i], terms[i], term_sums[i]};
 }
 
 // The lengths of the tables: from 8 KB, for a small node, to 32 MB, for four million cases.
@@ -80,20 +54,7 @@ const double* made(std::size_t i) {
   return first;
 }
 
-// With fewer classes most weights differ from those of the distribution before.
-constexpr std::size_t many_classes = 5;
-
 }  // namespace
-
-distribution_sums<float> add_up(const float* first, const float* last) {
-  distribution_sums<float> result{};
-  for (; first != last; ++first) {
-    result.weight += *first;
-    result.terms = with_term(result.terms, log_term(*first));
-  }
-  result.weight_term = log_term(result.weight);
-  return result;
-}
 
 const double* whole_number_terms(unsigned int greatest, unsigned long long terms) {
   constexpr unsigned long long most_entries_per_term = 32;  // as tens of nodes share a table
@@ -106,61 +67,33 @@ const double* whole_number_terms(unsigned int greatest, unsigned long long terms
   return nullptr;
 }
 
-void whole_entropies::add_up(const unsigned int* rows, const distribution_rows& shape,
+void whole_entropies::add_up(const unsigned int* weights, const distributions& shape,
                              distribution_sums<unsigned int>* sums) const {
-  const double* const of_numbers = term;
-  add_up_rows(
-      rows, shape, [=](std::size_t i) { return of_numbers[rows[i]]; }, sums);
-  for (std::size_t i = 0; i < shape.count; ++i) sums[i].weight_term = term[sums[i].weight];
+  const auto look_up = [&](const unsigned int* numbers, double* terms) {
+    for (std::size_t i = 0; i < shape.count; ++i) terms[i] = term[numbers[i]];
+  };
+  add_up_classes(*this, weights, shape, look_up, sums);
 }
 
-real_entropies::real_entropies(std::size_t classes, std::size_t most)
-    : terms(most + 1, strata::util::first_values::any),
-      changed(classes < many_classes ? 0 : most + 1, strata::util::first_values::any),
-      places(classes < many_classes ? 0 : most, strata::util::first_values::any) {}
-
-void real_entropies::add_up(const float* rows, const distribution_rows& shape,
+void real_entropies::add_up(const float* weights, const distributions& shape,
                             distribution_sums<float>* sums) {
-  const double* const of_weights = terms.data();
-  if (shape.classes < many_classes) {
-    log_terms(rows, (shape.count - 1) * shape.stride + shape.classes, terms.data());
-    add_up_rows(
-        rows, shape, [=](std::size_t i) { return of_weights[i]; }, sums);
-  } else {
-    make_terms_of_changes(rows, shape);
-    const unsigned int* const place = places.data();
-    add_up_rows(
-        rows, shape, [=](std::size_t i) { return of_weights[place[i]]; }, sums);
-  }
-  std::array<float, most_together> weights;
-  std::array<double, most_together> weight_terms;
-  for (std::size_t i = 0; i < shape.count; ++i) weights[i] = sums[i].weight;
-  log_terms(weights.data(), shape.count, weight_terms.data());
-  for (std::size_t i = 0; i < shape.count; ++i) sums[i].weight_term = weight_terms[i];
-}
-
-// A weight that is the same as in the distribution before has the same term. Nothing branches on
-// the weights.
-void real_entropies::make_terms_of_changes(const float* rows, const distribution_rows& shape) {
-  unsigned int next = 0;
-  for (; next < shape.classes; ++next) {
-    places[next] = next;
-    changed[next] = rows[next];
-  }
-  for (std::size_t i = 1; i < shape.count; ++i) {
-    const float* const before = rows + (i - 1) * shape.stride;
-    const float* const weights = rows + i * shape.stride;
-    const unsigned int* const places_before = places.data() + (i - 1) * shape.stride;
-    unsigned int* const places_here = places.data() + i * shape.stride;
-    for (std::size_t c = 0; c < shape.classes; ++c) {
-      const auto differs = static_cast<unsigned int>(weights[c] != before[c]);
-      const unsigned int place_before = places_before[c];
-      changed[next] = weights[c];
-      places_here[c] = place_before + (next - place_before) * differs;
-      next += differs;
+  constexpr std::size_t many_classes = 5;  // with fewer, most weights differ from those before
+  std::array<float, most_together> different;
+  std::array<double, most_together> different_terms;
+  std::array<unsigned int, most_together> places;  // in both
+  // A weight that is the one before has its term. Nothing branches on the weights.
+  const auto calculate = [&](const float* numbers, double* terms) {
+    if (shape.classes < many_classes) return log_terms(numbers, shape.count, terms);
+    unsigned int place = 0;
+    for (std::size_t i = 0; i < shape.count; ++i) {
+      place += i > 0 && numbers[i] != numbers[i - 1] ? 1 : 0;
+      different[place] = numbers[i];
+      places[i] = place;
     }
-  }
-  log_terms(changed.data(), next, terms.data());
+    log_terms(different.data(), place + 1ULL, different_terms.data());
+    for (std::size_t i = 0; i < shape.count; ++i) terms[i] = different_terms[places[i]];
+  };
+  add_up_classes(real_entropies(), weights, shape, calculate, sums);
 }
 
 }  // namespace arbor::impls

@@ -1,8 +1,7 @@
 // The weighted entropy sum, from which every measure of a split is made: of one distribution of
 // weights, or of many at once. Internal to the model.
 //
-//   real_entropies entropies(classes, weights.size());
-//   entropies.add_up(weights.data(), {classes, classes, rows}, sums.data());
+//   real_entropies::add_up(weights.data(), {classes, count, count}, sums.data());
 //   sums[0].entropy();
 //
 // The entropy of a distribution of weights w in bits, times their sum S, is S log2 S minus the sum
@@ -15,7 +14,6 @@
 #include <cstddef>
 
 #include "arbor/model/measure/logarithm.h"
-#include "arbor/utils/work_array.h"
 
 namespace arbor::impls {
 
@@ -35,30 +33,27 @@ inline float with_term(float sum, double term) {
   return static_cast<float>(static_cast<double>(sum) + term);
 }
 
-// Of the weights [first, last).
-distribution_sums<float> add_up(const float* first, const float* last);
-
 // A table of log_term for the whole numbers from 0 to at least `greatest`, or null: a table is made
 // on first use, if `terms` look-ups or so make it worth its cost and there is memory for it. It
 // then stays unchanged until the process ends. Several threads may ask at once.
 const double* whole_number_terms(unsigned int greatest, unsigned long long terms);
 
-// Where the weights of several distributions are: those of distribution i, `classes` of them, begin
-// i * stride after those of the first.
-struct distribution_rows {
+// The weights of several distributions, class by class: those of class c, from 0 on, are entries
+// c * room to c * room + count - 1.
+struct distributions {
   std::size_t classes;
-  std::size_t stride;
-  std::size_t count;  // of distributions, from 1 to most_together
+  std::size_t room;   // for distributions, see distributions_at_once
+  std::size_t count;  // of distributions, from 1 to room
 };
 constexpr std::size_t most_together = 64;
 
-// How many distributions of `width` numbers each are best added up in a call, of `count` in all:
-// so many that their numbers stay in the core's own cache.
-inline std::size_t distributions_at_once(std::size_t width, std::size_t count) {
-  constexpr std::size_t most_numbers = 1U << 10U;
+// How many of `count` distributions of these classes are best added up in a call: so many that
+// their weights stay in the core's own cache.
+inline std::size_t distributions_at_once(std::size_t classes, std::size_t count) {
+  constexpr std::size_t most_weights = 1U << 10U;
   constexpr std::size_t fewest = 4;
   const std::size_t most = std::clamp<std::size_t>(count, 1, most_together);
-  return std::min(std::max(most_numbers / width, fewest), most);
+  return std::min(std::max(most_weights / classes, fewest), most);
 }
 
 // The sums of several distributions of whole numbers, whose terms are looked up.
@@ -76,7 +71,7 @@ class whole_entropies {
     return term[weights[0] + weights[1]] - static_cast<double>(terms);
   }
   // Sets an entry of `sums` for each distribution.
-  void add_up(const unsigned int* rows, const distribution_rows& shape,
+  void add_up(const unsigned int* weights, const distributions& shape,
               distribution_sums<unsigned int>* sums) const;
 
  private:
@@ -84,26 +79,31 @@ class whole_entropies {
 };
 
 // The sums of several distributions of any weights.
-class real_entropies {
- public:
+struct real_entropies {
   using weight = float;
 
-  // `most` is the greatest count * stride.
-  real_entropies(std::size_t classes, std::size_t most);
-
   static double term_of(float number) { return log_term(number); }
-  // Sets an entry of `sums` for each distribution.
-  void add_up(const float* rows, const distribution_rows& shape, distribution_sums<float>* sums);
-
- private:
-  void make_terms_of_changes(const float* rows, const distribution_rows& shape);
-
-  strata::util::work_array<double, 2 * most_together + 1> terms;
-  // With many classes: the weights that differ from those of the distribution before, and by weight
-  // the place of its term.
-  strata::util::work_array<float, 1> changed;
-  strata::util::work_array<unsigned int, 1> places;
+  // Sets an entry of `sums` for each distribution. It is fast if most weights are those of the same
+  // class in the distribution before.
+  static void add_up(const float* weights, const distributions& shape,
+                     distribution_sums<float>* sums);
 };
+
+// The sums of one distribution of `count` weights, each `step` entries after the one before.
+template <class Entropies, class Stored>
+distribution_sums<typename Entropies::weight> add_up_one(const Entropies& entropies,
+                                                         const Stored* weights, std::size_t count,
+                                                         std::size_t step = 1) {
+  using weight = typename Entropies::weight;
+  distribution_sums<weight> result{};
+  for (std::size_t c = 0; c < count; ++c) {
+    const auto next = static_cast<weight>(weights[c * step]);
+    result.weight += next;
+    result.terms = with_term(result.terms, entropies.term_of(next));
+  }
+  result.weight_term = entropies.term_of(result.weight);
+  return result;
+}
 
 }  // namespace arbor::impls
 

@@ -5,7 +5,7 @@
 #include "arbor/model/measure/rainforest_quality.h"
 
 #include <algorithm>
-#include <numeric>
+#include <cstring>
 
 #include "arbor/model/measure/cut_search.h"
 
@@ -27,7 +27,8 @@ class row_sweep {
     do {
       ++row;
       if (row >= last) return false;
-    } while (!sides.move_all(table.row(row)));
+    } while (!occurs(row));
+    sides.move_all(table.row(row));
     return true;
   }
 
@@ -48,9 +49,16 @@ class row_sweep {
   }
 
  private:
+  // Whether a weight is not 0: weights have the same size, and 0 has no bits.
   bool occurs(unsigned int i) const {
-    const Weight* weights = table.row(i);
-    return std::accumulate(weights, weights + table.classes(), Weight()) != 0;
+    const Weight* const weights = table.row(i);
+    unsigned int bits = 0;
+    for (unsigned int c = 0; c < table.classes(); ++c) {
+      unsigned int of_weight = 0;
+      std::memcpy(&of_weight, weights + c, sizeof of_weight);
+      bits |= of_weight;
+    }
+    return bits != 0;
   }
 
   const class_table<Weight>& table;
