@@ -38,6 +38,12 @@
 
 namespace {
 
+arbor::tree::load_options one_thread() {
+  arbor::tree::load_options options;
+  options.threads = 1;
+  return options;
+}
+
 using namespace arbor;
 using impls::column;
 using impls::o_set;
@@ -77,7 +83,7 @@ void write_file(const std::function<void(std::ofstream&)>& write) {
   write(out);
 }
 
-void load(const std::string& name, const tree::load_options& options = {}) {
+void load(const std::string& name, const tree::load_options& options = one_thread()) {
   step(name, [&] { tree::load_table(scratch(), options); });
 }
 
@@ -86,7 +92,7 @@ void one_long_cell() {
   text.resize(100'000'000, 'x');
   write_file([&](std::ofstream& out) { out << "a,b\n1,y\n" << text << ",n\n"; });
   load("loaded as a text");
-  tree::load_options options;
+  tree::load_options options = one_thread();
   options.types["a"] = "integer";
   load("loaded as an integer", options);
   write_file([&](std::ofstream& out) { out << "a,b\n1,y\n\"" << text << "\",n\n"; });
@@ -109,7 +115,7 @@ void many_columns() {
   });
   tree::table table;
   tree::decision_tree grown;
-  step("20 rows loaded", [&] { table = tree::load_table(scratch(), {}); });
+  step("20 rows loaded", [&] { table = tree::load_table(scratch(), one_thread()); });
   step("a tree grown", [&] { grown = tree::grow_tree(table, table.cases, {}); });
   step("its model saved", [&] { tree::save_model(scratch(), grown); });
   step("and loaded", [&] { tree::load_model(scratch()); });
@@ -171,7 +177,7 @@ void chosen_texts() {
       out << "text,class\n";
       for (const std::string& text : texts) out << text << (text < "P" ? ",yes\n" : ",no\n");
     });
-    return seconds([] { tree::load_table(scratch(), {}); });
+    return seconds([] { tree::load_table(scratch(), one_thread()); });
   };
   const double random = load_texts(false);
   const double chosen = load_texts(true);

@@ -33,6 +33,12 @@
 
 namespace {
 
+arbor::tree::load_options one_thread() {
+  arbor::tree::load_options options;
+  options.threads = 1;
+  return options;
+}
+
 using namespace arbor;
 using json = nlohmann::json;
 
@@ -140,19 +146,19 @@ json load(const std::string& path) {
   std::unique_ptr<tree::table> held;
   json result = measure("load", [&] {
     held.reset();
-    held = std::make_unique<tree::table>(tree::load_table(path, {}));
+    held = std::make_unique<tree::table>(tree::load_table(path, one_thread()));
   });
   result.update(sizes_of(*held));
   return result;
 }
 
 json rate(const std::string& path) {
-  const tree::table held = tree::load_table(path, {});
+  const tree::table held = tree::load_table(path, one_thread());
   return measure("rate", [&] { tree::rate_attributes(held, held.cases, min_weight); });
 }
 
 json grow(const std::string& path, unsigned int max_depth) {
-  const tree::table held = tree::load_table(path, {});
+  const tree::table held = tree::load_table(path, one_thread());
   tree::decision_tree grown;
   json result = measure(
       "grow", [&] { grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth)); });
@@ -164,7 +170,7 @@ json grow(const std::string& path, unsigned int max_depth) {
 }
 
 json classify(const std::string& path, unsigned int max_depth) {
-  const tree::table held = tree::load_table(path, {});
+  const tree::table held = tree::load_table(path, one_thread());
   const tree::decision_tree grown = tree::grow_tree(held, held.cases, chosen_growing(max_depth));
   return measure("classify", [&] { tree::classify_cases(grown, held, held.cases); });
 }

@@ -19,8 +19,7 @@ class progress_line {
   progress_line(const progress_line&) = delete;
   progress_line& operator=(const progress_line&) = delete;
 
-  // Whether there is a terminal and the line is a tenth of a second old. Cheap enough to ask at
-  // each row.
+  // Whether there is a terminal and the line is a tenth of a second old.
   bool due();
   // Replaces the line.
   void show(const std::string& text);
@@ -29,7 +28,6 @@ class progress_line {
  private:
   bool on_terminal;
   bool shown = false;
-  unsigned int calls = 0;  // of due
   std::chrono::steady_clock::time_point last;
 };
 

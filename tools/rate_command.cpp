@@ -3,6 +3,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/tree/rating.h"
 #include "tools/print_ratings.h"
+#include "tools/thread_option.h"
 
 namespace arbor::tools {
 
@@ -49,12 +50,14 @@ rate_command::rate_command(CLI::App& app)
       .add_option("--sort", sort,
                   "Order of the attributes: by ratio, gain or name (default: ratio)")
       ->type_name("ORDER");
+  add_threads(parser, threads);
 }
 
 void rate_command::run() {
   tree::check_choice("--format: ", format, {"text", "csv", "json"});
   tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
-  const tree::load_options load = table.chosen();
+  tree::load_options load = table.chosen();
+  load.threads = thread_count(threads);
   const float least_weight = weight_value("--min-weight", min_weight);
   const tree::table rated = read_table(table_path, load);
   tree::table_rating ratings = tree::rate_attributes(rated, rated.cases, least_weight);

@@ -18,6 +18,7 @@ class rate_command : public command {
   std::string min_weight = "2";
   std::string format = "text";
   std::string sort = "ratio";
+  std::string threads;
 };
 
 }  // namespace arbor::tools

@@ -45,7 +45,7 @@ bool has_misplaced_quote(const char* bytes, std::size_t size) {
   bool outside = true;
   for (std::size_t i = 0; i < size; ++i) {
     if (bytes[i] != '"') continue;
-    const bool begins_cell = i == 0 || std::strchr(",\r\n\"", bytes[i - 1]) != nullptr;
+    const bool begins_cell = i == 0 || std::memchr(",\r\n\"", bytes[i - 1], 4) != nullptr;
     if (outside && !begins_cell) return true;
     outside = !outside;
   }

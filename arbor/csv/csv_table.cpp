@@ -29,6 +29,7 @@ void csv_table::read_names() {
 bool csv_table::next(csv_block& block) {
   {
     const std::lock_guard<std::mutex> lock(reading);
+    if (is_faulty) return false;  // what follows an error is not read
     if (has_first) {
       std::swap(block, first);
       has_first = false;
@@ -39,6 +40,7 @@ bool csv_table::next(csv_block& block) {
   if (block.number() > 0) divide_rows(block, file.name());
   if (!block.are_all_of(column_names.size()))
     block.keep_rows([&](const csv_row& row) { return check_width(row), true; });
+  if (block.has_error()) is_faulty = true;
   return true;
 }
 

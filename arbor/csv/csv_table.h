@@ -8,6 +8,7 @@
 #ifndef ARBOR_CSV_CSV_TABLE_H
 #define ARBOR_CSV_CSV_TABLE_H
 
+#include <atomic>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -32,7 +33,7 @@ class csv_table {
   // when a name is empty or occurs twice.
   void read_names();
 
-  // Reads the next rows. Returns false at the end of the file. A row with more or fewer cells than
+  // Reads the next rows. Returns false at the end of the file and behind a block with an error. A row with more or fewer cells than
   // there are names is an error that ends the block.
   //
   // Several threads may call this at the same time, each with a block of its own. One at a time
@@ -72,6 +73,7 @@ class csv_table {
   std::mutex reading;  // guards the blocks
   csv_block first;     // with the names, until the next one is asked for
   bool has_first = false;
+  std::atomic<bool> is_faulty{false};  // whether a block had an error
   unknown_texts unknown;
   std::vector<std::string> column_names;
   std::vector<std::size_t> by_name;  // positions, sorted by name

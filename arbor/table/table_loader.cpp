@@ -138,11 +138,12 @@ class loading {
     constexpr std::size_t blocks_per_thread = 4;  // so that threads seldom wait for each other
     const unsigned int threads = options.threads == 0 ? machine_threads() : options.threads;
     std::vector<row_block> blocks(1);
+    bool is_second = false;
     for (read(blocks); blocks.front().exists; read(blocks)) {
       take(blocks);
       if (options.progress) options.progress(rows_read);
-      if (blocks.size() > 1 || threads == 1) continue;
-      // There may be more blocks, which are worth starting threads.
+      // A second block says that there may be many, which are worth starting threads.
+      if (!std::exchange(is_second, true) || blocks.size() > 1 || threads == 1) continue;
       pool = std::make_unique<thread_pool>(threads);
       blocks.resize(blocks_per_thread * threads);
     }

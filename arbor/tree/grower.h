@@ -33,7 +33,8 @@ struct grow_options {
   std::function<void(double settled)> progress;
 };
 
-// Grows a tree on `cases`, at least one: rows of `training` with the weights that they have there.
+// Grows a tree on `cases`, at least one: rows of `training` with the weights that they have there,
+// which are above 0.
 // A node becomes a leaf when its cases are of one class, weigh less than twice `min_weight`, are at
 // `max_depth`, or have no split. Cases whose value is unknown go down every branch, until less than
 // a thousandth of them is left. The same cases in the same order always give the same tree.

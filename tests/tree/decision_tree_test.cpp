@@ -166,7 +166,7 @@ TEST(ThreadPool, DoesEachPieceOnceAndRethrowsWhatOneThrows) {
   }
 }
 
-TEST(TaskStack, EndsWhenAllTasksThatWereAddedHaveEndedOrOneThrows) {
+TEST(TaskStack, EndsOnAnyThreadsWhenAllTasksHaveEndedOrOneThrows) {
   for (const int failing : {-1, 500}) {
     tree::thread_pool pool(4);
     tree::task_stack tasks;

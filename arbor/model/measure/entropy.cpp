@@ -10,8 +10,8 @@ namespace arbor::impls {
 
 namespace {
 
-// Adds up the weights and terms of several distributions side by side: an addition waits for the one
-// before it, but not for those of other distributions. Each sum is formed as if it were alone.
+// Adds up the weights and terms of several distributions side by side: an addition waits for the
+// one before it, but not for those of other distributions. Each sum is formed as if it were alone.
 // set_terms(first, terms) sets the terms of the weights of a class.
 template <class Entropies, class Weight, class SetTerms>
 void add_up_classes(const Entropies& entropies, const Weight* weights, const distributions& shape,

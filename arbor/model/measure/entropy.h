@@ -53,7 +53,8 @@ inline std::size_t distributions_at_once(std::size_t classes, std::size_t count)
   constexpr std::size_t most_weights = 1U << 10U;
   constexpr std::size_t fewest = 4;
   const std::size_t most = std::clamp<std::size_t>(count, 1, most_together);
-  return std::min(std::max(most_weights / classes, fewest), most);
+  const std::size_t fitting = most_weights / std::max<std::size_t>(classes, 1);
+  return std::min(std::max(fitting, fewest), most);
 }
 
 // The sums of several distributions of whole numbers, whose terms are looked up.

@@ -13,7 +13,8 @@ namespace arbor::impls {
 // The natural logarithm of a number, normal and above 0, divided by Log2 and rounded to float. For
 // every float above 0 these are the bits that the C library gives when its logarithm is right to
 // the last bit but one (glibc 2.36: all of them are compared by script/check-logarithm), but they
-// are the same on every processor and with every C library.
+// are the same on every processor and with every C library. Of other numbers one in millions may
+// differ from that library's by a step of float.
 float binary_log(double x);
 
 // x times its binary logarithm, not rounded; 0 unless x is positive.

@@ -23,46 +23,32 @@ float float_weight(const w_sequence& cases, std::size_t first, std::size_t count
 
 node_split::node_split(node_cases of_node, float node_weight, const rated_test& chosen)
     : node(std::move(of_node)), chosen_test(chosen) {
+  weight = node_weight;
   if (attribute().is_discrete()) {
-    divide_by_value(node_weight);
+    divide_by_value();
   } else {
-    divide_at_threshold(node_weight);
+    divide_at_threshold();
+    node.cases.reset();
   }
-  if (!impls::is_library_column(attribute())) divide_by_column(node_weight);
-  if (!divided.empty()) node.cases.reset();
 }
 
-void node_split::divide_at_threshold(float node_weight) {
+void node_split::divide_at_threshold() {
   const unsigned int threshold = threshold_code(attribute(), cut_of(chosen_test.rating));
-  for (side_cases& side :
-       tree::divide_at_threshold(node, node_weight, chosen_test.column_index, threshold)) {
-    const std::size_t place = divided.size();
-    const auto number = static_cast<unsigned int>(place) + 1;
-    all_branches.push_back({number, side.share, side.cases->size(), 0, place});
-    divided.push_back(std::move(side));
-  }
-}
-
-// The codes say which branches there are, and the column which cases they get.
-void node_split::divide_by_column(float node_weight) {
-  divided.clear();
-  for (branch& made : all_branches) {
-    w_sequence cases = *node.cases;
-    if (attribute().is_discrete()) {
-      const auto first = node.cases->begin();
-      const auto begin = first + static_cast<std::ptrdiff_t>(made.first);
-      cases.assign(begin, begin + static_cast<std::ptrdiff_t>(made.size));
-      cases.insert(cases.end(), first, first + static_cast<std::ptrdiff_t>(unknown_count));
+  if (impls::is_library_column(attribute())) {
+    sides = tree::divide_at_threshold(node, weight, chosen_test.column_index, threshold);
+  } else {
+    for (unsigned int number : {1U, 2U}) {
+      sides[number - 1] = partition_by_column(*node.rows, *node.cases, weight, chosen_test, number);
     }
-    divided.push_back(
-        partition_by_column(*node.rows, cases, node_weight, chosen_test, made.number));
-    made.share = divided.back().share;
-    made.size = divided.back().cases->size();
+  }
+  for (unsigned int number : {1U, 2U}) {
+    const side_cases& side = sides[number - 1];
+    all_branches.push_back({number, side.share, side.cases->size(), 0});
   }
 }
 
 // Sorts the cases by value; cases of the same value keep their order.
-void node_split::divide_by_value(float node_weight) {
+void node_split::divide_by_value() {
   const w_sequence& cases = *node.cases;
   const code_range& range = node.ranges[chosen_test.column_index];
   const unsigned int before_first = range.first - 1;
@@ -81,22 +67,22 @@ void node_split::divide_by_value(float node_weight) {
   });
   // Each place has moved to the end of its value's cases.
   unknown_count = next[0];
-  const double known_weight = static_cast<double>(node_weight) -
-                              static_cast<double>(float_weight(*by_value, 0, unknown_count));
+  const double known_weight =
+      static_cast<double>(weight) - static_cast<double>(float_weight(*by_value, 0, unknown_count));
   for (std::size_t value = 1; value < next.size(); ++value) {
     const std::size_t first = next[value - 1];
     const std::size_t size = next[value] - first;
     if (size == 0) continue;
-    const auto weight = static_cast<double>(float_weight(*by_value, first, size));
+    const auto value_weight = static_cast<double>(float_weight(*by_value, first, size));
     all_branches.push_back({static_cast<unsigned int>(value) + before_first,
-                            static_cast<float>(weight / known_weight), size, first,
-                            all_branches.size()});
+                            static_cast<float>(value_weight / known_weight), size, first});
   }
   node.cases = std::move(by_value);
 }
 
 node_cases node_split::take_cases(const branch& taken) {
-  side_cases part = divided.empty() ? cases_of_value(taken) : std::move(divided[taken.place]);
+  side_cases part =
+      attribute().is_discrete() ? cases_of_value(taken) : std::move(sides[taken.number - 1]);
   node_cases result{node.rows, std::move(part.cases), node.ranges, node.depth + 1};
   result.ranges[chosen_test.column_index] = part.range;
   return result;
@@ -110,6 +96,10 @@ side_cases node_split::cases_of_value(const branch& taken) const {
   auto cases = std::make_shared<w_sequence>();
   cases->reserve(taken.size + unknown_count);
   cases->assign(begin, begin + static_cast<std::ptrdiff_t>(taken.size));
+  if (!impls::is_library_column(attribute())) {
+    cases->insert(cases->end(), first, unknown_end);
+    return partition_by_column(*node.rows, *cases, weight, chosen_test, taken.number);
+  }
   for (auto c = first; c != unknown_end; ++c) {
     const w_sequence::value_type part{c->first, taken.share * c->second};
     if (!is_sliver(part, *node.rows)) cases->push_back(part);

@@ -5,6 +5,7 @@
 #ifndef ARBOR_TREE_GROWING_NODE_SPLIT_H
 #define ARBOR_TREE_GROWING_NODE_SPLIT_H
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -23,7 +24,6 @@ class node_split {
     float share;
     std::size_t size;   // the number of its cases; of a discrete branch, of the known ones
     std::size_t first;  // of a discrete branch: the first case in the order of values
-    std::size_t place;  // among all branches
   };
 
   // `node_weight` is the weight of the node's cases, `chosen` the test that it gets.
@@ -37,18 +37,17 @@ class node_split {
   node_cases take_cases(const branch& taken);
 
  private:
-  void divide_at_threshold(float node_weight);
-  void divide_by_value(float node_weight);
-  void divide_by_column(float node_weight);
+  void divide_at_threshold();
+  void divide_by_value();
   side_cases cases_of_value(const branch& taken) const;
   const impls::column& attribute() const { return *node.rows->columns()[chosen_test.column_index]; }
 
   node_cases node;  // of a discrete test the unknown cases come first, then value by value
+  float weight = 0;
   const rated_test chosen_test;
   std::vector<branch> all_branches;
-  std::size_t unknown_count = 0;  // of a discrete test
-  // By branch, of a threshold and of a user's class of column.
-  std::vector<side_cases> divided;
+  std::size_t unknown_count = 0;    // of a discrete test
+  std::array<side_cases, 2> sides;  // of a threshold
 };
 
 }  // namespace arbor::tree
