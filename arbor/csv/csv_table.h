@@ -33,8 +33,8 @@ class csv_table {
   // when a name is empty or occurs twice.
   void read_names();
 
-  // Reads the next rows. Returns false at the end of the file and behind a block with an error. A row with more or fewer cells than
-  // there are names is an error that ends the block.
+  // Reads the next rows. Returns false at the end of the file, and behind a block with an error. A
+  // row with more or fewer cells than there are names is an error that ends the block.
   //
   // Several threads may call this at the same time, each with a block of its own. One at a time
   // reads from the file; dividing what it has read into cells goes on side by side.
