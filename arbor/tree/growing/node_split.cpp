@@ -22,8 +22,7 @@ float float_weight(const w_sequence& cases, std::size_t first, std::size_t count
 }  // namespace
 
 node_split::node_split(node_cases of_node, float node_weight, const rated_test& chosen)
-    : node(std::move(of_node)), chosen_test(chosen) {
-  weight = node_weight;
+    : node(std::move(of_node)), weight(node_weight), chosen_test(chosen) {
   if (attribute().is_discrete()) {
     divide_by_value();
   } else {

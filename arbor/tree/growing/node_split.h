@@ -42,8 +42,8 @@ class node_split {
   side_cases cases_of_value(const branch& taken) const;
   const impls::column& attribute() const { return *node.rows->columns()[chosen_test.column_index]; }
 
-  node_cases node;  // of a discrete test the unknown cases come first, then value by value
-  float weight = 0;
+  node_cases node;     // of a discrete test the unknown cases come first, then value by value
+  const float weight;  // of the cases
   const rated_test chosen_test;
   std::vector<branch> all_branches;
   std::size_t unknown_count = 0;    // of a discrete test
