@@ -10,20 +10,18 @@
 #include <memory>
 #include <string>
 
+#include "arbor/csv/byte_source.h"
+
 namespace arbor::tree {
 
-class input_file {
+class input_file : public byte_source {
  public:
   // Opens the file at `path`; "-" is standard input, from its current position on. Throws
   // table_error when it cannot be opened.
   explicit input_file(const std::string& path);
 
-  // Reads the next bytes into `buffer`, and returns how many: `size`, or fewer at the end. Throws
-  // table_error when the file cannot be read.
-  std::size_t read(char* buffer, std::size_t size);
-
-  // How messages name the file.
-  const std::string& name() const { return display_name; }
+  std::size_t read(char* buffer, std::size_t size) override;
+  const std::string& name() const override { return display_name; }
 
  private:
   using handle = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
