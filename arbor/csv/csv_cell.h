@@ -5,6 +5,7 @@
 #define ARBOR_CSV_CSV_CELL_H
 
 #include <string>
+#include <string_view>
 
 #include "arbor/csv/csv_block.h"
 
@@ -13,6 +14,9 @@ namespace arbor::tree {
 // The text in quotes, with the quotes in it doubled, if it has a comma, a quote or a newline; else
 // as it is (RFC 4180).
 std::string csv_cell(const std::string& text);
+
+// Appends the text in quotes, with the quotes in it doubled.
+void append_quoted_cell(std::string_view text, std::string& to);
 
 // Appends the cells of a row, as they stand in the file, with a comma after each. Quotes that a
 // cell does not need are left out, but for those of an empty one.
