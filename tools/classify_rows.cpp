@@ -10,6 +10,7 @@ tree::classification_options options_from(const tree::load_options& load) {
   options.weights_name = load.weights_name;
   options.weights_from = load.weights_from;
   options.unknown_texts = load.unknown_texts;
+  options.numbers = load.numbers;
   options.threads = load.threads;
   return options;
 }

@@ -1,5 +1,6 @@
 #include "tools/table_options.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -47,15 +48,63 @@ float number_value(const std::string& option, const std::string& given, float mo
   return static_cast<float>(value);
 }
 
+// The options that make a table's numbers those of a form, beyond the ones already chosen.
+std::string options_for(const tree::number_form& form, const tree::number_form& chosen) {
+  std::string options;
+  if (form.grouped && !chosen.grouped) options += std::string(" --decimal ") + form.decimal_mark;
+  for (const std::string& text : form.stripped) {
+    if (std::count(chosen.stripped.begin(), chosen.stripped.end(), text) == 0)
+      options += " --strip " + tree::shell_word(text);
+  }
+  return options;
+}
+
+std::string advice_on_forms(const std::vector<tree::number_form>& forms,
+                            const tree::number_form& chosen) {
+  const std::string first = options_for(forms.front(), chosen);
+  if (forms.size() == 1) return "; to read them, use" + first;
+  return "; to read them, use" + first + " if \",\" stands between groups of digits, or" +
+         options_for(forms.back(), chosen) + " if it stands before the decimals";
+}
+
+// All ways to keep the numbers of a float column apart, or not to need them.
+std::string advice_on_lost_numbers(const tree::table_remark& remark) {
+  const auto option = [&](const char* name, const char* value) {
+    return std::string(name) + " " + tree::shell_word(remark.to_widen + "=" + value);
+  };
+  const std::string rounded =
+      "rounding them in the file, or subtracting a constant from them, until there are at most "
+      "4294967295 steps between the least and the greatest";
+  if (remark.kind == "weights") return "; what helps is " + rounded;
+  std::string wider = option("--type", "string") + ", or " + option("--type", "double");
+  if (remark.kind == "continuous") wider += " with " + option("--kind", "discrete");
+  return "; what helps is " + wider +
+         (remark.kind == "class" ? "" : ", or " + option("--kind", "ignore")) + ", or " + rounded;
+}
+
 // The options that do what a remark proposes, if it does.
-std::string advice(const tree::table_remark& remark) {
+std::string advice(const tree::table_remark& remark, const tree::number_form& chosen) {
   if (!remark.to_ignore.empty())
     return "; --kind " + tree::shell_word(remark.to_ignore + "=ignore") + " leaves it out";
+  if (!remark.to_read.empty()) return advice_on_forms(remark.to_read, chosen);
+  if (!remark.to_widen.empty()) return advice_on_lost_numbers(remark);
   if (remark.to_declare.empty()) return "";
   std::string options;
   for (const std::string& text : remark.to_declare)
     options += " --unknown " + tree::shell_word(text);
   return "; if that means unknown, use" + options;
+}
+
+// How numbers are written; "." is the usual mark unless groups of digits are allowed, too.
+tree::number_form number_form_of(const std::string& mark, const std::vector<std::string>& stripped) {
+  if (!mark.empty() && mark != "." && mark != ",")
+    throw usage_error("--decimal: " + in_quotes(mark) + " is neither \".\" nor \",\"");
+  for (const std::string& text : stripped) {
+    if (text.empty()) throw usage_error("--strip: the text is empty");
+    if (text.find_first_of("0123456789") != std::string::npos)
+      throw usage_error("--strip: " + in_quotes(text) + " has a digit in it");
+  }
+  return {mark == "," ? ',' : '.', !mark.empty(), stripped};
 }
 
 }  // namespace
@@ -65,7 +114,8 @@ void table_options::add_to(CLI::App& to) {
       ->type_name("NAME");
   add_cell_options_to(to);
   to.add_option("--type", types,
-                "A column's data type: integer, uinteger, float, double or string; repeatable")
+                "A column's data type: integer, uinteger, decimal, float, double or string; "
+                "repeatable")
       ->type_name("NAME=TYPE")
       ->take_all()
       ->allow_extra_args(false);
@@ -98,6 +148,15 @@ void table_options::add_cell_options_to(CLI::App& to) {
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false);
+  to.add_option("--decimal", decimal_mark,
+                "The mark before decimals, \",\" or \".\"; digits before it may then stand in groups "
+                "of three (default: \".\", without groups)")
+      ->type_name("MARK");
+  to.add_option("--strip", stripped,
+                "A text before or after numbers that is no part of them, as % or $; repeatable")
+      ->type_name("TEXT")
+      ->take_all()
+      ->allow_extra_args(false);
 }
 
 tree::load_options table_options::chosen() const {
@@ -111,6 +170,7 @@ tree::load_options table_options::chosen() const {
   options.class_name = class_name;
   options.weights_name = weights_name;
   options.unknown_texts = unknown_texts;
+  options.numbers = number_form_of(decimal_mark, stripped);
   options.types = name_values("--type", types);
   options.kinds = name_values("--kind", kinds);
   if (limits_classes && !many_classes) {
@@ -135,7 +195,7 @@ tree::table read_table(const std::string& path, tree::load_options options) {
   tree::table table = tree::load_table(path, options);
   progress.clear();
   for (const tree::table_remark& remark : table.remarks)
-    complain(table.name + ": " + remark.text + advice(remark));
+    complain(table.name + ": " + remark.text + advice(remark, options.numbers));
   return table;
 }
 

@@ -17,7 +17,7 @@ class table_options {
   void add_to(CLI::App& command);
   // Adds them to a command that grows trees, for which a table may have too many classes.
   void add_training_options_to(CLI::App& command);
-  // Adds only the options for unknown texts and weights, for tables whose types and class are those
+  // Adds only the options for unknown texts, numbers and weights, for tables whose types and class are those
   // of a model.
   void add_cell_options_to(CLI::App& command);
   // Adds only the option for kinds.
@@ -31,6 +31,8 @@ class table_options {
   std::string class_name;
   std::string weights_name;
   std::vector<std::string> unknown_texts;
+  std::string decimal_mark;
+  std::vector<std::string> stripped;
   std::vector<std::string> types;
   std::vector<std::string> kinds;
   bool limits_classes = false;

@@ -18,6 +18,7 @@
 #include "arbor/csv/block_reader.h"
 #include "arbor/csv/csv_block.h"
 #include "arbor/csv/input_file.h"
+#include "arbor/csv/number_form.h"
 #include "arbor/csv/unknown_texts.h"
 
 namespace arbor::tree {
@@ -55,8 +56,8 @@ class csv_table {
     return unknown.known_text(row, cell);
   }
 
-  // The number in a cell of weights, finite and from 0 up. Throws for anything else.
-  float weight(const csv_row& row, std::size_t cell) const;
+  // The number in a cell of weights, finite and from 0 up, in this form. Throws for anything else.
+  float weight(const csv_row& row, std::size_t cell, const number_form& form) const;
 
   // Each throws table_error with `what`, after the file's name and, if given, the line.
   [[noreturn]] void fail(const std::string& what) const;

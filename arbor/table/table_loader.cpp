@@ -56,7 +56,7 @@ class loading {
         options(chosen),
         null_value(null_text(file.unknowns().texts())) {
     check_choices(options.types_from, options.types,
-                  {"integer", "uinteger", "float", "double", "string"});
+                  {"integer", "uinteger", "decimal", "float", "double", "string"});
     check_choices(options.kinds_from, options.kinds, {"discrete", "continuous", "ignore"});
   }
 
@@ -70,8 +70,10 @@ class loading {
     result.name = file.name();
     result.class_index = class_cell;
     make_columns_and(result.cases);
-    for (const auto& loader : loaders)
-      result.columns.push_back(loader->take(file.unknowns().texts(), result.remarks));
+    std::vector<near_numbers> texts;
+    for (const auto& loader : loaders) loader->add_near_numbers(texts);
+    result.remarks = remarks_on_texts(texts, file.unknowns().texts());
+    for (const auto& loader : loaders) result.columns.push_back(loader->take(result.remarks));
     result.total_weight = total_weight(result.cases);
     check_total(result.total_weight);
     return result;
@@ -90,7 +92,8 @@ class loading {
     for (const auto& kind : options.kinds) check_kind_is_free(kind.first);
     for (std::size_t cell = 0; cell < names.size(); ++cell) {
       loaders.push_back(std::make_unique<column_loader>(column_loader::settings{
-          names[cell], kind_of(cell), choice_for(names[cell], options.types), null_value}));
+          names[cell], kind_of(cell), choice_for(names[cell], options.types), null_value,
+          options.numbers}));
     }
   }
 
@@ -164,7 +167,7 @@ class loading {
     block.weights.clear();
     if (weights_cell == file.names().size()) return;
     block.cells.keep_rows([&](const csv_row& row) {
-      const float weight = file.weight(row, weights_cell);
+      const float weight = file.weight(row, weights_cell, options.numbers);
       if (weight > 0) block.weights.push_back(weight);
       return weight > 0;
     });

@@ -6,7 +6,8 @@
 //
 // The first row names the columns. The class is the last column that does not hold the weights,
 // unless another is named; every other column but that of the weights is an attribute. A column
-// holds the narrowest data type that all its known values fit: integer, else float, else string.
+// holds the narrowest data type that all its known values fit: integer, else uinteger, else decimal
+// (see decimal_domain.h), else float, else string.
 // Attributes of numbers are continuous, those of texts discrete; an attribute without known values
 // is ignored.
 #ifndef ARBOR_TABLE_TABLE_LOADER_H
@@ -31,7 +32,9 @@ struct load_options {
   std::string weights_name;
   // The texts of the unknown value, see unknown_texts.h. None: "?" and the empty cell.
   std::vector<std::string> unknown_texts;
-  // By column name: integer, uinteger, float, double or string.
+  // How numbers are written in the file.
+  number_form numbers;
+  // By column name: integer, uinteger, decimal, float, double or string.
   std::map<std::string, std::string> types;
   // By attribute name: discrete, continuous or ignore.
   std::map<std::string, std::string> kinds;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "arbor/csv/number_form.h"
 #include "arbor/tree/class_distribution.h"
 #include "arbor/tree/evaluation.h"
 
@@ -28,6 +29,7 @@ struct classification_options {
   std::string class_from = "the class";
   std::string weights_from = "the weights";
   std::vector<std::string> unknown_texts;  // see unknown_texts.h
+  number_form numbers;                     // how they are written in the file
   // Whether a text that is no number, in an attribute of numbers, is refused. Otherwise it is an
   // unknown value. In a row of weight 0 it always is.
   bool strict = false;
