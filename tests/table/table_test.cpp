@@ -297,6 +297,70 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
   }
 }
 
+// The second version is of integers: the values times 10^(decimals + 2), and texts between them.
+TEST(DecimalDomain, AnswersLikeExactNumbers) {
+  std::mt19937 random(3);
+  const auto draw = [&](long long end) { return static_cast<long long>(random() % end); };
+  for (int round = 0; round < 60; ++round) {
+    const auto decimals = static_cast<unsigned int>(draw(5));
+    const long long least = (draw(2000) - 1000) * (draw(2) == 0 ? 1 : 10000000000);
+    const long long step = 1 + draw(3) * draw(2000);
+    const auto spelled = [&](long long number) {
+      const std::string digits = std::to_string(number);
+      return draw(2) == 0 ? digits + "e-" + std::to_string(decimals + 2)
+                          : digits + "00e-" + std::to_string(decimals + 4);
+    };
+    std::set<long long> drawn;
+    const std::string null_text = draw(2) == 0 ? "?" : std::to_string(draw(9));
+    tree::decimal_domain filled({least, step, decimals}, true, null_text);
+    for (long long i = 1 + draw(30); i > 0; --i) {
+      const long long value = 100 * (least + step * (draw(9) == 0 ? 4294967295 : draw(40)));
+      drawn.insert(value);
+      filled.insert(spelled(value).c_str());
+    }
+    const std::string off_scale = spelled(100 * least + 50);
+    EXPECT_NE(message_of([&] { filled.insert(off_scale.c_str()); }), "");
+    EXPECT_NE(message_of([&] { filled.insert(spelled(100 * (least - step)).c_str()); }), "");
+    const std::unique_ptr<o_set> domain(filled.clone());
+    const std::vector<long long> values(drawn.begin(), drawn.end());
+    ASSERT_EQ(domain->size_of_known(), values.size());
+    for (unsigned int code = 1; code <= values.size(); ++code) {
+      const std::string value = domain->get_value(code);
+      const std::size_t point = std::min(value.find('.'), value.size());
+      EXPECT_EQ(std::stoll(value.substr(0, point) + value.substr(std::min(point + 1, value.size())) +
+                           std::string(decimals + 2 - (value.size() - point - (point < value.size())),
+                                       '0')),
+                values[code - 1]);
+      EXPECT_TRUE(point == value.size() || value.back() != '0') << value;
+      for (unsigned int high = code; high <= values.size(); ++high) {
+        unsigned int middle = code;
+        while (middle < high && 2 * values[middle] <= values[code - 1] + values[high - 1]) ++middle;
+        EXPECT_EQ(domain->find_mid_code(code, high), middle);
+        EXPECT_EQ(domain->find_mid(code, high), domain->get_value(middle));
+      }
+    }
+    for (int i = 0; i < 50; ++i) {
+      const long long number = values[static_cast<std::size_t>(draw(1000)) % values.size()] +
+                               (draw(5) - 2) * (draw(2) == 0 ? 1 : 50 * step);
+      const auto after = drawn.lower_bound(number);
+      const auto place = static_cast<unsigned int>(std::distance(drawn.begin(), after));
+      const bool is_there = after != drawn.end() && *after == number;
+      unsigned int code = 0;
+      EXPECT_EQ(domain->get_order(spelled(number).c_str(), code), is_there) << spelled(number);
+      EXPECT_EQ(code, is_there ? place + 1 : 0);
+      for (unsigned int c = 1; c <= values.size(); ++c) {
+        const int is_greater = values[c - 1] > number ? 1 : 0;
+        EXPECT_EQ(domain->leq(c, spelled(number)), is_greater);
+        EXPECT_EQ(domain->leq(spelled(values[c - 1]), spelled(number)), is_greater);
+      }
+    }
+    EXPECT_EQ(domain->leq(1, "inf") * 10 + domain->leq(1, "-1e999"), 1);
+    EXPECT_EQ(domain->leq(1, "0x" + std::string(99, 'f')) * 10 + domain->leq("-0", "0e5"), 0);
+    EXPECT_EQ(domain->leq(1, null_text) + domain->leq(null_text, "1"), -2);
+    EXPECT_EQ(message_of([&] { domain->leq(1, "x"); }), "x: not a decimal");
+  }
+}
+
 // The errors are so far apart that they are in different blocks of the file.
 TEST(Table, IsRefusedForTheFirstThingThatIsWrongOnAnyThreads) {
   const texts wrong{"x,1,1,a,1",      "1,1,1,a,-1", "1,1,1,a",  //
