@@ -110,8 +110,8 @@ void show_command::check_combination() const {
             "--depth does not go with --format json, which shows the whole tree");
   refuse_if(format == "dot" && rates, "--rate goes with --format text, csv or json");
   refuse_if(format == "csv" && !rates, "--format csv goes with --rate TABLE");
-  for (const std::string option : {"--node", "--min-weight", "--weights", "--unknown", "--decimal",
-                                   "--strip", "--kind"})
+  for (const std::string option :
+       {"--node", "--min-weight", "--weights", "--unknown", "--decimal", "--strip", "--kind"})
     refuse_if(given(option) && !rates, option + " goes with --rate TABLE");
 }
 

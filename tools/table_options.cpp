@@ -96,7 +96,8 @@ std::string advice(const tree::table_remark& remark, const tree::number_form& ch
 }
 
 // How numbers are written; "." is the usual mark unless groups of digits are allowed, too.
-tree::number_form number_form_of(const std::string& mark, const std::vector<std::string>& stripped) {
+tree::number_form number_form_of(const std::string& mark,
+                                 const std::vector<std::string>& stripped) {
   if (!mark.empty() && mark != "." && mark != ",")
     throw usage_error("--decimal: " + in_quotes(mark) + " is neither \".\" nor \",\"");
   for (const std::string& text : stripped) {
@@ -148,9 +149,10 @@ void table_options::add_cell_options_to(CLI::App& to) {
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false);
-  to.add_option("--decimal", decimal_mark,
-                "The mark before decimals, \",\" or \".\"; digits before it may then stand in groups "
-                "of three (default: \".\", without groups)")
+  to.add_option(
+        "--decimal", decimal_mark,
+        "The mark before decimals, \",\" or \".\"; digits before it may then stand in groups "
+        "of three (default: \".\", without groups)")
       ->type_name("MARK");
   to.add_option("--strip", stripped,
                 "A text before or after numbers that is no part of them, as % or $; repeatable")

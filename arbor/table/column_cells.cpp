@@ -140,8 +140,7 @@ void column_cells::keep_as_texts() {
   kept = form::texts;
 }
 
-void column_cells::replace_texts(
-    const std::function<std::string(const char* text)>& replacement) {
+void column_cells::replace_texts(const std::function<std::string(const char* text)>& replacement) {
   text_dictionary replaced;
   std::vector<unsigned int> codes{0};
   for (unsigned int code = 1; code <= dictionary.size(); ++code)

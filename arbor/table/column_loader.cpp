@@ -171,9 +171,9 @@ std::unique_ptr<impls::column> column_loader::take(std::vector<table_remark>& re
   };
   if (lost_numbers > 0) {
     table_remark lost;
-    lost.text = fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"),
-                            lost_numbers == 1 ? "it is equal to another one"
-                                              : "they are equal to others");
+    lost.text =
+        fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"),
+                    lost_numbers == 1 ? "it is equal to another one" : "they are equal to others");
     lost.to_widen = chosen.name;
     lost.kind = made->get_type();
     add(std::move(lost));

@@ -68,7 +68,7 @@ class column_loader {
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;
   std::vector<number_form> unusual;  // the forms in which the texts are numbers
-  std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
+  std::size_t lost_numbers = 0;      // distinct ones that are equal to others as float
 };
 
 }  // namespace arbor::tree

@@ -84,7 +84,9 @@ bool is_infinite(const decimal_number& number) {
 }
 
 int compare(const decimal_number& a, const decimal_number& b) {
-  const auto sign = [](const decimal_number& x) { return x.digits.empty() ? 0 : x.negative ? -1 : 1; };
+  const auto sign = [](const decimal_number& x) {
+    return x.digits.empty() ? 0 : x.negative ? -1 : 1;
+  };
   if (sign(a) != sign(b) || sign(a) == 0) return sign(a) - sign(b);
   const long long length_of_a = static_cast<long long>(a.digits.size()) + a.exponent;
   const long long length_of_b = static_cast<long long>(b.digits.size()) + b.exponent;
@@ -99,8 +101,8 @@ floored_decimal floor_at(const decimal_number& number, unsigned int decimals) {
   constexpr long long most_digits = wide_powers_of_ten.size() - 1;
   if (size + zeros > most_digits)
     return {number.negative ? -wide_powers_of_ten.back() : wide_powers_of_ten.back(), false};
-  wide_integer magnitude =
-      integer_of_digits(number.digits, static_cast<std::size_t>(std::max(0LL, size + std::min(zeros, 0LL))));
+  wide_integer magnitude = integer_of_digits(
+      number.digits, static_cast<std::size_t>(std::max(0LL, size + std::min(zeros, 0LL))));
   if (zeros > 0) magnitude *= wide_powers_of_ten[static_cast<std::size_t>(zeros)];
   const bool exact = zeros >= 0;  // the last digit is not 0
   return {number.negative ? -magnitude - (exact ? 0 : 1) : magnitude, exact};

@@ -32,8 +32,7 @@ std::string texts_of(const std::vector<std::string>& columns) {
     const bool is_last = i + 1 == columns.size();
     list += (i == 0 ? "" : is_last ? " and " : ", ") + in_quotes(columns[i]);
   }
-  if (columns.size() > most_names)
-    list += fmt::format(" and {} more", columns.size() - most_names);
+  if (columns.size() > most_names) list += fmt::format(" and {} more", columns.size() - most_names);
   return "columns " + list + " are of texts, but all their";
 }
 
@@ -72,8 +71,7 @@ table_remark remark_on_others(const std::vector<near_numbers>& columns,
     remark.to_declare.push_back(unknown_texts::declared(text));
     can_be_declared = can_be_declared && is_shown_whole(text);
   }
-  if (others.size() > named)
-    remark.text += " and " + counted(others.size() - named, "other text");
+  if (others.size() > named) remark.text += " and " + counted(others.size() - named, "other text");
   if (!can_be_declared) remark.to_declare.clear();
   return remark;
 }

@@ -17,9 +17,8 @@ std::string unit_in(std::string_view text) {
     if (text.size() > blank.size() && text.substr(text.size() - blank.size()) == blank)
       return unit_in(text.substr(0, text.size() - blank.size()));
   }
-  const bool is_code = text.size() == 3 && std::all_of(text.begin(), text.end(), [](char c) {
-                         return c >= 'A' && c <= 'Z';
-                       });
+  const bool is_code = text.size() == 3 && std::all_of(text.begin(), text.end(),
+                                                       [](char c) { return c >= 'A' && c <= 'Z'; });
   const bool is_unit = is_code || std::find(signs.begin(), signs.end(), text) != signs.end();
   return is_unit ? std::string(text) : "";
 }
@@ -48,9 +47,8 @@ void for_each_text(column_cells& cells, Use use) {
 bool are_numbers(column_cells& cells, const number_form& form) {
   bool are = true;
   std::string storage;
-  for_each_text(cells, [&](const char* text) {
-    return are = usual_text(form, text, storage) != nullptr;
-  });
+  for_each_text(cells,
+                [&](const char* text) { return are = usual_text(form, text, storage) != nullptr; });
   return are;
 }
 

@@ -24,9 +24,9 @@ class value_reader {
   explicit value_reader(const impls::column& attribute, number_form form = {});
 
   // See unknown_value for what a value is. A number of the type float is rounded, as it was when
-  // the tree was grown. Of the other types it is the position on a scale of which every value of
-  // the attribute is a step, so that numbers of any length are compared exactly. A discrete value
-  // that the attribute does not have is 0. A text that is no number, where the attribute has
+  // the tree was grown. Of decimals it is the position on their scale, and between two integers it
+  // is the lower one and a half, so that numbers of any length are compared exactly. A discrete
+  // value that the attribute does not have is 0. A text that is no number, where the attribute has
   // numbers, is the unknown value.
   double operator()(cell_text text) { return is_continuous ? number(text) : code(text); }
 
@@ -39,8 +39,11 @@ class value_reader {
   double code(cell_text text);
   const impls::column* column;
   bool is_continuous;
-  std::optional<decimal_scale> scale;  // none for floats
+  std::optional<decimal_scale> scale;  // of integers and decimals
+  bool are_integers;                   // whose positions are the integers themselves
+  double first_position;               // of the scale's first step
   number_form numbers;
+  bool are_usual;
   // Texts of a discrete attribute that have been looked up, and the code of each. A look-up in the
   // domain takes many times as long.
   text_dictionary texts;

@@ -147,8 +147,8 @@ TEST(ModelStore, SavesTheScalesOfDecimalsBehindTheNodesAndRefusesEachFaultOfThem
   refuses("a column has no proper scale", [](auto& t) {
     const auto end = tree::wide_powers_of_ten[tree::most_scale_digits];
     std::string error;
-    auto domain = std::make_unique<tree::decimal_domain>(
-        tree::decimal_scale{end - 1, 1, 0}, *make_domain("uinteger", {"0", "1"}));
+    auto domain = std::make_unique<tree::decimal_domain>(tree::decimal_scale{end - 1, 1, 0},
+                                                         *make_domain("uinteger", {"0", "1"}));
     t.attributes.emplace_back(column::NEW_COLUMN(domain.release(), "new", "discrete", error));
   });
 }

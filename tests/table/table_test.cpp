@@ -289,8 +289,8 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
     const auto* const found = tree::scale_of(*loaded.columns[0]);
     ASSERT_EQ(found != nullptr, scale.has_value()) << "round " << round;
     EXPECT_TRUE(found == nullptr || *found == *scale) << "round " << round;
-    auto domain = scale ? std::make_unique<tree::decimal_domain>(*scale, true, "?")
-                        : make_domain(type, {});
+    auto domain =
+        scale ? std::make_unique<tree::decimal_domain>(*scale, true, "?") : make_domain(type, {});
     EXPECT_TRUE(record_of(loaded.columns[0].get()) ==
                 record_of(filled(std::move(domain), cells).get()))
         << "round " << round << ", " << type << (scale ? " of decimals" : "");
@@ -327,10 +327,11 @@ TEST(DecimalDomain, AnswersLikeExactNumbers) {
     for (unsigned int code = 1; code <= values.size(); ++code) {
       const std::string value = domain->get_value(code);
       const std::size_t point = std::min(value.find('.'), value.size());
-      EXPECT_EQ(std::stoll(value.substr(0, point) + value.substr(std::min(point + 1, value.size())) +
-                           std::string(decimals + 2 - (value.size() - point - (point < value.size())),
-                                       '0')),
-                values[code - 1]);
+      EXPECT_EQ(
+          std::stoll(
+              value.substr(0, point) + value.substr(std::min(point + 1, value.size())) +
+              std::string(decimals + 2 - (value.size() - point - (point < value.size())), '0')),
+          values[code - 1]);
       EXPECT_TRUE(point == value.size() || value.back() != '0') << value;
       for (unsigned int high = code; high <= values.size(); ++high) {
         unsigned int middle = code;

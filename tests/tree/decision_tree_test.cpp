@@ -296,7 +296,8 @@ TEST(Classification, IsTheSameOnAnyThreadsAndEndsAtTheFirstFault) {
 // both, as for an unknown value, and "!" for a text that is no number.
 TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
   for (const auto& [chosen, expected_branches] : std::map<std::string, std::string>{
-           {"integer kind a continuous", "-7:1 01:1 2.0:1 -1e99:1 2.0000000001:2 1e0001:2 inf:2 "
+           {"integer kind a continuous",
+            "-7:1 01:1 2.0:1 -1e99:1 2.0000000001:2 1e0001:2 inf:2 "
             "2.00000000000000000000000001:2 1.99999999999999999999999999:1"},
            {"decimal kind a continuous",
             "-7:1 01:1 2.0:1 20000000000000000000e-19:1 -1e300:1 -inf:1 0x2:1 0x2.1p0:2 1e0001:2 "
@@ -329,7 +330,8 @@ TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
   const std::string others = "d,n,c\nq,3,z\nr,3,w\nnew,3,w\np,0,x\np,3,y\np,1,x\n?,0,z\n",
                     fractions = "d,n,c\nq,1.75,z\np,1.5,x\np,1.4,y\np,-1e9,x\nr,?,y\np,2.5,y\n",
                     numbers = "d,n,c\n7,1,x\n1.5,5,x\n7.0,2,x\n", unknowns = "d,n,c\np,,x\nq,?,y\n";
-  for (const char* const numbers_of_tree : {"n integer", "n float kind n discrete", "n decimal", "n decimal kind n discrete"}) {
+  for (const char* const numbers_of_tree :
+       {"n integer", "n float kind n discrete", "n decimal", "n decimal kind n discrete"}) {
     const std::string csv = "d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\n7,2,w\n";
     const decision_tree t =
         grown(load_csv(csv, options_of(std::string("type ") + numbers_of_tree)), 1);
