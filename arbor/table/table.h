@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "arbor/csv/input_remark.h"
+#include "arbor/csv/number_form.h"
 #include "arbor/model/column.h"
 
 namespace arbor::tree {
@@ -20,6 +21,13 @@ struct table_remark {
   std::vector<std::string> to_declare;
   // Not empty: the name of a column that should rather have the kind ignore.
   std::string to_ignore;
+  // Not empty: the table should be read again with the first of these forms of numbers, or with the
+  // second one if a mark stands before decimals that the first one takes for a mark between groups.
+  std::vector<number_form> to_read;
+  // Not empty: the name of a column of floats, of this kind, which loses numbers that another data
+  // type keeps apart.
+  std::string to_widen;
+  std::string kind;
 };
 
 struct table {
