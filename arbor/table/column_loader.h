@@ -67,6 +67,8 @@ class column_loader {
   void add_declared_values();
   bool take_text(unsigned int code) const;
   std::uint64_t identity_of(const char* number) const;
+  void find_near_numbers();
+  std::unique_ptr<decimal_scale> scale_of_decimals();
   std::unique_ptr<impls::o_set> new_domain(const std::string& null_text) const;
   std::unique_ptr<impls::o_set> make_domain();
   std::string kind() const;
@@ -78,9 +80,11 @@ class column_loader {
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;
-  std::unordered_set<std::uint64_t> declared_numbers;  // as number_identity has them
-  std::vector<number_form> unusual;                    // the forms in which the texts are numbers
-  std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
+  // Of declared numbers, as number_identity has them. Most columns have none, and there may be a
+  // million columns.
+  std::unique_ptr<std::unordered_set<std::uint64_t>> declared_numbers;
+  std::unique_ptr<near_numbers> near;  // if the texts are nearly numbers
+  std::size_t lost_numbers = 0;        // distinct ones that are equal to others as float
 };
 
 }  // namespace arbor::tree
