@@ -13,7 +13,8 @@ namespace arbor::tree {
 
 namespace {
 
-const std::string word_ends = " \t{";
+constexpr character_set word_ends(" \t{");
+constexpr character_set list_ends(",\t}");
 const std::string accepted_types =
     "numeric, real, integer, string, date or a list of values in braces";
 
@@ -29,7 +30,7 @@ std::vector<std::string> read_value_list(arff_line& line, const line_reader& lin
   std::vector<std::string> values;
   written_cell value;
   do {
-    line.read(value, ",\t}");
+    line.read(value, list_ends);
     // "?" is the unknown value here, too.
     if (value.is_literal || (!value.text.empty() && value.text != "?"))
       values.push_back(value.text);

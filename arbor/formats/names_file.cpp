@@ -12,6 +12,7 @@ namespace arbor::tree {
 
 namespace {
 
+constexpr character_set separators(",:");
 const std::string expected_names =
     "; expected the classes, as in \"no, yes.\", and then for each attribute \"NAME: "
     "continuous.\", \"NAME: discrete.\", \"NAME: VALUE, VALUE.\" or \"NAME: ignore.\"";
@@ -47,7 +48,7 @@ std::vector<written_cell> names_parser::read_list(const std::string& of) {
   char end = ',';
   while (end == ',') {
     written_cell& value = values.emplace_back();
-    if (has_more()) end = line.read(value, ",:");
+    if (has_more()) end = line.read(value, separators);
     if (end == ':') {
       lines.fail(of + in_quotes(value.text) +
                  " has a colon behind it, which is written as \\: in a value" + expected_names);
@@ -89,7 +90,7 @@ declared_table names_parser::read() {
   const std::vector<written_cell> classes = read_list("the classes: ");
   std::set<std::string> names;
   for (written_cell name; has_more();) {
-    const char end = line.read(name, ",:");
+    const char end = line.read(name, separators);
     if (end == '.' && name.text.empty()) continue;  // one period more than are needed
     if (end != ':' || name.text.empty())
       lines.fail(in_quotes(name.text) + " is no attribute" + expected_names);
