@@ -2,12 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <cctype>
-
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/formats/arff_line.h"
+#include "arbor/formats/lower_case.h"
 
 namespace arbor::tree {
 
@@ -15,14 +13,8 @@ namespace {
 
 constexpr character_set word_ends(" \t{");
 constexpr character_set list_ends(",\t}");
-const std::string accepted_types =
+constexpr const char* accepted_types =
     "numeric, real, integer, string, date or a list of values in braces";
-
-std::string lower_case(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 // After the opening brace.
 std::vector<std::string> read_value_list(arff_line& line, const line_reader& lines,

@@ -18,7 +18,7 @@ constexpr character_set cell_ends(",\t");
 constexpr character_set number_ends(" \t,}");
 constexpr character_set sparse_cell_ends(",\t}");
 
-const std::string about_weights =
+constexpr const char* about_weights =
     "; weights of rows go into an attribute of their own, and a text with braces needs quotes";
 
 // What is left of a row at whose end nothing should be.
