@@ -224,11 +224,13 @@ class loading {
     }
   }
 
-  // Reads the next blocks, in the order of the file.
+  // Reads the next blocks, in the order of the file. Those that there are no more of come last: they
+  // still have the number of an earlier block.
   void read(std::vector<row_block>& blocks) {
     pool->for_each(blocks.size(), [&](std::size_t i) { read(blocks[i]); });
     std::sort(blocks.begin(), blocks.end(), [](const row_block& a, const row_block& b) {
-      return a.cells.number() < b.cells.number();
+      return std::make_pair(!a.exists, a.cells.number()) <
+             std::make_pair(!b.exists, b.cells.number());
     });
   }
 
