@@ -59,6 +59,17 @@ bool has_misplaced_quote(const char* bytes, std::size_t size, const csv_form& fo
   return false;
 }
 
+// Of lines that end in LF.
+std::size_t line_ends_outside_quotes(const char* bytes, std::size_t size) {
+  std::size_t count = 0;
+  bool outside = true;
+  for (std::size_t i = 0; i < size; ++i) {
+    if (bytes[i] == '"') outside = !outside;
+    if (outside && bytes[i] == '\n') ++count;
+  }
+  return count;
+}
+
 }  // namespace
 
 std::string_view block_reader::beginning() {
@@ -85,7 +96,8 @@ bool block_reader::next(csv_block& block) {
     rest.clear();
     block.error = std::current_exception();
   }
-  line += line_ends(block.bytes.data(), block.length);
+  line += form.rows_are_lines ? line_ends_outside_quotes(block.bytes.data(), block.length)
+                              : line_ends(block.bytes.data(), block.length);
   const bool exists = block.length > 0 || block.error != nullptr;
   if (exists) ++blocks;
   return exists;

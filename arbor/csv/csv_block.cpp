@@ -8,6 +8,7 @@
 namespace arbor::tree {
 
 unsigned long long csv_row::line_of(std::size_t cell) const {
+  if (form().rows_are_lines) return first_line;
   return first_line + line_ends(text(0), bounds[cell] - bounds[0]);
 }
 

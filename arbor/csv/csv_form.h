@@ -9,6 +9,8 @@ struct csv_form {
   char delimiter = ',';
   // Whether blanks (spaces and tabs) at the ends of a cell are part of it. In quotes they are.
   bool keeps_blanks = false;
+  // Whether each row is a line of the file, whatever line ends its cells have got since.
+  bool rows_are_lines = false;
 
   bool is_blank(char c) const { return !keeps_blanks && (c == ' ' || c == '\t') && c != delimiter; }
 };

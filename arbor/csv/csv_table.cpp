@@ -63,6 +63,7 @@ void csv_table::open_file() {
 void csv_table::read_names() {
   if (declarations) {
     form.keeps_blanks = true;  // the blanks around cells are those of texts in quotes
+    form.rows_are_lines = true;
     blocks->expect(form);
     for (const declared_column& column : declarations->columns) all_names.push_back(column.name);
     if (const auto taken = index_names()) fail(two_columns_have(all_names[*taken]));

@@ -167,7 +167,7 @@ void row_division::add_cell(const char* text, std::size_t length) {
   char* const cell = block.bytes.data() + written;
   if (length > 0) std::memcpy(cell, text, length);
   cell[length] = '\0';
-  lines += line_ends(cell, length);
+  if (!block.form.rows_are_lines) lines += line_ends(cell, length);
   written += length + 1;
   *room_for_bounds(1) = static_cast<std::uint32_t>(written);
   ++bounds;

@@ -59,6 +59,8 @@ declared_column read_attribute(arff_line& line, const line_reader& lines) {
           accepted_types,
           type == "relational" ? "; turn the rows of a relational attribute into rows of the table"
                                : did_you_mean(type, {"numeric", "real", "integer", "string"})));
+    } else {
+      column.kind = "continuous";
     }
   }
   if (!line.at_end())

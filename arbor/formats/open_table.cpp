@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "arbor/csv/open_file.h"
+#include "arbor/csv/read_ahead.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/formats/arff_source.h"
@@ -83,13 +84,13 @@ table_file open_names(const std::string& path, const input_options& options) {
   }
   auto rows =
       std::make_unique<names_source>(open_file(paths.rows, options.limit), declared.columns.size());
-  return {std::move(rows), std::move(declared)};
+  return {std::make_unique<read_ahead>(std::move(rows)), std::move(declared)};
 }
 
 table_file open_arff(const std::string& path, const input_options& options) {
   auto rows = std::make_unique<arff_source>(open_file(path, options.limit), options.limit);
   declared_table declared = rows->declared();
-  return {std::move(rows), std::move(declared)};
+  return {std::make_unique<read_ahead>(std::move(rows)), std::move(declared)};
 }
 
 }  // namespace

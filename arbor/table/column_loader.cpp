@@ -152,8 +152,10 @@ std::unique_ptr<impls::o_set> column_loader::make_domain() {
 }
 
 std::string column_loader::kind() const {
+  const bool is_declared =
+      chosen.kind_is_declared && chosen.kind != "class" && chosen.kind != "weights";
+  if (survey.data_type == "null" && (chosen.kind.empty() || is_declared)) return "ignore";
   if (!chosen.kind.empty()) return chosen.kind;
-  if (survey.data_type == "null") return "ignore";
   return survey.data_type == "string" ? "discrete" : "continuous";
 }
 

@@ -28,6 +28,8 @@ class column_loader {
     const std::string& name;
     // Empty: continuous for numbers, discrete for texts, ignore without known values.
     const std::string& kind;
+    // Whether the kind is what a file says, which gives way to ignore without known values.
+    bool kind_is_declared;
     const std::string& data_type;  // empty: the narrowest that holds all cells
     const std::string& null_text;  // the domain's text of the unknown value, in a column of texts
     const number_form& numbers;    // how they are written

@@ -115,8 +115,9 @@ class loading {
     const bool is_declared = type.empty() && as != nullptr;
     try {
       return std::make_unique<column_loader>(column_loader::settings{
-          name, kind_of(cell), is_declared ? as->data_type : type, null_value,
-          options.input.numbers, is_declared && as->values ? &*as->values : nullptr});
+          name, kind_of(cell), choice_for(name, options.kinds).empty(),
+          is_declared ? as->data_type : type, null_value, options.input.numbers,
+          is_declared && as->values ? &*as->values : nullptr});
     } catch (const std::runtime_error& refusal) {
       file.fail("column " + in_quotes(name) + ": " + refusal.what());
     }
@@ -243,8 +244,7 @@ class loading {
     const bool has_weights = weights_cell < file.names().size();
     if (!has_weights && !options.skips_unknown_class) return;
     block.cells.keep_rows([&](const csv_row& row) {
-      const float weight =
-          has_weights ? file.weight(row, weights_cell) : 1.0F;
+      const float weight = has_weights ? file.weight(row, weights_cell) : 1.0F;
       if (!(weight > 0)) return false;
       if (options.skips_unknown_class && file.unknowns().is_unknown(row, class_cell)) {
         ++block.unclassed_rows;

@@ -58,7 +58,7 @@ TEST(Arff, DeclaresColumns) {
   const pairs headers{
       {"\xEF\xBB\xBF% of a test\r\n\r\n@RELATION 'a b'\r\n@Attribute\tx  NUMERIC % of "
        "meters\r\n@DATA\r\n",
-       "x; "},
+       "x continuous; "},
       {"@attribute 'it\\'s' Integer\r@attribute \"a\\tb\\u00fc\" real @data\r@data",
        "text:2: attribute \"a\\tb\u00FC\": \"@data\" follows its type; expected nothing"},
       {"@attribute d date 'yyyy-MM-dd'\n@attribute e DATE\n@attribute s string" + end,
