@@ -1,0 +1,216 @@
+"""Compares what the program reads from seeded random files with Python's csv and decimal modules.
+
+usage: differential_test.py ARBOR [SEEDS [FIRST_SEED]]
+
+Every file has a random table in a random shape. The program has to find the same cells in it, the
+same data types, and the same values in the same order.
+"""
+
+import csv
+import functools
+import gzip
+import io
+import json
+import math
+import random
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+from decimal import Decimal
+from fractions import Fraction
+
+PARTS = ["a", "B", " ", "  ", ",", ";", "|", "\t", '"', '""', "\n", "\r\n", "\n\n", "#", "é", "漢", "'",
+         "1", ".5", "-", "%", "\\", "x=y", "NA", "nan"]
+
+
+def random_text(dice):
+    return "".join(dice.choice(PARTS) for _ in range(dice.randint(1, 4)))
+
+
+def known_texts(dice):
+    """Returns texts that are unlike numbers and unknown values."""
+    texts = [random_text(dice) for _ in range(6)] + ["yes", dice.choice(["no", ""])]
+    return [t for t in texts if t not in ("?", "NA") and all(number(t.strip(), m) is None for m in ".,")]
+
+
+def decimals(dice, places, least, greatest):
+    values = [dice.randint(least, greatest) / Decimal(10) ** places for _ in range(8)]
+    return [f"{v:.{places}f}" for v in values]
+
+
+COLUMNS = {
+    "small": lambda d: [str(d.randint(-50, 50)) for _ in range(9)],
+    "int": lambda d: [str(d.randint(-2147483647, 2147483647)) for _ in range(5)],
+    "unsigned": lambda d: [str(d.randint(0, 4294967295)) for _ in range(5)],
+    "near int": lambda d: [str(s * 2 ** 31 + d.randint(-2, 2)) for s in (-1, 1, 2, 0)],
+    "money": lambda d: decimals(d, 2, -50, 123456789),
+    "coordinate": lambda d: decimals(d, 7, -1800000000, 1800000000),
+    "milliseconds": lambda d: [str(1699999200123 + d.randint(0, 2 ** 32)) for _ in range(6)],
+    "identifier": lambda d: [str(2 ** 63 - d.randint(1, 400)) for _ in range(6)],
+    "far apart": lambda d: [str(d.randint(-2 ** 63, 2 ** 64)) for _ in range(6)],
+    "exponent": lambda d: [f"{d.randint(-99, 99)}{d.choice(['', '.5', '.250'])}{d.choice('eE')}"
+                           f"{d.choice(['', '+', '-'])}{d.randint(0, d.choice([3, 30]))}" for _ in range(6)],
+    "zeros": lambda d: [d.choice(["", "+", "-"]) + d.choice(["0", "00", ""]) + str(d.randint(1, 12))
+                        + d.choice(["", ".", ".0", ".500"]) for _ in range(7)] + ["0", "-0", "0.0"],
+    "digits": lambda d: [str(d.randint(0, 9)) + "." + str(d.getrandbits(d.randint(1, 110))) for _ in range(3)],
+    "same": lambda d: [str(Decimal(d.randint(-99999, 99999)).scaleb(-3))],
+    "text": known_texts,
+    "mixed": lambda d: known_texts(d)[:2] + decimals(d, 1, 0, 90) + ["07", "7.0", "7"],
+    "unknown": lambda d: [],
+}
+
+
+def number(text, mark):
+    """Returns the number that a text is, None if it is none."""
+    if mark == ",":
+        whole = re.fullmatch(r"([+-]?)(\d{1,3}(?:\.\d{3})+|\d*)((?:,\d*)?(?:[eE][+-]?\d+)?)", text)
+        text = whole[1] + whole[2].replace(".", "") + whole[3].replace(",", ".") if whole else ""
+    return Decimal(text) if re.fullmatch(r"[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?", text) else None
+
+
+def as_float(value):
+    return struct.unpack("f", struct.pack("f", float(value)))[0]
+
+
+def data_type(numbers, texts):
+    low, high = min(numbers), max(numbers)
+    if all(re.fullmatch(r"[+-]?\d+", t) for t in texts):
+        if -2 ** 31 < low and high < 2 ** 31:
+            return "integer"
+        if low >= 0 and high < 2 ** 32 and not any(t.startswith("-") for t in texts):
+            return "uinteger"
+    fractions = [Fraction(n) for n in numbers]
+    scale = math.lcm(*(f.denominator for f in fractions))
+    places = max(0, *(-n.normalize().as_tuple().exponent for n in numbers))
+    step = functools.reduce(math.gcd, (int((f - fractions[0]) * scale) for f in fractions))
+    fits = (high - low) * scale <= (2 ** 32 - 1) * max(step, 1)
+    return "decimal" if fits and max(-low, high).scaleb(places) < Decimal(10) ** 37 else "float"
+
+
+def meant(texts, mark):
+    """Returns kind, data type and sorted values of a column with these known texts."""
+    if not texts:
+        return "ignore", "null", []
+    numbers = [number(t, mark) for t in texts]
+    if None in numbers:
+        return "discrete", "string", sorted(set(texts), key=str.encode)
+    kind = data_type(set(numbers), texts)
+    return "continuous", kind, sorted(set(map(as_float, numbers) if kind == "float" else numbers))
+
+
+class Case:
+    def __init__(self, dice, folder):
+        self.mark = dice.choice("..,")
+        self.delimiter = dice.choice(",;\t|")
+        self.options = dice.choice([[], ["--delimiter", self.delimiter.replace("\t", "tab")]])
+        self.options = self.options + (["--decimal", ","] if self.mark == "," else [])
+        unknown = dice.choice([["?", ""], ["NA"], ["NA", ""]])
+        self.options += [o for u in unknown for o in ("--unknown", u)] if "NA" in unknown else []
+        generators = [COLUMNS[dice.choice(list(COLUMNS))] for _ in range(dice.randint(1, 6))]
+        pools = [self.localized(dice, make(dice)) for make in generators]
+        holes = dice.choice([0, 0.2])
+        self.rows = [[dice.choice(p) if p and dice.random() >= holes else None for p in pools]
+                     + [dice.choice(["x", "y", "z"])] for _ in range(dice.randint(2, 30))]
+        self.rows += [row[:-1] + [c] for row, c in zip(self.rows, "xxyy")]
+        self.names = dice.sample(["a", "b c", "d;e", 'f"g', "h,i", "ö", "k"], len(pools)) + ["class"]
+        self.shown = [[dice.choice(unknown) if c is None else c for c in row] for row in self.rows]
+        self.write(dice, folder)
+
+    def localized(self, dice, texts):
+        if self.mark == ".":
+            return texts
+        result = []
+        for text in texts:
+            value = number(text, ".")
+            if value is not None:
+                if "e" not in text.lower() and dice.random() < 0.3:
+                    text = f"{value:,}"
+                text = text.translate({ord("."): ",", ord(","): "."})
+            result.append(text)
+        return result
+
+    def write(self, dice, folder):
+        end = dice.choice(["\n", "\r\n"])
+        padded, comments, holes = (dice.random() < 0.3 for _ in range(3))
+        self.options += ["--comment", "#"] if comments else []
+        all_quoted = dice.random() < 0.2
+
+        def line(cells, known, blanks):
+            result = []
+            for text, is_known in zip(cells, known):
+                quoted = is_known and (all_quoted or dice.random() < 0.1 or not text or re.search(r'[\s"#]', text)
+                                       or self.delimiter in text)
+                pads = [dice.choice(["", " ", "  "]) if blanks else "" for _ in range(2)]
+                result.append(pads[0] + ('"' + text.replace('"', '""') + '"' if quoted else text) + pads[1])
+            return self.delimiter.join(result) + end
+
+        def file(rows, known, decorated):
+            text = line(self.names, [True] * len(self.names), decorated and padded)
+            for cells, k in zip(rows, known):
+                text += dice.choice(["# ,;\"" + end, ""]) if decorated and comments else ""
+                text += dice.choice([end, ""]) if decorated and holes else ""
+                text += line(cells, k, decorated and padded)
+            return text[:len(text) - (len(end) if dice.random() < 0.2 else 0)]
+
+        known = [[c is not None for c in row] for row in self.rows]
+        plain = io.StringIO(file(self.shown, known, False), newline="")
+        assert list(csv.reader(plain, delimiter=self.delimiter, strict=True)) == [self.names] + self.shown
+        cuts = [0] + sorted(dice.sample(range(1, len(self.rows)), dice.choice([0, 0, 1]))) + [len(self.rows)]
+        self.paths = []
+        for first, last in zip(cuts, cuts[1:]):
+            data = file(self.shown[first:last], known[first:last], True).encode()
+            data = (b"\xef\xbb\xbf" if dice.random() < 0.2 else b"") + data
+            self.paths.append(f"{folder}/{first}.csv")
+            with (gzip.open if dice.random() < 0.2 else open)(self.paths[-1], "wb") as out:
+                out.write(data)
+
+    def check(self, arbor, folder):
+        def run(*words):
+            done = subprocess.run([arbor, *words, *self.options], capture_output=True)
+            assert done.returncode == 0, done.stderr.decode()
+            return done.stdout.decode()
+
+        def load(*kinds):
+            types = folder + "/types"
+            report = json.loads(run("rate", *self.paths, "--format", "json", "--save-types", types, "--force", *kinds))
+            with open(types, encoding="utf-8", newline="") as file:
+                return report["table"], list(csv.reader(file))[1:]
+
+        table, columns = load()
+        assert table["rows"] == len(self.rows), table
+        assert table["unknown_cells"] == sum(row.count(None) for row in self.rows), table
+        expected = [meant([t for t in texts if t is not None], self.mark) for texts in zip(*self.rows)]
+        expected[-1] = ("class",) + expected[-1][1:]
+        found = [c[:3] for c in columns]
+        assert found == [[n, *e[:2]] for n, e in zip(self.names, expected)], (found, expected)
+        discrete = [o for n, e in zip(self.names, expected) if e[0] not in ("ignore", "class")
+                    for o in ("--kind", n + "=discrete")]
+        for (name, _, kind, *values), (_, _, wanted) in zip(load(*discrete)[1], expected):
+            read = {"string": str, "float": as_float}.get(kind, Decimal)
+            assert [read(v) for v in values] == wanted, (name, kind, values, wanted)
+        lines = list(csv.reader(io.StringIO(run("classify", folder + "/model", *self.paths), newline="")))
+        assert [r[:-2] for r in lines] == [self.names] + self.shown, lines
+
+
+def main():
+    arbor, seeds = sys.argv[1], int((sys.argv[2:] + ["40"])[0])
+    first = int((sys.argv[3:] + ["0"])[0])
+    failed = 0
+    with tempfile.TemporaryDirectory() as folder:
+        with open(folder + "/none.csv", "w") as file:
+            file.write("none,class\n,x\n,x\n,y\n,z\n")
+        subprocess.run([arbor, "grow", folder + "/none.csv", "--model", folder + "/model"], check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        for seed in range(first, first + seeds):
+            case = Case(random.Random(seed), folder)
+            try:
+                case.check(arbor, folder)
+            except AssertionError as error:
+                failed += 1
+                print(f"seed {seed}, {case.paths} {case.options}: {error}")
+    sys.exit(failed > 0)
+
+
+main()
