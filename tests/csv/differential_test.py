@@ -100,6 +100,16 @@ def meant(texts, mark):
     return "continuous", kind, sorted(set(map(as_float, numbers) if kind == "float" else numbers))
 
 
+def localized(dice, text):
+    """Writes a number with a decimal comma, perhaps with points between its thousands."""
+    value = number(text, ".")
+    if value is None:
+        return text
+    if "e" not in text.lower() and dice.random() < 0.3:
+        text = f"{value:,}"
+    return text.translate({ord("."): ",", ord(","): "."})
+
+
 class Case:
     def __init__(self, dice, folder):
         self.mark = dice.choice("..,")
@@ -108,63 +118,49 @@ class Case:
         self.options = self.options + (["--decimal", ","] if self.mark == "," else [])
         unknown = dice.choice([["?", ""], ["NA"], ["NA", ""]])
         self.options += [o for u in unknown for o in ("--unknown", u)] if "NA" in unknown else []
-        generators = [COLUMNS[dice.choice(list(COLUMNS))] for _ in range(dice.randint(1, 6))]
-        pools = [self.localized(dice, make(dice)) for make in generators]
+        pools = [COLUMNS[dice.choice(list(COLUMNS))](dice) for _ in range(dice.randint(1, 6))]
+        if self.mark == ",":
+            pools = [[localized(dice, text) for text in pool] for pool in pools]
         holes = dice.choice([0, 0.2])
         self.rows = [[dice.choice(p) if p and dice.random() >= holes else None for p in pools]
-                     + [dice.choice(["x", "y", "z"])] for _ in range(dice.randint(2, 30))]
-        self.rows += [row[:-1] + [c] for row, c in zip(self.rows, "xxyy")]
+                     + [dice.choice("xyz")] for _ in range(dice.randint(2, 30))]
         self.names = dice.sample(["a", "b c", "d;e", 'f"g', "h,i", "ö", "k"], len(pools)) + ["class"]
         self.shown = [[dice.choice(unknown) if c is None else c for c in row] for row in self.rows]
         self.write(dice, folder)
 
-    def localized(self, dice, texts):
-        if self.mark == ".":
-            return texts
-        result = []
-        for text in texts:
-            value = number(text, ".")
-            if value is not None:
-                if "e" not in text.lower() and dice.random() < 0.3:
-                    text = f"{value:,}"
-                text = text.translate({ord("."): ",", ord(","): "."})
-            result.append(text)
-        return result
-
     def write(self, dice, folder):
+        """Writes the table plainly for Python's csv module, and with all that is skipped for the program."""
         end = dice.choice(["\n", "\r\n"])
-        padded, comments, holes = (dice.random() < 0.3 for _ in range(3))
+        padded, comments, empty_lines = (dice.random() < 0.3 for _ in range(3))
         self.options += ["--comment", "#"] if comments else []
-        all_quoted = dice.random() < 0.2
+        quoted_share = dice.choice([0, 0.1, 1])
 
-        def line(cells, known, blanks):
+        def line(cells, row, blanks):
             result = []
-            for text, is_known in zip(cells, known):
-                quoted = is_known and (all_quoted or dice.random() < 0.1 or not text or re.search(r'[\s"#]', text)
-                                       or self.delimiter in text)
-                pads = [dice.choice(["", " ", "  "]) if blanks else "" for _ in range(2)]
-                result.append(pads[0] + ('"' + text.replace('"', '""') + '"' if quoted else text) + pads[1])
+            for text, value in zip(cells, row):
+                if value is not None and (dice.random() < quoted_share or not text or self.delimiter in text
+                                          or re.search(r'[\s"#]', text)):
+                    text = '"' + text.replace('"', '""') + '"'
+                result.append(dice.choice(blanks) + text + dice.choice(blanks))
             return self.delimiter.join(result) + end
 
-        def file(rows, known, decorated):
-            text = line(self.names, [True] * len(self.names), decorated and padded)
-            for cells, k in zip(rows, known):
-                text += dice.choice(["# ,;\"" + end, ""]) if decorated and comments else ""
-                text += dice.choice([end, ""]) if decorated and holes else ""
-                text += line(cells, k, decorated and padded)
-            return text[:len(text) - (len(end) if dice.random() < 0.2 else 0)]
+        def lines(first, last, decorated):
+            blanks = ["", " ", "  "] if decorated and padded else [""]
+            yield line(self.names, self.names, blanks)
+            for cells, row in zip(self.shown[first:last], self.rows[first:last]):
+                yield dice.choice(["# ,;\"" + end, ""]) if decorated and comments else ""
+                yield dice.choice([end, ""]) if decorated and empty_lines else ""
+                yield line(cells, row, blanks)
 
-        known = [[c is not None for c in row] for row in self.rows]
-        plain = io.StringIO(file(self.shown, known, False), newline="")
+        plain = io.StringIO("".join(lines(0, len(self.rows), False)), newline="")
         assert list(csv.reader(plain, delimiter=self.delimiter, strict=True)) == [self.names] + self.shown
-        cuts = [0] + sorted(dice.sample(range(1, len(self.rows)), dice.choice([0, 0, 1]))) + [len(self.rows)]
+        cuts = [0] + dice.sample(range(1, len(self.rows)), dice.choice([0, 0, 1])) + [len(self.rows)]
         self.paths = []
         for first, last in zip(cuts, cuts[1:]):
-            data = file(self.shown[first:last], known[first:last], True).encode()
-            data = (b"\xef\xbb\xbf" if dice.random() < 0.2 else b"") + data
+            text = dice.choice(["", "", "\ufeff"]) + "".join(lines(first, last, True))
             self.paths.append(f"{folder}/{first}.csv")
-            with (gzip.open if dice.random() < 0.2 else open)(self.paths[-1], "wb") as out:
-                out.write(data)
+            with dice.choice([open, open, gzip.open])(self.paths[-1], "wb") as file:
+                file.write(text[:-len(end) if dice.random() < 0.2 else None].encode())
 
     def check(self, arbor, folder):
         def run(*words):
