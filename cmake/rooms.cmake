@@ -15,7 +15,7 @@ target_link_libraries(arbor_tree
   PUBLIC arbor::arbor
   PRIVATE ${CSV_LIBRARY} ${UTF8PROC_LIBRARY} fmt::fmt nlohmann_json::nlohmann_json Threads::Threads
     ZLIB::ZLIB arbor_numerics)
-foreach(room csv table tree store report)
+foreach(room csv formats table tree store report)
   add_subdirectory(arbor/${room})
 endforeach()
 

@@ -43,7 +43,7 @@ void print_evaluation_of_rows(const tree::decision_tree& model,
 classify_command::classify_command(CLI::App& app)
     : command(app, "classify", "Predict the class of each row with a saved tree", classify_help) {
   parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
-  parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
+  add_tables(parser, table_paths);
   parser
       .add_option("--output", output_path,
                   "File to write the rows to (default: -, standard output)")
@@ -60,6 +60,7 @@ classify_command::classify_command(CLI::App& app)
                   "class, if there is one)")
       ->type_name("NAME");
   table.add_cell_options_to(parser);
+  table.add_id_to(parser, "and is printed without the other ones");
   parser.add_flag("--strict", strict,
                   "Refuse a text that is no number in a column where the model has numbers");
   add_threads(parser, threads);
@@ -85,7 +86,8 @@ void classify_command::run() {
 }
 
 void classify_command::check_combination() const {
-  refuse_if(model_path.empty() || table_path.empty(), "name a model and a table");
+  refuse_if(model_path.empty() || table_paths.empty(), "name a model and a table");
+  check_tables(table_paths);
   refuse_if(output_path.empty(), "--output: the name of the file is empty");
   for (const std::string option : {"--output", "--probability"})
     refuse_if(quiet && given(option), option + " does not go with --quiet, which prints no rows");
@@ -106,14 +108,14 @@ tree::classification_options classify_command::chosen_options(
 
 tree::classification_result classify_command::classify(const tree::decision_tree& model,
                                                        std::ostream* rows) const {
-  return classify_rows(table_path, model, chosen_options(model), rows,
+  return classify_rows(table_paths, model, chosen_options(model), rows,
                        "; --strict refuses such texts");
 }
 
 // Fails before the work is done if its result could not be saved.
 void classify_command::check_file(const output_file& output) const {
   output.keep_input(model_path, "the model");
-  output.keep_input(table_path, "the table");
+  for (const std::string& path : table_paths) output.keep_input(path, "the table");
   output.check(tree::file_content::classified, "a classified table");
 }
 

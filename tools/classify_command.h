@@ -26,7 +26,7 @@ class classify_command : public command {
 
   table_options table;
   std::string model_path;
-  std::string table_path;
+  std::vector<std::string> table_paths;
   std::string output_path = "-";
   std::string class_name;
   std::string threads;

@@ -4,6 +4,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/table_classification.h"
@@ -14,7 +15,8 @@ namespace arbor::tools {
 tree::classification_options options_from(const tree::load_options& load);
 
 // See classify_table. `advice` ends each remark.
-tree::classification_result classify_rows(const std::string& path, const tree::decision_tree& model,
+tree::classification_result classify_rows(const std::vector<std::string>& paths,
+                                          const tree::decision_tree& model,
                                           tree::classification_options options, std::ostream* rows,
                                           const std::string& advice);
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <iostream>
@@ -126,10 +127,10 @@ void print_evaluation(const tree::decision_tree& grown, const tree::table& rows,
 
 grow_command::grow_command(CLI::App& app)
     : command(app, "grow", "Grow a decision tree on a table and save it", grow_help) {
-  parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
+  add_tables(parser, table_paths);
   parser.add_option("--model", model_path, "File to save the tree to (default: it is not saved)")
       ->type_name("FILE");
-  add_force(parser, "--model", force);
+  add_force(parser, "--model or --save-types", force);
   table.add_training_options_to(parser);
   tree_growth.add_to(parser);
   parser
@@ -137,9 +138,13 @@ grow_command::grow_command(CLI::App& app)
                   "Share of the rows to hold back and evaluate the tree on (default: 0)")
       ->type_name("SHARE");
   parser
-      .add_option("--test", test_path,
-                  "Another table to evaluate the tree on, read as by arbor classify")
-      ->type_name("FILE");
+      .add_option(
+          "--test", test_paths,
+          "Another table to evaluate the tree on, read as by arbor classify; repeatable for "
+          "one of several files")
+      ->type_name("FILE")
+      ->take_all()
+      ->allow_extra_args(false);
   parser
       .add_option("--seed", seed,
                   "Chooses which rows are held back, and the folds of --tune (default: 1)")
@@ -154,7 +159,8 @@ void grow_command::run() {
   const unsigned int seed_number = whole_value("--seed", seed);
   check_files();
 
-  const tree::table rows = read_table(table_path, load);
+  const tree::table rows = read_table(table_paths, load);
+  table.save_types(rows, force);
   const tree::divided_cases cases = tree::hold_out(rows.cases, held_back_share, seed_number);
   refuse_if(cases.training.empty(),
             "--holdout: " + tree::in_quotes(holdout) + " leaves no rows to grow the tree on");
@@ -171,26 +177,33 @@ void grow_command::run() {
                              tree::shortest_text(options.confidence));
   }
   print_tree(grown);
-  print_evaluation(grown.tree, rows, cases, !test_path.empty());
-  if (!test_path.empty()) evaluate_on_test_table(grown.tree, load);
+  print_evaluation(grown.tree, rows, cases, !test_paths.empty());
+  if (!test_paths.empty()) evaluate_on_test_table(grown.tree, load);
 }
 
 // Fails before the work is done if its result could not be saved or evaluated.
 void grow_command::check_files() const {
   refuse_if(given("--model") && model_path.empty(), "--model: the name of the file is empty");
-  refuse_if(given("--test") && test_path.empty(), "--test: the name of the file is empty");
-  refuse_if(test_path == "-" && table_path == "-", "--test: standard input is the table already");
-  std::error_code ignored;
-  const bool opens_once = std::filesystem::is_fifo(test_path, ignored);
-  if (!test_path.empty() && !opens_once) static_cast<void>(tree::input_file(test_path));
+  check_tables(table_paths);
+  table.check_saving(table_paths, force);
+  for (const std::string& test_path : test_paths) check_test(test_path);
   if (model_path.empty()) return;
   const output_file model = model_file();
   refuse_if(model.is_standard_output(),
             "--model: standard output has the report; write to another file");
   refuse_if(tree::is_terminal(model_path), "--model: a model is no text to show on a terminal");
-  model.keep_input(table_path, "the table");
-  if (!test_path.empty()) model.keep_input(test_path, "the test table");
+  for (const std::string& path : table_paths) model.keep_input(path, "the table");
+  for (const std::string& path : test_paths) model.keep_input(path, "the test table");
   model.check(tree::file_content::model, "a model of arbor grow");
+}
+
+void grow_command::check_test(const std::string& path) const {
+  refuse_if(path.empty(), "--test: the name of the file is empty");
+  const bool is_table = std::count(table_paths.begin(), table_paths.end(), "-") > 0;
+  refuse_if(path == "-" && is_table, "--test: standard input is the table already");
+  std::error_code ignored;
+  const bool opens_once = std::filesystem::is_fifo(path, ignored);
+  if (!opens_once) static_cast<void>(tree::input_file(path));
 }
 
 output_file grow_command::model_file() const {
@@ -202,7 +215,8 @@ void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
   tree::classification_options options = options_from(load);
   options.class_name = grown.class_column->get_name();
   options.class_from = "the class of the tree";
-  const tree::classification_result result = classify_rows(test_path, grown, options, nullptr, "");
+  options.id_name.clear();  // no rows are written
+  const tree::classification_result result = classify_rows(test_paths, grown, options, nullptr, "");
   if (!result.quality) throw tree::table_error("--test: no row has a known class");
   std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);
 }

@@ -17,15 +17,16 @@ class grow_command : public command {
 
  private:
   void check_files() const;
+  void check_test(const std::string& path) const;
   output_file model_file() const;
   void evaluate_on_test_table(const tree::decision_tree& grown,
                               const tree::load_options& load) const;
 
   table_options table;
   tree_options tree_growth;
-  std::string table_path;
+  std::vector<std::string> table_paths;
   std::string model_path;
-  std::string test_path;
+  std::vector<std::string> test_paths;
   std::string holdout = "0";
   std::string seed = "1";
   bool force = false;

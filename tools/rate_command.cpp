@@ -2,6 +2,7 @@
 
 #include "arbor/csv/message_text.h"
 #include "arbor/tree/rating.h"
+#include "tools/output_file.h"
 #include "tools/print_ratings.h"
 #include "tools/thread_option.h"
 
@@ -38,7 +39,7 @@ tree::rating_order order_named(const std::string& name) {
 
 rate_command::rate_command(CLI::App& app)
     : command(app, "rate", "Rate the split that each attribute would make", rate_help) {
-  parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
+  add_tables(parser, table_paths);
   table.add_to(parser);
   parser
       .add_option("--min-weight", min_weight,
@@ -51,6 +52,7 @@ rate_command::rate_command(CLI::App& app)
                   "Order of the attributes: by ratio, gain or name (default: ratio)")
       ->type_name("ORDER");
   add_threads(parser, threads);
+  add_force(parser, "--save-types", force);
 }
 
 void rate_command::run() {
@@ -59,7 +61,10 @@ void rate_command::run() {
   tree::load_options load = table.chosen();
   load.threads = thread_count(threads);
   const float least_weight = weight_value("--min-weight", min_weight);
-  const tree::table rated = read_table(table_path, load);
+  check_tables(table_paths);
+  table.check_saving(table_paths, force);
+  const tree::table rated = read_table(table_paths, load);
+  table.save_types(rated, force);
   tree::table_rating ratings = tree::rate_attributes(rated, rated.cases, least_weight);
   tree::sort_ratings(ratings.attributes, order_named(sort));
   print_ratings(rated, rated.cases, ratings, format);

@@ -14,11 +14,12 @@ class rate_command : public command {
 
  private:
   table_options table;
-  std::string table_path;
+  std::vector<std::string> table_paths;
   std::string min_weight = "2";
   std::string format = "text";
   std::string sort = "ratio";
   std::string threads;
+  bool force = false;
 };
 
 }  // namespace arbor::tools

@@ -65,9 +65,12 @@ show_command::show_command(CLI::App& app)
   parser.add_option("--node", node, "Number of the test for --rate (default: 0, the root)")
       ->type_name("N");
   parser
-      .add_option("--rate", rated_path,
-                  "Rate the attributes of this table on the rows that reach a test")
-      ->type_name("TABLE");
+      .add_option("--rate", rated_paths,
+                  "Rate the attributes of this table on the rows that reach a test; repeatable for "
+                  "one of several files")
+      ->type_name("TABLE")
+      ->take_all()
+      ->allow_extra_args(false);
   parser
       .add_option("--min-weight", min_weight,
                   "For --rate, as in arbor rate (default: that of the model)")
@@ -81,7 +84,7 @@ void show_command::run() {
   const std::size_t shown_depth = depth.empty() ? tree::whole_depth : whole_value("--depth", depth);
   check_combination();
   const tree::decision_tree model = tree::load_model(model_path);
-  if (!rated_path.empty()) {
+  if (!rated_paths.empty()) {
     rate_at_node(model);
   } else if (!picture_path.empty()) {
     std::ostringstream graph;
@@ -98,9 +101,10 @@ void show_command::run() {
 }
 
 void show_command::check_combination() const {
-  const bool rates = !rated_path.empty();
+  const bool rates = !rated_paths.empty();
   refuse_if(model_path.empty(), "no model; name a file that arbor grow has saved");
-  refuse_if(given("--rate") && !rates, "--rate: the name of the table is empty");
+  for (const std::string& path : rated_paths)
+    refuse_if(path.empty(), "--rate: the name of the table is empty");
   refuse_if(given("--picture") && picture_path.empty(), "--picture: the name of the file is empty");
   refuse_if(given("--rate") && given("--picture"), "--rate does not go with --picture");
   refuse_if(given("--rate") && given("--depth"), "--rate does not go with --depth");
@@ -117,7 +121,7 @@ void show_command::rate_at_node(const tree::decision_tree& model) const {
   const std::size_t test = chosen_node(model);
   const float least_weight = chosen_weight(model);
   const tree::load_options load = options_of(model);
-  const tree::table rows = read_table(rated_path, load);
+  const tree::table rows = read_table(rated_paths, load);
   const impls::w_sequence cases = tree::cases_at_node(model, rows, test);
   if (cases.empty())
     throw tree::table_error(rows.name + ": no row reaches node " + std::to_string(test));

@@ -28,7 +28,7 @@ class show_command : public command {
   std::string depth;
   std::string picture_path;
   std::string node;
-  std::string rated_path;
+  std::vector<std::string> rated_paths;
   std::string min_weight;
   bool force = false;
 };

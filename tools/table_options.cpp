@@ -1,16 +1,22 @@
 #include "tools/table_options.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iostream>
 #include <limits>
 #include <map>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
+#include "arbor/store/replacement_stream.h"
+#include "arbor/table/column_types.h"
 #include "arbor/utils/number_text.h"
 #include "arbor/utils/string_util.h"
 #include "tools/command_line.h"
 #include "tools/messages.h"
+#include "tools/output_file.h"
 #include "tools/progress_line.h"
+#include "tools/terminal.h"
 
 namespace arbor::tools {
 
@@ -58,61 +64,107 @@ std::string advice(const tree::table_remark& remark) {
   return "; if that means unknown, use" + options;
 }
 
+std::string advice(const tree::input_remark& remark) {
+  using matter = tree::input_remark::matter;
+  switch (remark.about) {
+    case matter::delimiter:
+      return "; --delimiter chooses another character";
+    case matter::row_numbers:
+      return ", but may be the --id of arbor classify";
+    case matter::numeric_names:
+      return "; if the first row has none, use --no-header";
+    default:
+      return "";
+  }
+}
+
+constexpr const char* column_group = "Columns and rows";
+
 }  // namespace
 
 void table_options::add_to(CLI::App& to) {
-  to.add_option("--class", class_name, "The column to predict (default: the last one)")
-      ->type_name("NAME");
   add_cell_options_to(to);
+  to.add_option("--class", class_name,
+                "The column to predict (default: the last one, or the one that the file declares)")
+      ->type_name("NAME")
+      ->group(column_group);
+  add_id_to(to, "and is no attribute");
+  to.add_flag("--skip-unknown-class", skips_unknown_class,
+              "Leave out the rows whose class is unknown")
+      ->group(column_group);
   to.add_option("--type", types,
                 "A column's data type: integer, uinteger, float, double or string; repeatable")
       ->type_name("NAME=TYPE")
       ->take_all()
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->group(column_group);
   add_kinds_to(to);
+  to.add_option("--types", types_path,
+                "Take kinds, types and values from this file; --class, --type and --kind go before "
+                "it")
+      ->type_name("FILE")
+      ->group(column_group);
+  to.add_option("--save-types", saved_types_path,
+                "Write such a file of this table, which may be edited")
+      ->type_name("FILE")
+      ->group(column_group);
 }
 
 void table_options::add_kinds_to(CLI::App& to) {
   to.add_option("--kind", kinds, "An attribute's kind: discrete, continuous or ignore; repeatable")
       ->type_name("NAME=KIND")
       ->take_all()
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->group(column_group);
+}
+
+void table_options::add_id_to(CLI::App& to, const std::string& purpose) {
+  to.add_option("--id", id_name, "The column that identifies the rows " + purpose)
+      ->type_name("NAME")
+      ->group(column_group);
 }
 
 void table_options::add_training_options_to(CLI::App& to) {
   add_to(to);
   limits_classes = true;
   to.add_flag("--many-classes", many_classes,
-              "Accept a class of more than 1000 values; trees grow slowly with so many");
+              "Accept a class of more than 1000 values; trees grow slowly with so many")
+      ->group(column_group);
 }
 
 void table_options::add_cell_options_to(CLI::App& to) {
   parser = &to;
+  files.add_to(to);
   to.add_option("--weights", weights_name,
                 "The column of weights; a row of weight 3 counts as three rows, one of weight 0 is "
                 "left out (default: all rows weigh 1)")
-      ->type_name("NAME");
-  to.add_option("--unknown", unknown_texts,
-                "A text that stands for the unknown value; '' is the empty cell, '\"\"' the quoted "
-                "empty one; repeatable (default: ? and '')")
-      ->type_name("TEXT")
-      ->take_all()
-      ->allow_extra_args(false);
+      ->type_name("NAME")
+      ->group(column_group);
+}
+
+bool table_options::given(const std::string& option) const {
+  const CLI::Option* named = parser->get_option_no_throw(option);
+  return named != nullptr && named->count() > 0;
 }
 
 tree::load_options table_options::chosen() const {
-  for (const char* option : {"--class", "--weights"}) {
-    const CLI::Option* named = parser->get_option_no_throw(option);
-    if (named != nullptr && named->count() > 0 && named->as<std::string>().empty()) {
-      throw usage_error(std::string(option) + ": the name of the column is empty");
-    }
+  for (const std::string option : {"--class", "--weights", "--id"}) {
+    refuse_if(given(option) && parser->get_option(option)->as<std::string>().empty(),
+              option + ": the name of the column is empty");
   }
   tree::load_options options;
+  options.input = files.chosen();
   options.class_name = class_name;
   options.weights_name = weights_name;
-  options.unknown_texts = unknown_texts;
+  options.id_name = id_name;
   options.types = name_values("--type", types);
   options.kinds = name_values("--kind", kinds);
+  if (given("--types")) {
+    refuse_if(types_path.empty(), "--types: the name of the file is empty");
+    options.declared = tree::read_types(types_path);
+  }
+  options.skips_unknown_class = skips_unknown_class;
+  options.unknown_class_advice = "; --skip-unknown-class leaves such rows out";
   if (limits_classes && !many_classes) {
     options.most_classes = 1000;
     options.most_classes_advice =
@@ -123,17 +175,63 @@ tree::load_options table_options::chosen() const {
   options.weights_from = "--weights";
   options.types_from = "--type";
   options.kinds_from = "--kind";
+  options.id_from = "--id";
+  options.declared_from = "--types";
   return options;
 }
 
-tree::table read_table(const std::string& path, tree::load_options options) {
-  if (path.empty()) throw usage_error("no table; name a CSV file, or - for standard input");
+void table_options::check_saving(const std::vector<std::string>& inputs, bool force) const {
+  if (!given("--save-types")) return;
+  refuse_if(saved_types_path.empty(), "--save-types: the name of the file is empty");
+  const output_file types_file{"--save-types", saved_types_path, force};
+  if (types_file.is_standard_output()) return;
+  for (const std::string& input : inputs) types_file.keep_input(input, "the table");
+  types_file.check(tree::file_content::types, "a file of types");
+}
+
+void table_options::save_types(const tree::table& of, bool force) const {
+  if (!given("--save-types")) return;
+  const output_file types_file{"--save-types", saved_types_path, force};
+  if (types_file.is_standard_output()) return tree::write_types(std::cout, of);
+  tree::file_replacement file(types_file.path, types_file.new_ownership());
+  tree::replacement_stream out(file);
+  const terminal_guard guard(out, tree::is_terminal(types_file.path));
+  tree::write_types(out, of);
+  out.flush();
+  file.commit();
+}
+
+void add_tables(CLI::App& command, std::vector<std::string>& paths) {
+  command
+      .add_option(
+          "TABLE", paths,
+          "A file of comma-separated values or another format, gzip or zstd or not; several "
+          "files with the same columns are one table; - is standard input")
+      ->type_name("");
+}
+
+void check_tables(const std::vector<std::string>& paths) {
+  constexpr const char* no_table = "no table; name a CSV file, or - for standard input";
+  refuse_if(paths.empty(), no_table);
+  for (const std::string& path : paths) refuse_if(path.empty(), no_table);
+  refuse_if(std::count(paths.begin(), paths.end(), "-") > 1,
+            "standard input can be read only once");
+}
+
+void show_remarks(const std::string& table_name, const std::vector<tree::input_remark>& remarks) {
+  for (const tree::input_remark& remark : remarks)
+    complain(table_name + ": " + remark.text + advice(remark));
+}
+
+tree::table read_table(const std::vector<std::string>& paths, tree::load_options options) {
+  check_tables(paths);
   progress_line progress;
   options.progress = [&](std::size_t rows) {
     if (progress.due()) progress.show(std::to_string(rows) + " rows read");
   };
-  tree::table table = tree::load_table(path, options);
+  tree::table table = tree::load_table(paths, options);
   progress.clear();
+  show_remarks(table.name, table.input_remarks);
   for (const tree::table_remark& remark : table.remarks)
     complain(table.name + ": " + remark.text + advice(remark));
   return table;

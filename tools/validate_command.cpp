@@ -10,6 +10,7 @@
 #include "arbor/report/rating_report.h"
 #include "arbor/report/validation_json.h"
 #include "arbor/report/validation_report.h"
+#include "tools/output_file.h"
 #include "tools/progress_line.h"
 #include "tools/terminal.h"
 
@@ -56,7 +57,7 @@ timed_validation validate_with_progress(const tree::table& rows, tree::validatio
 validate_command::validate_command(CLI::App& app)
     : command(app, "validate", "Estimate by cross-validation how well trees predict",
               validate_help) {
-  parser.add_option("TABLE", table_path, "A CSV file, or - for standard input")->type_name("");
+  add_tables(parser, table_paths);
   table.add_training_options_to(parser);
   tree_growth.add_to(parser);
   parser.add_option("--folds", folds, "Number of folds, from 2 to that of the rows (default: 10)")
@@ -73,6 +74,7 @@ validate_command::validate_command(CLI::App& app)
   parser
       .add_option("--format", format, "text, json, or csv with a row for each fold (default: text)")
       ->type_name("FORMAT");
+  add_force(parser, "--save-types", force);
 }
 
 void validate_command::run() {
@@ -80,7 +82,10 @@ void validate_command::run() {
   tree::load_options load = table.chosen();
   const tree::validation_options options = chosen_options();
   load.threads = options.grow.threads;
-  const tree::table rows = read_table(table_path, load);
+  check_tables(table_paths);
+  table.check_saving(table_paths, force);
+  const tree::table rows = read_table(table_paths, load);
+  table.save_types(rows, force);
   refuse_if(options.folds > rows.cases.size(),
             fmt::format("--folds: {} is more than the {}", tree::in_quotes(folds),
                         tree::counted(rows.cases.size(), "row")));

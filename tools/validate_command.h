@@ -19,12 +19,13 @@ class validate_command : public command {
 
   table_options table;
   tree_options tree_growth;
-  std::string table_path;
+  std::vector<std::string> table_paths;
   std::string folds = "10";
   std::string repeats = "1";
   std::string seed = "1";
   std::string format = "text";
   bool importance = false;
+  bool force = false;
 };
 
 }  // namespace arbor::tools

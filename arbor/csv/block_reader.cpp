@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "arbor/csv/character_marks.h"
 #include "arbor/csv/line_ends.h"
@@ -17,14 +18,10 @@ constexpr std::size_t readable_after_block = marked_at_once + readable_after_cel
 // So that the bounds of its cells are numbers of 32 bits.
 constexpr std::size_t longest_block = std::numeric_limits<std::uint32_t>::max() - 255;
 
-bool is_line_end(char c) {
-  return c == '\n' || c == '\r';
-}
-
 // The end of the last row that ends in these bytes, which begin with a row or with empty lines; 0
-// if none does. Empty lines after that row are left to the block of the next row: there they are
-// an error, and at the end of the file they are none.
-std::size_t end_of_rows(const char* bytes, std::size_t size) {
+// if none does. Empty lines after that row are left to the block of the next row, which counts them,
+// while those at the end of the file do not count.
+std::size_t end_of_rows(const char* bytes, std::size_t size, const csv_form& form) {
   bool outside = true;  // of quotes, after the character before `end`
   if (std::memchr(bytes, '"', size) != nullptr)
     outside = count_of(size, [=](std::size_t i) { return bytes[i] == '"'; }) % 2 == 0;
@@ -34,48 +31,64 @@ std::size_t end_of_rows(const char* bytes, std::size_t size) {
   for (; end > 0 && !(outside && is_line_end(bytes[end - 1])); --end) {
     if (bytes[end - 1] == '"') outside = !outside;
   }
-  while (end > 0 && is_line_end(bytes[end - 1])) --end;
-  if (end == 0) return 0;
+  std::size_t before_blanks = end;
+  while (before_blanks > 0 && is_line_end(bytes[before_blanks - 1])) {
+    end = before_blanks - 1;
+    before_blanks = end;
+    while (before_blanks > 0 && form.is_blank(bytes[before_blanks - 1])) --before_blanks;
+  }
+  if (before_blanks == 0) return 0;
   return bytes[end] == '\r' && bytes[end + 1] == '\n' ? end + 2 : end + 1;
 }
 
 // Whether an opening quote stands elsewhere than at the beginning of a cell. Then the quotes after
 // it say nothing about where rows end.
-bool has_misplaced_quote(const char* bytes, std::size_t size) {
+bool has_misplaced_quote(const char* bytes, std::size_t size, const csv_form& form) {
   bool outside = true;
+  bool begins_cell = true;  // whether there are only blanks since the last delimiter or line end
   for (std::size_t i = 0; i < size; ++i) {
-    if (bytes[i] != '"') continue;
-    const bool begins_cell = i == 0 || std::memchr(",\r\n\"", bytes[i - 1], 4) != nullptr;
-    if (outside && !begins_cell) return true;
-    outside = !outside;
+    const char c = bytes[i];
+    if (c == '"') {
+      if (outside && !begins_cell) return true;
+      outside = !outside;
+      begins_cell = true;  // a second quote, if it follows, stands for one
+    } else {
+      begins_cell = c == form.delimiter || is_line_end(c) || (begins_cell && form.is_blank(c));
+    }
   }
   return false;
 }
 
-std::size_t length_of_mark(const char* bytes, std::size_t size) {
-  constexpr std::size_t length = 3;
-  return size >= length && std::memcmp(bytes, "\xEF\xBB\xBF", length) == 0 ? length : 0;
-}
-
 }  // namespace
+
+std::string_view block_reader::beginning() {
+  rest.resize(usual_size);
+  rest.resize(read(rest.data(), usual_size));
+  return {rest.data(), rest.size()};
+}
 
 bool block_reader::next(csv_block& block) {
   block.length = 0;
   block.starts.clear();
   block.quoted_empty_cells.clear();
+  block.skipped = 0;
   block.error = nullptr;
   block.first_line = line;
-  block.place = blocks++;
-  if (ended) return false;
+  block.place = blocks;
+  block.file = name;
+  block.form = form;
+  if (ended && rest.empty()) return false;
   try {
     fill(block);
   } catch (const table_error&) {
     ended = true;
+    rest.clear();
     block.error = std::current_exception();
-    return true;
   }
   line += line_ends(block.bytes.data(), block.length);
-  return block.length > 0;
+  const bool exists = block.length > 0 || block.error != nullptr;
+  if (exists) ++blocks;
+  return exists;
 }
 
 void block_reader::fill(csv_block& block) {
@@ -88,23 +101,31 @@ void block_reader::fill(csv_block& block) {
     char* const bytes = block.bytes.data();
     std::copy(rest.begin(), rest.end(), bytes);
     rest.clear();
-    const std::size_t count = file.read(bytes + size, capacity - size);
-    ended = count < capacity - size;
-    const std::size_t mark = block.place == 0 && size == 0 ? length_of_mark(bytes, count) : 0;
-    if (mark > 0) std::memmove(bytes, bytes + mark, count - mark);
-    size += count - mark;
-    block.length = ended ? size : end_of_rows(bytes, size);
-    if (block.length == 0 && !ended && has_misplaced_quote(bytes, size)) block.length = size;
+    if (!ended) size += read(bytes + size, capacity - size);
+    block.length = ended ? size : end_of_rows(bytes, size, form);
+    if (block.length == 0 && !ended && has_misplaced_quote(bytes, size, form)) block.length = size;
     if (block.length > 0 || ended) break;
     if (capacity == longest_block) {
       throw table_error(fmt::format("{}:{}: a row of more than {} bytes; is a quote never closed?",
-                                    file.name(), line, longest_block));
+                                    *name, line, longest_block));
     }
     capacity *= 2;
   }
   char* const end = block.bytes.data() + block.length;
   rest.assign(end, block.bytes.data() + size);
   *end = '\0';
+}
+
+// Fewer bytes than asked for are the last ones.
+std::size_t block_reader::read(char* buffer, std::size_t size) {
+  std::size_t count = file.read(buffer, size);
+  ended = count < size;
+  if (!std::exchange(has_begun, true)) {
+    const std::size_t mark = byte_order_mark(buffer, count);
+    count -= mark;
+    std::memmove(buffer, buffer + mark, count);
+  }
+  return count;
 }
 
 }  // namespace arbor::tree

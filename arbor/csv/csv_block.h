@@ -10,9 +10,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "arbor/csv/cell_text.h"
+#include "arbor/csv/csv_form.h"
 #include "arbor/csv/table_error.h"
 
 namespace arbor::tree {
@@ -24,16 +27,20 @@ class csv_row {
  public:
   // How many cells there are; they are numbered from 0.
   std::size_t size() const { return cells; }
-  // The text of a cell, NUL-terminated, without the quotes around it and with all its blanks.
+  // The text of a cell, NUL-terminated, without quotes around it, and without blanks around it if
+  // the form of the file has none.
   const char* text(std::size_t cell) const { return characters + bounds[cell]; }
   cell_text cell(std::size_t cell) const {
     return {text(cell), bounds[cell + 1] - bounds[cell] - 1};
   }
   // Whether there is nothing at all between the separators, not even quotes.
   bool is_empty(std::size_t cell) const { return *text(cell) == '\0' && !is_in_quotes(cell); }
-  // Whether the row has no quotes. Then its cells, with a comma between each two, are as they stand
-  // in the file.
+  // Whether the row has no quotes, and no blanks around cells. Then its cells, with a delimiter
+  // between each two, are as they stand in the file.
   bool is_plain() const { return plain; }
+  const csv_form& form() const;
+  // How messages name the file.
+  const std::string& file_name() const;
   // The line of the file, from 1, on which the row begins, and on which a cell of it begins.
   unsigned long long line() const { return first_line; }
   unsigned long long line_of(std::size_t cell) const;
@@ -70,8 +77,11 @@ class csv_block {
                        [&](const row_start& start) { return start.cells == cells; });
   }
 
-  // The number of the block in its file, from 0.
+  // The number of the block in its table, from 0.
   std::size_t number() const { return place; }
+
+  // How many lines before its last row, and since the block before it, are empty.
+  std::size_t empty_lines() const { return skipped; }
 
   // Throws what is wrong with the file right after the last of the rows, if anything is. Blocks
   // after this one mean nothing then.
@@ -84,6 +94,12 @@ class csv_block {
   // the block ends, and check_end throws that.
   template <class Keep>
   void keep_rows(Keep keep);
+
+  // Leaves only the first cells of each row, this many.
+  void drop_cells_after(std::size_t cells);
+
+  // Makes this a block of no rows with an error, of this number.
+  void refuse(std::size_t number, std::exception_ptr what);
 
  private:
   friend class csv_row;
@@ -99,12 +115,15 @@ class csv_block {
   };
 
   std::size_t place = 0;
+  std::shared_ptr<const std::string> file;
+  csv_form form;
   unsigned long long first_line = 1;
   std::size_t length = 0;   // in bytes, as they are in the file
   std::vector<char> bytes;  // these, a NUL and enough to read some more
   std::vector<std::uint32_t> bounds;
   std::vector<row_start> starts;
   std::vector<std::uint32_t> quoted_empty_cells;  // where they begin, in ascending order
+  std::size_t skipped = 0;
   std::exception_ptr error;
 };
 
@@ -115,6 +134,14 @@ inline csv_row::csv_row(const csv_block& of, std::size_t number)
       cells(of.starts[number].cells),
       first_line(of.first_line + of.starts[number].line),
       plain(of.starts[number].plain) {}
+
+inline const csv_form& csv_row::form() const {
+  return block->form;
+}
+
+inline const std::string& csv_row::file_name() const {
+  return *block->file;
+}
 
 template <class Keep>
 void csv_block::keep_rows(Keep keep) {

@@ -3,9 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
+#include <filesystem>
 #include <numeric>
+#include <utility>
 
+#include "arbor/csv/comment_filter.h"
+#include "arbor/csv/found_delimiter.h"
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/row_division.h"
 #include "arbor/csv/shown_text.h"
@@ -14,76 +20,205 @@
 
 namespace arbor::tree {
 
+namespace {
+
+std::string two_columns_have(const std::string& name) {
+  return "two columns have the name " + in_quotes(name);
+}
+
+}  // namespace
+
+csv_table::csv_table(std::vector<std::string> paths, const input_options& chosen,
+                     file_opener opener)
+    : file_paths(std::move(paths)),
+      options(chosen),
+      open(std::move(opener)),
+      unknown(chosen.unknown_texts) {
+  open_file();
+  declarations = file.declared;
+  table_name = file.bytes->name();
+  if (file_paths.size() > 1)
+    table_name += fmt::format(" and {}", counted(file_paths.size() - 1, "more file"));
+  for (const std::string& path : file_paths) {
+    std::error_code why;
+    if (path == "-" || std::filesystem::exists(path, why)) continue;
+    throw table_error(fmt::format("{}: cannot be opened: {}", printable(path),
+                                  std::strerror(why ? why.value() : ENOENT)));
+  }
+  if (declarations) {
+    std::vector<std::string> texts = chosen.unknown_texts;
+    texts.emplace_back("");
+    unknown = unknown_texts(std::move(texts));
+  }
+}
+
+void csv_table::open_file() {
+  file = open(file_paths[opened++], options);
+  if (!file.declared && !options.comment.empty())
+    file.bytes = std::make_unique<comment_filter>(std::move(file.bytes), options.comment);
+  const std::size_t number = blocks ? blocks->next_number() : 0;
+  blocks.emplace(*file.bytes, number);
+}
+
 void csv_table::read_names() {
-  if (blocks.next(first)) divide_rows(first, file.name());
+  if (declarations) {
+    form.keeps_blanks = true;  // the blanks around cells are those of texts in quotes
+    blocks->expect(form);
+    for (const declared_column& column : declarations->columns) all_names.push_back(column.name);
+    if (const auto taken = index_names()) fail(two_columns_have(all_names[*taken]));
+    return;
+  }
+  form.keeps_blanks = options.keeps_blanks;
+  const std::string_view beginning = blocks->beginning();
+  form.delimiter = options.delimiter ? *options.delimiter : found_delimiter(beginning, options);
+  column_names names = read_first_rows();
+  all_names = std::move(names.names);
+  has_row_numbers = names.has_row_numbers;
+  has_final_delimiters = names.has_final_delimiters;
+  found = std::move(names.remarks);
+  if (!options.delimiter && form.delimiter != ',') {
+    found.insert(found.begin(), {input_remark::matter::delimiter,
+                                 "the cells are separated by " + delimiter_name(form.delimiter)});
+  }
+  if (const auto taken = index_names()) {
+    const csv_row row = first.row(0);
+    throw table_error(fmt::format("{}:{}: {}", row.file_name(),
+                                  row.line_of(std::min(*taken, row.size() - 1)),
+                                  two_columns_have(all_names[*taken])));
+  }
+  drop_names();
+}
+
+// Of the present file; the rows, with that of the names, are left in `first`.
+column_names csv_table::read_first_rows() {
+  blocks->expect(form);
+  if (blocks->next(first)) divide_rows(first);
   if (first.rows() == 0) {
     first.check_end();
-    fail("empty; a table begins with a row of column names");
+    throw table_error(file.bytes->name() + ": empty" +
+                      (options.has_names ? "; a table begins with a row of column names" : ""));
   }
-  name_columns(first.row(0));
-  bool is_header = true;
-  first.keep_rows([&](const csv_row&) { return !std::exchange(is_header, false); });
   has_first = true;
+  return names_of(first, options.has_names);
+}
+
+void csv_table::drop_names() {
+  bool is_names = options.has_names;
+  first.keep_rows([&](const csv_row&) { return !std::exchange(is_names, false); });
+}
+
+// Throws unless it has the columns of the first file.
+void csv_table::open_next_file() {
+  const std::string first_file = printable(file_paths.front());
+  open_file();
+  const auto refuse = [&](const std::string& what) {
+    throw table_error(fmt::format("{}: {} {}; the files of a table have the same columns",
+                                  file.bytes->name(), what, first_file));
+  };
+  if (file.declared.has_value() != declarations.has_value()) refuse("is of another format than");
+  if (declarations) {
+    blocks->expect(form);
+    if (!(*file.declared == *declarations)) refuse("declares its columns otherwise than");
+    return;
+  }
+  const std::vector<std::string> names = read_first_rows().names;
+  drop_names();
+  if (!options.has_names || names == all_names) return;
+  if (names.size() != all_names.size())
+    refuse(fmt::format("has {}, not the {} of", counted(names.size(), "column"), all_names.size()));
+  const std::size_t other = static_cast<std::size_t>(
+      std::mismatch(names.begin(), names.end(), all_names.begin()).first - names.begin());
+  refuse(fmt::format("column {} is {}, not {} as in", other + 1, in_quotes(names[other]),
+                     in_quotes(all_names[other])));
 }
 
 bool csv_table::next(csv_block& block) {
+  bool is_divided = false;
   {
     const std::lock_guard<std::mutex> lock(reading);
     if (is_faulty) return false;  // what follows an error is not read
-    if (has_first) {
-      std::swap(block, first);
-      has_first = false;
-    } else {
-      if (!blocks.next(block)) return false;
+    while (!has_first && !blocks->next(block)) {
+      if (opened == file_paths.size()) return false;
+      const std::size_t number = blocks->next_number();
+      try {
+        open_next_file();
+      } catch (const table_error&) {
+        block.refuse(number, std::current_exception());
+        is_faulty = true;
+        return true;
+      }
     }
+    is_divided = std::exchange(has_first, false);
+    if (is_divided) std::swap(block, first);
   }
-  if (block.number() > 0) divide_rows(block, file.name());
-  if (!block.are_all_of(column_names.size()))
-    block.keep_rows([&](const csv_row& row) { return check_width(row), true; });
+  if (!is_divided) divide_rows(block);
+  check_width(block);
+  empty_lines += block.empty_lines();
   if (block.has_error()) is_faulty = true;
   return true;
 }
 
-void csv_table::name_columns(const csv_row& row) {
-  for (std::size_t cell = 0; cell < row.size(); ++cell) column_names.emplace_back(row.text(cell));
-  by_name.resize(column_names.size());
-  std::iota(by_name.begin(), by_name.end(), std::size_t{0});
-  std::stable_sort(by_name.begin(), by_name.end(),
-                   [&](std::size_t a, std::size_t b) { return column_names[a] < column_names[b]; });
-  // The first column whose name is missing or taken.
-  std::size_t wrong = column_names.size();
-  for (std::size_t i = 0; i < by_name.size(); ++i) {
-    const std::string& column = column_names[by_name[i]];
-    if (column.empty() || (i > 0 && column == column_names[by_name[i - 1]]))
-      wrong = std::min(wrong, by_name[i]);
-  }
-  if (wrong == column_names.size()) return;
-  const std::string& column = column_names[wrong];
-  fail_at(row.line_of(wrong), column.empty() ? fmt::format("column {} has no name", wrong + 1)
-                                             : "two columns have the name " + in_quotes(column));
+void csv_table::check_width(csv_block& block) const {
+  const std::size_t width = all_names.size();
+  if (block.are_all_of(width)) return;
+  block.keep_rows([&](const csv_row& row) {
+    const bool fits = row.size() == width ||
+                      (has_final_delimiters && row.size() == width + 1 && row.is_empty(width));
+    if (fits) return true;
+    const char* const are = declarations        ? "there are"
+                            : options.has_names ? "the first row names"
+                                                : "the first row has";
+    fail_at(row, fmt::format("{}, but {} {}{}", counted(row.size(), "cell"), are,
+                             counted(width, "column"),
+                             row.size() > width && !declarations
+                                 ? "; a cell with a delimiter in it needs quotes"
+                                 : ""));
+  });
+  block.drop_cells_after(width);
 }
 
-void csv_table::check_width(const csv_row& row) const {
-  if (row.size() == column_names.size()) return;
-  fail_at(row.line(),
-          fmt::format(
-              "{}, but the first row names {}{}", counted(row.size(), "cell"),
-              counted(column_names.size(), "column"),
-              row.size() > column_names.size() ? "; a cell with a comma in it needs quotes" : ""));
+// Returns the first column that has the name of an earlier one.
+std::optional<std::size_t> csv_table::index_names() {
+  by_name.resize(all_names.size());
+  std::iota(by_name.begin(), by_name.end(), std::size_t{0});
+  std::stable_sort(by_name.begin(), by_name.end(),
+                   [&](std::size_t a, std::size_t b) { return all_names[a] < all_names[b]; });
+  std::optional<std::size_t> taken;
+  for (std::size_t i = 1; i < by_name.size(); ++i) {
+    const bool is_taken = all_names[by_name[i]] == all_names[by_name[i - 1]];
+    if (is_taken && (!taken || by_name[i] < *taken)) taken = by_name[i];
+  }
+  return taken;
+}
+
+std::optional<std::size_t> csv_table::row_number_cell() const {
+  return has_row_numbers ? std::optional<std::size_t>(0) : std::nullopt;
+}
+
+std::vector<input_remark> csv_table::remarks() const {
+  std::vector<input_remark> all = found;
+  if (empty_lines > 0 && !declarations) {
+    all.push_back(
+        {input_remark::matter::empty_lines,
+         counted(empty_lines, options.comment.empty() ? "empty line" : "empty line or comment",
+                 options.comment.empty() ? "" : "empty lines and comments") +
+             (empty_lines == 1 ? " was skipped" : " were skipped")});
+  }
+  return all;
 }
 
 std::optional<std::size_t> csv_table::find(const std::string& column) const {
-  const auto found = std::lower_bound(
+  const auto place = std::lower_bound(
       by_name.begin(), by_name.end(), column,
-      [&](std::size_t cell, const std::string& name) { return column_names[cell] < name; });
-  if (found == by_name.end() || column_names[*found] != column) return std::nullopt;
-  return *found;
+      [&](std::size_t cell, const std::string& wanted) { return all_names[cell] < wanted; });
+  if (place == by_name.end() || all_names[*place] != column) return std::nullopt;
+  return *place;
 }
 
 std::size_t csv_table::cell_named(const std::string& column, const std::string& purpose) const {
   if (const std::optional<std::size_t> cell = find(column)) return *cell;
   fail(fmt::format("there is no column {} for {}{}", in_quotes(column), purpose,
-                   did_you_mean(column, column_names)));
+                   did_you_mean(column, all_names)));
 }
 
 float csv_table::weight(const csv_row& row, std::size_t cell) const {
@@ -97,16 +232,16 @@ float csv_table::weight(const csv_row& row, std::size_t cell) const {
 }
 
 void csv_table::fail(const std::string& what) const {
-  throw table_error(file.name() + ": " + what);
+  throw table_error(table_name + ": " + what);
 }
 
-void csv_table::fail_at(unsigned long long line, const std::string& what) const {
-  throw table_error(fmt::format("{}:{}: {}", file.name(), line, what));
+void csv_table::fail_at(const csv_row& row, const std::string& what) const {
+  throw table_error(fmt::format("{}:{}: {}", row.file_name(), row.line(), what));
 }
 
 void csv_table::fail(const csv_row& row, std::size_t cell, const std::string& what) const {
-  fail_at(row.line_of(cell), fmt::format("column {}: {} is {}", in_quotes(column_names[cell]),
-                                         in_quotes(row.text(cell)), what));
+  throw table_error(fmt::format("{}:{}: column {}: {} is {}", row.file_name(), row.line_of(cell),
+                                in_quotes(all_names[cell]), in_quotes(row.text(cell)), what));
 }
 
 }  // namespace arbor::tree

@@ -1,6 +1,7 @@
-// A CSV file as rows of cells under named columns, and messages that name a place in it.
+// The rows of cells of a table under named columns, from one file or several, and messages that
+// name a place in them.
 //
-//   csv_table file("golf.csv", unknown_texts({}));
+//   csv_table file({"golf.csv"}, {}, open);
 //   file.read_names();
 //   const std::size_t play = file.cell_named("play", "the class");
 //   for (csv_block block; file.next(block); block.check_end())
@@ -9,40 +10,66 @@
 #define ARBOR_CSV_CSV_TABLE_H
 
 #include <atomic>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "arbor/csv/block_reader.h"
+#include "arbor/csv/byte_source.h"
+#include "arbor/csv/column_names.h"
 #include "arbor/csv/csv_block.h"
-#include "arbor/csv/input_file.h"
+#include "arbor/csv/declared_table.h"
+#include "arbor/csv/input_options.h"
+#include "arbor/csv/input_remark.h"
 #include "arbor/csv/unknown_texts.h"
 
 namespace arbor::tree {
 
+// A file of a table, open.
+struct table_file {
+  // Separated values. If the columns are declared, commas separate them, no row names the columns,
+  // and only an empty cell without quotes is unknown.
+  std::unique_ptr<byte_source> bytes;
+  std::optional<declared_table> declared;
+};
+
+// Opens the file at a path. Throws table_error.
+using file_opener =
+    std::function<table_file(const std::string& path, const input_options& options)>;
+
 // Its functions throw table_error, whose message names the file and, where there is one, the line.
 class csv_table {
  public:
-  // Opens the file at `path`; "-" is standard input. `chosen` are the texts that are unknown in it.
-  csv_table(const std::string& path, unknown_texts chosen)
-      : file(path), unknown(std::move(chosen)) {}
+  // Opens the first of the files, of which there is one at least. Each further one is opened when
+  // all rows before it are read; that it exists is checked now.
+  csv_table(std::vector<std::string> paths, const input_options& chosen, file_opener open);
 
-  // Reads the column names. To be called once, before anything else. Throws when there are none,
-  // when a name is empty or occurs twice.
+  // Reads the column names. To be called once, before anything else. Throws when there are none, or
+  // when one occurs twice.
   void read_names();
 
-  // Reads the next rows. Returns false at the end of the file, and behind a block with an error. A
-  // row with more or fewer cells than there are names is an error that ends the block.
+  // Reads the next rows, those of all files one after the other. Returns false at the end of the
+  // last file, and behind a block with an error. A row with more or fewer cells than there are
+  // names is an error that ends the block, and so is a file that has other columns than the first.
   //
   // Several threads may call this at the same time, each with a block of its own. One at a time
   // reads from the file; dividing what it has read into cells goes on side by side.
   bool next(csv_block& block);
 
-  const std::string& name() const { return file.name(); }
-  const std::vector<std::string>& names() const { return column_names; }
+  // The name of the file, and how many more there are.
+  const std::string& name() const { return table_name; }
+  const std::vector<std::string>& names() const { return all_names; }
   const unknown_texts& unknowns() const { return unknown; }
+  char delimiter() const { return form.delimiter; }
+  // What the files declare of their columns, if they do.
+  const std::optional<declared_table>& declared() const { return declarations; }
+  // The first column if it has the numbers or names of the rows.
+  std::optional<std::size_t> row_number_cell() const;
+  // Complete after the last row.
+  std::vector<input_remark> remarks() const;
 
   // The position of a column, from 0; none if there is no such column. It is looked up in an index.
   std::optional<std::size_t> find(const std::string& column) const;
@@ -58,25 +85,44 @@ class csv_table {
   // The number in a cell of weights, finite and from 0 up. Throws for anything else.
   float weight(const csv_row& row, std::size_t cell) const;
 
-  // Each throws table_error with `what`, after the file's name and, if given, the line.
+  // Throws table_error with `what` after the table's name.
   [[noreturn]] void fail(const std::string& what) const;
-  [[noreturn]] void fail_at(unsigned long long line, const std::string& what) const;
-  // The message names the column, quotes the cell and goes on with "is" and `what`.
+  // The message names the file and the line of the row, or of the cell, names the column, quotes
+  // the cell and goes on with "is" and `what`.
+  [[noreturn]] void fail_at(const csv_row& row, const std::string& what) const;
   [[noreturn]] void fail(const csv_row& row, std::size_t cell, const std::string& what) const;
 
  private:
-  void name_columns(const csv_row& row);
-  void check_width(const csv_row& row) const;
+  void open_file();
+  column_names read_first_rows();
+  void open_next_file();
+  bool read(csv_block& block);
+  void drop_names();
+  std::optional<std::size_t> index_names();
+  void check_width(csv_block& block) const;
 
-  input_file file;
-  block_reader blocks{file};
-  std::mutex reading;  // guards the blocks
-  csv_block first;     // with the names, until the next one is asked for
+  std::vector<std::string> file_paths;
+  input_options options;
+  file_opener open;
+  std::string table_name;
+
+  std::mutex reading;  // guards these:
+  std::size_t opened = 0;
+  table_file file;
+  std::optional<block_reader> blocks;
+  csv_block first;  // of the file, divided, until the next one is asked for
   bool has_first = false;
+
   std::atomic<bool> is_faulty{false};  // whether a block had an error
+  std::atomic<std::size_t> empty_lines{0};
+  csv_form form;
   unknown_texts unknown;
-  std::vector<std::string> column_names;
+  std::vector<std::string> all_names;
   std::vector<std::size_t> by_name;  // positions, sorted by name
+  std::optional<declared_table> declarations;
+  bool has_row_numbers = false;
+  bool has_final_delimiters = false;
+  std::vector<input_remark> found;
 };
 
 }  // namespace arbor::tree

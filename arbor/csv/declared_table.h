@@ -17,11 +17,20 @@ struct declared_column {
   // The values that the column may have, whether or not a row has them; no other one is accepted.
   // None: any value.
   std::optional<std::vector<std::string>> values;
+
+  bool operator==(const declared_column& other) const {
+    return name == other.name && kind == other.kind && data_type == other.data_type &&
+           values == other.values;
+  }
 };
 
 struct declared_table {
   std::vector<declared_column> columns;  // in the order of the cells of a row
   std::string class_name;                // empty if the file does not say which one it is
+
+  bool operator==(const declared_table& other) const {
+    return columns == other.columns && class_name == other.class_name;
+  }
 };
 
 }  // namespace arbor::tree

@@ -1,4 +1,4 @@
-// Counts the lines of a text, and other characters.
+// Where the lines of a text end, and how many there are.
 #ifndef ARBOR_CSV_LINE_ENDS_H
 #define ARBOR_CSV_LINE_ENDS_H
 
@@ -6,6 +6,16 @@
 #include <cstring>
 
 namespace arbor::tree {
+
+inline bool is_line_end(char c) {
+  return c == '\n' || c == '\r';
+}
+
+// The length of the byte order mark of UTF-8 at the beginning of a file, 0 if there is none.
+inline std::size_t byte_order_mark(const char* bytes, std::size_t size) {
+  constexpr std::size_t length = 3;
+  return size >= length && std::memcmp(bytes, "\xEF\xBB\xBF", length) == 0 ? length : 0;
+}
 
 // For how many positions from 0 to `count` - 1 is(position) is true. Short runs are counted in a
 // byte, so that compilers look at sixteen characters at a time.

@@ -10,8 +10,17 @@ namespace {
 // cell very often.
 constexpr std::size_t cell_step = 1U << 18U;
 
-int keep_blanks(unsigned char /*character*/) {
-  return 0;
+// What the parser leaves out around a cell. It tells the function nothing but the character, so
+// there is one for each form.
+template <bool space, bool tab>
+int is_left_out(unsigned char c) {
+  return ((space && c == ' ') || (tab && c == '\t')) ? 1 : 0;
+}
+
+auto left_out_in(const csv_form& form) {
+  if (form.is_blank(' '))
+    return form.is_blank('\t') ? is_left_out<true, true> : is_left_out<true, false>;
+  return form.is_blank('\t') ? is_left_out<false, true> : is_left_out<false, false>;
 }
 
 }  // namespace
@@ -19,7 +28,8 @@ int keep_blanks(unsigned char /*character*/) {
 quoted_lines::quoted_lines(row_division& to) : rows(to) {
   if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI | CSV_EMPTY_IS_NULL | CSV_REPALL_NL) != 0)
     throw std::bad_alloc();
-  csv_set_space_func(&parser, keep_blanks);
+  csv_set_delim(&parser, static_cast<unsigned char>(to.form().delimiter));
+  csv_set_space_func(&parser, left_out_in(to.form()));
   csv_set_blk_size(&parser, cell_step);
 }
 

@@ -10,6 +10,7 @@
 
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "arbor/csv/character_marks.h"
 #include "arbor/csv/line_ends.h"
@@ -17,9 +18,6 @@
 #include "arbor/csv/table_error.h"
 
 namespace arbor::tree {
-
-row_division::row_division(csv_block& of, const std::string& file_name)
-    : block(of), name(file_name) {}
 
 void row_division::run() {
   if (block.error) return;
@@ -61,38 +59,54 @@ std::size_t row_division::take_quoted_lines(std::size_t at, quoted_lines& parser
 // or has no end; the NUL after the block is no part of a plain line.
 std::size_t row_division::take_plain_lines(std::size_t at) {
   char* const bytes = block.bytes.data();
+  const marked_characters marked(block.form);
   constexpr std::size_t most_in_step = 2 * marked_at_once + 1;
   std::uint32_t* bound = room_for_bounds(most_in_step);
   std::size_t line_begin = at;
   *bound++ = static_cast<std::uint32_t>(at);
+  bool blanks_before = false;   // at the ends of cells of the line, up to these characters
+  std::uint64_t separated = 1;  // whether the character before these is a separator, or a blank
+  std::uint64_t blank = 0;
   for (;; at += marked_at_once) {
-    for (std::uint64_t marks = separator_marks(bytes + at); marks != 0; marks &= marks - 1) {
+    const character_marks all = marks_in(bytes + at, marked);
+    // A blank is at the end of a cell if it is right after a separator or right before one.
+    std::uint64_t at_ends = (all.blanks & (all.separators << 1U | separated)) |
+                            (all.separators & (all.blanks << 1U | blank));
+    separated = all.separators >> (marked_at_once - 1);
+    blank = all.blanks >> (marked_at_once - 1);
+    for (std::uint64_t marks = all.separators; marks != 0; marks &= marks - 1) {
       const std::size_t i = at + first_mark(marks);
-      if (bytes[i] == ',') {
+      if (bytes[i] == marked.delimiter) {
         bytes[i] = '\0';
         *bound++ = static_cast<std::uint32_t>(i + 1);
       } else if (bytes[i] == '\n') {
         const bool is_crlf = i > bound[-1] && bytes[i - 1] == '\r';
         const std::size_t end = is_crlf ? i - 1 : i;
         const auto cells = static_cast<std::size_t>(bound - (block.bounds.data() + bounds));
-        if (end == line_begin && cells == 1) {
+        bytes[end] = '\0';
+        *bound++ = static_cast<std::uint32_t>(end + 1);
+        row_bound = bounds;
+        const std::uint64_t of_line = (2ULL << (i - at)) - 1;
+        const bool has_blanks = blanks_before || (at_ends & of_line) != 0;
+        blanks_before = false;
+        at_ends &= ~of_line;
+        if (has_blanks) trim_cells(cells);
+        if (cells == 1 && bytes[block.bounds[row_bound]] == '\0') {
           end_empty_line();
-          --bound;
+          bound -= 2;
         } else {
-          bytes[end] = '\0';
-          *bound++ = static_cast<std::uint32_t>(end + 1);
-          row_bound = bounds;
           begin_row();
-          end_row(cells, true);
+          end_row(cells, !has_blanks);
         }
         line_begin = i + 1;
         *bound++ = static_cast<std::uint32_t>(line_begin);
       } else if (bytes[i] != '\r' || bytes[i + 1] != '\n') {
         // The line goes to the parser as it was.
-        while (*--bound != line_begin) bytes[*bound - 1] = ',';
+        while (*--bound != line_begin) bytes[*bound - 1] = block.form.delimiter;
         return line_begin;
       }
     }
+    blanks_before = blanks_before || at_ends != 0;
     const auto used = static_cast<std::size_t>(bound - block.bounds.data());
     bound = room_for_bounds(used - bounds + most_in_step) + (used - bounds);
   }
@@ -104,11 +118,26 @@ std::uint32_t* row_division::room_for_bounds(std::size_t count) {
   return block.bounds.data() + bounds;
 }
 
+// Moves the cells of the present row together, without the blanks around them.
+void row_division::trim_cells(std::size_t cells) {
+  char* const bytes = block.bytes.data();
+  std::uint32_t* const bound = block.bounds.data() + row_bound;
+  std::uint32_t begin = bound[0];
+  for (std::size_t i = 0; i < cells; ++i) {
+    std::uint32_t end = bound[i + 1] - 1;
+    const std::uint32_t next = end + 1;
+    while (begin < end && block.form.is_blank(bytes[begin])) ++begin;
+    while (begin < end && block.form.is_blank(bytes[end - 1])) --end;
+    std::memmove(bytes + bound[i], bytes + begin, end - begin);
+    bound[i + 1] = bound[i] + (end - begin) + 1;
+    bytes[bound[i + 1] - 1] = '\0';
+    begin = next;
+  }
+}
+
 void row_division::begin_row() {
   row_line = lines;
-  if (!after_empty_line) return;
-  lines = empty_line;
-  fail("an empty line; only the end of a table may have some");
+  block.skipped += std::exchange(empty_lines, 0);
 }
 
 void row_division::end_row(std::size_t cells, bool plain) {
@@ -120,8 +149,7 @@ void row_division::end_row(std::size_t cells, bool plain) {
 }
 
 void row_division::end_empty_line() {
-  if (!after_empty_line) empty_line = lines;
-  after_empty_line = true;
+  ++empty_lines;
   ++lines;
 }
 
@@ -154,11 +182,11 @@ void row_division::end_line() {
 }
 
 void row_division::fail(const std::string& what) const {
-  throw table_error(fmt::format("{}:{}: {}", name, line(), what));
+  throw table_error(fmt::format("{}:{}: {}", *block.file, line(), what));
 }
 
-void divide_rows(csv_block& block, const std::string& file_name) {
-  row_division(block, file_name).run();
+void divide_rows(csv_block& block) {
+  row_division(block).run();
 }
 
 }  // namespace arbor::tree

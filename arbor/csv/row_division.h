@@ -1,4 +1,4 @@
-// Divides the bytes of a block of a CSV file into rows of cells (RFC 4180).
+// Divides the bytes of a block of a CSV file into rows of cells (RFC 4180, with any delimiter).
 #ifndef ARBOR_CSV_ROW_DIVISION_H
 #define ARBOR_CSV_ROW_DIVISION_H
 
@@ -10,22 +10,22 @@ namespace arbor::tree {
 
 class quoted_lines;
 
-// Divides a block that a block_reader has filled. `file_name` is how messages name the file.
+// Divides a block that a block_reader has filled.
 //
-// Quoted cells may contain separators, quotes and newlines; rows end in LF, CRLF or CR; empty lines
-// at the end of the file are skipped. The block ends with a table_error at a quote inside an
-// unquoted cell or after a quoted one, a quote that is never closed, a zero byte, and an empty line
-// between rows. Throws std::bad_alloc.
-void divide_rows(csv_block& block, const std::string& file_name);
+// Quoted cells may contain delimiters, quotes and newlines; rows end in LF, CRLF or CR; lines that
+// are empty, or have nothing but blanks that are no part of a cell, are skipped. The block ends with
+// a table_error at a quote inside an unquoted cell or after a quoted one, a quote that is never
+// closed, and a zero byte. Throws std::bad_alloc.
+void divide_rows(csv_block& block);
 
-// Internal: what both ways to divide a line into cells share. They count the lines here, and refuse
-// empty lines between rows.
+// Internal: what both ways to divide a line into cells share. They count the lines here.
 class row_division {
  public:
-  // Keeps both references.
-  row_division(csv_block& of, const std::string& file_name);
+  explicit row_division(csv_block& of) : block(of) {}
 
   void run();
+
+  const csv_form& form() const { return block.form; }
 
   // For lines with quotes, cell by cell. The cells of a row take the place of the bytes that they
   // were read from, which are never fewer. `text` is null for an empty cell without quotes.
@@ -43,18 +43,17 @@ class row_division {
   std::uint32_t* room_for_bounds(std::size_t count);
   void begin_row();
   void end_row(std::size_t cells, bool plain);
+  void trim_cells(std::size_t cells);
   void end_empty_line();
   unsigned long long line() const { return block.first_line + lines; }
 
   csv_block& block;
-  const std::string& name;
-  std::size_t lines = 0;     // that have ended
-  std::size_t row_line = 0;  // how many had when the row began
-  bool after_empty_line = false;
-  std::size_t empty_line = 0;  // the first of those since the last row, if there is one
-  std::size_t row_bound = 0;   // the first of the row
-  std::size_t bounds = 0;      // of the rows so far and this one
-  std::size_t written = 0;     // where the next cell of a line with quotes is put
+  std::size_t lines = 0;        // that have ended
+  std::size_t row_line = 0;     // how many had when the row began
+  std::size_t empty_lines = 0;  // since the last row
+  std::size_t row_bound = 0;    // the first of the row
+  std::size_t bounds = 0;       // of the rows so far and this one
+  std::size_t written = 0;      // where the next cell of a line with quotes is put
 };
 
 }  // namespace arbor::tree

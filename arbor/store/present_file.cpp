@@ -4,12 +4,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <system_error>
 
 #include "arbor/store/model_store.h"
+#include "arbor/table/column_types.h"
 #include "arbor/tree/table_classification.h"
 
 namespace arbor::tree {
@@ -24,9 +26,11 @@ bool begins_with(std::string_view text, std::string_view beginning) {
   return text.substr(0, beginning.size()) == beginning;
 }
 
+// Whether a column has that name, whatever delimiter stands before it.
 bool names_prediction(std::string_view beginning) {
-  const std::string name = std::string(",") + predicted_column;
-  return beginning.substr(0, beginning.find('\n')).find(name) != std::string_view::npos;
+  const std::string_view names = beginning.substr(0, beginning.find('\n'));
+  const std::size_t at = names.find(predicted_column);
+  return at != names.npos && at > 0 && std::isalnum(static_cast<unsigned char>(names[at - 1])) == 0;
 }
 
 }  // namespace
@@ -86,6 +90,7 @@ file_content content_of(const std::string& path) {
   if (begins_like_model(beginning)) return file_content::model;
   const bool is_svg = begins_with(beginning, "<?xml") || begins_with(beginning, "<svg");
   if (is_svg) return file_content::svg;
+  if (begins_with(beginning, types_beginning)) return file_content::types;
   return names_prediction(beginning) ? file_content::classified : file_content::other;
 }
 

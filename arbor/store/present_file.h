@@ -33,6 +33,7 @@ enum class file_content {
   empty,       // or it has no bytes
   model,       // a model of any format version, judged by its first bytes
   svg,         // a picture, judged in the same way
+  types,       // a file of types, judged by its first line
   classified,  // a classified table, judged by the names of columns in its first line
   other        // anything else, or a file that cannot be read
 };

@@ -40,6 +40,10 @@ class column_cells {
   // Adds a cell of each row.
   void add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
 
+  // Adds a text that no cell may have to the dictionary, unless it is there; of cells that are kept
+  // as texts. Returns its code.
+  unsigned int declare(const std::string& text) { return dictionary.code_of(text); }
+
   form kept_as() const { return kept; }
   // The dictionary: all texts, or those that are not kept as numbers.
   const text_dictionary& texts() const { return dictionary; }

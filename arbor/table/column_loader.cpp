@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/unknown_texts.h"
+#include "arbor/table/float_merges.h"
 #include "arbor/table/number_codes.h"
 #include "arbor/table/text_codes.h"
 
@@ -37,23 +39,53 @@ bool is_shown_whole(const std::string& text) {
 }  // namespace
 
 column_loader::column_loader(const settings& of_column)
-    : chosen(of_column), cells(keepable_as(chosen.data_type)) {
+    : chosen(of_column),
+      cells(chosen.values != nullptr ? column_cells::plain::none : keepable_as(chosen.data_type)) {
   survey.data_type = chosen.data_type;
+  if (chosen.values != nullptr) add_declared_values();
+}
+
+// They become texts of the dictionary, which all become values of the domain.
+void column_loader::add_declared_values() {
+  for (const std::string& value : *chosen.values) {
+    const unsigned int texts_before = cells.texts().size();
+    if (cells.declare(value) <= texts_before || chosen.data_type == "string") continue;
+    if (!read_as(chosen.data_type, value.c_str(), survey.text_numbers.emplace_back())) {
+      throw std::runtime_error("the declared value " + in_quotes(value) + " is not of the type " +
+                               chosen.data_type);
+    }
+    declared_numbers.insert(number_identity(value.c_str()));
+  }
 }
 
 std::size_t column_loader::add(const csv_block& rows, std::size_t cell,
                                const unknown_texts& unknowns) {
   const unsigned int texts_before = cells.texts().size();
   cells.add(rows, cell, unknowns);
-  if (chosen.data_type.empty() || chosen.data_type == "string") return rows.rows();
+  if (chosen.data_type.empty()) return rows.rows();
   // Plain numbers are kept as such only if they are of the chosen data type, and any other text has
   // to be read only once.
   for (unsigned int code = texts_before + 1; code <= cells.texts().size(); ++code) {
-    const std::string_view text = cells.texts().view(code);
-    if (!read_as(chosen.data_type, text.data(), survey.text_numbers.emplace_back()))
-      return first_row_of(text, rows, cell, unknowns);
+    if (!take_text(code)) return first_row_of(cells.texts().view(code), rows, cell, unknowns);
   }
   return rows.rows();
+}
+
+// Whether a new text of the dictionary is what the column may have.
+bool column_loader::take_text(unsigned int code) {
+  const char* const text = cells.texts().text(code);
+  if (chosen.data_type == "string") return chosen.values == nullptr;
+  if (!read_as(chosen.data_type, text, survey.text_numbers.emplace_back())) return false;
+  return chosen.values == nullptr || declared_numbers.count(number_identity(text)) > 0;
+}
+
+std::string column_loader::what_is_expected(const std::string& refused) const {
+  double number = 0;
+  const bool is_of_type =
+      chosen.data_type == "string" || read_as(chosen.data_type, refused.c_str(), number);
+  if (!is_of_type) return "not of the type " + chosen.data_type + " that was chosen for the column";
+  return "none of the values that were declared for the column" +
+         did_you_mean(refused, *chosen.values);
 }
 
 void column_loader::make_column() {

@@ -7,8 +7,10 @@
 #ifndef ARBOR_TABLE_COLUMN_LOADER_H
 #define ARBOR_TABLE_COLUMN_LOADER_H
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "arbor/model/column.h"
@@ -27,6 +29,9 @@ class column_loader {
     const std::string& kind;
     const std::string& data_type;  // empty: the narrowest that holds all cells
     const std::string& null_text;  // the domain's text of the unknown value, in a column of texts
+    // The values that the column may have, null for any. They are of the data type, which is named
+    // then.
+    const std::vector<std::string>* values;
   };
 
   explicit column_loader(const settings& of_column);
@@ -34,8 +39,11 @@ class column_loader {
   const std::string& name() const { return chosen.name; }
 
   // Takes a cell of each row. Returns the number of rows, or the first one whose text is not of the
-  // chosen data type.
+  // chosen data type or not one of the declared values.
   std::size_t add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
+
+  // What a text that add() has refused is not: "of the type ...".
+  std::string what_is_expected(const std::string& refused) const;
 
   std::size_t unknown_cells() const { return cells.unknown_cells(); }
 
@@ -52,6 +60,8 @@ class column_loader {
                                       std::vector<table_remark>& remarks);
 
  private:
+  void add_declared_values();
+  bool take_text(unsigned int code);
   std::unique_ptr<impls::o_set> make_domain();
   std::string kind() const;
   std::string advice() const;
@@ -63,6 +73,7 @@ class column_loader {
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;
+  std::unordered_set<std::uint64_t> declared_numbers;  // as number_identity has them
   std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
 };
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "arbor/csv/input_remark.h"
 #include "arbor/model/column.h"
 
 namespace arbor::tree {
@@ -27,6 +28,7 @@ struct table {
   std::size_t class_index = 0;                          // which of the columns is the class
   impls::w_sequence cases;  // every row, in the order of the file, with its weight
   float total_weight = 0;   // of all cases
+  std::vector<input_remark> input_remarks;
   std::vector<table_remark> remarks;
 
   impls::column& class_column() const { return *columns[class_index]; }

@@ -10,12 +10,15 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "arbor/csv/csv_table.h"
+#include "arbor/csv/found_delimiter.h"
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/formats/open_table.h"
 #include "arbor/table/cell_blocks.h"
 #include "arbor/table/column_loader.h"
 #include "arbor/table/thread_pool.h"
@@ -51,12 +54,11 @@ const std::string& choice_for(const std::string& column,
 
 class loading {
  public:
-  loading(const std::string& path, const load_options& chosen)
-      : file(path, unknown_texts(chosen.unknown_texts)),
+  loading(const std::vector<std::string>& paths, const load_options& chosen)
+      : file(paths, chosen.input, open_table_file),
         options(chosen),
         null_value(null_text(file.unknowns().texts())) {
-    check_choices(options.types_from, options.types,
-                  {"integer", "uinteger", "float", "double", "string"});
+    check_choices(options.types_from, options.types, data_types());
     check_choices(options.kinds_from, options.kinds, {"discrete", "continuous", "ignore"});
   }
 
@@ -64,47 +66,111 @@ class loading {
     file.read_names();
     assign_columns();
     read_rows();
-    if (rows == 0)
-      file.fail(rows_read == 0 ? "no rows below the column names" : "every row has the weight 0");
+    if (rows == 0) file.fail(why_no_rows());
     table result;
     result.name = file.name();
     result.class_index = class_cell;
     make_columns_and(result.cases);
     for (const auto& loader : loaders)
       result.columns.push_back(loader->take(file.unknowns().texts(), result.remarks));
+    result.input_remarks = file.remarks();
+    if (unclassed_rows > 0) {
+      result.input_remarks.push_back(
+          {input_remark::matter::unclassed_rows,
+           counted(unclassed_rows, "row without a class was", "rows without a class were") +
+               " left out"});
+    }
     result.total_weight = total_weight(result.cases);
     check_total(result.total_weight);
     return result;
   }
 
  private:
+  std::string why_no_rows() const {
+    if (rows_read == 0) return "no rows below the column names";
+    return unclassed_rows > 0 ? "no row has a class and a weight above 0"
+                              : "every row has the weight 0";
+  }
+
   // Decides what each column is.
   void assign_columns() {
     const std::vector<std::string>& names = file.names();
     if (names.size() == 1) {
-      file.fail_at(
-          1, "only one column, " + in_quotes(names[0]) + "; a table has several, between commas");
+      file.fail("only one column, " + in_quotes(names[0]) + "; a table has several, between " +
+                delimiter_name(file.delimiter()));
     }
+    note_declarations();
     find_weights_and_class();
     for (const auto& type : options.types) file.cell_named(type.first, options.types_from);
     for (const auto& kind : options.kinds) check_kind_is_free(kind.first);
-    for (std::size_t cell = 0; cell < names.size(); ++cell) {
-      loaders.push_back(std::make_unique<column_loader>(column_loader::settings{
-          names[cell], kind_of(cell), choice_for(names[cell], options.types), null_value}));
+    for (std::size_t cell = 0; cell < names.size(); ++cell) loaders.push_back(loader_of(cell));
+  }
+
+  std::unique_ptr<column_loader> loader_of(std::size_t cell) const {
+    const std::string& name = file.names()[cell];
+    const std::string& type = choice_for(name, options.types);
+    const declared_column* const as = declarations[cell];
+    const bool is_declared = type.empty() && as != nullptr;
+    try {
+      return std::make_unique<column_loader>(
+          column_loader::settings{name, kind_of(cell), is_declared ? as->data_type : type,
+                                  null_value, is_declared && as->values ? &*as->values : nullptr});
+    } catch (const std::runtime_error& refusal) {
+      file.fail("column " + in_quotes(name) + ": " + refusal.what());
     }
+  }
+
+  // Of two declarations of a column, that of the options goes before that of the file.
+  void note_declarations() {
+    declarations.assign(file.names().size(), nullptr);
+    if (file.declared()) {
+      for (std::size_t cell = 0; cell < declarations.size(); ++cell)
+        declarations[cell] = &file.declared()->columns[cell];
+    }
+    for (const declared_column& column : options.declared.columns)
+      declarations[file.cell_named(column.name, options.declared_from)] = &column;
+  }
+
+  const std::string& declared_kind(std::size_t cell) const {
+    static const std::string none;
+    return declarations[cell] == nullptr ? none : declarations[cell]->kind;
+  }
+
+  // The cell of this declared kind, class or weights; none if there is none.
+  std::optional<std::size_t> cell_of_kind(const std::string& kind) const {
+    for (std::size_t cell = 0; cell < declarations.size(); ++cell) {
+      if (declared_kind(cell) == kind) return cell;
+    }
+    return std::nullopt;
   }
 
   void find_weights_and_class() {
     const std::vector<std::string>& names = file.names();
-    const std::size_t last = names.size() - 1;
+    id_cell = file.row_number_cell();
+    if (!options.id_name.empty()) id_cell = file.cell_named(options.id_name, options.id_from);
     weights_cell = names.size();
-    if (!options.weights_name.empty())
+    if (!options.weights_name.empty()) {
       weights_cell = file.cell_named(options.weights_name, options.weights_from);
-    class_cell = weights_cell == last ? last - 1 : last;
-    if (!options.class_name.empty())
+    } else if (const auto declared = cell_of_kind("weights")) {
+      weights_cell = *declared;
+    }
+    class_cell = names.size() - 1;
+    if (!options.class_name.empty()) {
       class_cell = file.cell_named(options.class_name, options.class_from);
+    } else if (const auto declared = cell_of_kind("class")) {
+      class_cell = *declared;
+    } else if (file.declared() && !file.declared()->class_name.empty()) {
+      class_cell = file.cell_named(file.declared()->class_name, "the declared class");
+    } else {
+      while (class_cell > 0 && (class_cell == weights_cell || class_cell == id_cell)) --class_cell;
+    }
     if (class_cell == weights_cell)
       file.fail(in_quotes(names[class_cell]) + " cannot be both the class and the weights");
+    if (id_cell == class_cell || id_cell == weights_cell) {
+      file.fail(fmt::format("{} cannot be both {} and the identifiers of the rows",
+                            in_quotes(names[*id_cell]),
+                            id_cell == class_cell ? "the class" : "the weights"));
+    }
     if (names.size() == 2 && weights_cell < 2)
       file.fail("no column besides the class and the weights");
   }
@@ -120,15 +186,22 @@ class loading {
   const std::string& kind_of(std::size_t cell) const {
     static const std::string of_class = "class";
     static const std::string of_weights = "weights";
+    static const std::string of_others = "ignore";
     if (cell == class_cell) return of_class;
-    return cell == weights_cell ? of_weights : choice_for(file.names()[cell], options.kinds);
+    if (cell == weights_cell) return of_weights;
+    const std::string& kind = choice_for(file.names()[cell], options.kinds);
+    if (!kind.empty()) return kind;
+    const std::string& declared = declared_kind(cell);
+    const bool is_other = cell == id_cell || declared == of_class || declared == of_weights;
+    return is_other ? of_others : declared;
   }
 
   struct row_block {
     csv_block cells;
     bool exists = false;  // false after the end of the file
     std::size_t rows_read = 0;
-    std::vector<float> weights;  // of the rows that are left, if there is such a column
+    std::size_t unclassed_rows = 0;  // that were left out
+    std::vector<float> weights;      // of the rows that are left, if there is such a column
   };
 
   // Several blocks at a time are divided into cells side by side, and then the columns take their
@@ -157,16 +230,23 @@ class loading {
     });
   }
 
-  // A row that weighs nothing is left out.
+  // A row that weighs nothing is left out, and perhaps one without a class.
   void read(row_block& block) {
     block.exists = file.next(block.cells);
     block.rows_read = block.cells.rows();
+    block.unclassed_rows = 0;
     block.weights.clear();
-    if (weights_cell == file.names().size()) return;
+    const bool has_weights = weights_cell < file.names().size();
+    if (!has_weights && !options.skips_unknown_class) return;
     block.cells.keep_rows([&](const csv_row& row) {
-      const float weight = file.weight(row, weights_cell);
-      if (weight > 0) block.weights.push_back(weight);
-      return weight > 0;
+      const float weight = has_weights ? file.weight(row, weights_cell) : 1.0F;
+      if (!(weight > 0)) return false;
+      if (options.skips_unknown_class && file.unknowns().is_unknown(row, class_cell)) {
+        ++block.unclassed_rows;
+        return false;
+      }
+      if (has_weights) block.weights.push_back(weight);
+      return true;
     });
   }
 
@@ -206,16 +286,16 @@ class loading {
   [[noreturn]] void refuse(const csv_row& row, std::size_t cell_or_class) const {
     if (cell_or_class == 0) {
       file.fail(row, class_cell,
-                "the unknown value; the class of every row must be known, or the row be left out");
+                "the unknown value; the class of every row must be known, or the row be left out" +
+                    options.unknown_class_advice);
     }
     const std::size_t cell = cell_or_class - 1;
-    file.fail(row, cell,
-              "not of the type " + choice_for(file.names()[cell], options.types) +
-                  " that was chosen for the column");
+    file.fail(row, cell, loaders[cell]->what_is_expected(row.text(cell)));
   }
 
   void count_rows(const row_block& block) {
     rows_read += block.rows_read;
+    unclassed_rows += block.unclassed_rows;
     if (block.cells.rows() > std::numeric_limits<unsigned int>::max() - rows)
       file.fail("more than 4294967295 rows");
     rows += static_cast<unsigned int>(block.cells.rows());
@@ -287,17 +367,25 @@ class loading {
   std::string null_value;
   std::unique_ptr<thread_pool> pool = std::make_unique<thread_pool>(1);
   std::vector<std::unique_ptr<column_loader>> loaders;  // by cell
+  std::vector<const declared_column*> declarations;     // by cell, null if there is none
+  std::optional<std::size_t> id_cell;
   std::size_t class_cell = 0;
   std::size_t weights_cell = 0;  // one past the last cell when every case weighs 1
   cell_blocks<float> weights;    // of the rows, if there is such a column
   unsigned int rows = 0;         // that weigh something
   std::size_t rows_read = 0;
+  std::size_t unclassed_rows = 0;
 };
 
 }  // namespace
 
-table load_table(const std::string& path, const load_options& options) {
-  return loading(path, options).load();
+const std::vector<std::string>& data_types() {
+  static const std::vector<std::string> names{"integer", "uinteger", "float", "double", "string"};
+  return names;
+}
+
+table load_table(const std::vector<std::string>& paths, const load_options& options) {
+  return loading(paths, options).load();
 }
 
 }  // namespace arbor::tree

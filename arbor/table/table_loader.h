@@ -1,11 +1,11 @@
-// Reads a CSV file into a table.
+// Reads a file, or several, into a table.
 //
 //   load_options options;
-//   options.unknown_texts = {"NA"};
+//   options.input.unknown_texts = {"NA"};
 //   table golf = load_table("golf.csv", options);
 //
-// The first row names the columns. The class is the last column that does not hold the weights,
-// unless another is named; every other column but that of the weights is an attribute. A column
+// Files of other formats than CSV may declare their columns. The class is the last column that does
+// not hold the weights or identify the rows, unless another is named; every other column but that of the weights is an attribute. A column
 // holds the narrowest data type that all its known values fit: integer, else float, else string.
 // Attributes of numbers are continuous, those of texts discrete; an attribute without known values
 // is ignored.
@@ -19,22 +19,34 @@
 #include <string>
 #include <vector>
 
+#include "arbor/csv/declared_table.h"
+#include "arbor/csv/input_options.h"
 #include "arbor/table/table.h"
 
 namespace arbor::tree {
 
 struct load_options {
-  // Empty: the last column but that of the weights.
+  input_options input;
+  // Empty: the declared one, or else the last column but those of the weights and the identifiers.
   std::string class_name;
   // The column of the cases' weights: numbers from 0 up, whose sum is at most 2^120. Empty: every
   // case weighs 1.
   std::string weights_name;
-  // The texts of the unknown value, see unknown_texts.h. None: "?" and the empty cell.
-  std::vector<std::string> unknown_texts;
+  // The column that identifies the rows and is no attribute. Empty: the one that has their numbers,
+  // if the first column has no name.
+  std::string id_name;
+  // What some of the columns are, from a file of types for example; choices by name go before this,
+  // and this goes before what the table's files declare. A column may also have the kind class or
+  // weights.
+  declared_table declared;
   // By column name: integer, uinteger, float, double or string.
   std::map<std::string, std::string> types;
   // By attribute name: discrete, continuous or ignore.
   std::map<std::string, std::string> kinds;
+
+  // Whether rows without a class are left out. The message that refuses one ends with the advice.
+  bool skips_unknown_class = false;
+  std::string unknown_class_advice;
 
   // The most classes that a table may have. The message that refuses more ends with the advice.
   std::size_t most_classes = std::numeric_limits<std::size_t>::max();
@@ -45,6 +57,8 @@ struct load_options {
   std::string weights_from = "the weights";
   std::string types_from = "the type";
   std::string kinds_from = "the kind";
+  std::string id_from = "the identifiers";
+  std::string declared_from = "the types";
 
   // The number of threads, 0 for one on each core. The table is the same for any number.
   unsigned int threads = 0;
@@ -53,19 +67,25 @@ struct load_options {
   std::function<void(std::size_t rows)> progress;
 };
 
-// Reads the file, "-" for standard input, from its beginning to its end. A row of weight 0 is as if
-// it were absent.
+// The names of the data types that can be chosen.
+const std::vector<std::string>& data_types();
+
+// Reads the files, "-" for standard input, from beginning to end. A row of weight 0 is as if it were
+// absent.
 //
-// The file is read once, and its text is not kept. Until the last row is read a cell takes four
+// Each file is read once, and its text is not kept. Until the last row is read a cell takes four
 // bytes, or eight in a column of numbers that are not all integers, and a column of texts its
 // distinct texts. Then the columns are made, as many at a time as there are threads, and their
 // cells are freed; a column of sparse numbers takes about thirty bytes a row meanwhile.
 //
 // Numbers are read in the process's locale.
 //
-// Throws table_error when the file cannot be read, is not such a table, or contradicts the options,
+// Throws table_error when a file cannot be read, is not such a table, or contradicts the options,
 // and std::bad_alloc when memory is short.
-table load_table(const std::string& path, const load_options& options);
+table load_table(const std::vector<std::string>& paths, const load_options& options);
+inline table load_table(const std::string& path, const load_options& options) {
+  return load_table(std::vector<std::string>{path}, options);
+}
 
 }  // namespace arbor::tree
 

@@ -63,7 +63,11 @@ void block_classifier::classify(const csv_row& row, classified_rows& result) {
   }
   if (!writes_rows) return;
   if (predicted.text.empty()) predicted.text = text_of(predicted.distribution);
-  append_csv_cells(row, result.text);
+  if (cells.id) {
+    append_csv_cell(row, *cells.id, result.text);
+  } else {
+    append_csv_cells(row, result.text);
+  }
   result.text += predicted.text;
 }
 
@@ -93,10 +97,11 @@ std::size_t block_classifier::class_of(cell_text text) {
 // The end of a row, which is the same for all rows of this distribution.
 std::string block_classifier::text_of(const std::vector<double>& distribution) const {
   const std::size_t predicted = likeliest_class(distribution);
+  const char delimiter = file.delimiter();
   std::string text =
-      csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(predicted) + 1));
+      csv_cell(value_text(*tree.class_column, static_cast<unsigned int>(predicted) + 1), delimiter);
   const auto append = [&](double probability) {
-    text += ',' + shortest_text(static_cast<float>(probability));
+    text += delimiter + shortest_text(static_cast<float>(probability));
   };
   if (!options.all_probabilities) append(distribution[predicted]);
   for (std::size_t c = 0; options.all_probabilities && c < distribution.size(); ++c)

@@ -27,6 +27,7 @@ struct used_cells {
   std::vector<std::size_t> attributes;  // by attribute of the tree
   std::optional<std::size_t> actual;    // class
   std::optional<std::size_t> weight;
+  std::optional<std::size_t> id;  // the only one that is written, if there is one
 };
 
 // The texts of an attribute that are no numbers.

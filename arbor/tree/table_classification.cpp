@@ -11,6 +11,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/formats/open_table.h"
 #include "arbor/table/thread_pool.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/block_classifier.h"
@@ -22,9 +23,9 @@ namespace {
 
 class file_classifier {
  public:
-  file_classifier(const std::string& path, const decision_tree& of_tree,
+  file_classifier(const std::vector<std::string>& paths, const decision_tree& of_tree,
                   const classification_options& chosen, std::ostream* to)
-      : file(path, unknown_texts(chosen.unknown_texts)),
+      : file(paths, chosen.input, open_table_file),
         tree(of_tree),
         options(chosen),
         out(to),
@@ -39,6 +40,8 @@ class file_classifier {
     const block_classifier classifier(file, tree, cells, options, out != nullptr);
     pool.for_each(pool.size(), [&](std::size_t /*worker*/) { classify_blocks(classifier); });
     for (std::size_t i = 0; i < strays.size(); ++i) remark_on(strays[i], cells.attributes[i]);
+    result.table_name = file.name();
+    result.input_remarks = file.remarks();
     return std::move(result);
   }
 
@@ -53,14 +56,19 @@ class file_classifier {
                        : file.cell_named(options.class_name, options.class_from);
     if (!options.weights_name.empty())
       cells.weight = file.cell_named(options.weights_name, options.weights_from);
+    if (!options.id_name.empty()) cells.id = file.cell_named(options.id_name, options.id_from);
   }
 
   void write_names(std::ostream& to) const {
-    for (const std::string& name : file.names()) to << csv_cell(name) << ',';
-    to << unused_name(predicted_column);
-    if (!options.all_probabilities) to << ',' << unused_name("probability");
+    const char delimiter = file.delimiter();
+    for (std::size_t cell = 0; cell < file.names().size(); ++cell) {
+      if (!cells.id || cells.id == cell) to << csv_cell(file.names()[cell], delimiter) << delimiter;
+    }
+    to << csv_cell(unused_name(predicted_column), delimiter);
+    if (!options.all_probabilities) to << delimiter << unused_name("probability");
     for (unsigned int c = 1; options.all_probabilities && c <= tree.class_count(); ++c) {
-      to << ',' << csv_cell(unused_name("P(" + value_text(*tree.class_column, c) + ")"));
+      const std::string name = unused_name("P(" + value_text(*tree.class_column, c) + ")");
+      to << delimiter << csv_cell(name, delimiter);
     }
     to << '\n';
   }
@@ -131,9 +139,10 @@ class file_classifier {
 
 }  // namespace
 
-classification_result classify_table(const std::string& path, const decision_tree& tree,
+classification_result classify_table(const std::vector<std::string>& paths,
+                                     const decision_tree& tree,
                                      const classification_options& options, std::ostream* rows) {
-  return file_classifier(path, tree, options, rows).run();
+  return file_classifier(paths, tree, options, rows).run();
 }
 
 }  // namespace arbor::tree

@@ -1,4 +1,4 @@
-// Classifies the rows of a CSV file block by block, so that the file may be of any length.
+// Classifies the rows of a table's files block by block, so that these may be of any length.
 #ifndef ARBOR_TREE_TABLE_CLASSIFICATION_H
 #define ARBOR_TREE_TABLE_CLASSIFICATION_H
 
@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "arbor/csv/input_options.h"
+#include "arbor/csv/input_remark.h"
 #include "arbor/tree/class_distribution.h"
 #include "arbor/tree/evaluation.h"
 
@@ -27,7 +29,10 @@ struct classification_options {
   // What messages call these choices, so that a person knows where they were made.
   std::string class_from = "the class";
   std::string weights_from = "the weights";
-  std::vector<std::string> unknown_texts;  // see unknown_texts.h
+  input_options input;
+  // The only column of the table that is written. Empty: all of them.
+  std::string id_name;
+  std::string id_from = "the identifiers";
   // Whether a text that is no number, in an attribute of numbers, is refused. Otherwise it is an
   // unknown value. In a row of weight 0 it always is.
   bool strict = false;
@@ -46,15 +51,24 @@ struct classification_result {
   // What a person should know, a line each that names the file: for each attribute of numbers, how
   // many texts were no numbers.
   std::vector<std::string> remarks;
+  // How messages name the table, and how its bytes were understood.
+  std::string table_name;
+  std::vector<input_remark> input_remarks;
 };
 
-// Writes to `rows`, unless it is null, the table's cells unchanged and, after them, the columns
-// "predicted" and "probability" or, with all probabilities, "predicted" and one "P(class)" for each
+// Writes to `rows`, unless it is null, the table's cells unchanged, between the delimiters of the
+// first file, and after them the columns "predicted" and "probability" or, with all probabilities, "predicted" and one "P(class)" for each
 // class. Columns are found by name. Throws table_error if a column is missing or, in a strict
 // classification, a text is no number; the rows before it are then written. The result is the same
 // for any number of threads.
-classification_result classify_table(const std::string& path, const decision_tree& tree,
+classification_result classify_table(const std::vector<std::string>& paths,
+                                     const decision_tree& tree,
                                      const classification_options& options, std::ostream* rows);
+inline classification_result classify_table(const std::string& path, const decision_tree& tree,
+                                            const classification_options& options,
+                                            std::ostream* rows) {
+  return classify_table(std::vector<std::string>{path}, tree, options, rows);
+}
 
 }  // namespace arbor::tree
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "arbor/csv/found_delimiter.h"
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "tests/support/rows.h"
@@ -10,7 +11,7 @@ namespace {
 
 // Each row as "line:cell|cell", an empty cell without quotes as "-"; an error as its message behind
 // the path.
-texts rows_of(const std::string& contents) {
+texts rows_of(const std::string& contents, const tree::csv_form& form = {}) {
   texts rows;
   const auto add = [&](const tree::csv_row& row) {
     std::string text;
@@ -22,7 +23,7 @@ texts rows_of(const std::string& contents) {
     rows.push_back(std::to_string(row.line()) + text);
   };
   const std::string error =
-      refusal(contents, [&](const std::string& path) { read_rows(path, add); });
+      refusal(contents, [&](const std::string& path) { read_rows(path, add, form); });
   if (!error.empty()) rows.push_back(error);
   return rows;
 }
@@ -33,15 +34,16 @@ TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
       "quotes in them";
   const std::string zero =
       ": a zero byte in the text; a table is text in UTF-8 or another encoding that has none";
-  const std::string empty = ": an empty line; only the end of a table may have some";
   const std::string large(200000, 'x');
   const std::vector<std::pair<std::string, texts>> files{
       {"", {}},
       {"a,b\n1,2\n", {"1:a|b", "2:1|2"}},
       {"a,b\r\n1,2", {"1:a|b", "2:1|2"}},
-      {"a\rb,\r\n\"c\"\r\rd\n", {"1:a", "2:b|-", "3:c", ":4" + empty}},
+      {"a\rb,\r\n\"c\"\r\rd\n", {"1:a", "2:b|-", "3:c", "5:d"}},
       {"\xEF\xBB\xBF\"a\",b\n\xEF\xBB\xBF\n", {"1:a|b", "2:\xEF\xBB\xBF"}},
-      {" a ,\tb\n", {"1: a |\tb"}},
+      {" a ,\tb c \r\n , \n\n\t\nd\t", {"1:a|b c", "2:-|-", "5:d"}},
+      {"\" a\" ,\"b \"\n\"\" , \"c\nd\"\n  e,  f", {"1: a|b ", "2:|c\nd", "4:e|f"}},
+      {" " + large + " ,b", {"1:" + large + "|b"}},
       {"\"x,\"\"y\"\"\nz\",2\n3,4\n", {"1:x,\"y\"\nz|2", "3:3|4"}},
       {"\"\r\n\",\"\r\"\r\n3\n", {"1:\r\n|\r", "4:3"}},
       {"a,b\r\n\"1\",2\r\n3,\"\n4\"\r\n5,6\r\n", {"1:a|b", "2:1|2", "3:3|\n4", "5:5|6"}},
@@ -49,8 +51,8 @@ TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
       {"a,\"" + large + "\n" + large + "\"\nb,c\n", {"1:a|" + large + "\n" + large, "3:b|c"}},
       {"a," + large + ",\"b\"\nc\n", {"1:a|" + large + "|b", "2:c"}},
       {"a\nb\n\n\r\n\n", {"1:a", "2:b"}},
-      {"a\r\n\r\n\r\nb\r\n", {"1:a", ":2" + empty}},
-      {"a\n\n\n\"b\"\n", {"1:a", ":2" + empty}},
+      {"a\r\n\r\n\r\nb\r\n", {"1:a", "4:b"}},
+      {"a\n\n\n\"b\"\n", {"1:a", "4:b"}},
       {"a,b\n1,2\"\n", {"1:a|b", ":2" + quote}},
       {"\"a\nb\",c\n\"1\"2,3\n", {"1:a\nb|c", ":3" + quote}},
       {"a\n\"b\n\nc", {"1:a", ":2: a quote that is never closed"}},
@@ -58,16 +60,47 @@ TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
   for (const auto& [contents, rows] : files) EXPECT_EQ(rows_of(contents), rows);
 }
 
+TEST(CsvReader, ReadsAnyDelimiterWithOrWithoutBlanks) {
+  EXPECT_EQ(rows_of("a, ;\t\"b;c\"\n", {';', false}), (texts{"1:a,|b;c"}));
+  EXPECT_EQ(rows_of("a\t\t b \n\"c\td\"\t\t\n", {'\t', false}), (texts{"1:a|-|b", "2:c\td|-|-"}));
+  EXPECT_EQ(rows_of("\"a\" b\t \"c d\"\n", {' ', false}), (texts{"1:a|b|c d"}));
+  EXPECT_EQ(rows_of(" a ,\tb\n  \n\"c\", d", {',', true}), (texts{"1: a |\tb", "2:  ", "3:c| d"}));
+}
+
 TEST(CsvReader, ReadsLinesWhereverItsBufferEnds) {
   std::string contents;
   texts rows;
   for (int line = 1; line <= 30000; ++line) {
     const std::string number = std::to_string(line * 7919LL % 1000003);
-    contents += line % 11 == 0 ? "\"" + number + "\"" : number;
-    contents += line % 3 == 0 ? ",x\r\n" : ",x\n";
+    contents += line % 11 == 0 ? "\"" + number + "\"" : line % 7 == 0 ? number + " " : number;
+    contents += line % 3 == 0 ? ",x\r\n" : line % 5 == 0 ? ", x \n" : ",x\n";
     rows.push_back(std::to_string(line) + ":" + number + "|x");
   }
   EXPECT_EQ(rows_of(contents), rows);
+}
+
+TEST(CsvReader, FindsTheDelimiterOfTheFirstLines) {
+  const std::vector<std::pair<std::string, char>> beginnings{
+      {"", ','},
+      {"a", ','},
+      {"a;b\n", ';'},
+      {"a;b\n1,5;2,5\n", ';'},
+      {"a;b;c\n1,5;2;3,5\n", ';'},
+      {"a,b\n\"1;2;3\",x\n\"1;2;3\",y\n", ','},
+      {"a|b,c|d\n1|2|3\n", '|'},
+      {"a\tb c\n1\t2 3\n1\t2 3\n", '\t'},
+      {"\"a\" \"b\"\n\"1\" 5 \"x y\"\n", ' '},
+      {"first name\nann lee\n", ','},
+      {"a b c\n1 2 3\n", ' '},
+      {"a,b\n1;2\n", ','},
+      {"\n\n\"x;\n\";b,c\n1;2\n", ';'},
+  };
+  for (const auto& [beginning, delimiter] : beginnings)
+    EXPECT_EQ(tree::found_delimiter(beginning, {}), delimiter) << beginning;
+  tree::input_options no_names;
+  no_names.has_names = false;
+  EXPECT_EQ(tree::found_delimiter("1,5;2,5\n1,2;3,4\n", no_names), ';');
+  EXPECT_EQ(tree::found_delimiter("1,5,2\n1,2,3\n", no_names), ',');
 }
 
 TEST(ShownText, HasNothingThatATerminalObeys) {

@@ -5,17 +5,19 @@
 #include <string>
 
 #include "arbor/csv/block_reader.h"
+#include "arbor/csv/input_file.h"
 #include "arbor/csv/row_division.h"
 
 namespace arbor::tests {
 
 // Calls use(row) for each row of the file, the first one like any other.
 template <class Use>
-void read_rows(const std::string& path, Use use) {
+void read_rows(const std::string& path, Use use, const tree::csv_form& form = {}) {
   tree::input_file file(path);
   tree::block_reader blocks(file);
+  blocks.expect(form);
   for (tree::csv_block block; blocks.next(block); block.check_end()) {
-    tree::divide_rows(block, file.name());
+    tree::divide_rows(block);
     for (std::size_t i = 0; i < block.rows(); ++i) use(block.row(i));
   }
 }

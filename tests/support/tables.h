@@ -19,7 +19,7 @@ inline tree::load_options options_of(const std::string& words) {
   for (std::string what, name; in >> what >> name;) {
     if (what == "class") options.class_name = name;
     if (what == "weights") options.weights_name = name;
-    if (what == "unknown") options.unknown_texts.push_back(name == "''" ? "" : name);
+    if (what == "unknown") options.input.unknown_texts.push_back(name == "''" ? "" : name);
     if (what == "type") in >> options.types[name];
     if (what == "kind") in >> options.kinds[name];
   }

@@ -118,10 +118,13 @@ w,a/7e35,1/7e35,2 | weights w => : column "w": the weights add up to 1.4e+36, an
  the sums that make up a gain do not fit a float; divide all weights by the same number
 w,a/1,1/-1,1 | weights w => :3: column "w": "-1" is no weight; a weight is a finite number from 0
  up, and 0 leaves the row out
-a,,b | => :1: column 2 has no name
+a,,b | => : no rows below the column names
+,b/1,2 | => integer ignore: 1; integer continuous: 2; # column "c" is the class and has a single
+ value: nothing can be gained
 "a%",b,b | => :2: two columns have the name "b"
 a | => : no rows below the column names
-a/1,2 | => :2: 3 cells, but the first row names 2 columns; a cell with a comma in it needs quotes
+a/1,2/1 | => :2: 3 cells, but the first row names 2 columns; a cell with a delimiter in it needs
+ quotes
 "a%1",b/1 | => :3: 2 cells, but the first row names 3 columns
 "a%",b/1,x/"2%",? | class b => :5: column "b": "?" is the unknown value; the class of every row must
  be known, or the row be left out)";
@@ -200,6 +203,7 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
     tree::load_options options =
         options_of("kind x discrete" + (chosen.empty() ? "" : " type x " + chosen));
     options.threads = 1 + static_cast<unsigned int>(draw(3));
+    options.input.keeps_blanks = true;
     const table loaded = load_csv(csv, options);
     EXPECT_EQ(record_of(loaded.columns[0].get()),
               record_of(make_column("discrete", type, cells).get()))
