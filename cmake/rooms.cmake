@@ -7,14 +7,16 @@ find_library(CSV_LIBRARY csv REQUIRED)
 find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
 find_library(UTF8PROC_LIBRARY utf8proc REQUIRED)
 find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
+find_library(ZSTD_LIBRARY zstd REQUIRED)
+find_path(ZSTD_INCLUDE_DIR zstd.h REQUIRED)
 
 add_library(arbor_tree)
 add_library(arbor::tree ALIAS arbor_tree)
-target_include_directories(arbor_tree PRIVATE ${CSV_INCLUDE_DIR} ${UTF8PROC_INCLUDE_DIR})
+target_include_directories(arbor_tree PRIVATE ${CSV_INCLUDE_DIR} ${UTF8PROC_INCLUDE_DIR} ${ZSTD_INCLUDE_DIR})
 target_link_libraries(arbor_tree
   PUBLIC arbor::arbor
   PRIVATE ${CSV_LIBRARY} ${UTF8PROC_LIBRARY} fmt::fmt nlohmann_json::nlohmann_json Threads::Threads
-    ZLIB::ZLIB arbor_numerics)
+    ZLIB::ZLIB ${ZSTD_LIBRARY} arbor_numerics)
 foreach(room csv formats table tree store report)
   add_subdirectory(arbor/${room})
 endforeach()

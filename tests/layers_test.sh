@@ -2,8 +2,8 @@
 # A folder includes only folders that stand before it in this list, and the rooms know nothing of the program: no options of
 # its command line, no standard output. Run from the root of the sources.
 set -uo pipefail
-layers=(arbor/utils arbor/model arbor/model/measure arbor/csv arbor/formats arbor/table arbor/tree arbor/tree/growing
-        arbor/tree/validation arbor/store arbor/report tools)
+layers=(arbor/utils arbor/model arbor/model/measure arbor/csv arbor/formats arbor/table arbor/tree
+        arbor/tree/growing arbor/tree/validation arbor/store arbor/report tools)
 found=0
 # Prints the lines, comments aside, that match a pattern.
 forbid() { # WHAT PATTERN FILE...

@@ -2,6 +2,7 @@
 
 #include "tools/messages.h"
 #include "tools/progress_line.h"
+#include "tools/table_options.h"
 
 namespace arbor::tools {
 

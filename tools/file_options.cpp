@@ -103,8 +103,8 @@ tree::input_options file_options::chosen() const {
                 (comment.empty() || comment.find_first_of("\"\r\n") != std::string::npos),
             "--comment: " + in_quotes(comment) + " is empty or has a quote or a line end in it");
   options.comment = comment;
-  if (given("--limit")) options.limit = size_value("--limit", limit);
-  options.limit_from = "--limit";
+  if (given("--limit")) options.limit.bytes = size_value("--limit", limit);
+  options.limit.set_by = "--limit";
   return options;
 }
 

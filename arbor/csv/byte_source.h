@@ -20,6 +20,9 @@ class byte_source {
   // table_error, naming the file, when it cannot be read or is not what it should be.
   virtual std::size_t read(char* buffer, std::size_t size) = 0;
 
+  // How many bytes of the file have been read so far to deliver those.
+  virtual unsigned long long bytes_of_file() const = 0;
+
   // How messages name the file.
   virtual const std::string& name() const = 0;
 };

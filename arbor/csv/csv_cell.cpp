@@ -2,8 +2,6 @@
 
 #include <csv.h>
 
-#include <string_view>
-
 namespace arbor::tree {
 
 namespace {
@@ -18,14 +16,18 @@ bool needs_quotes(std::string_view text, char delimiter) {
 void append_cell(std::string_view text, char delimiter, std::string& to) {
   if (!needs_quotes(text, delimiter)) {
     to += text;
-    return;
+  } else {
+    append_quoted_cell(text, to);
   }
+}
+
+}  // namespace
+
+void append_quoted_cell(std::string_view text, std::string& to) {
   const std::size_t begin = to.size();
   to.resize(begin + 2 * text.size() + 2);
   to.resize(begin + csv_write(&to[begin], to.size() - begin, text.data(), text.size()));
 }
-
-}  // namespace
 
 std::string csv_cell(const std::string& text, char delimiter) {
   std::string cell;

@@ -26,6 +26,7 @@ input_file::input_file(const std::string& path)
 std::size_t input_file::read(char* buffer, std::size_t size) {
   const std::size_t count = std::fread(buffer, 1, size, file.get());
   if (count < size && std::ferror(file.get()) != 0) fail("cannot be read");
+  bytes_read += count;
   return count;
 }
 

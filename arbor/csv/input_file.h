@@ -21,6 +21,7 @@ class input_file : public byte_source {
   explicit input_file(const std::string& path);
 
   std::size_t read(char* buffer, std::size_t size) override;
+  unsigned long long bytes_of_file() const override { return bytes_read; }
   const std::string& name() const override { return display_name; }
 
  private:
@@ -30,6 +31,7 @@ class input_file : public byte_source {
 
   std::string display_name;
   handle file;
+  unsigned long long bytes_read = 0;
 };
 
 }  // namespace arbor::tree

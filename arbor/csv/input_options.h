@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "arbor/csv/expansion_limit.h"
 #include "arbor/csv/number_form.h"
 
 namespace arbor::tree {
@@ -16,11 +17,8 @@ struct input_options {
   // The texts of the unknown value, see unknown_texts.h. None: "?" and the empty cell.
   std::vector<std::string> unknown_texts;
   number_form numbers;
-  // The most bytes that a compressed file, or a sparse one, may expand to; 0 for a default in
-  // proportion to the file.
-  unsigned long long limit = 0;
-  // What messages call the limit, so that a person knows where to choose it.
-  std::string limit_from = "the limit";
+  // Of what compressed files and sparse rows become.
+  expansion_limit limit;
 
   // Of CSV files alone:
   // See csv_form.h. None: found from the first lines.
