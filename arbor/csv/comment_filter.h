@@ -21,6 +21,7 @@ class comment_filter : public byte_source {
 
   std::size_t read(char* buffer, std::size_t size) override;
   const std::string& name() const override { return file->name(); }
+  unsigned long long bytes_of_file() const override { return file->bytes_of_file(); }
 
  private:
   // Whether the present line may still be a comment, because it begins like one so far; what it is.
