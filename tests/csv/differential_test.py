@@ -92,7 +92,7 @@ def data_type(numbers, texts):
 def meant(texts, mark):
     """Returns kind, data type and sorted values of a column with these known texts."""
     if not texts:
-        return "ignore", "null", []
+        return "ignore", "", []
     numbers = [number(t, mark) for t in texts]
     if None in numbers:
         return "discrete", "string", sorted(set(texts), key=str.encode)
@@ -186,7 +186,8 @@ class Case:
         for (name, _, kind, *values), (_, _, wanted) in zip(load(*discrete)[1], expected):
             read = {"string": str, "float": as_float}.get(kind, Decimal)
             assert [read(v) for v in values] == wanted, (name, kind, values, wanted)
-        lines = list(csv.reader(io.StringIO(run("classify", folder + "/model", *self.paths), newline="")))
+        rows = io.StringIO(run("classify", folder + "/model", *self.paths), newline="")
+        lines = list(csv.reader(rows, delimiter=self.delimiter, strict=True))
         assert [r[:-2] for r in lines] == [self.names] + self.shown, lines
 
 
