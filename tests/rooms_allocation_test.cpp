@@ -4,6 +4,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "arbor/formats/arff_source.h"
+#include "arbor/formats/names_file.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/table_loader.h"
@@ -12,6 +14,7 @@
 #include "arbor/tree/rating.h"
 #include "arbor/tree/table_classification.h"
 #include "tests/support/allocations.h"
+#include "tests/support/byte_sources.h"
 #include "tests/support/reports.h"
 #include "tests/support/tables.h"
 
@@ -56,6 +59,21 @@ TEST(AllocationFailure, GivesNoPartOfATable) {
     for (const auto& x : rows.columns) text += x->get_name() + record_of(x.get());
     for (const tree::table_remark& remark : rows.remarks) text += remark.text;
     return text;
+  });
+}
+
+TEST(AllocationFailure, GivesNoPartOfAnotherFormat) {
+  fail_each("arff", [] {
+    tree::arff_source rows(
+        source_of("@attribute 'a long name of an attribute' {x, 'a long value of this attribute'}\n"
+                  "@attribute n real\n@data\n'a long value of this attribute',1\n{1 2}\n"),
+        {});
+    return rows.declared().columns.front().values->back() + all_of(rows);
+  });
+  fail_each("names", [] {
+    return tree::read_names_file(*source_of("a long name of a class, x.\na long name: x, y."))
+        .columns.back()
+        .values->front();
   });
 }
 

@@ -53,6 +53,19 @@ unsigned long long size_value(const std::string& option, const std::string& give
   return size;
 }
 
+// How numbers are written; "." is the usual mark unless groups of digits are allowed, too.
+tree::number_form number_form_of(const std::string& mark,
+                                 const std::vector<std::string>& stripped) {
+  refuse_if(!mark.empty() && mark != "." && mark != ",",
+            "--decimal: " + in_quotes(mark) + " is neither \".\" nor \",\"");
+  for (const std::string& text : stripped) {
+    refuse_if(text.empty(), "--strip: the text is empty");
+    refuse_if(text.find_first_of("0123456789") != std::string::npos,
+              "--strip: " + in_quotes(text) + " has a digit in it");
+  }
+  return {mark == "," ? ',' : '.', !mark.empty(), stripped};
+}
+
 }  // namespace
 
 void file_options::add_to(CLI::App& to) {
@@ -73,6 +86,18 @@ void file_options::add_to(CLI::App& to) {
   to.add_option("--unknown", unknown_texts,
                 "A text that stands for the unknown value; '' is the empty cell, '\"\"' the quoted "
                 "empty one; repeatable (default: ? and '')")
+      ->type_name("TEXT")
+      ->take_all()
+      ->allow_extra_args(false)
+      ->group(file_group);
+  to.add_option(
+        "--decimal", decimal_mark,
+        "The mark before decimals, \",\" or \".\"; digits before it may then stand in groups "
+        "of three (default: \".\", without groups)")
+      ->type_name("MARK")
+      ->group(file_group);
+  to.add_option("--strip", stripped,
+                "A text before or after numbers that is no part of them, as % or $; repeatable")
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false)
@@ -98,6 +123,8 @@ tree::input_options file_options::chosen() const {
   if (given("--delimiter")) options.delimiter = delimiter_value(delimiter);
   options.has_names = !no_header;
   options.unknown_texts = unknown_texts;
+  refuse_if(given("--decimal") && decimal_mark.empty(), "--decimal: the mark is empty");
+  options.numbers = number_form_of(decimal_mark, stripped);
   options.keeps_blanks = keep_blanks;
   refuse_if(given("--comment") &&
                 (comment.empty() || comment.find_first_of("\"\r\n") != std::string::npos),

@@ -25,7 +25,9 @@ class file_options {
   std::string delimiter;
   std::string comment;
   std::string limit;
+  std::string decimal_mark;
   std::vector<std::string> unknown_texts;
+  std::vector<std::string> stripped;
   bool no_header = false;
   bool keep_blanks = false;
 };

@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* rate_help =
     R"(The table is a CSV file whose first row names the columns. The data type of a
-column is integer, float or string: the first that fits all its values.
+column is integer, uinteger, decimal, float or string: the first that fits all
+its values.
 Attributes of numbers are continuous: their split has two branches, at the best
 threshold. Attributes of strings are discrete: their split has a branch for each
 value.

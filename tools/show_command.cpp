@@ -11,6 +11,7 @@
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/store/replacement_stream.h"
+#include "arbor/table/decimal_domain.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
@@ -26,7 +27,7 @@ constexpr const char* show_help =
     R"(A leaf shows its class and, in brackets, the weight of its training cases and
 after a slash the weight of those of other classes. A test shows its number in
 square brackets. --rate with --node N rates all attributes on those rows of a
-table that reach test N. Give --weights, --unknown and --kind as for growing;
+table that reach test N. Give options of the table as for growing;
 the model has the types and the kinds of the attributes that it tests.
 
 Examples:
@@ -113,7 +114,8 @@ void show_command::check_combination() const {
             "--depth does not go with --format json, which shows the whole tree");
   refuse_if(format == "dot" && rates, "--rate goes with --format text, csv or json");
   refuse_if(format == "csv" && !rates, "--format csv goes with --rate TABLE");
-  for (const std::string option : {"--node", "--min-weight", "--weights", "--unknown", "--kind"})
+  for (const std::string option :
+       {"--node", "--min-weight", "--weights", "--unknown", "--decimal", "--strip", "--kind"})
     refuse_if(given(option) && !rates, option + " goes with --rate TABLE");
 }
 
@@ -150,9 +152,14 @@ tree::load_options show_command::options_of(const tree::decision_tree& model) co
   options.class_name = model.class_column->get_name();
   options.class_from = options.types_from = "the model";
   options.kinds_from = given("--kind") ? "the model or --kind" : "the model";
-  options.types[options.class_name] = model.class_column->get_o_set()->get_datatype();
+  // Decimals are exact in any table: they may have another scale there, or be plain integers.
+  const auto choose_type = [&](const impls::column& column) {
+    const std::string type = tree::data_type_of(column);
+    if (type != "decimal") options.types[column.get_name()] = type;
+  };
+  choose_type(*model.class_column);
   for (const auto& attribute : model.attributes) {
-    options.types[attribute->get_name()] = attribute->get_o_set()->get_datatype();
+    choose_type(*attribute);
     options.kinds[attribute->get_name()] = attribute->get_type();
   }
   return options;

@@ -53,10 +53,47 @@ float number_value(const std::string& option, const std::string& given, float mo
   return static_cast<float>(value);
 }
 
+// The options that make a table's numbers those of a form, beyond the ones already chosen.
+std::string options_for(const tree::number_form& form, const tree::number_form& chosen) {
+  std::string options;
+  if (form.grouped && !chosen.grouped) options += std::string(" --decimal ") + form.decimal_mark;
+  for (const std::string& text : form.stripped) {
+    if (std::count(chosen.stripped.begin(), chosen.stripped.end(), text) == 0)
+      options += " --strip " + tree::shell_word(text);
+  }
+  return options;
+}
+
+std::string advice_on_forms(const std::vector<tree::number_form>& forms,
+                            const tree::number_form& chosen) {
+  const std::string first = options_for(forms.front(), chosen);
+  if (forms.size() == 1) return "; to read them, use" + first;
+  return "; to read them, use" + first + " if \",\" stands between groups of digits, or" +
+         options_for(forms.back(), chosen) + " if it stands before the decimals";
+}
+
+// All ways to keep the numbers of a float column apart, or not to need them.
+std::string advice_on_lost_numbers(const tree::table_remark& remark) {
+  const auto option = [&](const char* name, const char* value) {
+    return std::string(name) + " " + tree::shell_word(remark.column + "=" + value);
+  };
+  const std::string rounded =
+      "rounding them in the file, or subtracting a constant from them, until there are at most "
+      "4294967295 steps between the least and the greatest";
+  if (remark.kind == impls::column::WEIGHTS) return "; what helps is " + rounded;
+  std::string wider = option("--type", "string") + ", or " + option("--type", "double");
+  if (remark.kind == impls::column::CONTINUOUS) wider += " with " + option("--kind", "discrete");
+  return "; what helps is " + wider +
+         (remark.kind == impls::column::CLASS ? "" : ", or " + option("--kind", "ignore")) +
+         ", or " + rounded;
+}
+
 // The options that do what a remark proposes, if it does.
-std::string advice(const tree::table_remark& remark) {
-  if (!remark.to_ignore.empty())
-    return "; --kind " + tree::shell_word(remark.to_ignore + "=ignore") + " leaves it out";
+std::string advice(const tree::table_remark& remark, const tree::number_form& chosen) {
+  if (remark.loses_numbers) return advice_on_lost_numbers(remark);
+  if (!remark.column.empty())
+    return "; --kind " + tree::shell_word(remark.column + "=ignore") + " leaves it out";
+  if (!remark.to_read.empty()) return advice_on_forms(remark.to_read, chosen);
   if (remark.to_declare.empty()) return "";
   std::string options;
   for (const std::string& text : remark.to_declare)
@@ -93,7 +130,8 @@ void table_options::add_to(CLI::App& to) {
               "Leave out the rows whose class is unknown")
       ->group(column_group);
   to.add_option("--type", types,
-                "A column's data type: integer, uinteger, float, double or string; repeatable")
+                "A column's data type: integer, uinteger, decimal, float, double or string; "
+                "repeatable")
       ->type_name("NAME=TYPE")
       ->take_all()
       ->allow_extra_args(false)
@@ -233,7 +271,7 @@ tree::table read_table(const std::vector<std::string>& paths, tree::load_options
   progress.clear();
   show_remarks(table.name, table.input_remarks);
   for (const tree::table_remark& remark : table.remarks)
-    complain(table.name + ": " + remark.text + advice(remark));
+    complain(table.name + ": " + remark.text + advice(remark, options.input.numbers));
   return table;
 }
 

@@ -32,8 +32,9 @@ struct candidate {
   std::size_t in_last_row() const { return delimiters.empty() ? 0 : delimiters.back(); }
 };
 
-bool is_digit(char c) {
-  return c >= '0' && c <= '9';
+bool is_between_digits(std::string_view text, std::size_t at) {
+  const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+  return at > 0 && at + 1 < text.size() && is_digit(text[at - 1]) && is_digit(text[at + 1]);
 }
 
 candidate count_delimiters(std::string_view text, bool has_names, csv_form form) {
@@ -55,12 +56,9 @@ candidate count_delimiters(std::string_view text, bool has_names, csv_form form)
       begins_cell = is_empty = true;
     } else if (c == form.delimiter) {
       ++of_row;
-      const char before = i > 0 ? text[i - 1] : '\0';
-      const char after = i + 1 < text.size() ? text[i + 1] : '\0';
       const bool counts = !found.delimiters.empty() || !has_names;
-      found.between_digits =
-          found.between_digits && (!counts || (is_digit(before) && is_digit(after)));
-      found.adjacent = found.adjacent || before == c;
+      if (counts && !is_between_digits(text, i)) found.between_digits = false;
+      if (i > 0 && text[i - 1] == c) found.adjacent = true;
       begins_cell = true;
       is_empty = false;
     } else if (!form.is_blank(c)) {

@@ -2,26 +2,19 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <cctype>
-
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/formats/arff_line.h"
+#include "arbor/formats/lower_case.h"
 
 namespace arbor::tree {
 
 namespace {
 
-const std::string word_ends = " \t{";
-const std::string accepted_types =
+constexpr character_set word_ends(" \t{");
+constexpr character_set list_ends(",\t}");
+constexpr const char* accepted_types =
     "numeric, real, integer, string, date or a list of values in braces";
-
-std::string lower_case(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 // After the opening brace.
 std::vector<std::string> read_value_list(arff_line& line, const line_reader& lines,
@@ -29,7 +22,7 @@ std::vector<std::string> read_value_list(arff_line& line, const line_reader& lin
   std::vector<std::string> values;
   written_cell value;
   do {
-    line.read(value, ",\t}");
+    line.read(value, list_ends);
     // "?" is the unknown value here, too.
     if (value.is_literal || (!value.text.empty() && value.text != "?"))
       values.push_back(value.text);

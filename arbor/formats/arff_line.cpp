@@ -41,7 +41,7 @@ bool arff_line::take_separator() {
   return blanks.find('\t') != std::string_view::npos && !at_end() && rest.front() != '}';
 }
 
-void arff_line::read(written_cell& cell, std::string_view ends) {
+void arff_line::read(written_cell& cell, const character_set& ends) {
   skip_blanks();
   cell.text.clear();
   cell.is_literal = !rest.empty() && (rest.front() == '\'' || rest.front() == '"');
@@ -49,16 +49,14 @@ void arff_line::read(written_cell& cell, std::string_view ends) {
     read_quoted(cell.text);
     return;
   }
-  std::size_t size = 0;
   std::size_t end = 0;  // of the text without blanks at its end
-  for (; size < rest.size(); ++size) {
-    const char c = rest[size];
-    if (ends.find(c) != std::string_view::npos || (c == '%' && end < size)) break;
-    if (c == '%' && size == 0) break;
-    if (!is_blank(c)) end = size + 1;
+  for (std::size_t i = 0; i < rest.size() && !ends.has(rest[i]); ++i) {
+    const bool is_first = i == 0 || is_blank(rest[i - 1]);
+    if (rest[i] == '%' && is_first) break;
+    if (!is_blank(rest[i])) end = i + 1;
   }
   cell.text = rest.substr(0, end);
-  // A tab after the text may be a separator.
+  // Blanks stay: a tab may be a separator.
   rest.remove_prefix(end);
 }
 

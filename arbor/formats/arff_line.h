@@ -1,14 +1,15 @@
 // Takes a line of an ARFF file apart.
 //
 //   arff_line line("@attribute 'body mass' numeric % in kg", lines);
-//   line.read(word, " \t");  // @attribute
-//   line.read(word, " \t");  // body mass, a literal
+//   line.read(word, character_set(" \t"));  // @attribute
+//   line.read(word, character_set(" \t"));  // body mass, a literal
 #ifndef ARBOR_FORMATS_ARFF_LINE_H
 #define ARBOR_FORMATS_ARFF_LINE_H
 
 #include <string>
 #include <string_view>
 
+#include "arbor/formats/character_set.h"
 #include "arbor/formats/line_converter.h"
 
 namespace arbor::tree {
@@ -33,7 +34,7 @@ class arff_line {
 
   // Reads a text in single or double quotes, in which a backslash begins an escape, or one without
   // quotes up to one of the characters in `ends`, the comment or the end.
-  void read(written_cell& cell, std::string_view ends);
+  void read(written_cell& cell, const character_set& ends);
 
   // What is left, for messages.
   std::string_view remaining() const { return rest; }

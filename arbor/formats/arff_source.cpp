@@ -14,7 +14,11 @@ namespace arbor::tree {
 
 namespace {
 
-const std::string about_weights =
+constexpr character_set cell_ends(",\t");
+constexpr character_set number_ends(" \t,}");
+constexpr character_set sparse_cell_ends(",\t}");
+
+constexpr const char* about_weights =
     "; weights of rows go into an attribute of their own, and a text with braces needs quotes";
 
 // What is left of a row at whose end nothing should be.
@@ -55,8 +59,8 @@ void arff_source::convert_cells(arff_line& line, std::string& to) {
   std::size_t count = 0;
   do {
     if (count++ > 0) to += ',';
-    line.read(cell, ",\t");
-    if (!cell.is_literal && cell.text.substr(0, 1) == "{")
+    line.read(cell, cell_ends);
+    if (!cell.is_literal && !cell.text.empty() && cell.text.front() == '{')
       lines.fail(in_quotes(cell.text) + " is no cell" + about_weights);
     append_converted(cell, to);
   } while (line.take_separator());
@@ -76,7 +80,7 @@ void arff_source::convert_sparse(arff_line& line, std::string& to) {
       lines.fail("a sparse row without } at its end; expected {NUMBER VALUE, NUMBER VALUE}");
     const std::size_t column = read_number(line, next);
     append_left_out(next, column, to);
-    line.read(cell, ",\t}");
+    line.read(cell, sparse_cell_ends);
     if (column > 0) to += ',';
     append_converted(cell, to);
     next = column + 1;
@@ -87,7 +91,7 @@ void arff_source::convert_sparse(arff_line& line, std::string& to) {
 
 // Reads the number of an attribute, which is at least `least`.
 std::size_t arff_source::read_number(arff_line& line, std::size_t least) {
-  line.read(cell, " \t,}");
+  line.read(cell, number_ends);
   const std::string& text = cell.text;
   std::size_t number = 0;
   const auto read = std::from_chars(text.data(), text.data() + text.size(), number);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "arbor/csv/csv_cell.h"
+#include "arbor/formats/character_set.h"
 
 namespace arbor::tree {
 
@@ -11,13 +12,20 @@ namespace {
 
 constexpr std::size_t converted_at_once = 1U << 14U;
 
+constexpr character_set special_in_cells(",\"\r\n");
+constexpr character_set blanks(" \t");
+
+bool is_question_mark(const std::string& text) {
+  return text.size() == 1 && text.front() == '?';
+}
+
 bool needs_quotes(const written_cell& cell) {
   const std::string& text = cell.text;
-  if (text.find_first_of(",\"\r\n") != std::string::npos) return true;
-  const std::string blanks = " \t";
-  return cell.is_literal &&
-         (text.empty() || text == "?" || blanks.find(text.front()) != std::string::npos ||
-          blanks.find(text.back()) != std::string::npos);
+  for (const char c : text) {
+    if (special_in_cells.has(c)) return true;
+  }
+  return cell.is_literal && (text.empty() || is_question_mark(text) || blanks.has(text.front()) ||
+                             blanks.has(text.back()));
 }
 
 }  // namespace
@@ -25,7 +33,7 @@ bool needs_quotes(const written_cell& cell) {
 void append_converted(const written_cell& cell, std::string& to) {
   if (needs_quotes(cell)) {
     append_quoted_cell(cell.text, to);
-  } else if (cell.is_literal || cell.text != "?") {
+  } else if (cell.is_literal || !is_question_mark(cell.text)) {
     to += cell.text;
   }
 }

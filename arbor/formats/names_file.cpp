@@ -1,18 +1,18 @@
 #include "arbor/formats/names_file.h"
 
-#include <algorithm>
-#include <cctype>
 #include <set>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
+#include "arbor/formats/lower_case.h"
 #include "arbor/formats/names_line.h"
 
 namespace arbor::tree {
 
 namespace {
 
-const std::string expected_names =
+constexpr character_set separators(",:");
+constexpr const char* expected_names =
     "; expected the classes, as in \"no, yes.\", and then for each attribute \"NAME: "
     "continuous.\", \"NAME: discrete.\", \"NAME: VALUE, VALUE.\" or \"NAME: ignore.\"";
 
@@ -47,7 +47,7 @@ std::vector<written_cell> names_parser::read_list(const std::string& of) {
   char end = ',';
   while (end == ',') {
     written_cell& value = values.emplace_back();
-    if (has_more()) end = line.read(value, ",:");
+    if (has_more()) end = line.read(value, separators);
     if (end == ':') {
       lines.fail(of + in_quotes(value.text) +
                  " has a colon behind it, which is written as \\: in a value" + expected_names);
@@ -62,14 +62,13 @@ declared_column names_parser::read_attribute(const std::string& name) {
   const std::vector<written_cell> list = read_list(attribute);
   const std::string& first = list.front().text;
   if (list.size() == 1 && !list.front().is_literal) {
-    std::string type = first;
-    std::transform(type.begin(), type.end(), type.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string type = lower_case(first);
     if (type == "continuous" || type == "ignore") return {name, type, "", {}};
-    const std::string number = type.substr(std::min<std::size_t>(type.size(), 9));
-    const bool is_number = number.find_first_not_of("0123456789") == std::string::npos;
-    if (type == "discrete" || (type.rfind("discrete ", 0) == 0 && is_number))
-      return {name, "discrete", "string", {}};
+    // With or without the number of values.
+    const std::string discrete = "discrete";
+    const std::size_t end = type.find_last_not_of("0123456789 ");
+    if (type.rfind(discrete, 0) == 0 && end == discrete.size() - 1)
+      return {name, discrete, "string", {}};
     const std::set<std::string> others{"label", "date", "time", "timestamp"};
     const std::string question = did_you_mean(type, {"continuous", "discrete", "ignore"});
     if (others.count(type) > 0 || type.front() == '=' || !question.empty())
@@ -85,11 +84,11 @@ declared_column names_parser::read_attribute(const std::string& name) {
 
 declared_table names_parser::read() {
   declared_table result;
-  if (!has_more()) lines.fail("nothing is declared" + expected_names);
+  if (!has_more()) lines.fail(std::string("nothing is declared") + expected_names);
   const std::vector<written_cell> classes = read_list("the classes: ");
   std::set<std::string> names;
   for (written_cell name; has_more();) {
-    const char end = line.read(name, ",:");
+    const char end = line.read(name, separators);
     if (end == '.' && name.text.empty()) continue;  // one period more than are needed
     if (end != ':' || name.text.empty())
       lines.fail(in_quotes(name.text) + " is no attribute" + expected_names);

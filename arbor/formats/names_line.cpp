@@ -2,38 +2,52 @@
 
 namespace arbor::tree {
 
+namespace {
+
+constexpr character_set special_in_names(" \t.\\|");
+
+}  // namespace
+
 bool names_line::at_end() const {
   const std::size_t next = rest.find_first_not_of(" \t");
   return next == std::string_view::npos || rest[next] == '|';
 }
 
-char names_line::read(written_cell& to, std::string_view separators) {
-  to.text.clear();
+char names_line::read(written_cell& to, const character_set& separators) {
+  std::string& text = to.text;
+  text.clear();
   to.is_literal = false;
   std::size_t end = 0;  // of the text without blanks at its end
-  char ended_by = '\0';
-  while (!rest.empty() && rest.front() != '|' && ended_by == '\0') {
-    char c = rest.front();
+  for (;;) {
+    std::size_t plain = 0;
+    while (plain < rest.size() && !separators.has(rest[plain]) &&
+           !special_in_names.has(rest[plain]))
+      ++plain;
+    if (plain > 0) end = text.append(rest, 0, plain).size();
+    rest.remove_prefix(plain);
+    const char c = rest.empty() ? '|' : rest.front();
+    if (c == '|') break;
     rest.remove_prefix(1);
-    const bool is_blank = c == ' ' || c == '\t';
     const bool before_blank = !rest.empty() && (rest.front() == ' ' || rest.front() == '\t');
-    if (separators.find(c) != std::string_view::npos ||
-        (c == '.' && (at_end() || (before_blank && !in_row)))) {
-      ended_by = c;
-    } else if (!is_blank) {
-      if (c == '\\' && !rest.empty()) {
-        to.is_literal = true;
-        c = rest.front();
-        rest.remove_prefix(1);
-      }
-      to.text += c;
-      end = to.text.size();
-    } else if (end > 0 && end == to.text.size()) {
-      to.text += ' ';
+    if (separators.has(c) || (c == '.' && (at_end() || (before_blank && !in_row)))) {
+      text.resize(end);
+      return c;
     }
+    if (c == ' ' || c == '\t') {
+      if (end > 0 && end == text.size()) text += ' ';
+      continue;
+    }
+    if (c == '\\' && !rest.empty()) {
+      to.is_literal = true;
+      text += rest.front();
+      rest.remove_prefix(1);
+    } else {
+      text += c;
+    }
+    end = text.size();
   }
-  to.text.resize(end);
-  return ended_by;
+  text.resize(end);
+  return '\0';
 }
 
 }  // namespace arbor::tree

@@ -1,13 +1,14 @@
 // Takes a line of a names file, or of the rows that belong to it, apart.
 //
 //   names_line line(" Iris-setosa,  Iris  virginica.  | a comment", false);
-//   line.read(text, ",");  // returns ',', the text is Iris-setosa
-//   line.read(text, ",");  // returns '.', the text is Iris virginica
+//   line.read(text, comma);  // returns ',', the text is Iris-setosa
+//   line.read(text, comma);  // returns '.', the text is Iris virginica
 #ifndef ARBOR_FORMATS_NAMES_LINE_H
 #define ARBOR_FORMATS_NAMES_LINE_H
 
 #include <string_view>
 
+#include "arbor/formats/character_set.h"
 #include "arbor/formats/line_converter.h"
 
 namespace arbor::tree {
@@ -24,7 +25,7 @@ class names_line {
   // Reads a text, which may be empty, up to one of `separators`, a period or the end. Returns the
   // separator, '.', or '\0' for the end. Blanks around the text are skipped; several in it become
   // one. A backslash makes the text a literal and the character after it part of it.
-  char read(written_cell& to, std::string_view separators);
+  char read(written_cell& to, const character_set& separators);
 
  private:
   std::string_view rest;

@@ -7,6 +7,12 @@
 
 namespace arbor::tree {
 
+namespace {
+
+constexpr character_set comma(",");
+
+}  // namespace
+
 void names_source::convert(std::string_view line, std::string& to) {
   names_line cells(line, true);
   if (cells.at_end()) return;
@@ -14,7 +20,7 @@ void names_source::convert(std::string_view line, std::string& to) {
   char end = ',';
   while (end == ',') {
     if (count++ > 0) to += ',';
-    end = cells.read(cell, ",");
+    end = cells.read(cell, comma);
     append_converted(cell, to);
   }
   if (count == columns) return;

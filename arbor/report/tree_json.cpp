@@ -7,6 +7,7 @@
 #include "arbor/report/json_texts.h"
 #include "arbor/report/json_writer.h"
 #include "arbor/report/node_text.h"
+#include "arbor/table/decimal_domain.h"
 #include "arbor/tree/attribute_importance.h"
 #include "arbor/tree/class_distribution.h"
 
@@ -38,7 +39,7 @@ void attributes_to_json(json_writer& json, const decision_tree& tree) {
     const impls::column& attribute = *tree.attributes[i];
     json.open('{').member("name", attribute.get_name());
     json.member("kind", attribute.get_type());
-    json.member("type", attribute.get_o_set()->get_datatype());
+    json.member("type", data_type_of(attribute));
     json.member("importance", static_cast<float>(importance[i]));
     json.close();
   }

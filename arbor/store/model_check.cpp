@@ -147,6 +147,13 @@ void check_attribute(const column& checked) {
     refuse("an attribute is neither discrete nor continuous");
 }
 
+void check_scale(impls::o_set& steps, const decimal_scale& scale) {
+  if (steps.get_datatype() != "uinteger") refuse("a scale is of no column of steps");
+  const std::vector<datatype<unsigned int>> numbers = numbers_of<unsigned int>(steps);
+  if (!is_sound(scale, numbers.empty() ? 0 : numbers.back().value))
+    refuse("a column has no proper scale");
+}
+
 void check_names(const decision_tree& tree) {
   std::set<std::string> names{tree.class_column->get_name()};
   for (const auto& attribute : tree.attributes) {

@@ -140,6 +140,21 @@ void column_cells::keep_as_texts() {
   kept = form::texts;
 }
 
+void column_cells::replace_texts(const std::function<std::string(const char* text)>& replacement) {
+  text_dictionary replaced;
+  std::vector<unsigned int> codes{0};
+  for (unsigned int code = 1; code <= dictionary.size(); ++code)
+    codes.push_back(replaced.code_of(replacement(dictionary.text(code))));
+  dictionary = std::move(replaced);
+  if (kept == form::texts) recode_texts(codes);
+  wide.for_each_block([&](plain_number* entries, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (is_text(entries[i]))
+        entries[i] = first_text + static_cast<plain_number>(codes[text_code(entries[i])]) * 32;
+    }
+  });
+}
+
 void column_cells::recode_texts(const std::vector<unsigned int>& codes) {
   narrow.for_each_block([&](std::uint32_t* keys, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) keys[i] = codes[keys[i]];

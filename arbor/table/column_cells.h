@@ -16,6 +16,8 @@
 #define ARBOR_TABLE_COLUMN_CELLS_H
 
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "arbor/csv/csv_block.h"
@@ -57,6 +59,9 @@ class column_cells {
   // Converts the cells to this form, unless they already have it or a later one.
   void keep_as_numbers();
   void keep_as_texts();
+
+  // Replaces each text of the dictionary by replacement(text), which may be the same for several.
+  void replace_texts(const std::function<std::string(const char* text)>& replacement);
 
   // Replaces each text's code in the dictionary by entry [code] of `codes`, of cells that are kept
   // as texts. Entry 0 is the code of the unknown value.

@@ -10,16 +10,19 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/unknown_texts.h"
+#include "arbor/table/decimal_codes.h"
 #include "arbor/table/float_merges.h"
 #include "arbor/table/number_codes.h"
 #include "arbor/table/text_codes.h"
+#include "arbor/table/unusual_numbers.h"
 
 namespace arbor::tree {
 
 namespace {
 
 column_cells::plain keepable_as(const std::string& chosen_type) {
-  if (chosen_type.empty() || chosen_type == "float") return column_cells::plain::all;
+  if (chosen_type.empty() || chosen_type == "float" || chosen_type == "decimal")
+    return column_cells::plain::all;
   return chosen_type == "integer" ? column_cells::plain::integers : column_cells::plain::none;
 }
 
@@ -31,30 +34,35 @@ std::size_t first_row_of(std::string_view text, const csv_block& rows, std::size
   return i;
 }
 
-// Whether a message shows the text as it is, so that a person can copy it from there.
-bool is_shown_whole(const std::string& text) {
-  return printable(text) == text && text.size() < 60;
+// Numbers that are not written in the usual way are kept as their texts, so that these stay
+// unchanged if another cell makes the column one of texts. So are declared values, to compare them.
+column_cells::plain keepable_as(const column_loader::settings& chosen) {
+  if (chosen.values != nullptr) return column_cells::plain::none;
+  const column_cells::plain kept = keepable_as(chosen.data_type);
+  return kept == column_cells::plain::all && !chosen.numbers.is_usual()
+             ? column_cells::plain::integers
+             : kept;
 }
 
 }  // namespace
 
 column_loader::column_loader(const settings& of_column)
-    : chosen(of_column),
-      cells(chosen.values != nullptr ? column_cells::plain::none : keepable_as(chosen.data_type)) {
+    : chosen(of_column), cells(keepable_as(chosen)) {
   survey.data_type = chosen.data_type;
   if (chosen.values != nullptr) add_declared_values();
 }
 
 // They become texts of the dictionary, which all become values of the domain.
 void column_loader::add_declared_values() {
+  declared_numbers = std::make_unique<std::unordered_set<std::uint64_t>>();
   for (const std::string& value : *chosen.values) {
     const unsigned int texts_before = cells.texts().size();
     if (cells.declare(value) <= texts_before || chosen.data_type == "string") continue;
-    if (!read_as(chosen.data_type, value.c_str(), survey.text_numbers.emplace_back())) {
+    if (!is_of_type(chosen.data_type, chosen.numbers, value.c_str())) {
       throw std::runtime_error("the declared value " + in_quotes(value) + " is not of the type " +
                                chosen.data_type);
     }
-    declared_numbers.insert(number_identity(value.c_str()));
+    declared_numbers->insert(identity_of(value.c_str()));
   }
 }
 
@@ -72,24 +80,34 @@ std::size_t column_loader::add(const csv_block& rows, std::size_t cell,
 }
 
 // Whether a new text of the dictionary is what the column may have.
-bool column_loader::take_text(unsigned int code) {
+bool column_loader::take_text(unsigned int code) const {
   const char* const text = cells.texts().text(code);
   if (chosen.data_type == "string") return chosen.values == nullptr;
-  if (!read_as(chosen.data_type, text, survey.text_numbers.emplace_back())) return false;
-  return chosen.values == nullptr || declared_numbers.count(number_identity(text)) > 0;
+  if (!is_of_type(chosen.data_type, chosen.numbers, text)) return false;
+  return chosen.values == nullptr || declared_numbers->count(identity_of(text)) > 0;
+}
+
+std::uint64_t column_loader::identity_of(const char* number) const {
+  std::string storage;
+  return number_identity(usual_text(chosen.numbers, number, storage));
 }
 
 std::string column_loader::what_is_expected(const std::string& refused) const {
-  double number = 0;
-  const bool is_of_type =
-      chosen.data_type == "string" || read_as(chosen.data_type, refused.c_str(), number);
-  if (!is_of_type) return "not of the type " + chosen.data_type + " that was chosen for the column";
+  const bool is_proper =
+      chosen.data_type == "string" || is_of_type(chosen.data_type, chosen.numbers, refused.c_str());
+  if (!is_proper) return "not of the type " + chosen.data_type + " that was chosen for the column";
   return "none of the values that were declared for the column" +
          did_you_mean(refused, *chosen.values);
 }
 
 void column_loader::make_column() {
-  if (chosen.data_type.empty()) survey = surveyed(cells);
+  if (chosen.data_type.empty()) {
+    survey = surveyed(cells, chosen.numbers);
+  } else if (chosen.data_type != "string") {
+    survey.text_numbers = usual_numbers(cells, chosen.numbers);
+  }
+  if (chosen.data_type == "decimal") survey.scale = scale_of_decimals();
+  find_near_numbers();
   std::unique_ptr<impls::o_set> domain = make_domain();
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind(), error));
@@ -104,12 +122,26 @@ void column_loader::make_column() {
   survey.text_numbers = {};
 }
 
+std::unique_ptr<decimal_scale> column_loader::scale_of_decimals() {
+  if (const std::optional<decimal_scale> scale = common_scale(cells))
+    return std::make_unique<decimal_scale>(*scale);
+  throw std::runtime_error(
+      "its numbers are no multiples of a common step with at most 4294967295 steps between the "
+      "least and the greatest, which the type decimal needs; the type float rounds them");
+}
+
+// A domain without values.
+std::unique_ptr<impls::o_set> column_loader::new_domain(const std::string& null_text) const {
+  if (survey.scale) return std::make_unique<decimal_domain>(*survey.scale, true, null_text);
+  return std::unique_ptr<impls::o_set>(impls::o_set::NEW_O_SET(survey.data_type, true, null_text));
+}
+
 // The domain of the cells, whose keys become codes.
 std::unique_ptr<impls::o_set> column_loader::make_domain() {
   const bool is_text = survey.data_type == "string";
   // Among numbers the unknown value needs a text that no number is printed as.
   const std::string null_text = is_text ? chosen.null_text : "?";
-  std::unique_ptr<impls::o_set> domain(impls::o_set::NEW_O_SET(survey.data_type, true, null_text));
+  std::unique_ptr<impls::o_set> domain(new_domain(null_text));
   if (cells.unknown_cells() > 0) domain->insert(null_text.c_str());
   if (is_text) {
     code_texts(cells, *domain);
@@ -129,29 +161,27 @@ std::string column_loader::kind() const {
 std::string column_loader::advice() const {
   if (survey.data_type == "null") return "; it has no known value, and can only be ignored";
   if (survey.data_type == "double")
-    return "; the numeric data types are integer, uinteger and float";
+    return "; the numeric data types are integer, uinteger, decimal and float";
   if (kind() == "continuous" && !survey.others.empty())
     return "; " + in_quotes(survey.others.front().text) + " is no number";
   return "";
 }
 
-// If most cells of a column of texts are numbers, which texts are not; else nothing.
-table_remark column_loader::remark_on_other_texts(
-    const std::vector<std::string>& unknown_texts) const {
+void column_loader::find_near_numbers() {
+  if (survey.others.empty() || kind() == "class" || kind() == "ignore") return;
+  const std::string& sample = survey.others.front().text;
+  std::vector<number_form> forms = unusual_forms(cells, sample, chosen.numbers);
   std::size_t other_cells = 0;
   for (const auto& other : survey.others) other_cells += other.cells;
-  const bool are_few = survey.others.size() < other_texts_end && other_cells < survey.number_cells;
-  if (survey.others.empty() || !are_few || made->is_class() || made->is_ignore()) return {};
-  table_remark remark{"is of texts, but all its values are numbers except ", unknown_texts, {}};
-  bool can_be_declared = true;
-  for (const auto& other : survey.others) {
-    const char* const between = &other == &survey.others.front() ? "" : ", ";
-    remark.text += between + in_quotes(other.text) + " in " + counted(other.cells, "cell");
-    remark.to_declare.push_back(unknown_texts::declared(other.text));
-    can_be_declared = can_be_declared && is_shown_whole(other.text);
+  if (!forms.empty()) {
+    near = std::make_unique<near_numbers>(near_numbers{chosen.name, {}, sample, std::move(forms)});
+  } else if (survey.others.size() < other_texts_end && other_cells < survey.number_cells) {
+    near = std::make_unique<near_numbers>(near_numbers{chosen.name, survey.others, "", {}});
   }
-  if (!can_be_declared) remark.to_declare.clear();
-  return remark;
+}
+
+void column_loader::add_near_numbers(std::vector<near_numbers>& columns) const {
+  if (near) columns.push_back(*near);
 }
 
 // On columns whose number of values makes poor trees.
@@ -161,41 +191,41 @@ std::vector<table_remark> column_loader::remarks_on_values() const {
   constexpr std::size_t most_numeric_classes = 100;
   std::vector<table_remark> remarks;
   if (made->is_discrete() && known_cells >= least_rows && 2 * values() > known_cells) {
-    remarks.push_back({fmt::format("has {} different values in {} rows, and a split by them says "
-                                   "little about other rows",
-                                   values(), known_cells),
-                       {},
-                       chosen.name});
+    table_remark& remark = remarks.emplace_back();
+    remark.text = fmt::format(
+        "has {} different values in {} rows, and a split by them says little about other rows",
+        values(), known_cells);
+    remark.column = chosen.name;
   }
   if (made->is_class() && survey.data_type != "string" && values() > most_numeric_classes) {
-    remarks.push_back({fmt::format("is the class and has {} different numbers: each is a class of "
-                                   "its own, since there is no regression; divide them into a few "
-                                   "ranges first",
-                                   values()),
-                       {},
-                       {}});
+    remarks.emplace_back().text = fmt::format(
+        "is the class and has {} different numbers: each is a class of its own, since there is no "
+        "regression; divide them into a few ranges first",
+        values());
   }
   if (made->is_class() && values() == 1)
-    remarks.push_back({"is the class and has a single value: nothing can be gained", {}, {}});
+    remarks.emplace_back().text = "is the class and has a single value: nothing can be gained";
   return remarks;
 }
 
-std::unique_ptr<impls::column> column_loader::take(const std::vector<std::string>& unknown_texts,
-                                                   std::vector<table_remark>& remarks) {
+std::unique_ptr<impls::column> column_loader::take(std::vector<table_remark>& remarks) {
   const auto add = [&](table_remark remark) {
     remark.text = "column " + in_quotes(chosen.name) + " " + remark.text;
     remarks.push_back(std::move(remark));
   };
-  table_remark other_texts = remark_on_other_texts(unknown_texts);
-  if (!other_texts.text.empty()) add(std::move(other_texts));
   if (lost_numbers > 0) {
-    const char* const are_equal =
-        lost_numbers == 1 ? "it is equal to another one" : "they are equal to others";
-    add({fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"), are_equal),
-         {},
-         {}});
+    table_remark lost;
+    lost.text =
+        fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"),
+                    lost_numbers == 1 ? "it is equal to another one" : "they are equal to others");
+    lost.column = chosen.name;
+    lost.loses_numbers = true;
+    impls::column::get_type(made->get_type(), lost.kind);
+    add(std::move(lost));
   }
-  if (survey.data_type == "null") add({"has no known value and is ignored", {}, {}});
+  table_remark unknown;
+  unknown.text = "has no known value and is ignored";
+  if (survey.data_type == "null") add(std::move(unknown));
   for (table_remark& remark : remarks_on_values()) add(std::move(remark));
   return std::move(made);
 }

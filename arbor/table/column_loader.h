@@ -3,7 +3,7 @@
 //   column_loader loader(settings);
 //   for each block of rows: if (loader.add(block, cell, unknowns) < block.rows()) ...
 //   loader.make_column();
-//   table.columns.push_back(loader.take(unknown_texts, table.remarks));
+//   table.columns.push_back(loader.take(table.remarks));
 #ifndef ARBOR_TABLE_COLUMN_LOADER_H
 #define ARBOR_TABLE_COLUMN_LOADER_H
 
@@ -17,6 +17,7 @@
 #include "arbor/table/column_cells.h"
 #include "arbor/table/column_survey.h"
 #include "arbor/table/table.h"
+#include "arbor/table/text_remarks.h"
 
 namespace arbor::tree {
 
@@ -29,6 +30,7 @@ class column_loader {
     const std::string& kind;
     const std::string& data_type;  // empty: the narrowest that holds all cells
     const std::string& null_text;  // the domain's text of the unknown value, in a column of texts
+    const number_form& numbers;    // how they are written
     // The values that the column may have, null for any. They are of the data type, which is named
     // then.
     const std::vector<std::string>* values;
@@ -54,18 +56,23 @@ class column_loader {
   // How many distinct values the column that was made has.
   std::size_t values() const { return made->get_distinct() - 1U; }
 
-  // The column, complete. What a person should know about it is added to `remarks`. `unknown_texts`
-  // are those that were taken for the unknown value.
-  std::unique_ptr<impls::column> take(const std::vector<std::string>& unknown_texts,
-                                      std::vector<table_remark>& remarks);
+  // Adds the column to `columns` if it is of texts that are nearly numbers, and should be of
+  // numbers.
+  void add_near_numbers(std::vector<near_numbers>& columns) const;
+
+  // The column, complete. What else a person should know about it is added to `remarks`.
+  std::unique_ptr<impls::column> take(std::vector<table_remark>& remarks);
 
  private:
   void add_declared_values();
-  bool take_text(unsigned int code);
+  bool take_text(unsigned int code) const;
+  std::uint64_t identity_of(const char* number) const;
+  void find_near_numbers();
+  std::unique_ptr<decimal_scale> scale_of_decimals();
+  std::unique_ptr<impls::o_set> new_domain(const std::string& null_text) const;
   std::unique_ptr<impls::o_set> make_domain();
   std::string kind() const;
   std::string advice() const;
-  table_remark remark_on_other_texts(const std::vector<std::string>& unknown_texts) const;
   std::vector<table_remark> remarks_on_values() const;
 
   settings chosen;
@@ -73,8 +80,11 @@ class column_loader {
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;
-  std::unordered_set<std::uint64_t> declared_numbers;  // as number_identity has them
-  std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
+  // Of declared numbers, as number_identity has them. Most columns have none, and there may be a
+  // million columns.
+  std::unique_ptr<std::unordered_set<std::uint64_t>> declared_numbers;
+  std::unique_ptr<near_numbers> near;  // if the texts are nearly numbers
+  std::size_t lost_numbers = 0;        // distinct ones that are equal to others as float
 };
 
 }  // namespace arbor::tree

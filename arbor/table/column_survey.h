@@ -1,13 +1,16 @@
 // What the cells of a column have in common: the narrowest data type that holds them all.
 //
-//   const column_survey survey = surveyed(cells);   // survey.data_type is "float"
+//   const column_survey survey = surveyed(cells, {});   // survey.data_type is "decimal"
 #ifndef ARBOR_TABLE_COLUMN_SURVEY_H
 #define ARBOR_TABLE_COLUMN_SURVEY_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "arbor/csv/number_form.h"
 #include "arbor/table/column_cells.h"
+#include "arbor/table/decimal_domain.h"
 
 namespace arbor::tree {
 
@@ -18,20 +21,28 @@ struct column_survey {
     std::size_t cells;
   };
 
-  std::string data_type = "null";    // null (without known values), integer, float or string
-  std::vector<double> text_numbers;  // of a column of numbers: those of the dictionary's texts,
-                                     // entry i that of code i + 1
-  std::size_t number_cells = 0;      // how many cells are numbers, up to the last of these:
-  std::vector<other_text> others;    // the first texts that are not, at most other_texts_end
+  // null (without known values), integer, uinteger, decimal, float or string.
+  std::string data_type = "null";
+  std::unique_ptr<decimal_scale> scale;  // of a column of decimals
+  std::vector<double> text_numbers;      // of a column of numbers: those of the dictionary's texts,
+                                         // entry i that of code i + 1
+  std::size_t number_cells = 0;          // how many cells are numbers, up to the last of these:
+  std::vector<other_text> others;        // the first texts that are not, at most other_texts_end
 };
 
 // A few texts among numbers may be there by mistake and are worth a remark, fewer than this.
 constexpr std::size_t other_texts_end = 4;
 
-column_survey surveyed(column_cells& cells);
+// If all cells are numbers that are written in this form, their texts are replaced by the usual
+// ones.
+column_survey surveyed(column_cells& cells, const number_form& form);
 
-// Whether a text is of a data type of numbers, and which number it is then.
-bool read_as(const std::string& data_type, const char* text, double& number);
+// Replaces the texts of numbers in this form by the usual ones. Returns the number of each, entry i
+// that of code i + 1.
+std::vector<double> usual_numbers(column_cells& cells, const number_form& form);
+
+// Whether a text in this form is of a data type of numbers.
+bool is_of_type(const std::string& data_type, const number_form& form, const char* text);
 
 }  // namespace arbor::tree
 

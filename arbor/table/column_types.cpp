@@ -14,6 +14,7 @@
 #include "arbor/csv/row_division.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/table/decimal_domain.h"
 #include "arbor/table/table_loader.h"
 #include "arbor/table/value_text.h"
 
@@ -103,7 +104,7 @@ declared_table read_types(const std::string& path) {
 void write_types(std::ostream& out, const table& of) {
   out << types_beginning;
   for (const auto& column : of.columns) {
-    const std::string data_type = column->get_o_set()->get_datatype();
+    const std::string data_type = data_type_of(*column);
     append(column->get_name(), out);
     out << ',' << column->get_type() << ',' << (data_type == "null" ? "" : data_type);
     const bool has_values = column->is_discrete() || column->is_class();

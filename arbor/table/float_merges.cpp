@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <unordered_set>
 
+#include "arbor/table/decimal.h"
 #include "arbor/table/secret_hash.h"
 
 namespace arbor::tree {
@@ -22,45 +21,9 @@ constexpr std::uint64_t infinite_identity = 2;
 constexpr std::uint64_t negative_infinite_identity = 4;
 constexpr std::uint64_t zero_identity = 6;
 
-constexpr const char* blanks = " \t\n\v\f\r";
-
-// A number as its significant digits, without zeros at either end, times ten to the power of an
-// exponent.
-struct decimal {
-  bool negative = false;
-  std::string digits;  // none: zero
-  long long exponent = 0;
-};
-
-// Reads a text that strtod takes for a number. Returns the end of its part in decimal digits.
-const char* read_decimal(const char* text, decimal& number) {
-  const char* c = text + std::strspn(text, blanks);
-  number.negative = *c == '-';
-  if (*c == '-' || *c == '+') ++c;
-  bool after_point = false;
-  for (; (*c >= '0' && *c <= '9') || *c == '.'; ++c) {
-    if (*c == '.') {
-      after_point = true;
-      continue;
-    }
-    if (*c != '0' || !number.digits.empty()) number.digits += *c;
-    if (after_point) --number.exponent;
-  }
-  if (*c == 'e' || *c == 'E') {
-    // Far beyond what a text can be long enough to make up for.
-    constexpr long most = 1000000000;
-    char* end = nullptr;
-    number.exponent += std::clamp(std::strtol(c + 1, &end, 10), -most, most);
-    c = end;
-  }
-  const std::size_t end = number.digits.find_last_not_of('0') + 1;
-  number.exponent += static_cast<long long>(number.digits.size() - end);
-  number.digits.resize(end);
-  return c;
-}
-
-std::uint64_t identity_of(const decimal& number) {
-  if (number.digits.empty()) return zero_identity;  // whatever its exponent and sign
+std::uint64_t identity_of(const decimal_number& number) {
+  if (number.digits.empty()) return zero_identity;
+  if (is_infinite(number)) return number.negative ? negative_infinite_identity : infinite_identity;
   const plain_number plain = plain_number_of(number.negative, number.digits, number.exponent);
   if (plain != no_plain_number) return static_cast<std::uint64_t>(plain);
   std::string text =
@@ -156,12 +119,9 @@ std::uint64_t number_identity(plain_number number) {
 }
 
 std::uint64_t number_identity(const char* text) {
-  decimal number;
-  if (*read_decimal(text, number) == '\0') return identity_of(number);
-  // Hexadecimal digits or infinity. A finite double is the same number in seventeen decimal digits.
-  const double value = std::strtod(text, nullptr);
-  if (!std::isfinite(value)) return value > 0 ? infinite_identity : negative_infinite_identity;
-  return number_identity(fmt::format("{:.17g}", value).c_str());
+  decimal_number number;
+  read_exactly(text, number);
+  return identity_of(number);
 }
 
 bool may_merge_as_float(const char* text, double value) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "arbor/model/o_set_typed.h"
+#include "arbor/table/decimal_codes.h"
 #include "arbor/table/float_merges.h"
 #include "arbor/table/key_ranks.h"
 
@@ -127,7 +128,11 @@ std::size_t code_numbers(column_cells& cells, const std::vector<double>& text_nu
                      : code_floats(cells, text_numbers, domain);
   }
   if (data_type == "double") return code_number_texts<double>(cells, text_numbers, domain);
-  if (data_type == "uinteger") return code_number_texts<unsigned int>(cells, text_numbers, domain);
+  if (data_type == "uinteger") {
+    const auto* const decimals = dynamic_cast<const decimal_domain*>(&domain);
+    code_steps(cells, decimals == nullptr ? decimal_scale() : decimals->scale(), domain);
+    return 0;
+  }
   if (are_texts) return code_number_texts<int>(cells, text_numbers, domain);
   code_integers(cells, text_numbers, domain);
   return 0;

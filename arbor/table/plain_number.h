@@ -66,6 +66,14 @@ bool is_plain_integer(plain_number number, int& value);
 
 std::string text_of(plain_number number);
 
+// Its digits without the point, negative for a negative number, and how many of them are decimals.
+inline std::int64_t plain_digits(plain_number number) {
+  return number / 32;
+}
+inline unsigned int plain_decimals(plain_number number) {
+  return static_cast<unsigned int>((number < 0 ? -number : number) % 32);
+}
+
 // The double that strtod reads from the text in a locale whose point is ".".
 double value_of(plain_number number);
 

@@ -71,8 +71,10 @@ class loading {
     result.name = file.name();
     result.class_index = class_cell;
     make_columns_and(result.cases);
-    for (const auto& loader : loaders)
-      result.columns.push_back(loader->take(file.unknowns().texts(), result.remarks));
+    std::vector<near_numbers> texts;
+    for (const auto& loader : loaders) loader->add_near_numbers(texts);
+    result.remarks = remarks_on_texts(texts, file.unknowns().texts());
+    for (const auto& loader : loaders) result.columns.push_back(loader->take(result.remarks));
     result.input_remarks = file.remarks();
     if (unclassed_rows > 0) {
       result.input_remarks.push_back(
@@ -112,9 +114,9 @@ class loading {
     const declared_column* const as = declarations[cell];
     const bool is_declared = type.empty() && as != nullptr;
     try {
-      return std::make_unique<column_loader>(
-          column_loader::settings{name, kind_of(cell), is_declared ? as->data_type : type,
-                                  null_value, is_declared && as->values ? &*as->values : nullptr});
+      return std::make_unique<column_loader>(column_loader::settings{
+          name, kind_of(cell), is_declared ? as->data_type : type, null_value,
+          options.input.numbers, is_declared && as->values ? &*as->values : nullptr});
     } catch (const std::runtime_error& refusal) {
       file.fail("column " + in_quotes(name) + ": " + refusal.what());
     }
@@ -222,11 +224,13 @@ class loading {
     }
   }
 
-  // Reads the next blocks, in the order of the file.
+  // Reads the next blocks, in the order of the file. Those that there are no more of come last: they
+  // still have the number of an earlier block.
   void read(std::vector<row_block>& blocks) {
     pool->for_each(blocks.size(), [&](std::size_t i) { read(blocks[i]); });
     std::sort(blocks.begin(), blocks.end(), [](const row_block& a, const row_block& b) {
-      return a.cells.number() < b.cells.number();
+      return std::make_pair(!a.exists, a.cells.number()) <
+             std::make_pair(!b.exists, b.cells.number());
     });
   }
 
@@ -239,7 +243,8 @@ class loading {
     const bool has_weights = weights_cell < file.names().size();
     if (!has_weights && !options.skips_unknown_class) return;
     block.cells.keep_rows([&](const csv_row& row) {
-      const float weight = has_weights ? file.weight(row, weights_cell) : 1.0F;
+      const float weight =
+          has_weights ? file.weight(row, weights_cell, options.input.numbers) : 1.0F;
       if (!(weight > 0)) return false;
       if (options.skips_unknown_class && file.unknowns().is_unknown(row, class_cell)) {
         ++block.unclassed_rows;
@@ -380,7 +385,8 @@ class loading {
 }  // namespace
 
 const std::vector<std::string>& data_types() {
-  static const std::vector<std::string> names{"integer", "uinteger", "float", "double", "string"};
+  static const std::vector<std::string> names{"integer", "uinteger", "decimal",
+                                              "float",   "double",   "string"};
   return names;
 }
 

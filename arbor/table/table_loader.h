@@ -5,8 +5,9 @@
 //   table golf = load_table("golf.csv", options);
 //
 // Files of other formats than CSV may declare their columns. The class is the last column that does
-// not hold the weights or identify the rows, unless another is named; every other column but that of the weights is an attribute. A column
-// holds the narrowest data type that all its known values fit: integer, else float, else string.
+// not hold the weights or identify the rows, unless another is named; every other column but that
+// of the weights is an attribute. A column holds the narrowest data type that all its known values
+// fit: integer, else uinteger, else decimal (see decimal_domain.h), else float, else string.
 // Attributes of numbers are continuous, those of texts discrete; an attribute without known values
 // is ignored.
 #ifndef ARBOR_TABLE_TABLE_LOADER_H
@@ -39,7 +40,7 @@ struct load_options {
   // and this goes before what the table's files declare. A column may also have the kind class or
   // weights.
   declared_table declared;
-  // By column name: integer, uinteger, float, double or string.
+  // By column name: integer, uinteger, decimal, float, double or string.
   std::map<std::string, std::string> types;
   // By attribute name: discrete, continuous or ignore.
   std::map<std::string, std::string> kinds;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 
+#include "arbor/table/decimal_domain.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
@@ -124,7 +125,7 @@ bool find_value(const column& column, const char* text, unsigned int& code) {
   double number = 0;
   if (data_type != "string" && !read_known_number(text, number)) return false;
   code = 0;
-  if (data_type != "integer" && data_type != "uinteger") {
+  if ((data_type != "integer" && data_type != "uinteger") || scale_of(column) != nullptr) {
     code_of_text(column, text, code);
   } else if (is_of_integer_type(data_type, number)) {
     domain.get_order(std::to_string(static_cast<long long>(number)).c_str(), code);

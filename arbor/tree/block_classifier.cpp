@@ -5,6 +5,7 @@
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/table/decimal_domain.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {
@@ -31,8 +32,8 @@ block_classifier::block_classifier(const csv_table& table, const decision_tree& 
       cells(used),
       options(chosen),
       writes_rows(writes),
-      predict(grown, chosen.estimate),
-      read_class(*grown.class_column),
+      predict(grown, chosen.estimate, chosen.input.numbers),
+      read_class(*grown.class_column, chosen.input.numbers),
       texts(grown.attributes.size()) {}
 
 std::size_t block_classifier::operator()(const csv_block& block, std::size_t next,
@@ -53,7 +54,8 @@ std::size_t block_classifier::operator()(const csv_block& block, std::size_t nex
 }
 
 void block_classifier::classify(const csv_row& row, classified_rows& result) {
-  const double weight = cells.weight ? static_cast<double>(file.weight(row, *cells.weight)) : 1;
+  const double weight =
+      cells.weight ? static_cast<double>(file.weight(row, *cells.weight, options.input.numbers)) : 1;
   for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = known_cell(row, cells.attributes[i]);
   prediction& predicted = predict(texts);
   if (weight > 0) {
@@ -81,7 +83,7 @@ void block_classifier::take_stray(const csv_row& row, std::size_t attribute,
   if (options.strict) {
     file.fail(row, cell,
               "no number; the model has numbers in the column, of the type " +
-                  tree.attributes[attribute]->get_o_set()->get_datatype());
+                  data_type_of(*tree.attributes[attribute]));
   }
   if (strays.count++ > 0) return;
   strays.first = in_quotes(texts[attribute].begin);

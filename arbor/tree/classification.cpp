@@ -6,6 +6,7 @@
 #include <string>
 
 #include "arbor/csv/shown_text.h"
+#include "arbor/table/decimal_domain.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/value_reader.h"
 
@@ -49,7 +50,7 @@ class low_side {
  public:
   low_side(const column& attribute, const column& table_column, const std::string& at)
       : source(table_column), threshold(at), read(attribute) {
-    same_type = source.get_o_set()->get_datatype() == attribute.get_o_set()->get_datatype();
+    same_type = data_type_of(source) == data_type_of(attribute);
     limit = read.number(threshold.c_str());
   }
 

@@ -4,6 +4,7 @@
 #include <numeric>
 #include <utility>
 
+#include "arbor/table/decimal_domain.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/growing/test_choice.h"
 #include "arbor/tree/growing/threshold.h"
@@ -42,7 +43,7 @@ attribute_rating rating_of(const column& attribute, const impls::w_sequence& cas
   attribute_rating rating;
   rating.name = attribute.get_name();
   rating.kind = attribute.get_type();
-  rating.data_type = attribute.get_o_set()->get_datatype();
+  rating.data_type = data_type_of(attribute);
   rating.values = attribute.get_o_set()->size_of_known();
   rating.unknown_cells = unknown_cells(attribute, cases);
   if (split.exists()) {

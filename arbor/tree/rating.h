@@ -26,7 +26,7 @@ struct split_rating {
 struct attribute_rating {
   std::string name;
   std::string kind;               // discrete, continuous or ignore
-  std::string data_type;          // integer, uinteger, float, double, string or null
+  std::string data_type;          // integer, uinteger, decimal, float, double, string or null
   unsigned int values = 0;        // the number of distinct known values
   std::size_t unknown_cells = 0;  // the number of cases with an unknown value
   std::optional<split_rating> split;

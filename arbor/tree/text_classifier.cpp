@@ -7,9 +7,9 @@ namespace arbor::tree {
 
 namespace {
 
-std::vector<value_reader> readers_of(const decision_tree& tree) {
+std::vector<value_reader> readers_of(const decision_tree& tree, const number_form& form) {
   std::vector<value_reader> readers;
-  for (const auto& attribute : tree.attributes) readers.emplace_back(*attribute);
+  for (const auto& attribute : tree.attributes) readers.emplace_back(*attribute, form);
   return readers;
 }
 
@@ -27,9 +27,10 @@ std::vector<double> threshold_numbers(const decision_tree& tree,
 
 }  // namespace
 
-text_classifier::text_classifier(const decision_tree& grown, leaf_estimate estimate)
+text_classifier::text_classifier(const decision_tree& grown, leaf_estimate estimate,
+                                 const number_form& form)
     : tree(&grown),
-      readers(readers_of(grown)),
+      readers(readers_of(grown, form)),
       predict(std::make_shared<class_probabilities>(grown, threshold_numbers(grown, readers),
                                                     estimate)),
       values(readers.size()) {}

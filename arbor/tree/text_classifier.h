@@ -20,8 +20,10 @@ namespace arbor::tree {
 // another thread.
 class text_classifier {
  public:
+  // `form` is how the numbers of the texts are written.
   explicit text_classifier(const decision_tree& tree,
-                           leaf_estimate estimate = leaf_estimate::smoothed);
+                           leaf_estimate estimate = leaf_estimate::smoothed,
+                           const number_form& form = {});
 
   // `texts` has an entry for each attribute of the tree: the text as it stands in a table, without
   // a beginning for the unknown value. Numbers are compared as numbers, whatever the data type of

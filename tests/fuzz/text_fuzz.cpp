@@ -1,11 +1,14 @@
 // Texts of numbers and cells: reading, printing and reading again gives the same, and every fast
 // way agrees with the general one.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 #include "arbor/csv/csv_cell.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/number_form.h"
 #include "arbor/csv/shown_text.h"
+#include "arbor/table/decimal_domain.h"
 #include "arbor/table/float_merges.h"
 #include "arbor/table/value_text.h"
 #include "arbor/utils/number_text.h"
@@ -50,6 +53,39 @@ static void check_plain(const std::string& text) {
       "merges are foreseen");
 }
 
+// A scale of quarters and one of many decimals.
+static void check_decimal(const std::string& text) {
+  decimal_number exact;
+  double value = 0;
+  const bool is_number = read_known_number(text.c_str(), value);
+  check(read_exactly(text.c_str(), exact) == is_number, "every number is read exactly");
+  if (!is_number) return;
+  for (const decimal_scale& scale : {decimal_scale{-500, 25, 2}, decimal_scale{7, 3, 30}}) {
+    const double position = scale.position(exact);
+    const auto step = static_cast<unsigned int>(std::min(std::max(position, 0.0), 4294967295.0));
+    decimal_number low;
+    check(read_decimal(scale.text_of(step).c_str(), low), "a step has a text");
+    const int order = compare(exact, low);
+    check(position < 0       ? order < 0
+          : position == step ? order == 0
+                             : order > 0,
+          "a position is exact");
+    const std::string padded = text + '\0' + std::string(readable_after_cell, '7');
+    const plain_number plain = read_plain_number({padded.c_str(), text.size()});
+    check(plain == no_plain_number || scale.position(plain) == position,
+          "a plain number has its position");
+  }
+}
+
+static void check_form(const std::string& text) {
+  std::string storage;
+  for (const number_form& form : {number_form{',', true, {"%"}}, number_form{'.', true, {}}}) {
+    const char* const usual = usual_text(form, text.c_str(), storage);
+    double value = 0;
+    check(usual == nullptr || read_known_number(usual, value), "a number in a form is a number");
+  }
+}
+
 static void check_cell(const std::string& text) {
   const memory_file file("x," + csv_cell(text) + "\n");
   arbor::tests::read_rows(file.path(),
@@ -64,6 +100,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   const std::string text = std::string(data, data + size).c_str();
   check_number(text);
   check_plain(text);
+  check_decimal(text);
+  check_form(text);
   check_cell(text);
   return 0;
 }

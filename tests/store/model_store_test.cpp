@@ -120,6 +120,39 @@ TEST(ModelStore, RefusesEachFaultOfATreeBehindACorrectChecksum) {
   refuses("a column has rows", [](auto& t) { t.attributes[1]->push_back("0.5"); });
 }
 
+// Replaces bytes this far from the end of the saved sample tree, whose last ones are its scale.
+std::string with_scale_bytes(std::size_t from_end, const std::string& changed) {
+  std::string bytes = saved(sample_tree());
+  bytes.replace(bytes.size() - from_end, changed.size(), changed);
+  correct_checksum(bytes);
+  return used(bytes);
+}
+
+TEST(ModelStore, SavesTheScalesOfDecimalsBehindTheNodesAndRefusesEachFaultOfThem) {
+  const std::string bytes = saved(sample_tree());
+  std::string tail(44, '\0');  // one scale, of attribute 2: 0.5 and 1.5 are 5 and 15 tenths
+  for (const auto& [place, byte] : {std::pair{0, 1}, {4, 2}, {8, 1}, {12, 5}, {28, 10}})
+    tail[static_cast<std::size_t>(place)] = static_cast<char>(byte);
+  EXPECT_EQ(bytes.substr(bytes.size() - tail.size()), tail);
+  const std::string zero(1, '\0'), ones(16, '\xFF'), half = std::string(15, '\0') + '\x40';
+  EXPECT_EQ(with_scale_bytes(44, zero), ": damaged: something follows the last node");
+  EXPECT_EQ(with_scale_bytes(40, zero), ": damaged: a scale is of no column of steps");
+  EXPECT_EQ(with_scale_bytes(40, "\3"), ": damaged: a scale is of no column of steps");
+  EXPECT_EQ(with_scale_bytes(40, "\4"), ": damaged: the scales of columns are out of order");
+  EXPECT_EQ(with_scale_bytes(36, "\x26"), ": damaged: a column has no proper scale");
+  for (const std::string& number : {zero, ones, half})
+    EXPECT_EQ(with_scale_bytes(16, number), ": damaged: a column has no proper scale");
+  EXPECT_EQ(with_scale_bytes(32, half), ": damaged: a column has no proper scale");
+  EXPECT_EQ(with_scale_bytes(32, ones), ": damaged: a threshold is no value");
+  refuses("a column has no proper scale", [](auto& t) {
+    const auto end = tree::wide_powers_of_ten[tree::most_scale_digits];
+    std::string error;
+    auto domain = std::make_unique<tree::decimal_domain>(tree::decimal_scale{end - 1, 1, 0},
+                                                         *make_domain("uinteger", {"0", "1"}));
+    t.attributes.emplace_back(column::NEW_COLUMN(domain.release(), "new", "discrete", error));
+  });
+}
+
 TEST(ModelStore, RefusesEveryTruncationAndChangedByteAndIsNotHarmedByThoseItCannotTell) {
   const std::string bytes = saved(sample_tree());
   const temporary_file whole(bytes);

@@ -12,7 +12,8 @@
 
 namespace arbor::tests {
 
-// Options in words: "class play weights w unknown NA type size float kind size discrete".
+// Options in words: "class play weights w unknown NA type size float kind size discrete decimal ,
+// strip $".
 inline tree::load_options options_of(const std::string& words) {
   std::istringstream in(words);
   tree::load_options options;
@@ -20,6 +21,8 @@ inline tree::load_options options_of(const std::string& words) {
     if (what == "class") options.class_name = name;
     if (what == "weights") options.weights_name = name;
     if (what == "unknown") options.input.unknown_texts.push_back(name == "''" ? "" : name);
+    if (what == "strip") options.input.numbers.stripped.push_back(name);
+    if (what == "decimal") options.input.numbers = {name[0], true, options.input.numbers.stripped};
     if (what == "type") in >> options.types[name];
     if (what == "kind") in >> options.kinds[name];
   }

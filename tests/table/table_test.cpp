@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <random>
 #include <regex>
 #include <set>
+#include <utility>
 
+#include "arbor/table/decimal_domain.h"
 #include "arbor/table/secret_hash.h"
 #include "arbor/table/value_text.h"
 #include "tests/support/tables.h"
@@ -18,7 +21,7 @@ using tree::table;
 
 // A column as "type kind: value value ...", each of which the column finds again.
 std::string described(const column& source) {
-  std::string text = source.get_o_set()->get_datatype() + " " + source.get_type() + ":";
+  std::string text = tree::data_type_of(source) + " " + source.get_type() + ":";
   for (unsigned int row = 0; row < source.size(); ++row) {
     const unsigned int code = source.get_row_index(row);
     const std::string value = tree::value_text(source, code);
@@ -54,16 +57,43 @@ std::string outcome(const std::string& lines, const std::string& options) {
 // A line each: the file's lines | options => outcome, which goes on in indented lines.
 const std::string files_and_outcomes =
     R"(i,f,s,late,none/1,1.5,x,1,?/-2,2,1,2.5,/,?,,1,? | => integer continuous: 1 -2 ?;
- float continuous: 1.5 2 ?; string discrete: x 1 ?; float continuous: 1 2.5 1; null ignore:;
+ decimal continuous: 1.5 2 ?; string discrete: x 1 ?; decimal continuous: 1 2.5 1; null ignore:;
  # column "none" has no known value and is ignored
 p,n,b/+,nan,2147483648/1,1,1 | => string discrete: + 1; string discrete: nan 1;
- float continuous: 2147483648 1;
+ uinteger continuous: 2147483648 1;
 a/1.50/007/b/e | => string discrete: 1.50 007 b e;
 a/""//b | => string discrete:  ? b;
 a/0.1/1e-45/-3e-45/inf/3.4028235e38/-1e99 | => float continuous: 0.1 1e-45 -3e-45 inf
  3.4028235e+38 -inf;
-z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/0,-1,?,? | => float continuous: 1.5 0 0 0;
- float continuous: 1.5 -0 -0 -1; float continuous: 1 -0 -0 ?; integer continuous: 0 0 ? ?;
+z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/0,-1,?,? | => decimal continuous: 1.5 0 0 0;
+ decimal continuous: 1.5 0 0 -1; decimal continuous: 1 0 0 ?; integer continuous: 0 0 ? ?;
+z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/inf,-inf,inf,? | => float continuous: 1.5 0 0 inf;
+ float continuous: 1.5 -0 -0 -inf; float continuous: 1 -0 -0 inf; integer continuous: 0 0 ? ?;
+a,b,d/1.50,-7,0/15e-1,3000000000,4294967295/ 1.5,+3,1 | => decimal continuous: 1.5 1.5 1.5;
+ decimal continuous: -7 3000000000 3; uinteger continuous: 0 4294967295 1;
+a,b/0.5,0.5/4294967295.5,4294967296.5/1.5,1.5 | => decimal continuous: 0.5 4294967295.5 1.5;
+ float continuous: 0.5 4294967296 1.5;
+a,b/-9223372036854775808,1e36/18446744073709551615,1e-37/0,0 | =>
+ float continuous: -9.223372e+18 1.8446744e+19 0; float continuous: 1e+36 1e-37 0;
+a,b/1e36,1e-37/-1e36,0/1e36,1e-37 | type b decimal kind a discrete => decimal discrete:
+ 1000000000000000000000000000000000000 -1000000000000000000000000000000000000
+ 1000000000000000000000000000000000000; decimal continuous:
+ 0.0000000000000000000000000000000000001 0 0.0000000000000000000000000000000000001;
+a,b/1,7/2,7/3,7 | type a decimal type b decimal => decimal continuous: 1 2 3;
+ decimal continuous: 7 7 7;
+a/0/4294967296/1 | type a decimal => : column "a": its numbers are no multiples of a common step with
+ at most 4294967295 steps between the least and the greatest, which the type decimal needs; the type
+ float rounds them
+a/inf | type a decimal => :2: column "a": "inf" is not of the type decimal that was chosen for the
+ column
+a,b,d/"1.234,5 €","1 234,50","-$1,50"/7,",5",$-2e1/+1.234.567 €,"1'234'567",3 | decimal , strip €
+ strip $ => decimal continuous: 1234.5 7 1234567; decimal continuous: 1234.5 0.5 1234567;
+ decimal continuous: -1.5 -20 3;
+a,b/1.5,007/"1,5",1.234/1.234,1'234 | decimal , => string discrete: 1.5 1,5 1.234;
+ integer continuous: 7 1234 1234;
+ # column "a" is of texts, but all its values are numbers except "1.5" in 1 cell '?' '' '1.5'
+a,b/1.234,7/2.5,"1,234" | decimal . type b integer kind a discrete => decimal discrete: 1.234 2.5;
+ integer continuous: 7 1234;
 a,b/01,3/NA,/1,4 | type a string kind b discrete unknown NA unknown '' => string discrete: 01 NA 1;
  integer discrete: 3 ? 4;
 a/?/NA//"" | kind a ignore unknown NA unknown '' unknown "" => string ignore: ? NA NA NA;
@@ -75,28 +105,36 @@ a/N	A/1/2 | => string discrete: N	A 1 2;
  # column "a" is of texts, but all its values are numbers except "N\tA" in 1 cell
 a/1/2/3/4/r/s/t | => string discrete: 1 2 3 4 r s t; # column "a" is of texts, but all its values
  are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell '?' '' 'r' 's' 't'
+a,b,d,e,f/1,2,3,4,r/1,2,3,-,5/NA,NA,NA,4,5 | => string discrete: 1 1 NA; string discrete: 2 2 NA;
+ string discrete: 3 3 NA; string discrete: 4 - 4; string discrete: r 5 5; # columns "a", "b", "d" and
+ 2 more are of texts, but all their values are numbers except "NA" in 3 cells, "-" in 1 cell, "r" in
+ 1 cell '?' '' 'NA' '-' 'r'
+a,b,d/1,1,1/r,u,x/s,v,2/t,w,3/4,4,4/5,5,5/6,6,6 | => string discrete: 1 r s t 4 5 6;
+ string discrete: 1 u v w 4 5 6; string discrete: 1 x 2 3 4 5 6; # columns "a", "b" and "d" are of
+ texts, but all their values are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell, "u" in
+ 1 cell, "v" in 1 cell and 2 other texts '?' '' 'r' 's' 't' 'u' 'v'
 a/1/2/3/4/5/r/s/t/u | => string discrete: 1 2 3 4 5 r s t u;
 a/1 | => integer continuous: 1; # column "c" is the class and has a single value: nothing can be
  gained
-a,b/16777216,1.5/16777217,inf/+16777217,1e39/0.1,-1e39/0.10,? | => float continuous: 16777216
- 16777216 16777216 0.1 0.1; float continuous: 1.5 inf inf -inf ?;
+a,b/16777216,1.5/16777217,inf/+16777217,1e39/0.1,-1e39/0.10,? | type a float => float continuous:
+ 16777216 16777216 16777216 0.1 0.1; float continuous: 1.5 inf inf -inf ?;
  # column "a" loses 1 distinct number: as float it is equal to another one
  # column "b" loses 1 distinct number: as float it is equal to another one
 a/1e-60/2e-60/1e-60/-1e-60/3 | => float continuous: 0 0 0 0 3;
  # column "a" loses 2 distinct numbers: as float they are equal to others
 a,b/0x1000001,12345678901234567890/16777216,12345678901234567891/16777217,1.2345678901234567891e19
- | => float continuous: 16777216 16777216 16777216;
+ | type b float => float continuous: 16777216 16777216 16777216;
  float continuous: 1.2345679e+19 1.2345679e+19 1.2345679e+19;
  # column "a" loses 1 distinct number: as float it is equal to another one
  # column "b" loses 1 distinct number: as float it is equal to another one
-a/+10000000100/+10000000200 | => float continuous: 1e+10 1e+10;
+a/+10000000100/+10000000200 | type a float => float continuous: 1e+10 1e+10;
  # column "a" loses 1 distinct number: as float it is equal to another one
 size/1 | class siez => : there is no column "siez" for the class; did you mean "size"?
 size/1 | weights kg => : there is no column "kg" for the weights
 size/1 | type zzz float => : there is no column "zzz" for the type
 size/1 | kind zzz ignore => : there is no column "zzz" for the kind
-size/1 | type size flaot => the type: column "size": "flaot" is none of integer, uinteger, float,
- double, string; did you mean "float"?
+size/1 | type size flaot => the type: column "size": "flaot" is none of integer, uinteger, decimal,
+ float, double, string; did you mean "float"?
 size/1 | kind size class => the kind: column "size": "class" is none of discrete, continuous, ignore
 size/1 | kind c ignore => : the kind: column "c" is the class, not an attribute
 w,a/1,1 | weights w kind w ignore => : the kind: column "w" holds the weights, not an attribute
@@ -107,13 +145,13 @@ a/1.5 | type a integer => :2: column "a": "1.5" is not of the type integer that 
 a/nan | type a float => :2: column "a": "nan" is not of the type float that was chosen for the
  column
 a/1 | type a double => : column "a": Continuous column 'a' requires a numeric data type; the numeric
- data types are integer, uinteger and float
+ data types are integer, uinteger, decimal and float
 a/red | kind a continuous => : column "a": Continuous column 'a' requires a numeric data type; "red"
  is no number
 a/? | kind a discrete => : column "a": Null set of column values can only be used for ignore column
  type; it has no known value, and can only be ignored
 w,a/0,1 | weights w => : every row has the weight 0
-w,a/6e35,1/7e35,2 | weights w => float weights: 6e+35 7e+35; integer continuous: 1 2;
+w,a/6e35,1/7e35,2 | weights w type w float => float weights: 6e+35 7e+35; integer continuous: 1 2;
 w,a/7e35,1/7e35,2 | weights w => : column "w": the weights add up to 1.4e+36, and above 1.329228e+36
  the sums that make up a gain do not fit a float; divide all weights by the same number
 w,a/1,1/-1,1 | weights w => :3: column "w": "-1" is no weight; a weight is a finite number from 0
@@ -147,7 +185,7 @@ TEST(Table, HasTheWeightsAndCodesOfItsRows) {
   ASSERT_EQ(loaded.cases.size(), 3U);
   EXPECT_EQ(loaded.total_weight, 3.5F);
   EXPECT_THAT(tree::class_weights(loaded.class_column(), loaded.cases), ElementsAre(1.5F, 2.0F));
-  EXPECT_EQ(described(*loaded.columns[2]), "float weights: 0.5 2 1");
+  EXPECT_EQ(described(*loaded.columns[2]), "decimal weights: 0.5 2 1");
   EXPECT_EQ(tree::unknown_cells(*loaded.columns[0], loaded.cases), 1U);
   const auto range = tree::occurring_range(*loaded.columns[0], {{1, 1}, {2, 1}});
   EXPECT_EQ(range.first * 10 + range.second, 23U);
@@ -160,6 +198,51 @@ TEST(Table, HasTheWeightsAndCodesOfItsRows) {
 bool fits(const std::string& type, const std::string& cell) {
   if (type != "string" && (cell == "+" || cell == "nan")) return false;
   return message_of([&] { make_domain(type, {cell}); }).empty();
+}
+
+// The scale of some texts, each brought to twenty decimals; nothing if there is none.
+std::optional<tree::decimal_scale> plain_scale(const std::set<std::string>& cells) {
+  std::vector<tree::wide_integer> numbers;
+  for (const std::string& cell : cells) {
+    tree::wide_integer number = 0;
+    int decimals = 0;
+    bool after_point = false;
+    const char* c = cell.c_str() + cell.find_first_not_of(' ');
+    const bool negative = *c == '-';
+    for (c += negative || *c == '+' ? 1 : 0; *c == '.' || (*c >= '0' && *c <= '9'); ++c) {
+      after_point = after_point || *c == '.';
+      if (*c == '.') continue;
+      number = number * 10 + (*c - '0');
+      decimals += after_point ? 1 : 0;
+    }
+    if (*c == 'e') decimals -= std::stoi(c + 1);
+    if (*c != 'e' && *c != '\0') return std::nullopt;
+    if (decimals > 20) return std::nullopt;
+    for (; decimals < 20; ++decimals) number *= 10;
+    numbers.push_back(negative ? -number : number);
+  }
+  const auto [least, greatest] = std::minmax_element(numbers.begin(), numbers.end());
+  tree::decimal_scale scale{*least, 0, 20};
+  for (const tree::wide_integer number : numbers) {
+    tree::wide_integer other = number - *least;
+    while (other != 0) scale.step = std::exchange(other, scale.step % other);
+  }
+  if (scale.step != 0 && (*greatest - *least) / scale.step > 4294967295) return std::nullopt;
+  for (; scale.decimals > 0 && scale.least % 10 == 0 && scale.step % 10 == 0; --scale.decimals) {
+    scale.least /= 10;
+    scale.step /= 10;
+  }
+  if (scale.step == 0) scale.step = 1;
+  return scale;
+}
+
+// The column that has these cells in a domain.
+std::unique_ptr<column> filled(std::unique_ptr<o_set> domain, const texts& cells) {
+  for (const std::string& cell : cells) domain->insert(cell.c_str());
+  std::string error;
+  std::unique_ptr<column> result(column::NEW_COLUMN(domain.release(), "x", "discrete", error));
+  for (const std::string& cell : cells) result->push_back(cell.c_str());
+  return result;
 }
 
 TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
@@ -196,7 +279,7 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
     }
     if (distinct.empty()) continue;
     std::string type = chosen.empty() ? "string" : chosen;
-    for (const std::string narrower : {"float", "integer"}) {
+    for (const std::string narrower : {"float", "uinteger", "integer"}) {
       const auto fits_it = [&](const std::string& cell) { return fits(narrower, cell); };
       if (chosen.empty() && std::all_of(distinct.begin(), distinct.end(), fits_it)) type = narrower;
     }
@@ -205,9 +288,81 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
     options.threads = 1 + static_cast<unsigned int>(draw(3));
     options.input.keeps_blanks = true;
     const table loaded = load_csv(csv, options);
-    EXPECT_EQ(record_of(loaded.columns[0].get()),
-              record_of(make_column("discrete", type, cells).get()))
-        << "round " << round << ", " << type;
+    const bool may_be_decimals = (chosen.empty() && type == "float") || chosen == "decimal";
+    const auto scale = may_be_decimals ? plain_scale(distinct) : std::nullopt;
+    const auto* const found = tree::scale_of(*loaded.columns[0]);
+    ASSERT_EQ(found != nullptr, scale.has_value()) << "round " << round;
+    EXPECT_TRUE(found == nullptr || *found == *scale) << "round " << round;
+    auto domain =
+        scale ? std::make_unique<tree::decimal_domain>(*scale, true, "?") : make_domain(type, {});
+    EXPECT_TRUE(record_of(loaded.columns[0].get()) ==
+                record_of(filled(std::move(domain), cells).get()))
+        << "round " << round << ", " << type << (scale ? " of decimals" : "");
+  }
+}
+
+// The second version is of integers: the values times 10^(decimals + 2), and texts between them.
+TEST(DecimalDomain, AnswersLikeExactNumbers) {
+  std::mt19937 random(3);
+  const auto draw = [&](long long end) { return static_cast<long long>(random() % end); };
+  for (int round = 0; round < 60; ++round) {
+    const auto decimals = static_cast<unsigned int>(draw(5));
+    const long long least = (draw(2000) - 1000) * (draw(2) == 0 ? 1 : 10000000000);
+    const long long step = 1 + draw(3) * draw(2000);
+    const auto spelled = [&](long long number) {
+      const std::string digits = std::to_string(number);
+      return draw(2) == 0 ? digits + "e-" + std::to_string(decimals + 2)
+                          : digits + "00e-" + std::to_string(decimals + 4);
+    };
+    std::set<long long> drawn;
+    const std::string null_text = draw(2) == 0 ? "?" : std::to_string(draw(9));
+    tree::decimal_domain filled({least, step, decimals}, true, null_text);
+    for (long long i = 1 + draw(30); i > 0; --i) {
+      const long long value = 100 * (least + step * (draw(9) == 0 ? 4294967295 : draw(40)));
+      drawn.insert(value);
+      filled.insert(spelled(value).c_str());
+    }
+    const std::string off_scale = spelled(100 * least + 50);
+    EXPECT_NE(message_of([&] { filled.insert(off_scale.c_str()); }), "");
+    EXPECT_NE(message_of([&] { filled.insert(spelled(100 * (least - step)).c_str()); }), "");
+    const std::unique_ptr<o_set> domain(filled.clone());
+    const std::vector<long long> values(drawn.begin(), drawn.end());
+    ASSERT_EQ(domain->size_of_known(), values.size());
+    for (unsigned int code = 1; code <= values.size(); ++code) {
+      const std::string value = domain->get_value(code);
+      const std::size_t point = std::min(value.find('.'), value.size());
+      EXPECT_EQ(
+          std::stoll(
+              value.substr(0, point) + value.substr(std::min(point + 1, value.size())) +
+              std::string(decimals + 2 - (value.size() - point - (point < value.size())), '0')),
+          values[code - 1]);
+      EXPECT_TRUE(point == value.size() || value.back() != '0') << value;
+      for (unsigned int high = code; high <= values.size(); ++high) {
+        unsigned int middle = code;
+        while (middle < high && 2 * values[middle] <= values[code - 1] + values[high - 1]) ++middle;
+        EXPECT_EQ(domain->find_mid_code(code, high), middle);
+        EXPECT_EQ(domain->find_mid(code, high), domain->get_value(middle));
+      }
+    }
+    for (int i = 0; i < 50; ++i) {
+      const long long number = values[static_cast<std::size_t>(draw(1000)) % values.size()] +
+                               (draw(5) - 2) * (draw(2) == 0 ? 1 : 50 * step);
+      const auto after = drawn.lower_bound(number);
+      const auto place = static_cast<unsigned int>(std::distance(drawn.begin(), after));
+      const bool is_there = after != drawn.end() && *after == number;
+      unsigned int code = 0;
+      EXPECT_EQ(domain->get_order(spelled(number).c_str(), code), is_there) << spelled(number);
+      EXPECT_EQ(code, is_there ? place + 1 : 0);
+      for (unsigned int c = 1; c <= values.size(); ++c) {
+        const int is_greater = values[c - 1] > number ? 1 : 0;
+        EXPECT_EQ(domain->leq(c, spelled(number)), is_greater);
+        EXPECT_EQ(domain->leq(spelled(values[c - 1]), spelled(number)), is_greater);
+      }
+    }
+    EXPECT_EQ(domain->leq(1, "inf") * 10 + domain->leq(1, "-1e999"), 1);
+    EXPECT_EQ(domain->leq(1, "0x" + std::string(99, 'f')) * 10 + domain->leq("-0", "0e5"), 0);
+    EXPECT_EQ(domain->leq(1, null_text) + domain->leq(null_text, "1"), -2);
+    EXPECT_EQ(message_of([&] { domain->leq(1, "x"); }), "x: not a decimal");
   }
 }
 
@@ -215,18 +370,19 @@ TEST(Table, HasTheColumnThatTheTextsMakeOneByOne) {
 TEST(Table, IsRefusedForTheFirstThingThatIsWrongOnAnyThreads) {
   const texts wrong{"x,1,1,a,1",      "1,1,1,a,-1", "1,1,1,a",  //
                     "1,\"1\"1,1,a,1", "1,1,x,?,1",  "1,1,1,a,1,1"};
-  for (std::size_t first = 0; first < wrong.size(); ++first) {
+  for (std::size_t first = 0; first < 2 * wrong.size(); ++first) {
+    const std::size_t from = first < wrong.size() ? 3000 : 33000;
     std::string csv = "x,q,y,c,w\n";
-    for (std::size_t line = 2; line < 20000; ++line) {
+    for (std::size_t line = 2; line < from + 17000; ++line) {
       const std::size_t error = first + line / 3000 - 1;
-      csv += line % 3000 == 0 ? wrong[error % wrong.size()] : "7,\"1\",?,a,1";
+      csv += line % 3000 == 0 && line >= from ? wrong[error % wrong.size()] : "7,\"1\",?,a,1";
       csv += '\n';
     }
     tree::load_options options = options_of("class c weights w type x integer type y integer");
     const auto load = [&](const std::string& path) { tree::load_table(path, options); };
     options.threads = 1;
     const std::string refused = refusal(csv, load);
-    EXPECT_EQ(refused.substr(0, 6), ":3000:") << refused;
+    EXPECT_EQ(refused.rfind(":" + std::to_string(from) + ":", 0), 0) << refused;
     options.threads = 3;
     EXPECT_EQ(refusal(csv, load), refused);
   }

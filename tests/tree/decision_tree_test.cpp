@@ -208,7 +208,7 @@ TEST(Grower, SeparatesNumbersWhoseMiddleOrTextWouldNot) {
     const texts numbers = listed(line);  // other, low, high
     std::string csv = "a,c\n" + numbers[0] + ",x\n";
     for (int i = 0; i < 2; ++i) csv += numbers[1] + ",x\n" + numbers[2] + ",y\n";
-    const table rows = load_csv(csv);
+    const table rows = load_csv(csv, options_of("type a float"));
     const decision_tree t = tree::grow_tree(rows, {rows.cases.begin() + 1, rows.cases.end()}, {});
     EXPECT_EQ(text_of(t, {1}), "a <= " + numbers[1] + ": x (2)\na > " + numbers[1] + ": y (2)\n");
   }
@@ -296,7 +296,13 @@ TEST(Classification, IsTheSameOnAnyThreadsAndEndsAtTheFirstFault) {
 // both, as for an unknown value, and "!" for a text that is no number.
 TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
   for (const auto& [chosen, expected_branches] : std::map<std::string, std::string>{
-           {"integer kind a continuous", "-7:1 01:1 2.0:1 -1e99:1 2.0000000001:2 1e0001:2 inf:2"},
+           {"integer kind a continuous",
+            "-7:1 01:1 2.0:1 -1e99:1 2.0000000001:2 1e0001:2 inf:2 "
+            "2.00000000000000000000000001:2 1.99999999999999999999999999:1"},
+           {"decimal kind a continuous",
+            "-7:1 01:1 2.0:1 20000000000000000000e-19:1 -1e300:1 -inf:1 0x2:1 0x2.1p0:2 1e0001:2 "
+            "inf:2 2.000000000000000000000000000000000000000000000000000000000001:2 1e300:2"},
+           {"decimal kind a discrete", "2.0:1 5e0:2 2.5:0 1e99:0 -inf:0 5.00000000000000000001:0"},
            {"uinteger kind a continuous", "-1:1 0:1 +2:1 2.5:2 4:2 1e10:2"},
            {"float kind a continuous", "2.00000001:1 -inf:1 0x1:1 2.1:2 1e99:2"},
            {"integer kind a discrete", "2.0:1 02:1 5e0:2 2.5:0 1e99:0 -inf:0"},
@@ -324,7 +330,8 @@ TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
   const std::string others = "d,n,c\nq,3,z\nr,3,w\nnew,3,w\np,0,x\np,3,y\np,1,x\n?,0,z\n",
                     fractions = "d,n,c\nq,1.75,z\np,1.5,x\np,1.4,y\np,-1e9,x\nr,?,y\np,2.5,y\n",
                     numbers = "d,n,c\n7,1,x\n1.5,5,x\n7.0,2,x\n", unknowns = "d,n,c\np,,x\nq,?,y\n";
-  for (const char* const numbers_of_tree : {"n integer", "n float kind n discrete"}) {
+  for (const char* const numbers_of_tree :
+       {"n integer", "n float kind n discrete", "n decimal", "n decimal kind n discrete"}) {
     const std::string csv = "d,n,c\np,1,x\np,1,x\np,5,y\np,5,y\nq,1,z\nq,5,z\nr,2,w\n7,2,w\n";
     const decision_tree t =
         grown(load_csv(csv, options_of(std::string("type ") + numbers_of_tree)), 1);
@@ -335,6 +342,7 @@ TEST(Classification, FindsTheWayOfRowsThatAnotherTableCodesOtherwise) {
                                                  {others, "type n float kind n ignore"},
                                                  {fractions, ""},
                                                  {fractions, "type n double kind n discrete"},
+                                                 {others, "type n decimal"},
                                                  {numbers, ""},
                                                  {numbers, "type d string type n float"},
                                                  {unknowns, ""}}) {

@@ -7,6 +7,7 @@ cells unknown.
 """
 
 import csv
+import decimal
 import json
 import random
 import struct
@@ -23,7 +24,8 @@ class Tree:
     def __init__(self, document):
         self.nodes = document["nodes"]
         self.classes = document["classes"]
-        self.is_float = {a["name"]: a["type"] == "float" for a in document["attributes"]}
+        self.number = {a["name"]: as_float32 if a["type"] == "float" else decimal.Decimal
+                       for a in document["attributes"]}
         self.probabilities = []
         for node in self.nodes:
             weights, n = node["weights"], sum(node["weights"])
@@ -38,7 +40,7 @@ class Tree:
         if text in ("", "?"):
             return None
         if "threshold" in node:
-            number = as_float32 if self.is_float[node["attribute"]] else float
+            number = self.number[node["attribute"]]
             text = "<=" if number(text) <= number(node["threshold"]) else ">"
         return next((c for c in node["children"] if self.nodes[c]["branch"] == text), None)
 
