@@ -221,11 +221,11 @@ std::size_t csv_table::cell_named(const std::string& column, const std::string& 
                    did_you_mean(column, all_names)));
 }
 
-float csv_table::weight(const csv_row& row, std::size_t cell, const number_form& form) const {
+float csv_table::weight(const csv_row& row, std::size_t cell) const {
   double value = 0;
   std::string storage;
   const char* text = known_text(row, cell);
-  if (text != nullptr) text = usual_text(form, text, storage);
+  if (text != nullptr) text = usual_text(options.numbers, text, storage);
   if (text == nullptr || !strata::util::read_number(text, value) || !(value >= 0) ||
       !std::isfinite(static_cast<float>(value))) {
     fail(row, cell, "no weight; a weight is a finite number from 0 up, and 0 leaves the row out");

@@ -24,7 +24,6 @@
 #include "arbor/csv/declared_table.h"
 #include "arbor/csv/input_options.h"
 #include "arbor/csv/input_remark.h"
-#include "arbor/csv/number_form.h"
 #include "arbor/csv/unknown_texts.h"
 
 namespace arbor::tree {
@@ -83,8 +82,8 @@ class csv_table {
     return unknown.known_text(row, cell);
   }
 
-  // The number in a cell of weights, finite and from 0 up, in this form. Throws for anything else.
-  float weight(const csv_row& row, std::size_t cell, const number_form& form) const;
+  // The number in a cell of weights, finite and from 0 up. Throws for anything else.
+  float weight(const csv_row& row, std::size_t cell) const;
 
   // Throws table_error with `what` after the table's name.
   [[noreturn]] void fail(const std::string& what) const;

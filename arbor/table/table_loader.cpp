@@ -244,7 +244,7 @@ class loading {
     if (!has_weights && !options.skips_unknown_class) return;
     block.cells.keep_rows([&](const csv_row& row) {
       const float weight =
-          has_weights ? file.weight(row, weights_cell, options.input.numbers) : 1.0F;
+          has_weights ? file.weight(row, weights_cell) : 1.0F;
       if (!(weight > 0)) return false;
       if (options.skips_unknown_class && file.unknowns().is_unknown(row, class_cell)) {
         ++block.unclassed_rows;

@@ -55,7 +55,7 @@ std::size_t block_classifier::operator()(const csv_block& block, std::size_t nex
 
 void block_classifier::classify(const csv_row& row, classified_rows& result) {
   const double weight =
-      cells.weight ? static_cast<double>(file.weight(row, *cells.weight, options.input.numbers)) : 1;
+      cells.weight ? static_cast<double>(file.weight(row, *cells.weight)) : 1;
   for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = known_cell(row, cells.attributes[i]);
   prediction& predicted = predict(texts);
   if (weight > 0) {
