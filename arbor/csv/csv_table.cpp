@@ -39,9 +39,11 @@ csv_table::csv_table(std::vector<std::string> paths, const input_options& chosen
   table_name = file.bytes->name();
   if (file_paths.size() > 1)
     table_name += fmt::format(" and {}", counted(file_paths.size() - 1, "more file"));
+  // A later file that is missing should not cost the time of reading those before it. Names files
+  // may be named without an ending.
   for (const std::string& path : file_paths) {
     std::error_code why;
-    if (path == "-" || std::filesystem::exists(path, why)) continue;
+    if (path == "-" || options.format == "names" || std::filesystem::exists(path, why)) continue;
     throw table_error(fmt::format("{}: cannot be opened: {}", printable(path),
                                   std::strerror(why ? why.value() : ENOENT)));
   }
