@@ -70,24 +70,25 @@ std::string advice_on_forms(const std::vector<tree::number_form>& forms,
 // All ways to keep the numbers of a float column apart, or not to need them.
 std::string advice_on_lost_numbers(const tree::table_remark& remark) {
   const auto option = [&](const char* name, const char* value) {
-    return std::string(name) + " " + tree::shell_word(remark.to_widen + "=" + value);
+    return std::string(name) + " " + tree::shell_word(remark.column + "=" + value);
   };
   const std::string rounded =
       "rounding them in the file, or subtracting a constant from them, until there are at most "
       "4294967295 steps between the least and the greatest";
-  if (remark.kind == "weights") return "; what helps is " + rounded;
+  if (remark.kind == impls::column::WEIGHTS) return "; what helps is " + rounded;
   std::string wider = option("--type", "string") + ", or " + option("--type", "double");
-  if (remark.kind == "continuous") wider += " with " + option("--kind", "discrete");
+  if (remark.kind == impls::column::CONTINUOUS) wider += " with " + option("--kind", "discrete");
   return "; what helps is " + wider +
-         (remark.kind == "class" ? "" : ", or " + option("--kind", "ignore")) + ", or " + rounded;
+         (remark.kind == impls::column::CLASS ? "" : ", or " + option("--kind", "ignore")) +
+         ", or " + rounded;
 }
 
 // The options that do what a remark proposes, if it does.
 std::string advice(const tree::table_remark& remark, const tree::number_form& chosen) {
-  if (!remark.to_ignore.empty())
-    return "; --kind " + tree::shell_word(remark.to_ignore + "=ignore") + " leaves it out";
+  if (remark.loses_numbers) return advice_on_lost_numbers(remark);
+  if (!remark.column.empty())
+    return "; --kind " + tree::shell_word(remark.column + "=ignore") + " leaves it out";
   if (!remark.to_read.empty()) return advice_on_forms(remark.to_read, chosen);
-  if (!remark.to_widen.empty()) return advice_on_lost_numbers(remark);
   if (remark.to_declare.empty()) return "";
   std::string options;
   for (const std::string& text : remark.to_declare)

@@ -69,9 +69,8 @@ void column_loader::make_column() {
   } else if (chosen.data_type != "string") {
     survey.text_numbers = usual_numbers(cells, chosen.numbers);
   }
-  if (chosen.data_type == "decimal") survey.scale = common_scale(cells);
-  if (!survey.others.empty())
-    unusual = unusual_forms(cells, survey.others.front().text, chosen.numbers);
+  if (chosen.data_type == "decimal") survey.scale = scale_of_decimals();
+  find_near_numbers();
   std::unique_ptr<impls::o_set> domain = make_domain();
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind(), error));
@@ -86,16 +85,18 @@ void column_loader::make_column() {
   survey.text_numbers = {};
 }
 
-// A domain without values.
-std::unique_ptr<impls::o_set> column_loader::new_domain(const std::string& null_text) const {
-  if (survey.scale) return std::make_unique<decimal_domain>(*survey.scale, true, null_text);
-  if (survey.data_type != "decimal") {
-    return std::unique_ptr<impls::o_set>(
-        impls::o_set::NEW_O_SET(survey.data_type, true, null_text));
-  }
+std::unique_ptr<decimal_scale> column_loader::scale_of_decimals() {
+  if (const std::optional<decimal_scale> scale = common_scale(cells))
+    return std::make_unique<decimal_scale>(*scale);
   throw std::runtime_error(
       "its numbers are no multiples of a common step with at most 4294967295 steps between the "
       "least and the greatest, which the type decimal needs; the type float rounds them");
+}
+
+// A domain without values.
+std::unique_ptr<impls::o_set> column_loader::new_domain(const std::string& null_text) const {
+  if (survey.scale) return std::make_unique<decimal_domain>(*survey.scale, true, null_text);
+  return std::unique_ptr<impls::o_set>(impls::o_set::NEW_O_SET(survey.data_type, true, null_text));
 }
 
 // The domain of the cells, whose keys become codes.
@@ -129,15 +130,21 @@ std::string column_loader::advice() const {
   return "";
 }
 
-void column_loader::add_near_numbers(std::vector<near_numbers>& columns) const {
-  if (survey.others.empty() || made->is_class() || made->is_ignore()) return;
+void column_loader::find_near_numbers() {
+  if (survey.others.empty() || kind() == "class" || kind() == "ignore") return;
+  const std::string& sample = survey.others.front().text;
+  std::vector<number_form> forms = unusual_forms(cells, sample, chosen.numbers);
   std::size_t other_cells = 0;
   for (const auto& other : survey.others) other_cells += other.cells;
-  if (!unusual.empty()) {
-    columns.push_back({chosen.name, {}, survey.others.front().text, unusual});
+  if (!forms.empty()) {
+    near = std::make_unique<near_numbers>(near_numbers{chosen.name, {}, sample, std::move(forms)});
   } else if (survey.others.size() < other_texts_end && other_cells < survey.number_cells) {
-    columns.push_back({chosen.name, survey.others, "", {}});
+    near = std::make_unique<near_numbers>(near_numbers{chosen.name, survey.others, "", {}});
   }
+}
+
+void column_loader::add_near_numbers(std::vector<near_numbers>& columns) const {
+  if (near) columns.push_back(*near);
 }
 
 // On columns whose number of values makes poor trees.
@@ -151,7 +158,7 @@ std::vector<table_remark> column_loader::remarks_on_values() const {
     remark.text = fmt::format(
         "has {} different values in {} rows, and a split by them says little about other rows",
         values(), known_cells);
-    remark.to_ignore = chosen.name;
+    remark.column = chosen.name;
   }
   if (made->is_class() && survey.data_type != "string" && values() > most_numeric_classes) {
     remarks.emplace_back().text = fmt::format(
@@ -174,8 +181,9 @@ std::unique_ptr<impls::column> column_loader::take(std::vector<table_remark>& re
     lost.text =
         fmt::format("loses {}: as float {}", counted(lost_numbers, "distinct number"),
                     lost_numbers == 1 ? "it is equal to another one" : "they are equal to others");
-    lost.to_widen = chosen.name;
-    lost.kind = made->get_type();
+    lost.column = chosen.name;
+    lost.loses_numbers = true;
+    impls::column::get_type(made->get_type(), lost.kind);
     add(std::move(lost));
   }
   table_remark unknown;

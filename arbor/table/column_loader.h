@@ -56,6 +56,8 @@ class column_loader {
   std::unique_ptr<impls::column> take(std::vector<table_remark>& remarks);
 
  private:
+  void find_near_numbers();
+  std::unique_ptr<decimal_scale> scale_of_decimals();
   std::unique_ptr<impls::o_set> new_domain(const std::string& null_text) const;
   std::unique_ptr<impls::o_set> make_domain();
   std::string kind() const;
@@ -67,8 +69,8 @@ class column_loader {
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;
-  std::vector<number_form> unusual;  // the forms in which the texts are numbers
-  std::size_t lost_numbers = 0;      // distinct ones that are equal to others as float
+  std::unique_ptr<near_numbers> near;  // if the texts are nearly numbers
+  std::size_t lost_numbers = 0;        // distinct ones that are equal to others as float
 };
 
 }  // namespace arbor::tree

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 #include "arbor/table/decimal_codes.h"
 #include "arbor/table/value_text.h"
@@ -51,7 +52,8 @@ std::string type_of_numbers(column_cells& cells, column_survey& survey) {
   }
   if (integers) return "integer";
   if (unsigned_integers) return "uinteger";
-  survey.scale = common_scale(cells);
+  if (const std::optional<decimal_scale> scale = common_scale(cells))
+    survey.scale = std::make_unique<decimal_scale>(*scale);
   return survey.scale ? "decimal" : "float";
 }
 

@@ -4,7 +4,7 @@
 #ifndef ARBOR_TABLE_COLUMN_SURVEY_H
 #define ARBOR_TABLE_COLUMN_SURVEY_H
 
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,11 +23,11 @@ struct column_survey {
 
   // null (without known values), integer, uinteger, decimal, float or string.
   std::string data_type = "null";
-  std::optional<decimal_scale> scale;  // of a column of decimals
-  std::vector<double> text_numbers;    // of a column of numbers: those of the dictionary's texts,
-                                       // entry i that of code i + 1
-  std::size_t number_cells = 0;        // how many cells are numbers, up to the last of these:
-  std::vector<other_text> others;      // the first texts that are not, at most other_texts_end
+  std::unique_ptr<decimal_scale> scale;  // of a column of decimals
+  std::vector<double> text_numbers;      // of a column of numbers: those of the dictionary's texts,
+                                         // entry i that of code i + 1
+  std::size_t number_cells = 0;          // how many cells are numbers, up to the last of these:
+  std::vector<other_text> others;        // the first texts that are not, at most other_texts_end
 };
 
 // A few texts among numbers may be there by mistake and are worth a remark, fewer than this.

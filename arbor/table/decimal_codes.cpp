@@ -236,8 +236,8 @@ std::optional<decimal_scale> common_scale(column_cells& cells) {
 void code_steps(column_cells& cells, const decimal_scale& scale, impls::o_set& domain) {
   cells.keep_as_numbers();
   if (cells.kept_as() == column_cells::form::texts) return code_step_texts(cells, scale, domain);
-  const wide_integer greatest = scale.least + scale.step * last_step;
-  const bool narrow = scale.least > -narrow_end && greatest < narrow_end;
+  const bool narrow = scale.least > -narrow_end && scale.least < narrow_end &&
+                      scale.step <= (narrow_end - scale.least) / last_step;
   if (!(narrow ? make_step_keys<long long>(cells, scale)
                : make_step_keys<wide_integer>(cells, scale))) {
     // One step more than there are keys: as texts the cells need none.

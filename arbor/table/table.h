@@ -18,15 +18,14 @@ struct table_remark {
   // Not empty: if certain texts of the table mean the unknown value, then it should be read again
   // with these unknown_texts (see load_options): those in use and these texts.
   std::vector<std::string> to_declare;
-  // Not empty: the name of a column that should rather have the kind ignore.
-  std::string to_ignore;
+  // Not empty: the name of a column that should rather have the kind ignore or, if it is one of
+  // floats that loses numbers, another data type.
+  std::string column;
+  bool loses_numbers = false;
+  impls::column::_type kind = impls::column::IGNORE;  // of the column that loses numbers
   // Not empty: the table should be read again with the first of these forms of numbers, or with the
   // second one if a mark stands before decimals that the first one takes for a mark between groups.
   std::vector<number_form> to_read;
-  // Not empty: the name of a column of floats, of this kind, which loses numbers that another data
-  // type keeps apart.
-  std::string to_widen;
-  std::string kind;
 };
 
 struct table {
