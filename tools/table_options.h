@@ -17,8 +17,8 @@ class table_options {
   void add_to(CLI::App& command);
   // Adds them to a command that grows trees, for which a table may have too many classes.
   void add_training_options_to(CLI::App& command);
-  // Adds only the options for unknown texts, numbers and weights, for tables whose types and class are those
-  // of a model.
+  // Adds only the options for unknown texts, numbers and weights, for tables whose types and class
+  // are those of a model.
   void add_cell_options_to(CLI::App& command);
   // Adds only the option for kinds.
   void add_kinds_to(CLI::App& command);
