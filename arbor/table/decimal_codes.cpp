@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <numeric>
 #include <utility>
 #include <vector>
 

@@ -69,10 +69,6 @@ bool decimal_scale::position(const char* text, double& position) const {
   return true;
 }
 
-bool operator==(const decimal_scale& a, const decimal_scale& b) {
-  return a.least == b.least && a.step == b.step && a.decimals == b.decimals;
-}
-
 bool is_sound(const decimal_scale& scale, unsigned int greatest_step) {
   const wide_integer end = wide_powers_of_ten[most_scale_digits];
   return scale.decimals <= most_scale_digits && scale.least > -end && scale.least < end &&

@@ -46,8 +46,6 @@ constexpr unsigned int last_step = std::numeric_limits<unsigned int>::max();
 // overflows. It has no more decimals.
 constexpr unsigned int most_scale_digits = 37;
 
-bool operator==(const decimal_scale& a, const decimal_scale& b);
-
 // Whether the scale is as described up to this step.
 bool is_sound(const decimal_scale& scale, unsigned int greatest_step);
 
