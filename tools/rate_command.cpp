@@ -11,12 +11,12 @@ namespace arbor::tools {
 namespace {
 
 constexpr const char* rate_help =
-    R"(The table is a CSV file whose first row names the columns. The data type of a
-column is integer, uinteger, decimal, float or string: the first that fits all
-its values.
-Attributes of numbers are continuous: their split has two branches, at the best
-threshold. Attributes of strings are discrete: their split has a branch for each
-value.
+    R"(The table is a CSV file whose first row names the columns, an ARFF file, or
+NAME.data beside NAME.names. The data type of a column is integer, uinteger,
+decimal, float or string: the first that fits all its values; all but float are
+exact. Attributes of numbers are continuous: their split has two branches, at
+the best threshold. Attributes of strings are discrete: their split has a branch
+for each value.
 
 The gain is the information gain in bits, scaled by the share of known values.
 The gain of a threshold is reduced by a penalty, since it is the best of many.
@@ -29,7 +29,8 @@ Examples:
   arbor rate golf.csv
   arbor rate golf.csv --class play --sort gain
   arbor rate survey.csv --unknown NA --unknown '' --weights count
-  gunzip -c big.csv.gz | arbor rate - --kind zip=discrete --format json)";
+  arbor rate part-*.csv.gz --kind zip=discrete --format json
+  arbor rate export.csv --decimal , --strip % --save-types export.types)";
 
 tree::rating_order order_named(const std::string& name) {
   if (name == "name") return tree::rating_order::name;

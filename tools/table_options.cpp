@@ -243,8 +243,8 @@ void add_tables(CLI::App& command, std::vector<std::string>& paths) {
   command
       .add_option(
           "TABLE", paths,
-          "A file of comma-separated values or another format, gzip or zstd or not; several "
-          "files with the same columns are one table; - is standard input")
+          "A CSV or ARFF file, or NAME.data beside NAME.names, also compressed; several files "
+          "with the same columns are one table; - is standard input")
       ->type_name("");
 }
 
