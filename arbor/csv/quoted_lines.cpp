@@ -34,10 +34,13 @@ quoted_lines::quoted_lines(row_division& to) : rows(to) {
 }
 
 void quoted_lines::take(const char* bytes, std::size_t count) {
+  // A CR and an LF with blanks between them end two lines.
+  const bool ends_in_cr = count == 0 || bytes[count - 1] == CSV_CR;
   const bool whole = csv_parse(&parser, bytes, count, on_cell, on_line_end, this) == count;
   check(whole,
         "a quote inside a cell, or one that was not closed; quote whole cells and double the "
         "quotes in them");
+  if (!ends_in_cr) after_cr = false;
 }
 
 bool quoted_lines::take_newline() {

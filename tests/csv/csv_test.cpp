@@ -40,6 +40,7 @@ TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
       {"a,b\n1,2\n", {"1:a|b", "2:1|2"}},
       {"a,b\r\n1,2", {"1:a|b", "2:1|2"}},
       {"a\rb,\r\n\"c\"\r\rd\n", {"1:a", "2:b|-", "3:c", "5:d"}},
+      {"a\r \n\"b\"\n", {"1:a", "3:b"}},
       {"\xEF\xBB\xBF\"a\",b\n\xEF\xBB\xBF\n", {"1:a|b", "2:\xEF\xBB\xBF"}},
       {" a ,\tb c \r\n , \n\n\t\nd\t", {"1:a|b c", "2:-|-", "5:d"}},
       {"\" a\" ,\"b \"\n\"\" , \"c\nd\"\n  e,  f", {"1: a|b ", "2:|c\nd", "4:e|f"}},
