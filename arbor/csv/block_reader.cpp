@@ -18,9 +18,21 @@ constexpr std::size_t readable_after_block = marked_at_once + readable_after_cel
 // So that the bounds of its cells are numbers of 32 bits.
 constexpr std::size_t longest_block = std::numeric_limits<std::uint32_t>::max() - 255;
 
+// A row of names may have a million columns.
+constexpr std::size_t longest_beginning = 1U << 26U;
+
+// Whether two lines that are not empty end in the text.
+bool has_two_lines(std::string_view text) {
+  std::size_t found = 0;
+  for (std::size_t i = 1; i < text.size() && found < 2; ++i) {
+    if (is_line_end(text[i]) && !is_line_end(text[i - 1])) ++found;
+  }
+  return found == 2;
+}
+
 // The end of the last row that ends in these bytes, which begin with a row or with empty lines; 0
-// if none does. Empty lines after that row are left to the block of the next row, which counts them,
-// while those at the end of the file do not count.
+// if none does. Empty lines after that row are left to the block of the next row, which counts
+// them, while those at the end of the file do not count.
 std::size_t end_of_rows(const char* bytes, std::size_t size, const csv_form& form) {
   bool outside = true;  // of quotes, after the character before `end`
   if (std::memchr(bytes, '"', size) != nullptr)
@@ -73,8 +85,11 @@ std::size_t line_ends_outside_quotes(const char* bytes, std::size_t size) {
 }  // namespace
 
 std::string_view block_reader::beginning() {
-  rest.resize(usual_size);
-  rest.resize(read(rest.data(), usual_size));
+  do {
+    const std::size_t size = rest.size();
+    rest.resize(std::max(usual_size, 2 * size));
+    rest.resize(size + read(rest.data() + size, rest.size() - size));
+  } while (!ended && rest.size() < longest_beginning && !has_two_lines({rest.data(), rest.size()}));
   return {rest.data(), rest.size()};
 }
 

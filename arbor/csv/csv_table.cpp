@@ -124,6 +124,7 @@ void csv_table::open_next_file() {
     if (!(*file.declared == *declarations)) refuse("declares its columns otherwise than");
     return;
   }
+  blocks->beginning();  // so that the names do not fill the first block alone
   const std::vector<std::string> names = read_first_rows().names;
   drop_names();
   if (!options.has_names || names == all_names) return;
@@ -171,11 +172,14 @@ void csv_table::check_width(csv_block& block) const {
     const char* const are = declarations        ? "there are"
                             : options.has_names ? "the first row names"
                                                 : "the first row has";
+    const char* advice = "";
+    if (row.size() > width && !declarations) {
+      advice = has_final_delimiters && row.size() == width + 1
+                   ? "; nothing stands behind the last delimiter of the first rows"
+                   : "; a cell with a delimiter in it needs quotes";
+    }
     fail_at(row, fmt::format("{}, but {} {}{}", counted(row.size(), "cell"), are,
-                             counted(width, "column"),
-                             row.size() > width && !declarations
-                                 ? "; a cell with a delimiter in it needs quotes"
-                                 : ""));
+                             counted(width, "column"), advice));
   });
   block.drop_cells_after(width);
 }
