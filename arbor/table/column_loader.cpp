@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "arbor/table/number_codes.h"
 #include "arbor/table/text_codes.h"
 #include "arbor/table/unusual_numbers.h"
+#include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
 
@@ -57,12 +59,16 @@ void column_loader::add_declared_values() {
   declared_numbers = std::make_unique<std::unordered_set<std::uint64_t>>();
   for (const std::string& value : *chosen.values) {
     const unsigned int texts_before = cells.texts().size();
-    if (cells.declare(value) <= texts_before || chosen.data_type == "string") continue;
-    if (!is_of_type(chosen.data_type, chosen.numbers, value.c_str())) {
+    std::string text = value;
+    // A declared number has a decimal point, as everywhere but in the cells.
+    if (chosen.data_type != "string")
+      std::replace(text.begin(), text.end(), '.', chosen.numbers.decimal_mark);
+    if (cells.declare(text) <= texts_before || chosen.data_type == "string") continue;
+    if (!is_of_type(chosen.data_type, chosen.numbers, text.c_str())) {
       throw std::runtime_error("the declared value " + in_quotes(value) + " is not of the type " +
                                chosen.data_type);
     }
-    declared_numbers->insert(identity_of(value.c_str()));
+    declared_numbers->insert(identity_of(text.c_str()));
   }
 }
 
@@ -70,9 +76,9 @@ std::size_t column_loader::add(const csv_block& rows, std::size_t cell,
                                const unknown_texts& unknowns) {
   const unsigned int texts_before = cells.texts().size();
   cells.add(rows, cell, unknowns);
-  if (chosen.data_type.empty()) return rows.rows();
-  // Plain numbers are kept as such only if they are of the chosen data type, and any other text has
-  // to be read only once.
+  if (chosen.data_type.empty() && chosen.kind != "continuous") return rows.rows();
+  // Plain numbers are kept as such only if the column may have them, and any other text has to be
+  // read only once.
   for (unsigned int code = texts_before + 1; code <= cells.texts().size(); ++code) {
     if (!take_text(code)) return first_row_of(cells.texts().view(code), rows, cell, unknowns);
   }
@@ -83,16 +89,26 @@ std::size_t column_loader::add(const csv_block& rows, std::size_t cell,
 bool column_loader::take_text(unsigned int code) const {
   const char* const text = cells.texts().text(code);
   if (chosen.data_type == "string") return chosen.values == nullptr;
+  if (chosen.data_type.empty()) return is_of_type("float", chosen.numbers, text);
   if (!is_of_type(chosen.data_type, chosen.numbers, text)) return false;
   return chosen.values == nullptr || declared_numbers->count(identity_of(text)) > 0;
 }
 
 std::uint64_t column_loader::identity_of(const char* number) const {
   std::string storage;
-  return number_identity(usual_text(chosen.numbers, number, storage));
+  const char* const usual = usual_text(chosen.numbers, number, storage);
+  if (chosen.data_type != "float") return number_identity(usual);
+  // Numbers that are equal as float are the same value of the column.
+  double value = 0;
+  strata::util::read_number(usual, value);
+  const float rounded = static_cast<float>(value) + 0.0F;  // -0 becomes 0
+  std::uint32_t bits = 0;
+  std::memcpy(&bits, &rounded, sizeof bits);
+  return bits;
 }
 
 std::string column_loader::what_is_expected(const std::string& refused) const {
+  if (chosen.data_type.empty()) return "no number, and the column is continuous";
   const bool is_proper =
       chosen.data_type == "string" || is_of_type(chosen.data_type, chosen.numbers, refused.c_str());
   if (!is_proper) return "not of the type " + chosen.data_type + " that was chosen for the column";
@@ -164,8 +180,6 @@ std::string column_loader::advice() const {
   if (survey.data_type == "null") return "; it has no known value, and can only be ignored";
   if (survey.data_type == "double")
     return "; the numeric data types are integer, uinteger, decimal and float";
-  if (kind() == "continuous" && !survey.others.empty())
-    return "; " + in_quotes(survey.others.front().text) + " is no number";
   return "";
 }
 

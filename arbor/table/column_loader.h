@@ -43,7 +43,8 @@ class column_loader {
   const std::string& name() const { return chosen.name; }
 
   // Takes a cell of each row. Returns the number of rows, or the first one whose text is not of the
-  // chosen data type or not one of the declared values.
+  // chosen data type, no number in a column that was chosen to be continuous, or not one of the
+  // declared values.
   std::size_t add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
 
   // What a text that add() has refused is not: "of the type ...".
@@ -82,7 +83,7 @@ class column_loader {
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;
-  // Of declared numbers, as number_identity has them. Most columns have none, and there may be a
+  // Of declared numbers, as identity_of has them. Most columns have none, and there may be a
   // million columns.
   std::unique_ptr<std::unordered_set<std::uint64_t>> declared_numbers;
   std::unique_ptr<near_numbers> near;  // if the texts are nearly numbers

@@ -52,10 +52,17 @@ class types_reader {
     return fmt::format("{}:{}: ", row.file_name(), row.line());
   }
 
+  // Spreadsheets write rows of equally many cells, with empty ones at the end.
+  static std::size_t used_cells_of(const csv_row& row) {
+    std::size_t cells = row.size();
+    while (cells > 0 && row.is_empty(cells - 1)) --cells;
+    return cells;
+  }
+
   static void check_first(const csv_row& row) {
     std::string line;
-    append_csv_cells(row, line);
-    line.back() = '\n';
+    for (std::size_t i = 0; i < used_cells_of(row); ++i) append_csv_cell(row, i, line);
+    if (!line.empty()) line.back() = '\n';
     if (line != types_beginning) throw table_error(place(row) + first_line());
   }
 
@@ -71,11 +78,12 @@ class types_reader {
     }
     if (!column.data_type.empty())
       check_choice(place(row) + "type: ", column.data_type, data_types());
-    if (row.size() > first_value) {
+    const std::size_t cells = used_cells_of(row);
+    if (cells > first_value) {
       if (column.data_type.empty())
         throw table_error(place(row) + "there are values without a type");
       column.values.emplace();
-      for (std::size_t i = first_value; i < row.size(); ++i)
+      for (std::size_t i = first_value; i < cells; ++i)
         column.values->emplace_back(row.text(i));
     }
     if (!names.insert(column.name).second)
@@ -91,8 +99,14 @@ class types_reader {
   std::set<std::string> sole_kinds;  // that a line has had, of those that only one column may have
 };
 
+// In quotes where the text would be nothing, or a comment, without them.
 void append(const std::string& text, std::ostream& out) {
-  out << (text.empty() ? "\"\"" : csv_cell(text));
+  std::string cell = csv_cell(text);
+  if (text.empty() || cell.front() == '#') {
+    cell.clear();
+    append_quoted_cell(text, cell);
+  }
+  out << cell;
 }
 
 }  // namespace

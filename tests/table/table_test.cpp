@@ -146,8 +146,7 @@ a/nan | type a float => :2: column "a": "nan" is not of the type float that was 
  column
 a/1 | type a double => : column "a": Continuous column 'a' requires a numeric data type; the numeric
  data types are integer, uinteger, decimal and float
-a/red | kind a continuous => : column "a": Continuous column 'a' requires a numeric data type; "red"
- is no number
+a/1/red | kind a continuous => :3: column "a": "red" is no number, and the column is continuous
 a/? | kind a discrete => : column "a": Null set of column values can only be used for ignore column
  type; it has no known value, and can only be ignored
 w,a/0,1 | weights w => : every row has the weight 0
