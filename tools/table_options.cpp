@@ -138,7 +138,7 @@ void table_options::add_to(CLI::App& to) {
       ->group(column_group);
   add_kinds_to(to);
   to.add_option("--types", types_path,
-                "Take kinds, types and values from this file; --class, --type and --kind go before "
+                "Take kinds, types and values from this file; --class, --type and --kind override "
                 "it")
       ->type_name("FILE")
       ->group(column_group);

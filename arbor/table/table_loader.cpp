@@ -169,6 +169,9 @@ class loading {
     }
     if (class_cell == weights_cell)
       file.fail(in_quotes(names[class_cell]) + " cannot be both the class and the weights");
+    // That a column has the numbers of the rows was a guess.
+    if (options.id_name.empty() && (id_cell == class_cell || id_cell == weights_cell))
+      id_cell.reset();
     if (id_cell == class_cell || id_cell == weights_cell) {
       file.fail(fmt::format("{} cannot be both {} and the identifiers of the rows",
                             in_quotes(names[*id_cell]),
@@ -225,8 +228,8 @@ class loading {
     }
   }
 
-  // Reads the next blocks, in the order of the file. Those that there are no more of come last: they
-  // still have the number of an earlier block.
+  // Reads the next blocks, in the order of the file. Those that there are no more of come last:
+  // they still have the number of an earlier block.
   void read(std::vector<row_block>& blocks) {
     pool->for_each(blocks.size(), [&](std::size_t i) { read(blocks[i]); });
     std::sort(blocks.begin(), blocks.end(), [](const row_block& a, const row_block& b) {

@@ -71,8 +71,8 @@ struct load_options {
 // The names of the data types that can be chosen.
 const std::vector<std::string>& data_types();
 
-// Reads the files, "-" for standard input, from beginning to end. A row of weight 0 is as if it were
-// absent.
+// Reads the files, "-" for standard input, from beginning to end. A row of weight 0 is as if it
+// were absent.
 //
 // Each file is read once, and its text is not kept. Until the last row is read a cell takes four
 // bytes, or eight in a column of numbers that are not all integers, and a column of texts its
