@@ -19,6 +19,7 @@ constexpr std::size_t most_text = 1U << 20U;
 void stray_texts::add(const stray_texts& later) {
   if (count == 0) {
     first = later.first;
+    file = later.file;
     line = later.line;
   }
   count += later.count;
@@ -54,8 +55,7 @@ std::size_t block_classifier::operator()(const csv_block& block, std::size_t nex
 }
 
 void block_classifier::classify(const csv_row& row, classified_rows& result) {
-  const double weight =
-      cells.weight ? static_cast<double>(file.weight(row, *cells.weight)) : 1;
+  const double weight = cells.weight ? static_cast<double>(file.weight(row, *cells.weight)) : 1;
   for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = known_cell(row, cells.attributes[i]);
   prediction& predicted = predict(texts);
   if (weight > 0) {
@@ -87,6 +87,7 @@ void block_classifier::take_stray(const csv_row& row, std::size_t attribute,
   }
   if (strays.count++ > 0) return;
   strays.first = in_quotes(texts[attribute].begin);
+  strays.file = row.file_name();
   strays.line = row.line_of(cell);
 }
 

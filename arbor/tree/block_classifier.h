@@ -34,6 +34,7 @@ struct used_cells {
 struct stray_texts {
   std::size_t count = 0;
   std::string first;  // in quotes
+  std::string file;   // in which it is, as messages name it
   unsigned long long line = 0;
 
   // Adds those of later rows.

@@ -119,10 +119,10 @@ class file_classifier {
   void remark_on(const stray_texts& stray, std::size_t cell) {
     if (stray.count == 0) return;
     result.remarks.push_back(fmt::format(
-        "{}: column {}: {} taken as unknown, the first is {} in line {}", file.name(),
+        "{}: column {}: {} taken as unknown, the first is {} in line {}{}", file.name(),
         in_quotes(file.names()[cell]),
         counted(stray.count, "text that is no number was", "texts that are no numbers were"),
-        stray.first, stray.line));
+        stray.first, stray.line, stray.file == file.name() ? "" : " of " + stray.file));
   }
 
   csv_table file;

@@ -57,10 +57,10 @@ struct classification_result {
 };
 
 // Writes to `rows`, unless it is null, the table's cells unchanged, between the delimiters of the
-// first file, and after them the columns "predicted" and "probability" or, with all probabilities, "predicted" and one "P(class)" for each
-// class. Columns are found by name. Throws table_error if a column is missing or, in a strict
-// classification, a text is no number; the rows before it are then written. The result is the same
-// for any number of threads.
+// first file, and after them the columns "predicted" and "probability" or, with all probabilities,
+// "predicted" and one "P(class)" for each class. Columns are found by name. Throws table_error if a
+// column is missing or, in a strict classification, a text is no number; the rows before it are
+// then written. The result is the same for any number of threads.
 classification_result classify_table(const std::vector<std::string>& paths,
                                      const decision_tree& tree,
                                      const classification_options& options, std::ostream* rows);
