@@ -11,8 +11,8 @@
 
 namespace arbor::tree {
 
-// The text in quotes, with the quotes in it doubled, if it has a delimiter, a quote or a newline, or
-// begins or ends with a blank; else as it is (RFC 4180).
+// The text in quotes, with the quotes in it doubled, if it has a delimiter, a quote or a newline,
+// or begins or ends with a blank; else as it is (RFC 4180).
 std::string csv_cell(const std::string& text, char delimiter = ',');
 
 // Appends the text in quotes, with the quotes in it doubled.

@@ -10,8 +10,8 @@ namespace arbor::tree {
 namespace {
 
 constexpr std::size_t part_size = 1U << 18U;
-// What a call that throws has read is lost, so that a call asks for less than a part; for much less,
-// zlib would copy the 32 KiB that it may refer to again each time.
+// What a call that throws has read is lost, so that a call asks for less than a part; for much
+// less, zlib would copy the 32 KiB that it may refer to again each time.
 constexpr std::size_t read_size = part_size / 2;
 
 }  // namespace

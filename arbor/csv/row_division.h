@@ -13,9 +13,9 @@ class quoted_lines;
 // Divides a block that a block_reader has filled.
 //
 // Quoted cells may contain delimiters, quotes and newlines; rows end in LF, CRLF or CR; lines that
-// are empty, or have nothing but blanks that are no part of a cell, are skipped. The block ends with
-// a table_error at a quote inside an unquoted cell or after a quoted one, a quote that is never
-// closed, and a zero byte. Throws std::bad_alloc.
+// are empty, or have nothing but blanks that are no part of a cell, are skipped. The block ends
+// with a table_error at a quote inside an unquoted cell or after a quoted one, a quote that is
+// never closed, and a zero byte. Throws std::bad_alloc.
 void divide_rows(csv_block& block);
 
 // Internal: what both ways to divide a line into cells share. They count the lines here.

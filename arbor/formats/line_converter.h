@@ -1,9 +1,10 @@
 // The lines of a file of another format as lines of comma-separated values (RFC 4180).
 //
 // Each line of the file becomes one line, so that messages about a row name its line: a line that
-// is no row becomes an empty one. The line ends in a cell, which other formats write with an escape,
-// are in quotes and do not count. An unknown value becomes an empty cell without quotes, and nothing else
-// does. (If the row has no other cell, its line is empty then, and it is no row of the table.)
+// is no row becomes an empty one. The line ends in a cell, which other formats write with an
+// escape, are in quotes and do not count. An unknown value becomes an empty cell without quotes,
+// and nothing else does. (If the row has no other cell, its line is empty then, and it is no row of
+// the table.)
 #ifndef ARBOR_FORMATS_LINE_CONVERTER_H
 #define ARBOR_FORMATS_LINE_CONVERTER_H
 
