@@ -83,8 +83,7 @@ class types_reader {
       if (column.data_type.empty())
         throw table_error(place(row) + "there are values without a type");
       column.values.emplace();
-      for (std::size_t i = first_value; i < cells; ++i)
-        column.values->emplace_back(row.text(i));
+      for (std::size_t i = first_value; i < cells; ++i) column.values->emplace_back(row.text(i));
     }
     if (!names.insert(column.name).second)
       throw table_error(place(row) + "two lines are about the column " + in_quotes(column.name));
