@@ -21,13 +21,14 @@ constexpr std::size_t longest_block = std::numeric_limits<std::uint32_t>::max() 
 // A row of names may have a million columns.
 constexpr std::size_t longest_beginning = 1U << 26U;
 
-// Whether two lines that are not empty end in the text.
-bool has_two_lines(std::string_view text) {
+// Whether a line that declares the delimiter, one of column names and one of a row end in the text.
+bool has_first_lines(std::string_view text) {
+  constexpr std::size_t most = 3;
   std::size_t found = 0;
-  for (std::size_t i = 1; i < text.size() && found < 2; ++i) {
+  for (std::size_t i = 1; i < text.size() && found < most; ++i) {
     if (is_line_end(text[i]) && !is_line_end(text[i - 1])) ++found;
   }
-  return found == 2;
+  return found == most;
 }
 
 // The end of the last row that ends in these bytes, which begin with a row or with empty lines; 0
@@ -85,11 +86,12 @@ std::size_t line_ends_outside_quotes(const char* bytes, std::size_t size) {
 }  // namespace
 
 std::string_view block_reader::beginning() {
-  do {
+  while (!ended && rest.size() < longest_beginning &&
+         !has_first_lines({rest.data(), rest.size()})) {
     const std::size_t size = rest.size();
     rest.resize(std::max(usual_size, 2 * size));
     rest.resize(size + read(rest.data() + size, rest.size() - size));
-  } while (!ended && rest.size() < longest_beginning && !has_two_lines({rest.data(), rest.size()}));
+  }
   return {rest.data(), rest.size()};
 }
 

@@ -32,9 +32,10 @@ class block_reader {
         usual_size(block_size),
         blocks(first_block) {}
 
-  // The first bytes of the file: up to the size of a block, or more until they have two lines, of
-  // the column names and of a row. The first block has these lines too, then. To be called before
-  // `next`; valid until that is called. Throws table_error when the file cannot be read.
+  // The first bytes of the file: up to the size of a block, or more until they have three lines,
+  // so that there is a row below the column names, even if a line above these declares the
+  // delimiter. The first block has these lines too, then. To be called before `next`; valid until
+  // that is called. Throws table_error when the file cannot be read.
   std::string_view beginning();
 
   // The form of the rows; commas and no blanks around cells unless this is called.
