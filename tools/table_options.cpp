@@ -78,8 +78,9 @@ std::string advice_on_lost_numbers(const tree::table_remark& remark) {
     return std::string(name) + " " + tree::shell_word(remark.column + "=" + value);
   };
   const std::string rounded =
-      "rounding them in the file, or subtracting a constant from them, until there are at most "
-      "4294967295 steps between the least and the greatest";
+      "rounding them in the file until there are at most 4294967295 steps between the least and "
+      "the "
+      "greatest";
   if (remark.kind == impls::column::WEIGHTS) return "; what helps is " + rounded;
   std::string wider = option("--type", "string") + ", or " + option("--type", "double");
   if (remark.kind == impls::column::CONTINUOUS) wider += " with " + option("--kind", "discrete");
