@@ -14,8 +14,6 @@ using tree::in_quotes;
 
 namespace {
 
-constexpr const char* file_group = "Reading files";
-
 char delimiter_value(const std::string& given) {
   static const std::map<std::string, char> names{{"comma", ','}, {"semicolon", ';'},
                                                  {"tab", '\t'},  {"\\t", '\t'},
@@ -76,45 +74,45 @@ void file_options::add_to(CLI::App& to) {
                 "The format of the files: csv, arff or names (default: by the ending of the name, "
                 ".arff, .names, .data or .test, else csv)")
       ->type_name("FORMAT")
-      ->group(file_group);
+      ->group(group);
   to.add_option("--delimiter", delimiter,
                 "The character between cells: comma, semicolon, tab, bar, space or another sign "
                 "(default: found from the first lines)")
       ->type_name("CHAR")
-      ->group(file_group);
+      ->group(group);
   to.add_flag("--no-header", no_header,
               "The first row has no names; columns are column_1, column_2 and so on")
-      ->group(file_group);
+      ->group(group);
   to.add_option("--unknown", unknown_texts,
                 "A text that stands for the unknown value; '' is the empty cell, '\"\"' the quoted "
                 "empty one; repeatable (default: ? and '')")
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false)
-      ->group(file_group);
+      ->group(group);
   to.add_option(
         "--decimal", decimal_mark,
         "The mark before decimals, \",\" or \".\"; digits before it may then stand in groups "
         "of three (default: \".\", without groups)")
       ->type_name("MARK")
-      ->group(file_group);
+      ->group(group);
   to.add_option("--strip", stripped,
                 "A text before or after numbers that is no part of them, as % or $; repeatable")
       ->type_name("TEXT")
       ->take_all()
       ->allow_extra_args(false)
-      ->group(file_group);
+      ->group(group);
   to.add_option("--comment", comment, "Skip the lines that begin with this text")
       ->type_name("TEXT")
-      ->group(file_group);
+      ->group(group);
   to.add_flag("--keep-blanks", keep_blanks,
               "Blanks around a cell are part of it (default: only in quotes)")
-      ->group(file_group);
+      ->group(group);
   to.add_option("--limit", limit,
                 "The most bytes that a compressed or sparse file may expand to, as 500M or 4G "
                 "(default: 1G, or 100 times its size if that is more)")
       ->type_name("SIZE")
-      ->group(file_group);
+      ->group(group);
 }
 
 tree::input_options file_options::chosen() const {

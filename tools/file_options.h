@@ -12,6 +12,9 @@ namespace arbor::tools {
 
 class file_options {
  public:
+  // Under which --help shows them.
+  static constexpr const char* group = "Reading files";
+
   // Adds the options to a command. This object must stay at its address until the command line has
   // been parsed.
   void add_to(CLI::App& command);

@@ -33,4 +33,12 @@ std::string help_format::make_option_desc(const CLI::Option* option) const {
   return wrapped(option->get_description(), line_width - get_column_width());
 }
 
+std::string help_format::make_help(const CLI::App* app, std::string name,
+                                   CLI::AppFormatMode mode) const {
+  std::string help = CLI::Formatter::make_help(app, std::move(name), mode);
+  for (std::size_t at = 0; (at = help.find("\n\n\n", at)) != std::string::npos;)
+    help.erase(at, 1);
+  return help;
+}
+
 }  // namespace arbor::tools

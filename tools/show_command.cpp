@@ -114,9 +114,12 @@ void show_command::check_combination() const {
             "--depth does not go with --format json, which shows the whole tree");
   refuse_if(format == "dot" && rates, "--rate goes with --format text, csv or json");
   refuse_if(format == "csv" && !rates, "--format csv goes with --rate TABLE");
-  for (const std::string option :
-       {"--node", "--min-weight", "--weights", "--unknown", "--decimal", "--strip", "--kind"})
-    refuse_if(given(option) && !rates, option + " goes with --rate TABLE");
+  for (const CLI::Option* option : parser.get_options()) {
+    const bool is_of_rating = table_options::have(*option) || option->check_lname("node") ||
+                              option->check_lname("min-weight");
+    refuse_if(is_of_rating && option->count() > 0 && !rates,
+              option->get_name() + " goes with --rate TABLE");
+  }
 }
 
 void show_command::rate_at_node(const tree::decision_tree& model) const {

@@ -187,6 +187,10 @@ bool table_options::given(const std::string& option) const {
   return named != nullptr && named->count() > 0;
 }
 
+bool table_options::have(const CLI::Option& option) {
+  return option.get_group() == file_options::group || option.get_group() == column_group;
+}
+
 tree::load_options table_options::chosen() const {
   for (const std::string option : {"--class", "--weights", "--id"}) {
     refuse_if(given(option) && parser->get_option(option)->as<std::string>().empty(),

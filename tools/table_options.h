@@ -26,6 +26,9 @@ class table_options {
   // Adds the option for the column that identifies rows. `purpose` is what becomes of it.
   void add_id_to(CLI::App& command, const std::string& purpose);
 
+  // Whether an option of a command is one of these.
+  static bool have(const CLI::Option& option);
+
   // What was chosen. Throws usage_error for a value that an option does not take, and table_error
   // for a file of types that cannot be read.
   tree::load_options chosen() const;
