@@ -73,8 +73,10 @@ std::size_t line_ends_outside_quotes(const char* bytes, std::size_t size) {
 }  // namespace
 
 std::string_view block_reader::beginning() {
-  rest.resize(usual_size);
-  rest.resize(read(rest.data(), usual_size));
+  if (!has_begun) {
+    rest.resize(usual_size);
+    rest.resize(read(rest.data(), usual_size));
+  }
   return {rest.data(), rest.size()};
 }
 

@@ -73,13 +73,16 @@ void csv_table::read_names() {
   }
   form.keeps_blanks = options.keeps_blanks;
   const std::string_view beginning = blocks->beginning();
-  form.delimiter = options.delimiter ? *options.delimiter : found_delimiter(beginning, options);
+  const std::optional<char> declared = declared_delimiter(beginning);
+  form.delimiter = options.delimiter ? *options.delimiter
+                   : declared        ? *declared
+                                     : found_delimiter(beginning, options);
   column_names names = read_first_rows();
   all_names = std::move(names.names);
   has_row_numbers = names.has_row_numbers;
   has_final_delimiters = names.has_final_delimiters;
   found = std::move(names.remarks);
-  if (!options.delimiter && form.delimiter != ',') {
+  if (!options.delimiter && !declared && form.delimiter != ',') {
     found.insert(found.begin(), {input_remark::matter::delimiter,
                                  "the cells are separated by " + delimiter_name(form.delimiter)});
   }
@@ -89,13 +92,15 @@ void csv_table::read_names() {
                                   row.line_of(std::min(*taken, row.size() - 1)),
                                   two_columns_have(all_names[*taken])));
   }
-  drop_names();
+  if (options.has_names) drop_first_row();
 }
 
 // Of the present file; the rows, with that of the names, are left in `first`.
 column_names csv_table::read_first_rows() {
   blocks->expect(form);
+  const bool is_declaration = declared_delimiter(blocks->beginning()).has_value();
   if (blocks->next(first)) divide_rows(first);
+  if (is_declaration) drop_first_row();
   if (first.rows() == 0) {
     first.check_end();
     throw table_error(file.bytes->name() + ": empty" +
@@ -105,9 +110,9 @@ column_names csv_table::read_first_rows() {
   return names_of(first, options.has_names);
 }
 
-void csv_table::drop_names() {
-  bool is_names = options.has_names;
-  first.keep_rows([&](const csv_row&) { return !std::exchange(is_names, false); });
+void csv_table::drop_first_row() {
+  bool is_first = true;
+  first.keep_rows([&](const csv_row&) { return !std::exchange(is_first, false); });
 }
 
 // Throws unless it has the columns of the first file.
@@ -125,7 +130,7 @@ void csv_table::open_next_file() {
     return;
   }
   const std::vector<std::string> names = read_first_rows().names;
-  drop_names();
+  if (options.has_names) drop_first_row();
   if (!options.has_names || names == all_names) return;
   if (names.size() != all_names.size())
     refuse(fmt::format("has {}, not the {} of", counted(names.size(), "column"), all_names.size()));

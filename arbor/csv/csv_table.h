@@ -97,7 +97,7 @@ class csv_table {
   column_names read_first_rows();
   void open_next_file();
   bool read(csv_block& block);
-  void drop_names();
+  void drop_first_row();
   std::optional<std::size_t> index_names();
   void check_width(csv_block& block) const;
 

@@ -100,6 +100,17 @@ char found_delimiter(std::string_view beginning, const input_options& options) {
   return are_delimiters && spaces.is_regular(options.has_names) ? ' ' : most_frequent;
 }
 
+std::optional<char> declared_delimiter(std::string_view beginning) {
+  constexpr std::string_view declaration = "sep=";
+  const std::size_t end = declaration.size() + 1;
+  if (beginning.substr(0, declaration.size()) != declaration || beginning.size() <= end)
+    return std::nullopt;
+  const char delimiter = beginning[declaration.size()];
+  if (delimiter == '"' || is_line_end(delimiter) || !is_line_end(beginning[end]))
+    return std::nullopt;
+  return delimiter;
+}
+
 std::string delimiter_name(char delimiter) {
   switch (delimiter) {
     case ',':

@@ -4,6 +4,7 @@
 #ifndef ARBOR_CSV_FOUND_DELIMITER_H
 #define ARBOR_CSV_FOUND_DELIMITER_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,10 @@ namespace arbor::tree {
 //
 // `beginning` is that of a file. Its last row may be cut off, and counts only if it is alone.
 char found_delimiter(std::string_view beginning, const input_options& options);
+
+// The character X of a first line "sep=X", with which spreadsheets name the delimiter; none if there
+// is no such line.
+std::optional<char> declared_delimiter(std::string_view beginning);
 
 // "commas", "tabs" and so on; a character without such a name in quotes.
 std::string delimiter_name(char delimiter);

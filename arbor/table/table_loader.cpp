@@ -99,7 +99,8 @@ class loading {
     const std::vector<std::string>& names = file.names();
     if (names.size() == 1) {
       file.fail("only one column, " + in_quotes(names[0]) + "; a table has several, between " +
-                delimiter_name(file.delimiter()));
+                (options.input.delimiter ? delimiter_name(file.delimiter())
+                                         : "commas, semicolons, tabs or bars"));
     }
     note_declarations();
     find_weights_and_class();
