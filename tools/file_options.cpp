@@ -60,6 +60,8 @@ tree::number_form number_form_of(const std::string& mark,
     refuse_if(text.empty(), "--strip: the text is empty");
     refuse_if(text.find_first_of("0123456789") != std::string::npos,
               "--strip: " + in_quotes(text) + " has a digit in it");
+    refuse_if(text.size() == 1 && text.find_first_of("+-.,") == 0,
+              "--strip: " + in_quotes(text) + " may be a part of a number");
   }
   return {mark == "," ? ',' : '.', !mark.empty(), stripped};
 }

@@ -78,8 +78,9 @@ std::string advice_on_lost_numbers(const tree::table_remark& remark) {
     return std::string(name) + " " + tree::shell_word(remark.column + "=" + value);
   };
   const std::string rounded =
-      "rounding them in the file, or subtracting a constant from them, until there are at most "
-      "4294967295 steps between the least and the greatest";
+      "rounding them in the file until there are at most 4294967295 steps between the least and "
+      "the "
+      "greatest";
   if (remark.kind == impls::column::WEIGHTS) return "; what helps is " + rounded;
   std::string wider = option("--type", "string") + ", or " + option("--type", "double");
   if (remark.kind == impls::column::CONTINUOUS) wider += " with " + option("--kind", "discrete");
@@ -89,11 +90,12 @@ std::string advice_on_lost_numbers(const tree::table_remark& remark) {
 }
 
 // The options that do what a remark proposes, if it does.
-std::string advice(const tree::table_remark& remark, const tree::number_form& chosen) {
-  if (remark.loses_numbers) return advice_on_lost_numbers(remark);
+std::string advice(const tree::table_remark& remark, const tree::load_options& chosen) {
+  if (remark.loses_numbers)  // a command that takes the types from a model has no option for them
+    return chosen.types_from == "--type" ? advice_on_lost_numbers(remark) : "";
   if (!remark.column.empty())
     return "; --kind " + tree::shell_word(remark.column + "=ignore") + " leaves it out";
-  if (!remark.to_read.empty()) return advice_on_forms(remark.to_read, chosen);
+  if (!remark.to_read.empty()) return advice_on_forms(remark.to_read, chosen.input.numbers);
   if (remark.to_declare.empty()) return "";
   std::string options;
   for (const std::string& text : remark.to_declare)
@@ -275,7 +277,7 @@ tree::table read_table(const std::vector<std::string>& paths, tree::load_options
   progress.clear();
   show_remarks(table.name, table.input_remarks);
   for (const tree::table_remark& remark : table.remarks)
-    complain(table.name + ": " + remark.text + advice(remark, options.input.numbers));
+    complain(table.name + ": " + remark.text + advice(remark, options));
   return table;
 }
 

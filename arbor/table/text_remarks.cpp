@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t most_names = 3;
 constexpr std::size_t most_texts_named = 5;
+constexpr std::size_t most_texts_declared = 50;
 
 // Whether a message shows the text as it is, so that a person can copy it from there.
 bool is_shown_whole(const std::string& text) {
@@ -67,10 +68,12 @@ table_remark remark_on_others(const std::vector<near_numbers>& columns,
   for (std::size_t i = 0; i < named; ++i) {
     const auto& [text, cells] = others[i];
     remark.text += (i == 0 ? "" : ", ") + in_quotes(text) + " in " + counted(cells, "cell");
-    remark.to_declare.push_back(unknown_texts::declared(text));
-    can_be_declared = can_be_declared && is_shown_whole(text);
   }
   if (others.size() > named) remark.text += " and " + counted(others.size() - named, "other text");
+  for (std::size_t i = 0; i < others.size() && i < most_texts_declared; ++i) {
+    remark.to_declare.push_back(unknown_texts::declared(others[i].text));
+    can_be_declared = can_be_declared && is_shown_whole(others[i].text);
+  }
   if (!can_be_declared) remark.to_declare.clear();
   return remark;
 }

@@ -8,15 +8,31 @@ namespace arbor::tree {
 
 namespace {
 
+std::string_view without_blanks(std::string_view text) {
+  constexpr std::array<std::string_view, 3> blanks{" ", "\xC2\xA0", "\xE2\x80\xAF"};
+  const auto is_first = [&](std::string_view blank) {
+    return text.substr(0, blank.size()) == blank;
+  };
+  const auto is_last = [&](std::string_view blank) {
+    return text.size() >= blank.size() && text.substr(text.size() - blank.size()) == blank;
+  };
+  for (;;) {
+    const auto* const first = std::find_if(blanks.begin(), blanks.end(), is_first);
+    if (first == blanks.end()) break;
+    text.remove_prefix(first->size());
+  }
+  for (;;) {
+    const auto* const last = std::find_if(blanks.begin(), blanks.end(), is_last);
+    if (last == blanks.end()) return text;
+    text.remove_suffix(last->size());
+  }
+}
+
 // What precedes or follows a number without being part of it, blanks aside; empty if it is neither
 // a sign nor a code of three letters.
 std::string unit_in(std::string_view text) {
   constexpr std::array<std::string_view, 5> signs{"%", "$", "\xE2\x82\xAC", "\xC2\xA3", "\xC2\xA5"};
-  for (const std::string_view blank : {" ", "\xC2\xA0", "\xE2\x80\xAF"}) {
-    if (text.substr(0, blank.size()) == blank) return unit_in(text.substr(blank.size()));
-    if (text.size() > blank.size() && text.substr(text.size() - blank.size()) == blank)
-      return unit_in(text.substr(0, text.size() - blank.size()));
-  }
+  text = without_blanks(text);
   const bool is_code = text.size() == 3 && std::all_of(text.begin(), text.end(),
                                                        [](char c) { return c >= 'A' && c <= 'Z'; });
   const bool is_unit = is_code || std::find(signs.begin(), signs.end(), text) != signs.end();

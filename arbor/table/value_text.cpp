@@ -49,11 +49,19 @@ float compared_float(impls::o_set& domain, unsigned int code) {
   return numbered_float(low);
 }
 
-// Whether a number is a value that a domain of this type of integers may hold.
-bool is_of_integer_type(const std::string& data_type, double number) {
-  if (std::floor(number) != number) return false;
-  return data_type == "integer" ? std::fabs(number) <= std::numeric_limits<int>::max()
-                                : number >= 0 && number <= std::numeric_limits<unsigned int>::max();
+// Reads the text of a number. Returns whether a domain of this type of integers may hold it, and
+// only then sets `integer`.
+bool read_integer(const std::string& data_type, const char* text, long long& integer) {
+  decimal_number number;
+  if (!read_exactly(text, number)) return false;
+  const floored_decimal whole = floor_at(number, 0);
+  const bool is_signed = data_type == "integer";
+  const wide_integer least = is_signed ? -std::numeric_limits<int>::max() : 0;
+  const wide_integer greatest = is_signed ? wide_integer{std::numeric_limits<int>::max()}
+                                          : std::numeric_limits<unsigned int>::max();
+  if (!whole.exact || whole.floor < least || whole.floor > greatest) return false;
+  integer = static_cast<long long>(whole.floor);
+  return true;
 }
 
 }  // namespace
@@ -124,11 +132,12 @@ bool find_value(const column& column, const char* text, unsigned int& code) {
   const std::string data_type = domain.get_datatype();
   double number = 0;
   if (data_type != "string" && !read_known_number(text, number)) return false;
+  long long integer = 0;
   code = 0;
   if ((data_type != "integer" && data_type != "uinteger") || scale_of(column) != nullptr) {
     code_of_text(column, text, code);
-  } else if (is_of_integer_type(data_type, number)) {
-    domain.get_order(std::to_string(static_cast<long long>(number)).c_str(), code);
+  } else if (read_integer(data_type, text, integer)) {
+    domain.get_order(std::to_string(integer).c_str(), code);
   }
   return true;
 }

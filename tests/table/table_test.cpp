@@ -113,6 +113,7 @@ a,b,d/1,1,1/r,u,x/s,v,2/t,w,3/4,4,4/5,5,5/6,6,6 | => string discrete: 1 r s t 4 
  string discrete: 1 u v w 4 5 6; string discrete: 1 x 2 3 4 5 6; # columns "a", "b" and "d" are of
  texts, but all their values are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell, "u" in
  1 cell, "v" in 1 cell and 2 other texts '?' '' 'r' 's' 't' 'u' 'v'
+ 'w' 'x'
 a/1/2/3/4/5/r/s/t/u | => string discrete: 1 2 3 4 5 r s t u;
 a/1 | => integer continuous: 1; # column "c" is the class and has a single value: nothing can be
  gained

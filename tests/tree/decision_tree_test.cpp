@@ -305,7 +305,7 @@ TEST(Classification, ComparesNumbersAsNumbersHoweverTheyAreWritten) {
            {"decimal kind a discrete", "2.0:1 5e0:2 2.5:0 1e99:0 -inf:0 5.00000000000000000001:0"},
            {"uinteger kind a continuous", "-1:1 0:1 +2:1 2.5:2 4:2 1e10:2"},
            {"float kind a continuous", "2.00000001:1 -inf:1 0x1:1 2.1:2 1e99:2"},
-           {"integer kind a discrete", "2.0:1 02:1 5e0:2 2.5:0 1e99:0 -inf:0"},
+           {"integer kind a discrete", "2.0:1 02:1 5e0:2 2.5:0 1e99:0 -inf:0 5.0000000000000001:0"},
            {"uinteger kind a discrete", "2.0:1 +5:2 -1:0 4294967296:0 -2:0"},
            {"double kind a discrete", "2.0:1 5e0:2 2.5:0"}}) {
     const decision_tree t =
