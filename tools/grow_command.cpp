@@ -9,9 +9,9 @@
 #include <random>
 #include <system_error>
 
-#include "arbor/csv/input_file.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/formats/open_table.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/rating_report.h"
 #include "arbor/report/tree_report.h"
@@ -157,7 +157,7 @@ void grow_command::run() {
   load.threads = options.threads;
   const auto held_back_share = static_cast<double>(share_value("--holdout", holdout));
   const unsigned int seed_number = whole_value("--seed", seed);
-  check_files();
+  check_files(load.input);
 
   const tree::table rows = read_table(table_paths, load);
   table.save_types(rows, force);
@@ -182,11 +182,11 @@ void grow_command::run() {
 }
 
 // Fails before the work is done if its result could not be saved or evaluated.
-void grow_command::check_files() const {
+void grow_command::check_files(const tree::input_options& input) const {
   refuse_if(given("--model") && model_path.empty(), "--model: the name of the file is empty");
   check_tables(table_paths);
   table.check_saving(table_paths, force);
-  for (const std::string& test_path : test_paths) check_test(test_path);
+  for (const std::string& test_path : test_paths) check_test(test_path, input);
   if (model_path.empty()) return;
   const output_file model = model_file();
   refuse_if(model.is_standard_output(),
@@ -197,13 +197,13 @@ void grow_command::check_files() const {
   model.check(tree::file_content::model, "a model of arbor grow");
 }
 
-void grow_command::check_test(const std::string& path) const {
+void grow_command::check_test(const std::string& path, const tree::input_options& input) const {
   refuse_if(path.empty(), "--test: the name of the file is empty");
   const bool is_table = std::count(table_paths.begin(), table_paths.end(), "-") > 0;
   refuse_if(path == "-" && is_table, "--test: standard input is the table already");
   std::error_code ignored;
-  const bool opens_once = std::filesystem::is_fifo(path, ignored);
-  if (!opens_once) static_cast<void>(tree::input_file(path));
+  const bool opens_once = path == "-" || std::filesystem::is_fifo(path, ignored);
+  if (!opens_once) static_cast<void>(tree::open_table_file(path, input));
 }
 
 output_file grow_command::model_file() const {

@@ -16,8 +16,8 @@ class grow_command : public command {
   void run() override;
 
  private:
-  void check_files() const;
-  void check_test(const std::string& path) const;
+  void check_files(const tree::input_options& input) const;
+  void check_test(const std::string& path, const tree::input_options& input) const;
   output_file model_file() const;
   void evaluate_on_test_table(const tree::decision_tree& grown,
                               const tree::load_options& load) const;

@@ -10,6 +10,7 @@
 
 #include "arbor/table/decimal.h"
 #include "arbor/table/secret_hash.h"
+#include "arbor/table/value_text.h"
 
 namespace arbor::tree {
 
@@ -76,6 +77,23 @@ bool may_merge(cell_blocks<plain_number>& entries) {
   return may;
 }
 
+bool is_rounded(const char* text, double value) {
+  if (!may_merge_as_float(text, value)) return false;
+  decimal_number number;
+  decimal_number rounded;
+  read_exactly(text, number);
+  read_exactly(shortest_text(static_cast<float>(value)).c_str(), rounded);
+  return compare(number, rounded) != 0;
+}
+
+bool is_rounded(plain_number number) {
+  if (!may_merge_as_float(number)) return false;
+  const plain_number shortest = shortened(number);
+  // No float needs more digits.
+  if (has_more_digits_than(std::numeric_limits<float>::max_digits10, shortest)) return true;
+  return is_rounded(text_of(shortest).c_str(), value_of(shortest));
+}
+
 std::vector<std::uint64_t> identities_of(const text_dictionary& texts) {
   std::vector<std::uint64_t> identities{0};
   for (unsigned int code = 1; code <= texts.size(); ++code)
@@ -111,6 +129,22 @@ std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& 
   for (unsigned int text = 1; text <= texts.size(); ++text)
     merges.add(codes[text], number_identity(texts.text(text)));
   return merges.count();
+}
+
+std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers) {
+  std::size_t count = 0;
+  const std::vector<std::size_t> of_texts = cells.text_counts();
+  for (unsigned int code = 1; code <= cells.texts().size(); ++code) {
+    if (is_rounded(cells.texts().text(code), text_numbers[code - 1])) count += of_texts[code];
+  }
+  cells.numbers().for_each_block([&](const plain_number* entries, std::size_t entry_count) {
+    for (std::size_t i = 0; i < entry_count; ++i) {
+      const bool is_number =
+          !column_cells::is_unknown(entries[i]) && !column_cells::is_text(entries[i]);
+      if (is_number && is_rounded(entries[i])) ++count;
+    }
+  });
+  return count;
 }
 
 std::uint64_t number_identity(plain_number number) {

@@ -1,5 +1,5 @@
-// Counts the distinct numbers of a file that are lost in a float column because they are equal as
-// float.
+// What becomes of the numbers of a file in a float column: counts the cells whose numbers are rounded
+// to others, and the distinct numbers that are lost because they are equal as float.
 #ifndef ARBOR_TABLE_FLOAT_MERGES_H
 #define ARBOR_TABLE_FLOAT_MERGES_H
 
@@ -21,6 +21,10 @@ std::size_t lost_numbers(column_cells& cells, const std::vector<double>& text_nu
 // Of texts that have got the codes `codes`, entry c that of the text with code c.
 std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& text_numbers,
                        const std::vector<unsigned int>& codes);
+
+// In how many cells of a column of numbers the nearest float is shown as another number: in its
+// fewest digits it is not what the cell says. `text_numbers` as above.
+std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers);
 
 // Whether a number other than this one, read as `value`, may be the same float. Numbers of up to
 // six significant digits are different floats, unless they are out of the range of full precision

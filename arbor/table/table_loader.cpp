@@ -71,9 +71,7 @@ class loading {
     result.name = file.name();
     result.class_index = class_cell;
     make_columns_and(result.cases);
-    std::vector<near_numbers> texts;
-    for (const auto& loader : loaders) loader->add_near_numbers(texts);
-    result.remarks = remarks_on_texts(texts, file.unknowns().texts());
+    result.remarks = remarks_on_columns();
     for (const auto& loader : loaders) result.columns.push_back(loader->take(result.remarks));
     result.input_remarks = file.remarks();
     if (unclassed_rows > 0) {
@@ -88,6 +86,21 @@ class loading {
   }
 
  private:
+  // Those that are made for all columns together.
+  std::vector<table_remark> remarks_on_columns() const {
+    std::vector<near_numbers> texts;
+    std::vector<std::string> rounded;
+    std::size_t rounded_cells = 0;
+    for (const auto& loader : loaders) {
+      loader->add_near_numbers(texts);
+      if (loader->rounded_cells() > 0) rounded.push_back(loader->name());
+      rounded_cells += loader->rounded_cells();
+    }
+    std::vector<table_remark> remarks = remarks_on_texts(texts, file.unknowns().texts());
+    if (!rounded.empty()) remarks.push_back(remark_on_rounded(rounded, rounded_cells));
+    return remarks;
+  }
+
   std::string why_no_rows() const {
     if (rows_read == 0) return "no rows below the column names";
     return unclassed_rows > 0 ? "no row has a class and a weight above 0"

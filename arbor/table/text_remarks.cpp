@@ -23,17 +23,21 @@ bool is_shown_whole(const std::string& text) {
   return printable(text) == text && text.size() < 60;
 }
 
-// "column "a" is of texts, but all its", "columns "a" and "b" are of texts, but all their"
-std::string texts_of(const std::vector<std::string>& columns) {
-  if (columns.size() == 1)
-    return "column " + in_quotes(columns.front()) + " is of texts, but all its";
+// "column "a" is", "columns "a" and "b" are"
+std::string columns_are(const std::vector<std::string>& columns) {
+  if (columns.size() == 1) return "column " + in_quotes(columns.front()) + " is";
   std::string list;
   for (std::size_t i = 0; i < columns.size() && i < most_names; ++i) {
     const bool is_last = i + 1 == columns.size();
     list += (i == 0 ? "" : is_last ? " and " : ", ") + in_quotes(columns[i]);
   }
   if (columns.size() > most_names) list += fmt::format(" and {} more", columns.size() - most_names);
-  return "columns " + list + " are of texts, but all their";
+  return "columns " + list + " are";
+}
+
+// "column "a" is of texts, but all its", "columns "a" and "b" are of texts, but all their"
+std::string texts_of(const std::vector<std::string>& columns) {
+  return columns_are(columns) + " of texts, but all " + (columns.size() == 1 ? "its" : "their");
 }
 
 // The texts of all columns, the most frequent ones first, and of equally frequent ones the first.
@@ -87,6 +91,13 @@ bool same_forms(const std::vector<number_form>& a, const std::vector<number_form
 }
 
 }  // namespace
+
+table_remark remark_on_rounded(const std::vector<std::string>& columns, std::size_t cells) {
+  table_remark remark;
+  remark.text = columns_are(columns) + " rounded to float, which changes the numbers in " +
+                counted(cells, "cell");
+  return remark;
+}
 
 std::vector<table_remark> remarks_on_texts(const std::vector<near_numbers>& columns,
                                            const std::vector<std::string>& unknown_texts) {

@@ -1,5 +1,5 @@
 // Remarks on columns of texts that would be of numbers but for a few texts or the form of their
-// numbers. Each thing that would help is said once for the whole table.
+// numbers, and on rounded numbers. Each is said once for the whole table.
 #ifndef ARBOR_TABLE_TEXT_REMARKS_H
 #define ARBOR_TABLE_TEXT_REMARKS_H
 
@@ -21,6 +21,9 @@ struct near_numbers {
   std::string sample;
   std::vector<number_form> forms;
 };
+
+// On the columns of floats, at least one, of which this many cells are rounded.
+table_remark remark_on_rounded(const std::vector<std::string>& columns, std::size_t cells);
 
 // `unknown_texts` are those that were taken for the unknown value.
 std::vector<table_remark> remarks_on_texts(const std::vector<near_numbers>& columns,

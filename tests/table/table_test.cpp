@@ -65,6 +65,7 @@ a/1.50/007/b/e | => string discrete: 1.50 007 b e;
 a/""//b | => string discrete:  ? b;
 a/0.1/1e-45/-3e-45/inf/3.4028235e38/-1e99 | => float continuous: 0.1 1e-45 -3e-45 inf
  3.4028235e+38 -inf;
+ # column "a" is rounded to float, which changes the numbers in 1 cell
 z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/0,-1,?,? | => decimal continuous: 1.5 0 0 0;
  decimal continuous: 1.5 0 0 -1; decimal continuous: 1 0 0 ?; integer continuous: 0 0 ? ?;
 z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/inf,-inf,inf,? | => float continuous: 1.5 0 0 inf;
@@ -73,8 +74,10 @@ a,b,d/1.50,-7,0/15e-1,3000000000,4294967295/ 1.5,+3,1 | => decimal continuous: 1
  decimal continuous: -7 3000000000 3; uinteger continuous: 0 4294967295 1;
 a,b/0.5,0.5/4294967295.5,4294967296.5/1.5,1.5 | => decimal continuous: 0.5 4294967295.5 1.5;
  float continuous: 0.5 4294967296 1.5;
+ # column "b" is rounded to float, which changes the numbers in 1 cell
 a,b/-9223372036854775808,1e36/18446744073709551615,1e-37/0,0 | =>
  float continuous: -9.223372e+18 1.8446744e+19 0; float continuous: 1e+36 1e-37 0;
+ # column "a" is rounded to float, which changes the numbers in 2 cells
 a,b/1e36,1e-37/-1e36,0/1e36,1e-37 | type b decimal kind a discrete => decimal discrete:
  1000000000000000000000000000000000000 -1000000000000000000000000000000000000
  1000000000000000000000000000000000000; decimal continuous:
@@ -119,13 +122,16 @@ a/1 | => integer continuous: 1; # column "c" is the class and has a single value
  gained
 a,b/16777216,1.5/16777217,inf/+16777217,1e39/0.1,-1e39/0.10,? | type a float => float continuous:
  16777216 16777216 16777216 0.1 0.1; float continuous: 1.5 inf inf -inf ?;
+ # column "b" is rounded to float, which changes the numbers in 2 cells
  # column "a" loses 1 distinct number: as float it is equal to another one
  # column "b" loses 1 distinct number: as float it is equal to another one
 a/1e-60/2e-60/1e-60/-1e-60/3 | => float continuous: 0 0 0 0 3;
+ # column "a" is rounded to float, which changes the numbers in 4 cells
  # column "a" loses 2 distinct numbers: as float they are equal to others
 a,b/0x1000001,12345678901234567890/16777216,12345678901234567891/16777217,1.2345678901234567891e19
  | type b float => float continuous: 16777216 16777216 16777216;
  float continuous: 1.2345679e+19 1.2345679e+19 1.2345679e+19;
+ # column "a" is rounded to float, which changes the numbers in 2 cells
  # column "a" loses 1 distinct number: as float it is equal to another one
  # column "b" loses 1 distinct number: as float it is equal to another one
 a/+10000000100/+10000000200 | type a float => float continuous: 1e+10 1e+10;
