@@ -125,7 +125,7 @@ void column_loader::make_column() {
   if (chosen.data_type == "decimal") survey.scale = scale_of_decimals();
   find_near_numbers();
   if (chosen.data_type.empty() && survey.data_type == "float")
-    rounded = tree::rounded_cells(cells, survey.text_numbers);
+    rounded_numbers = tree::rounded_cells(cells, survey.text_numbers);
   std::unique_ptr<impls::o_set> domain = make_domain();
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind(), error));

@@ -58,7 +58,7 @@ class column_loader {
 
   // In how many cells of the column that was made, if its data type was not chosen, a number is
   // rounded to another one.
-  std::size_t rounded_cells() const { return rounded; }
+  std::size_t rounded_cells() const { return rounded_numbers; }
 
   // How many distinct values the column that was made has.
   std::size_t values() const { return made->get_distinct() - 1U; }
@@ -91,7 +91,7 @@ class column_loader {
   // million columns.
   std::unique_ptr<std::unordered_set<std::uint64_t>> declared_numbers;
   std::unique_ptr<near_numbers> near;  // if the texts are nearly numbers
-  std::size_t rounded = 0;
+  std::size_t rounded_numbers = 0;
   std::size_t lost_numbers = 0;  // distinct ones that are equal to others as float
 };
 
