@@ -7,8 +7,8 @@
 
 namespace arbor::tools {
 
-// Wraps the descriptions of options, which stand in a column of their own, and leaves one empty line
-// between groups of them. All other texts are printed as they are written.
+// Wraps the descriptions of options, which stand in a column of their own, and leaves one empty
+// line between groups of them. All other texts are printed as they are written.
 class help_format : public CLI::Formatter {
  public:
   help_format();

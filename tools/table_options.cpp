@@ -144,8 +144,10 @@ void table_options::add_to(CLI::App& to) {
                 "it")
       ->type_name("FILE")
       ->group(column_group);
-  to.add_option("--save-types", saved_types_path,
-                "Write such a file of this table, which may be edited")
+  to.add_option(
+        "--save-types", saved_types_path,
+        "Write such a file of this table, to be edited; a column whose values it lists takes no "
+        "others")
       ->type_name("FILE")
       ->group(column_group);
 }

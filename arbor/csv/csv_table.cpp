@@ -48,6 +48,8 @@ csv_table::csv_table(std::vector<std::string> paths, const input_options& chosen
                                   std::strerror(why ? why.value() : ENOENT)));
   }
   if (declarations) {
+    if (options.delimiter || !options.has_names || options.keeps_blanks || !options.comment.empty())
+      fail("declares its columns; delimiter, header, blanks and comments are chosen for CSV alone");
     std::vector<std::string> texts = chosen.unknown_texts;
     texts.emplace_back("");
     unknown = unknown_texts(std::move(texts));

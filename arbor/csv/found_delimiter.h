@@ -21,8 +21,8 @@ namespace arbor::tree {
 // `beginning` is that of a file. Its last row may be cut off, and counts only if it is alone.
 char found_delimiter(std::string_view beginning, const input_options& options);
 
-// The character X of a first line "sep=X", with which spreadsheets name the delimiter; none if there
-// is no such line.
+// The character X of a first line "sep=X", with which spreadsheets name the delimiter; none if
+// there is no such line.
 std::optional<char> declared_delimiter(std::string_view beginning);
 
 // "commas", "tabs" and so on; a character without such a name in quotes.

@@ -6,13 +6,13 @@
 #include <string_view>
 #include <utility>
 
-#include "arbor/csv/open_file.h"
-#include "arbor/csv/read_ahead.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/formats/arff_source.h"
 #include "arbor/formats/names_file.h"
 #include "arbor/formats/names_source.h"
+#include "arbor/formats/open_file.h"
+#include "arbor/formats/read_ahead.h"
 
 namespace arbor::tree {
 

@@ -1,5 +1,5 @@
-// What becomes of the numbers of a file in a float column: counts the cells whose numbers are rounded
-// to others, and the distinct numbers that are lost because they are equal as float.
+// What becomes of the numbers of a file in a float column: counts the cells whose numbers are
+// rounded to others, and the distinct numbers that are lost because they are equal as float.
 #ifndef ARBOR_TABLE_FLOAT_MERGES_H
 #define ARBOR_TABLE_FLOAT_MERGES_H
 

@@ -1,7 +1,7 @@
 // A file of another format, compressed or not: it is refused with a message, or becomes a line for
 // each of its lines and rows of as many cells as it declares.
 #include "arbor/csv/line_ends.h"
-#include "arbor/csv/open_file.h"
+#include "arbor/formats/open_file.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/formats/arff_source.h"
 #include "arbor/formats/names_file.h"

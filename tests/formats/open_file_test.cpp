@@ -1,11 +1,11 @@
-#include "arbor/csv/open_file.h"
+#include "arbor/formats/open_file.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 #include <zstd.h>
 
-#include "arbor/csv/read_ahead.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/formats/read_ahead.h"
 #include "tests/support/byte_sources.h"
 #include "tests/support/tables.h"
 

@@ -1,4 +1,4 @@
-#include "arbor/csv/read_ahead.h"
+#include "arbor/formats/read_ahead.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,8 +2,8 @@
 //
 //   gzip_source bytes(std::make_unique<input_file>("golf.csv.gz"), {});
 //   while (std::size_t count = bytes.read(buffer, sizeof buffer)) ...
-#ifndef ARBOR_CSV_GZIP_SOURCE_H
-#define ARBOR_CSV_GZIP_SOURCE_H
+#ifndef ARBOR_FORMATS_GZIP_SOURCE_H
+#define ARBOR_FORMATS_GZIP_SOURCE_H
 
 #include <zlib.h>
 

@@ -3,8 +3,8 @@
 //
 //   read_ahead bytes(std::make_unique<gzip_source>(std::move(file), limit));
 //   while (std::size_t count = bytes.read(buffer, sizeof buffer)) ...
-#ifndef ARBOR_CSV_READ_AHEAD_H
-#define ARBOR_CSV_READ_AHEAD_H
+#ifndef ARBOR_FORMATS_READ_AHEAD_H
+#define ARBOR_FORMATS_READ_AHEAD_H
 
 #include <array>
 #include <condition_variable>

@@ -2,8 +2,8 @@
 //
 //   const std::unique_ptr<byte_source> file = open_file("golf.csv.gz", {});
 //   while (std::size_t count = file->read(buffer, sizeof buffer)) ...
-#ifndef ARBOR_CSV_OPEN_FILE_H
-#define ARBOR_CSV_OPEN_FILE_H
+#ifndef ARBOR_FORMATS_OPEN_FILE_H
+#define ARBOR_FORMATS_OPEN_FILE_H
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-#include "arbor/csv/open_file.h"
+#include "arbor/formats/open_file.h"
 
 #include <algorithm>
 #include <array>
@@ -6,11 +6,11 @@
 #include <string_view>
 #include <utility>
 
-#include "arbor/csv/gzip_source.h"
 #include "arbor/csv/input_file.h"
-#include "arbor/csv/read_ahead.h"
 #include "arbor/csv/table_error.h"
-#include "arbor/csv/zstd_source.h"
+#include "arbor/formats/gzip_source.h"
+#include "arbor/formats/read_ahead.h"
+#include "arbor/formats/zstd_source.h"
 
 namespace arbor::tree {
 

@@ -1,4 +1,4 @@
-#include "arbor/csv/zstd_source.h"
+#include "arbor/formats/zstd_source.h"
 
 #include <zstd_errors.h>
 

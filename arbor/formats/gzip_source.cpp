@@ -1,4 +1,4 @@
-#include "arbor/csv/gzip_source.h"
+#include "arbor/formats/gzip_source.h"
 
 #include <algorithm>
 #include <new>

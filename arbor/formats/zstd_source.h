@@ -2,8 +2,8 @@
 //
 //   zstd_source bytes(std::make_unique<input_file>("golf.csv.zst"), {});
 //   while (std::size_t count = bytes.read(buffer, sizeof buffer)) ...
-#ifndef ARBOR_CSV_ZSTD_SOURCE_H
-#define ARBOR_CSV_ZSTD_SOURCE_H
+#ifndef ARBOR_FORMATS_ZSTD_SOURCE_H
+#define ARBOR_FORMATS_ZSTD_SOURCE_H
 
 #include <zstd.h>
 
