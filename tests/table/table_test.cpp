@@ -110,8 +110,8 @@ a/1/2/3/4/r/s/t | => string discrete: 1 2 3 4 r s t; # column "a" is of texts, b
  are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell '?' '' 'r' 's' 't'
 a,b,d,e,f/1,2,3,4,r/1,2,3,-,5/NA,NA,NA,4,5 | => string discrete: 1 1 NA; string discrete: 2 2 NA;
  string discrete: 3 3 NA; string discrete: 4 - 4; string discrete: r 5 5; # columns "a", "b", "d"
- and 2 more are of texts, but all their values are numbers except "NA" in 3 cells, "-" in 1 cell, "r"
- in 1 cell '?' '' 'NA' '-' 'r'
+ and 2 more are of texts, but all their values are numbers except "NA" in 3 cells, "-" in 1 cell,
+ "r" in 1 cell '?' '' 'NA' '-' 'r'
 a,b,d/1,1,1/r,u,x/s,v,2/t,w,3/4,4,4/5,5,5/6,6,6 | => string discrete: 1 r s t 4 5 6;
  string discrete: 1 u v w 4 5 6; string discrete: 1 x 2 3 4 5 6; # columns "a", "b" and "d" are of
  texts, but all their values are numbers except "r" in 1 cell, "s" in 1 cell, "t" in 1 cell, "u" in
