@@ -33,6 +33,8 @@ struct row_weights {
 template <class Weight>
 class class_table {
  public:
+  using weight_type = Weight;
+
   // All zeros. The known codes of the cases must be in `range`.
   class_table(const strata::util::pair<unsigned int, unsigned int>& range,
               unsigned int distinct_classes)
@@ -55,10 +57,12 @@ class class_table {
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }
 
-  // All numbers of the table in a fixed order, as many as number_count(). A table with the numbers of
-  // another one goes on where that one ended: its cases may come in several parts, which different
-  // processes have.
-  std::size_t number_count() const { return cells.size() + class_totals.size() + 1; }
+  // All numbers of the table in a fixed order. A table with the numbers of another one goes on where
+  // that one ended: its cases may come in several parts, which different processes have.
+  static std::size_t number_count(const strata::util::pair<unsigned int, unsigned int>& range,
+                                  unsigned int distinct_classes) {
+    return (range.second - range.first + 2ULL) * distinct_classes + 1;
+  }
   void put_numbers(Weight* numbers) const;
   void take_numbers(const Weight* numbers);
 
