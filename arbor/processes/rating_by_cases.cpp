@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
+#include <string>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/extract_rows.h"
+#include "arbor/processes/agreement.h"
 
 namespace arbor::tree {
 
@@ -97,9 +98,9 @@ std::vector<shared_result> rate_by_cases(process_group& group, const shared_case
                                          const rated_node& known) {
   std::vector<shared_result> results;
   if (!attributes.empty() && node.all > std::numeric_limits<std::uint32_t>::max()) {
-    throw std::runtime_error("column \"" + attributes.front().column->get_name() +
-                             "\" has too many values for its more than 4294967295 cases to be "
-                             "rated by one process");
+    throw agreed_failure("column \"" + attributes.front().column->get_name() +
+                         "\" has too many values for its more than 4294967295 cases to be "
+                         "rated by one process");
   }
   for (std::size_t first = 0; first < attributes.size(); first += group.size()) {
     const std::size_t count = std::min<std::size_t>(group.size(), attributes.size() - first);
