@@ -83,7 +83,10 @@ void warn_of_single_leaf(const tree::decision_tree& grown, const tree::table& ro
                          const impls::w_sequence& cases, const tree::grow_options& options) {
   if (!grown.nodes.front().is_leaf() || rows.class_column().get_distinct() == 2) return;
   complain(rows.name + ": the tree is a single leaf: " +
-           words_for(tree::why_single_leaf(rows, cases, options)));
+           words_for(tree::why_single_leaf(tree::summary_of(rows, cases), options,
+                                           [&](const tree::grow_options& other) {
+                                             return tree::grow_tree(rows, cases, other);
+                                           })));
 }
 
 tree::grow_options tune_with_progress(const tree::table& rows, const impls::w_sequence& cases,
@@ -170,7 +173,7 @@ void grow_command::run() {
   if (!model_path.empty()) tree::save_model(model.path, grown.tree, model.new_ownership());
   warn_of_single_leaf(grown.tree, rows, cases.training, options);
 
-  std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";
+  std::cout << tree::table_line(rows, tree::summary_of(rows, rows.cases), text_width()) << "\n\n";
   if (tree_growth.tune()) {
     std::cout << fmt::format("chosen: minimum weight {}, confidence {}\n\n",
                              tree::shortest_text(options.min_weight),

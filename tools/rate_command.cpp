@@ -69,7 +69,7 @@ void rate_command::run() {
   table.save_types(rated, force);
   tree::table_rating ratings = tree::rate_attributes(rated, rated.cases, least_weight);
   tree::sort_ratings(ratings.attributes, order_named(sort));
-  print_ratings(rated, rated.cases, ratings, format);
+  print_ratings(rated, tree::summary_of(rated, rated.cases), ratings, format);
 }
 
 }  // namespace arbor::tools

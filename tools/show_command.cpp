@@ -132,7 +132,7 @@ void show_command::rate_at_node(const tree::decision_tree& model) const {
     throw tree::table_error(rows.name + ": no row reaches node " + std::to_string(test));
   tree::table_rating ratings = tree::rate_attributes(rows, cases, least_weight);
   tree::sort_ratings(ratings.attributes, tree::rating_order::ratio);
-  print_ratings(rows, cases, ratings, format);
+  print_ratings(rows, tree::summary_of(rows, cases), ratings, format);
 }
 
 std::size_t show_command::chosen_node(const tree::decision_tree& model) const {

@@ -95,7 +95,7 @@ void validate_command::run() {
   } else if (format == "csv") {
     tree::write_validation_csv(std::cout, done.result);
   } else {
-    std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";
+    std::cout << tree::table_line(rows, tree::summary_of(rows, rows.cases), text_width()) << "\n\n";
     tree::write_validation_text(std::cout, rows, options, done.result, done.seconds, text_width());
   }
 }
