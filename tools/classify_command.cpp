@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "arbor/csv/message_text.h"
-#include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
@@ -92,8 +91,7 @@ void classify_command::run() {
   place.in_all([&] { model = tree::load_model(model_path); });
   if (quiet) {
     const tree::classification_result result = classify(model, nullptr);
-    if (!result.quality)
-      throw tree::table_error("there is nothing to evaluate: no row has a known class");
+    refuse_if(!result.quality, "there is nothing to evaluate: no row has a known class");
     print_evaluation_of_rows(model, result, std::cout);
   } else if (output.is_standard_output()) {
     print_evaluation_of_rows(model, classify(model, &std::cout), std::cerr);
@@ -129,8 +127,9 @@ tree::classification_options classify_command::chosen_options(
 
 tree::classification_result classify_command::classify(const tree::decision_tree& model,
                                                        std::ostream* rows) const {
-  return classify_rows(place, table_paths, model, chosen_options(model), rows,
-                       "; --strict refuses such texts");
+  tree::classification_options options;
+  place.in_all([&] { options = chosen_options(model); });
+  return classify_rows(place, table_paths, model, options, rows, "; --strict refuses such texts");
 }
 
 // Fails before the work is done if its result could not be saved.

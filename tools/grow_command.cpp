@@ -10,7 +10,6 @@
 #include <system_error>
 
 #include "arbor/csv/shown_text.h"
-#include "arbor/csv/table_error.h"
 #include "arbor/formats/open_table.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/rating_report.h"
@@ -227,7 +226,7 @@ void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
   options.id_name.clear();  // no rows are written
   const tree::classification_result result =
       classify_rows(place, test_paths, grown, options, nullptr, "");
-  if (!result.quality) throw tree::table_error("--test: no row has a known class");
+  refuse_if(!result.quality, "--test: no row has a known class");
   std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);
 }
 

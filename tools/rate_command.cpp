@@ -58,10 +58,12 @@ rate_command::rate_command(CLI::App& app, const workplace& at)
 }
 
 void rate_command::run() {
-  tree::check_choice("--format: ", format, {"text", "csv", "json"});
-  tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
   tree::load_options load;
-  place.in_all([&] { load = table.chosen(); });
+  place.in_all([&] {
+    tree::check_choice("--format: ", format, {"text", "csv", "json"});
+    tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
+    load = table.chosen();
+  });
   load.threads = thread_count(threads);
   const float least_weight = weight_value("--min-weight", min_weight);
   check_tables(table_paths);

@@ -28,8 +28,8 @@ class workplace {
   // Whether there may be other processes.
   virtual bool is_shared() const = 0;
 
-  // Calls `work` in each process, or only in the first, which prints and saves, when all have come
-  // so far. Throws in each process if that throws in one.
+  // Calls `work`, which may fail in some of the processes, in each of them, or only in the first,
+  // which prints and saves, once all have come so far. Throws in each process if it throws in one.
   virtual void in_all(const std::function<void()>& work) const = 0;
   virtual void in_first(const std::function<void()>& work) const = 0;
 

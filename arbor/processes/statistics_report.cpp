@@ -51,14 +51,14 @@ std::vector<phases> phases_of_all(process_group& group) {
   return result;
 }
 
-void add(phase_traffic& sum, const phase_traffic& added) {
+void add_phase(phase_traffic& sum, const phase_traffic& added) {
   sum.seconds += added.seconds;
   sum.processor_seconds += added.processor_seconds;
   sum.bytes += added.bytes;
   sum.messages += added.messages;
 }
 
-std::vector<std::string> line(const std::string& process, const phase_traffic& phase) {
+std::vector<std::string> line_of(const std::string& process, const phase_traffic& phase) {
   return {phase.phase,
           process,
           fmt::format("{:.3f}", phase.seconds),
@@ -75,7 +75,7 @@ void write_statistics(std::ostream& out, process_group& group) {
   phases in_order;
   for (const phases& of_process : by_process) {
     sums.push_back({"total", 0, 0, 0, 0});
-    for (const phase_traffic& phase : of_process) add(sums.back(), phase);
+    for (const phase_traffic& phase : of_process) add_phase(sums.back(), phase);
     in_order.insert(in_order.end(), of_process.begin(), of_process.end());
   }
 
@@ -87,18 +87,18 @@ void write_statistics(std::ostream& out, process_group& group) {
     done.push_back(phase.phase);
     for (std::size_t process = 0; process < by_process.size(); ++process) {
       for (const phase_traffic& same : by_process[process])
-        if (same.phase == phase.phase) lines.push_back(line(std::to_string(process), same));
+        if (same.phase == phase.phase) lines.push_back(line_of(std::to_string(process), same));
     }
   }
   phase_traffic sum{"total", 0, 0, 0, 0};
   double longest = 0;
   for (std::size_t process = 0; process < sums.size(); ++process) {
-    lines.push_back(line(std::to_string(process), sums[process]));
-    add(sum, sums[process]);
+    lines.push_back(line_of(std::to_string(process), sums[process]));
+    add_phase(sum, sums[process]);
     longest = std::max(longest, sums[process].seconds);
   }
   sum.seconds = longest;  // they run side by side
-  lines.push_back(line("all", sum));
+  lines.push_back(line_of("all", sum));
   out << aligned(lines, "llrrrr");
 }
 
