@@ -41,7 +41,7 @@ class file_classifier {
     pool.for_each(pool.size(), [&](std::size_t /*worker*/) { classify_blocks(classifier); });
     for (std::size_t i = 0; i < strays.size(); ++i) remark_on(strays[i], cells.attributes[i]);
     result.table_name = file.name();
-    result.input_remarks = file.remarks();
+    result.input_remarks = file.remarks(file.skipped_lines());
     return std::move(result);
   }
 
