@@ -34,7 +34,7 @@ classification_result classify_table(const std::vector<std::string>& paths,
   });
   result.remarks = classify.remarks(strays);
   result.table_name = file.name();
-  result.input_remarks = file.remarks();
+  result.input_remarks = file.remarks(file.skipped_lines());
   return result;
 }
 
