@@ -162,21 +162,32 @@ void process_group::settle() {
   pending->wait();
 }
 
-void process_group::send_bytes(const void* bytes, std::size_t size, unsigned int to) {
+void process_group::begin_sending(const void* bytes, std::size_t size, unsigned int to,
+                                  requests& begun) {
   in_parts(size, [&](std::size_t first, int count) {
     MPI_Isend(static_cast<const char*>(bytes) + first, count, MPI_BYTE, rank_number(to), 0,
-              MPI_COMM_WORLD, pending->add());
+              MPI_COMM_WORLD, begun.add());
     counted.sent(static_cast<std::uint64_t>(count));
   });
-  settle();
+}
+
+void process_group::send_bytes(const void* bytes, std::size_t size, unsigned int to) {
+  requests begun;
+  begin_sending(bytes, size, to, begun);
+  begun.wait();
+}
+
+void process_group::send_bytes_later(const void* bytes, std::size_t size, unsigned int to) {
+  begin_sending(bytes, size, to, *pending);
 }
 
 void process_group::receive_bytes(void* bytes, std::size_t size, unsigned int from) {
+  requests begun;
   in_parts(size, [&](std::size_t first, int count) {
     MPI_Irecv(static_cast<char*>(bytes) + first, count, MPI_BYTE, rank_number(from), 0,
-              MPI_COMM_WORLD, pending->add());
+              MPI_COMM_WORLD, begun.add());
   });
-  settle();
+  begun.wait();
 }
 
 void process_group::broadcast_bytes(void* bytes, std::size_t size, unsigned int from) {
@@ -191,22 +202,19 @@ void process_group::broadcast_bytes(void* bytes, std::size_t size, unsigned int 
 
 void process_group::exchange_bytes(const std::vector<std::pair<const void*, std::size_t>>& outgoing,
                                    const std::vector<std::pair<void*, std::size_t>>& incoming) {
+  requests begun;
   for (unsigned int p = 0; p < all; ++p) {
     in_parts(incoming[p].second, [&, p](std::size_t first, int count) {
       MPI_Irecv(static_cast<char*>(incoming[p].first) + first, count, MPI_BYTE, rank_number(p), 0,
-                MPI_COMM_WORLD, pending->add());
+                MPI_COMM_WORLD, begun.add());
     });
   }
   // Each process begins with the one after it, so that not all send to the same one first.
   for (unsigned int i = 1; i < all; ++i) {
     const unsigned int p = (own_rank + i) % all;
-    in_parts(outgoing[p].second, [&](std::size_t first, int count) {
-      MPI_Isend(static_cast<const char*>(outgoing[p].first) + first, count, MPI_BYTE,
-                rank_number(p), 0, MPI_COMM_WORLD, pending->add());
-      counted.sent(static_cast<std::uint64_t>(count));
-    });
+    begin_sending(outgoing[p].first, outgoing[p].second, p, begun);
   }
-  settle();
+  begun.wait();
 }
 
 void process_group::gather_bytes(const void* own, std::vector<std::size_t> sizes, char* gathered) {

@@ -69,14 +69,17 @@ class process_group : private strata::util::nocopy {
   void take_greatest(std::vector<std::uint32_t>& values);
 
   // Makes each of the values the sum of those of all processes in the process `owner`. Elsewhere
-  // they lose their meaning. Several may be on their way: they are done when settle() returns, and
-  // must stay at their place until then.
+  // they lose their meaning. It is done when settle() returns.
   void add_up_at(std::vector<std::uint32_t>& values, unsigned int owner);
-  void settle();
 
-  // Sums of terms that all processes have. `add(sums)` adds those of this process, one after the
-  // other. Float sums depend on the order of their terms. Unless they are exact, the sums pass from
-  // process to process, so that the terms are added in the order of the rows.
+  // Passes values from process to process, in each of which `use()` changes them in their turn, and
+  // makes those of all processes what the last one leaves: so float sums are formed in the order of
+  // the rows, on which they depend.
+  template <class T, class Use>
+  void pass_on(std::vector<T>& values, Use use);
+
+  // Sums of terms that all processes have; `add(sums)` adds those of this process, one after the
+  // other. Sums that are not known to be exact are passed on.
   template <class T, class Add>
   void add_in_order(std::vector<T>& sums, bool exact, Add add);
 
@@ -86,10 +89,21 @@ class process_group : private strata::util::nocopy {
   void send(const std::vector<T>& values, unsigned int to);
   template <class T>
   void receive(std::vector<T>& values, unsigned int from);
+  // Sends without waiting for the receiver. It is done when settle() returns.
+  template <class T>
+  void send_later(const std::vector<T>& values, unsigned int to);
+
+  // Waits until all is done that was begun. Until then the values must stay as they are, at their
+  // place.
+  void settle();
 
  private:
+  struct requests;  // of MPI, not done yet
+
   void count_combined(std::size_t bytes);
+  void begin_sending(const void* bytes, std::size_t size, unsigned int to, requests& begun);
   void send_bytes(const void* bytes, std::size_t size, unsigned int to);
+  void send_bytes_later(const void* bytes, std::size_t size, unsigned int to);
   void receive_bytes(void* bytes, std::size_t size, unsigned int from);
   void broadcast_bytes(void* bytes, std::size_t size, unsigned int from);
   // The sizes are in bytes; those of `incoming` are known by the receiver.
@@ -98,8 +112,6 @@ class process_group : private strata::util::nocopy {
   void gather_bytes(const void* own, std::vector<std::size_t> sizes, char* gathered_bytes);
   std::vector<std::uint64_t> gathered_sizes(std::uint64_t own);
   std::vector<std::uint64_t> exchanged_sizes(const std::vector<std::uint64_t>& outgoing);
-
-  struct requests;  // of MPI, not done yet
 
   unsigned int own_rank = 0;
   unsigned int all = 1;
@@ -153,17 +165,19 @@ std::vector<std::vector<T>> process_group::exchanged(std::vector<std::vector<T>>
   return received;
 }
 
+template <class T, class Use>
+void process_group::pass_on(std::vector<T>& values, Use use) {
+  if (!is_first()) receive(values, own_rank - 1);
+  use();
+  if (!is_last()) send(values, own_rank + 1);
+  broadcast_bytes(values.data(), values.size() * sizeof(T), all - 1);
+}
+
 template <class T, class Add>
 void process_group::add_in_order(std::vector<T>& sums, bool exact, Add add) {
-  if (exact) {
-    add(sums);
-    add_up(sums);
-    return;
-  }
-  if (!is_first()) receive(sums, own_rank - 1);
+  if (!exact) return pass_on(sums, [&] { add(sums); });
   add(sums);
-  if (!is_last()) send(sums, own_rank + 1);
-  broadcast_bytes(sums.data(), sums.size() * sizeof(T), all - 1);
+  add_up(sums);
 }
 
 template <class T>
@@ -176,6 +190,12 @@ template <class T>
 void process_group::receive(std::vector<T>& values, unsigned int from) {
   static_assert(std::is_trivially_copyable_v<T>, "its bytes are sent");
   receive_bytes(values.data(), values.size() * sizeof(T), from);
+}
+
+template <class T>
+void process_group::send_later(const std::vector<T>& values, unsigned int to) {
+  static_assert(std::is_trivially_copyable_v<T>, "its bytes are sent");
+  send_bytes_later(values.data(), values.size() * sizeof(T), to);
 }
 
 }  // namespace arbor::tree

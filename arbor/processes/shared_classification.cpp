@@ -10,6 +10,7 @@
 #include "arbor/csv/csv_table.h"
 #include "arbor/formats/open_table.h"
 #include "arbor/processes/agreement.h"
+#include "arbor/processes/file_sharing.h"
 #include "arbor/processes/score_list.h"
 #include "arbor/tree/file_classifier.h"
 #include "arbor/utils/ibinstream.h"
@@ -76,15 +77,6 @@ std::vector<stray_texts> strays_of_all(process_group& group, const std::vector<s
   return result;
 }
 
-// The files that this process reads: each one is read by one process.
-std::vector<std::string> own_files(const process_group& group,
-                                   const std::vector<std::string>& paths) {
-  const std::size_t first = paths.size() * group.rank() / group.size();
-  const std::size_t last = paths.size() * (group.rank() + 1ULL) / group.size();
-  return {paths.begin() + static_cast<std::ptrdiff_t>(first),
-          paths.begin() + static_cast<std::ptrdiff_t>(last)};
-}
-
 // Rows behind an error are not written.
 void write_rows_of_others(process_group& group, unsigned int first_with_error, kept_texts& own,
                           std::ostream& out, std::exception_ptr& failure) {
@@ -105,12 +97,14 @@ classification_result classify_shared_table(process_group& group,
                                             const decision_tree& tree,
                                             const classification_options& options,
                                             std::ostream* rows) {
+  if (group.size() == 1)
+    return agreed(group, [&] { return classify_table(paths, tree, options, rows); });
   group.enter("classifying");
-  const std::vector<std::string> own_paths = own_files(group, paths);
   std::optional<csv_table> file;
   std::optional<file_classifier> classify;
   agree(group, failure_of([&] {
-          file.emplace(own_paths.empty() ? paths : own_paths, options.input, open_table_file);
+          check_can_be_shared(paths);
+          file.emplace(paths, options.input, open_table_file);
           classify.emplace(*file, tree, options, rows != nullptr);
           if (rows != nullptr && group.is_first()) classify->write_names(*rows);
         }));
@@ -127,22 +121,21 @@ classification_result classify_shared_table(process_group& group,
     for (const scored_case& added : classified.cases) scores.add(added);
     for (std::size_t i = 0; i < strays.size(); ++i) strays[i].add(classified.strays[i]);
   };
-  std::exception_ptr failure = failure_of([&] {
-    if (!own_paths.empty()) classify->rows(take);
-  });
+  file->keep_parts(own_parts(group, *file));
+  std::exception_ptr failure = failure_of([&] { classify->rows(take); });
   if (rows != nullptr)
     write_rows_of_others(group, first_failed(group, failure), texts, *rows, failure);
   agree(group, failure);
 
   classification_result result;
-  std::vector<std::uint64_t> counts{row_count};
+  std::vector<std::uint64_t> counts{row_count, file->skipped_lines()};
   group.add_up(counts);
   result.rows = counts[0];
   const evaluation quality = evaluation_of_all(group, scores);
   if (!quality.matrix().pairs().empty()) result.quality = quality;
   result.remarks = classify->remarks(strays_of_all(group, strays));
   result.table_name = file->name();
-  result.input_remarks = file->remarks();
+  result.input_remarks = file->remarks(counts[1]);
   return result;
 }
 

@@ -75,7 +75,7 @@ void group_sharing::unite(std::vector<distinct_cells>& columns) {
 
 table load_shared_table(process_group& group, const std::vector<std::string>& paths,
                         const load_options& options) {
-  if (group.size() == 1) return load_table(paths, options);
+  if (group.size() == 1) return agreed(group, [&] { return load_table(paths, options); });
   agreed(group, [&] { check_can_be_shared(paths); });
   group_sharing sharing(group);
   return load_table(paths, options, sharing);

@@ -1,9 +1,6 @@
 #include "arbor/processes/shared_summary.h"
 
-#include <algorithm>
 #include <cmath>
-
-#include "arbor/model/code_readers.h"
 
 namespace arbor::tree {
 
@@ -32,15 +29,9 @@ case_summary shared_summary(process_group& group, const table& summed,
   }
   group.add_up(counts);
 
-  // By code of the class; at code 0, which no case has, all of them.
   std::vector<double> weights(summed.class_column().get_distinct(), 0.0);
   group.add_in_order(weights, has_exact_sums(group, own_cases), [&](std::vector<double>& sums) {
-    impls::with_codes(summed.class_column(), [&](auto class_of) {
-      for (const auto& [row, weight] : own_cases) {
-        sums[0] += static_cast<double>(weight);
-        sums[class_of(row)] += static_cast<double>(weight);
-      }
-    });
+    add_class_weights(summed.class_column(), own_cases, sums);
   });
 
   case_summary result;

@@ -44,10 +44,20 @@ float total_weight(const impls::w_sequence& cases) {
 
 std::vector<float> class_weights(const impls::column& classes, const impls::w_sequence& cases) {
   std::vector<double> sums(classes.get_distinct(), 0.0);
-  impls::with_codes(classes, [&](auto class_of) {
-    for (const auto& [row, weight] : cases) sums[class_of(row)] += static_cast<double>(weight);
-  });
+  add_class_weights(classes, cases, sums);
   return {sums.begin() + 1, sums.end()};
+}
+
+void add_class_weights(const impls::column& classes, const impls::w_sequence& cases,
+                       std::vector<double>& sums) {
+  double all = sums[0];
+  impls::with_codes(classes, [&](auto class_of) {
+    for (const auto& [row, weight] : cases) {
+      sums[class_of(row)] += static_cast<double>(weight);
+      all += static_cast<double>(weight);
+    }
+  });
+  sums[0] = all;
 }
 
 case_summary summary_of(const table& summed, const impls::w_sequence& cases) {

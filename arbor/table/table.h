@@ -59,6 +59,11 @@ float total_weight(const impls::w_sequence& cases);
 // the same way. The class of each case is known.
 std::vector<float> class_weights(const impls::column& classes, const impls::w_sequence& cases);
 
+// Adds the weights of the cases, one after the other, to those of the cases before them: entry c is
+// that of the class with code c, entry 0 that of all.
+void add_class_weights(const impls::column& classes, const impls::w_sequence& cases,
+                       std::vector<double>& sums);
+
 // What a report says of cases of a table.
 struct case_summary {
   std::size_t rows = 0;

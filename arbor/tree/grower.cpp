@@ -3,45 +3,30 @@
 #include <utility>
 
 #include "arbor/tree/growing/grown_nodes.h"
+#include "arbor/tree/growing/local_node.h"
 #include "arbor/tree/growing/subtree.h"
 #include "arbor/tree/pruning.h"
 
 namespace arbor::tree {
 
-namespace {
-
-node_cases root_cases(const table& training, const impls::w_sequence& cases) {
-  // The caller keeps the cases of the root.
-  node_cases root{
-      std::make_shared<const case_rows>(training), {std::shared_ptr<void>(), &cases}, {}, 0};
-  // This question also puts a domain in order, which several threads could not do at once.
-  for (const auto& attribute : training.columns) root.ranges.push_back(attribute->get_range());
-  return root;
-}
-
-}  // namespace
-
 grown_nodes grow_unpruned(const table& training, const impls::w_sequence& cases,
                           const grow_options& options) {
-  growth shared(options, cases);
-  if (shared.pool.size() == 1) {
-    subtree all(shared);
-    all.grow(root_cases(training, cases));
-    return all.take_nodes();
-  }
-  parallel_subtree all(shared, cases.size());
-  all.grow(root_cases(training, cases));
-  return all.take_nodes();
+  return grow_from(std::make_unique<local_node>(root_cases(training, cases), options), options);
+}
+
+decision_tree finished_tree(const table& training, std::size_t rows, grown_nodes grown,
+                            const occurring_codes& occurring, const grow_options& options) {
+  if (options.prune) prune(grown.nodes, options.confidence);
+  decision_tree tree = to_tree(training, std::move(grown), occurring);
+  tree.origin = {training.name,     rows,          options.min_weight,
+                 options.max_depth, options.prune, options.confidence};
+  return tree;
 }
 
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options) {
-  grown_nodes grown = grow_unpruned(training, cases, options);
-  if (options.prune) prune(grown.nodes, options.confidence);
-  decision_tree tree = to_tree(training, cases, std::move(grown));
-  tree.origin = {training.name,     cases.size(),  options.min_weight,
-                 options.max_depth, options.prune, options.confidence};
-  return tree;
+  return finished_tree(training, cases.size(), grow_unpruned(training, cases, options),
+                       codes_among(training, cases), options);
 }
 
 }  // namespace arbor::tree

@@ -9,8 +9,10 @@
 #ifndef ARBOR_TREE_GROWER_H
 #define ARBOR_TREE_GROWER_H
 
+#include <cstddef>
 #include <functional>
 #include <limits>
+#include <vector>
 
 #include "arbor/table/table.h"
 #include "arbor/tree/decision_tree.h"
@@ -42,6 +44,12 @@ struct grow_options {
 // Anything that a thread throws, such as std::bad_alloc, is rethrown once all threads have ended.
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options);
+
+// Prunes the nodes, if the options say so, and makes the tree of them. `rows` is the number of
+// training cases; see to_tree for `occurring`.
+decision_tree finished_tree(const table& training, std::size_t rows, grown_nodes grown,
+                            const std::function<std::vector<bool>(std::size_t column)>& occurring,
+                            const grow_options& options);
 
 // The nodes of that tree before it is pruned, so that it can be pruned in several ways. prune (see
 // pruning.h) and to_tree (see grown_nodes.h) make the tree of them.

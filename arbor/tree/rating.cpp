@@ -38,14 +38,14 @@ const char* why_no_split(const column& attribute, unsigned int values, bool fini
   return "no threshold pays";
 }
 
-attribute_rating rating_of(const column& attribute, const impls::w_sequence& cases,
+attribute_rating rating_of(const column& attribute, std::size_t unknown_cells,
                            const judged_split& split) {
   attribute_rating rating;
   rating.name = attribute.get_name();
   rating.kind = attribute.get_type();
   rating.data_type = data_type_of(attribute);
   rating.values = attribute.get_o_set()->size_of_known();
-  rating.unknown_cells = unknown_cells(attribute, cases);
+  rating.unknown_cells = unknown_cells;
   if (split.exists()) {
     rating.split = split_rating_of(split, attribute);
   } else {
@@ -57,17 +57,27 @@ attribute_rating rating_of(const column& attribute, const impls::w_sequence& cas
 }  // namespace
 
 table_rating rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight) {
-  table_rating result;
   std::vector<judged_split> splits;
-  result.attributes.reserve(rated.columns.size());
-  splits.reserve(rated.columns.size());
+  std::vector<std::size_t> unknown;
   const gain_by_chance chance(present_classes(class_weights(rated.class_column(), cases)));
-  const rated_cases of_node{cases,  rated.class_column(), total_weight(cases), min_weight,
-                            chance, rating_need::all};
+  const rated_cases of_node{
+      cases, rated.class_column(), {total_weight(cases), min_weight, chance, rating_need::all}};
   for (const auto& attribute : rated.columns) {
     if (!is_attribute(*attribute)) continue;
     splits.push_back(rate_split(*attribute, occurring_range(*attribute, cases), of_node));
-    result.attributes.push_back(rating_of(*attribute, cases, splits.back()));
+    unknown.push_back(unknown_cells(*attribute, cases));
+  }
+  return rating_of_splits(rated, splits, unknown);
+}
+
+table_rating rating_of_splits(const table& rated, const std::vector<judged_split>& splits,
+                              const std::vector<std::size_t>& unknown_cells) {
+  table_rating result;
+  result.attributes.reserve(splits.size());
+  for (const auto& attribute : rated.columns) {
+    if (!is_attribute(*attribute)) continue;
+    const std::size_t i = result.attributes.size();
+    result.attributes.push_back(rating_of(*attribute, unknown_cells[i], splits[i]));
   }
   const split_choice choice = choose(splits);
   result.average_judged_gain = choice.average_judged_gain;

@@ -2,6 +2,11 @@
 
 namespace arbor::impls {
 
+void class_counts::finish(unsigned int weight) {
+  weigh(weight);
+  add_up();
+}
+
 // From counts to weights: exact, like all sums of them.
 void class_counts::weigh(unsigned int weight) {
   if (weight == 1) return;

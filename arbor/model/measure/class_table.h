@@ -8,6 +8,7 @@
 #define ARBOR_MODEL_MEASURE_CLASS_TABLE_H
 
 #include <algorithm>
+#include <cstddef>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/even_weight.h"
@@ -32,6 +33,8 @@ struct row_weights {
 template <class Weight>
 class class_table {
  public:
+  using weight_type = Weight;
+
   // All zeros. The known codes of the cases must be in `range`.
   class_table(const strata::util::pair<unsigned int, unsigned int>& range,
               unsigned int distinct_classes)
@@ -54,6 +57,15 @@ class class_table {
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }
 
+  // All numbers of the table in a fixed order. A table with the numbers of another one goes on where
+  // that one ended: its cases may come in several parts, which different processes have.
+  static std::size_t number_count(const strata::util::pair<unsigned int, unsigned int>& range,
+                                  unsigned int distinct_classes) {
+    return (range.second - range.first + 2ULL) * distinct_classes + 1;
+  }
+  void put_numbers(Weight* numbers) const;
+  void take_numbers(const Weight* numbers);
+
  protected:
   unsigned int code_before_range;
   unsigned int row_count;
@@ -69,15 +81,14 @@ class class_counts : public class_table<unsigned int> {
  public:
   using class_table::class_table;
 
-  // Counts the cases and returns true. Returns false if a case has another weight; the table is
+  // Counts more cases and returns true. Returns false if a case has another weight; the table is
   // incomplete then and must not be used.
   template <class CodeOf, class ClassOf>
   bool count(CodeOf code_of, ClassOf class_of, const w_sequence& cases, const even_weight& weight);
+  // Once all cases are counted: goes from their numbers to weights. Each case has this weight.
+  void finish(unsigned int weight);
 
  private:
-  template <class CodeOf, class ClassOf>
-  bool count_cells(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
-                   const even_weight& weight);
   void weigh(unsigned int weight);
   void add_up();
 };
@@ -87,7 +98,7 @@ class class_sums : public class_table<float> {
  public:
   using class_table::class_table;
 
-  // Adds the cases one after the other: float sums depend on the order.
+  // Adds more cases one after the other: float sums depend on the order.
   template <class CodeOf, class ClassOf>
   void add(CodeOf code_of, ClassOf class_of, const w_sequence& cases);
 };
@@ -103,7 +114,10 @@ void with_class_table(CodeOf code_of, const column& class_column, const w_sequen
     bool even = false;
     with_codes(class_column,
                [&](auto class_of) { even = counts.count(code_of, class_of, cases, weight); });
-    if (even) return use(counts);
+    if (even) {
+      counts.finish(weight.value());
+      return use(counts);
+    }
   }
   // The counts have been released, so there is only one table at a time.
   class_sums sums(range, distinct_classes);
@@ -113,18 +127,23 @@ void with_class_table(CodeOf code_of, const column& class_column, const w_sequen
 
 // -- Implementation --
 
-template <class CodeOf, class ClassOf>
-bool class_counts::count(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
-                         const even_weight& weight) {
-  if (!count_cells(code_of, class_of, cases, weight)) return false;
-  weigh(weight.value());
-  add_up();
-  return true;
+template <class Weight>
+void class_table<Weight>::put_numbers(Weight* numbers) const {
+  numbers = std::copy_n(cells.data(), cells.size(), numbers);
+  numbers = std::copy_n(class_totals.data(), class_totals.size(), numbers);
+  *numbers = unknown;
+}
+
+template <class Weight>
+void class_table<Weight>::take_numbers(const Weight* numbers) {
+  std::copy_n(numbers, cells.size(), cells.data());
+  std::copy_n(numbers + cells.size(), class_totals.size(), class_totals.data());
+  unknown = numbers[cells.size() + class_totals.size()];
 }
 
 template <class CodeOf, class ClassOf>
-bool class_counts::count_cells(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
-                               const even_weight& weight) {
+bool class_counts::count(CodeOf code_of, ClassOf class_of, const w_sequence& cases,
+                         const even_weight& weight) {
   constexpr std::size_t block = 4096;  // cases between two looks at their weights
   const std::size_t width = stride;
   const unsigned int before = code_before_range;
@@ -145,7 +164,7 @@ bool class_counts::count_cells(CodeOf code_of, ClassOf class_of, const w_sequenc
     }
     if (difference != 0) return false;
   }
-  unknown = unknown_cases;
+  unknown += unknown_cases;
   return true;
 }
 
@@ -155,7 +174,7 @@ void class_sums::add(CodeOf code_of, ClassOf class_of, const w_sequence& cases) 
   const unsigned int before = code_before_range;
   float* const table = cells.data();
   float* const totals_by_class = class_totals.data();
-  float unknown_sum = 0;
+  float unknown_sum = unknown;
   const auto take = [&](const w_sequence::value_type& c, auto add_to_class) {
     const auto code = code_of(c.first);
     if (code == 0) {

@@ -32,27 +32,19 @@ namespace {
 // The codes of each column that occur among the training cases.
 class training_codes {
  public:
-  training_codes(const table& of_training, const impls::w_sequence& of_cases)
-      : training(of_training), cases(of_cases), occurs(of_training.columns.size()) {}
+  training_codes(const occurring_codes& of_column, std::size_t columns)
+      : ask(of_column), occurs(columns) {}
 
   // The greatest one up to `code`, which must not be below all of them.
   unsigned int up_to(std::size_t column, unsigned int code) {
-    if (cases.size() == training.cases.size()) return code;  // every code of the table occurs
-    if (occurs[column].empty()) find(column);
+    if (!ask) return code;  // every code of the table occurs
+    if (occurs[column].empty()) occurs[column] = ask(column);
     while (!occurs[column][code]) --code;
     return code;
   }
 
  private:
-  void find(std::size_t column) {
-    occurs[column].resize(training.columns[column]->get_distinct());
-    impls::with_codes(*training.columns[column], [&](auto code_of) {
-      for (const auto& weighted : cases) occurs[column][code_of(weighted.first)] = true;
-    });
-  }
-
-  const table& training;
-  const impls::w_sequence& cases;
+  const occurring_codes& ask;
   std::vector<std::vector<bool>> occurs;  // by column, empty until it is asked for
 };
 
@@ -66,9 +58,9 @@ std::string split_text(const table& training, std::size_t column, cut place,
   return threshold_text(attribute, place);
 }
 
-std::vector<tree_node> reachable_nodes(const table& training, const impls::w_sequence& cases,
-                                       grown_nodes grown) {
-  training_codes codes(training, cases);
+std::vector<tree_node> reachable_nodes(const table& training, grown_nodes grown,
+                                       const occurring_codes& occurring) {
+  training_codes codes(occurring, training.columns.size());
   std::vector<tree_node> kept;
   std::vector<std::size_t> sources{0};  // by kept node: its present number
   for (std::size_t i = 0; i < sources.size(); ++i) {
@@ -85,9 +77,20 @@ std::vector<tree_node> reachable_nodes(const table& training, const impls::w_seq
 
 }  // namespace
 
-decision_tree to_tree(const table& training, const impls::w_sequence& cases, grown_nodes grown) {
+occurring_codes codes_among(const table& training, const impls::w_sequence& cases) {
+  if (cases.size() == training.cases.size()) return nullptr;
+  return [&training, &cases](std::size_t column) {
+    std::vector<bool> occurs(training.columns[column]->get_distinct());
+    impls::with_codes(*training.columns[column], [&](auto code_of) {
+      for (const auto& weighted : cases) occurs[code_of(weighted.first)] = true;
+    });
+    return occurs;
+  };
+}
+
+decision_tree to_tree(const table& training, grown_nodes grown, const occurring_codes& occurring) {
   decision_tree tree;
-  tree.nodes = reachable_nodes(training, cases, std::move(grown));
+  tree.nodes = reachable_nodes(training, std::move(grown), occurring);
   tree.class_column.reset(training.class_column().clone(true));
   std::vector<unsigned int> attribute_of(training.columns.size(), tree_node::no_attribute);
   for (const tree_node& node : tree.nodes) {

@@ -2,6 +2,8 @@
 #ifndef ARBOR_TREE_GROWING_GROWN_NODES_H
 #define ARBOR_TREE_GROWING_GROWN_NODES_H
 
+#include <cstddef>
+#include <functional>
 #include <vector>
 
 #include "arbor/table/table.h"
@@ -24,11 +26,18 @@ struct grown_nodes {
   void graft(std::size_t node, grown_nodes part);
 };
 
+// By code of a column of the table, given by its index: whether training cases have it.
+using occurring_codes = std::function<std::vector<bool>(std::size_t column)>;
+
 // Makes the tree of the nodes reachable from the root (pruning leaves others behind), renumbered
-// breadth-first, with the texts of their thresholds and the columns that some node tests. `cases`
-// are those that the nodes were grown on. Only their values become thresholds, so that held-back
-// cases do not shape the tree that they evaluate.
-decision_tree to_tree(const table& training, const impls::w_sequence& cases, grown_nodes grown);
+// breadth-first, with the texts of their thresholds and the columns that some node tests. Only
+// values of training cases become thresholds, so that held-back cases do not shape the tree that
+// they evaluate. `occurring` is null if all rows are training cases; it is asked once for a column.
+decision_tree to_tree(const table& training, grown_nodes grown, const occurring_codes& occurring);
+
+// The codes that occur among some cases of a table, both of which must outlive the result; null if
+// they are all cases of the table.
+occurring_codes codes_among(const table& training, const impls::w_sequence& cases);
 
 }  // namespace arbor::tree
 

@@ -6,8 +6,9 @@
 #include <vector>
 
 #include "arbor/model/code_readers.h"
-#include "arbor/model/measure/class_table.h"
 #include "arbor/model/measure/discrete_quality.h"
+#include "arbor/model/measure/rainforest_quality.h"
+#include "arbor/model/measure/sparse_class_table.h"
 
 namespace arbor::tree {
 
@@ -42,9 +43,9 @@ value_charge charge(const Table& table, double all_weight, const gain_by_chance&
 }
 
 template <class Table>
-value_charge charge(const Table& table, const rated_cases& of_node) {
-  const auto all_weight = static_cast<double>(of_node.weight);
-  if (!(table.unknown_weight() > 0)) return charge(table, all_weight, of_node.chance);
+value_charge charge(const Table& table, const rated_node& node) {
+  const auto all_weight = static_cast<double>(node.weight);
+  if (!(table.unknown_weight() > 0)) return charge(table, all_weight, node.chance);
   // The gain is that of the known cases, whose classes may be others.
   const gain_by_chance of_known(
       present_classes(std::vector<float>(table.totals(), table.totals() + table.classes())));
@@ -72,21 +73,42 @@ void with_table(const column& attribute, code_range range, const rated_cases& of
   });
 }
 
-// As the attribute would rate itself, but rated and judged by one table: reading the cases takes
-// most of the time.
-judged_split rate_discrete_split(const column& attribute, code_range range,
-                                 const rated_cases& of_node) {
+// As a discrete attribute would rate itself, but rated and judged by one table: reading the cases
+// takes most of the time.
+template <class Table>
+judged_split rate_discrete_table(const column& attribute, const Table& table,
+                                 const rated_node& node) {
   judged_split result;
   column::splitting_desc& rating = result.rating;
   rating.branches = attribute.get_o_set()->size_of_known();
   rating.split_column = const_cast<column*>(&attribute);  // handed out, not changed
+  const value_charge many = charge(table, node);
+  rating.set_no_split();
+  if (node.need == rating_need::all || !(many.charged > 0) || many.charged < many.most_gain)
+    impls::rate_discrete(table, node.weight, node.min_weight, rating);
+  result.judged_gain = judged_gain(rating.gain, many);
+  return result;
+}
+
+judged_split rate_discrete_split(const column& attribute, code_range range,
+                                 const rated_cases& of_node) {
+  judged_split result;
   with_table(attribute, range, of_node, [&](const auto& table) {
-    const value_charge many = charge(table, of_node);
-    rating.set_no_split();
-    if (of_node.need == rating_need::all || !(many.charged > 0) || many.charged < many.most_gain)
-      impls::rate_discrete(table, of_node.weight, of_node.min_weight, rating);
-    result.judged_gain = judged_gain(rating.gain, many);
+    result = rate_discrete_table(attribute, table, of_node.node);
   });
+  return result;
+}
+
+template <class Weight>
+judged_split rate_continuous_table(const column& attribute, code_range range,
+                                   const impls::class_table<Weight>& table, std::size_t cases,
+                                   const rated_node& node) {
+  judged_split result;
+  result.rating.branches = 2;
+  result.rating.split_column = const_cast<column*>(&attribute);
+  impls::rate_rainforest(table, range.first, node.weight, cases, node.min_weight, nullptr,
+                         result.rating);
+  result.judged_gain = result.rating.gain;
   return result;
 }
 
@@ -94,8 +116,8 @@ judged_split rate_any_split(const column& attribute, code_range range, const rat
   judged_split result;
   // A measure that may copy the cases does not reorder them.
   auto& unchanged = const_cast<impls::w_sequence&>(of_node.cases);
-  attribute.quality_measure(&of_node.class_column, of_node.weight, &unchanged, range,
-                            of_node.min_weight, nullptr, result.rating, true);
+  attribute.quality_measure(&of_node.class_column, of_node.node.weight, &unchanged, range,
+                            of_node.node.min_weight, nullptr, result.rating, true);
   result.judged_gain = result.rating.gain;
   return result;
 }
@@ -108,7 +130,7 @@ judged_split rate_and_judge(const column& attribute, code_range range, const rat
   // A class derived by a user may rate itself in its own way.
   if (judged) {
     with_table(attribute, range, of_node, [&](const auto& table) {
-      result.judged_gain = judged_gain(result.rating.gain, charge(table, of_node));
+      result.judged_gain = judged_gain(result.rating.gain, charge(table, of_node.node));
     });
   }
   return result;
@@ -117,6 +139,15 @@ judged_split rate_and_judge(const column& attribute, code_range range, const rat
 bool is_finite(const judged_split& split) {
   return std::isfinite(split.rating.gain) && std::isfinite(split.rating.split_info) &&
          std::isfinite(split.judged_gain) && std::isfinite(static_cast<float>(split.gain_ratio()));
+}
+
+judged_split with_finite_numbers(judged_split split) {
+  split.finite = is_finite(split);
+  if (!split.finite) {
+    split.rating.set_no_split();
+    split.judged_gain = split.rating.gain;
+  }
+  return split;
 }
 
 }  // namespace
@@ -128,13 +159,21 @@ double judged_split::gain_ratio() const {
 }
 
 judged_split rate_split(const column& attribute, code_range range, const rated_cases& of_node) {
-  judged_split result = rate_and_judge(attribute, range, of_node);
-  result.finite = is_finite(result);
-  if (!result.finite) {
-    result.rating.set_no_split();
-    result.judged_gain = result.rating.gain;
-  }
-  return result;
+  return with_finite_numbers(rate_and_judge(attribute, range, of_node));
 }
+
+template <class Weight>
+judged_split rate_table(const column& attribute, code_range range,
+                        const impls::class_table<Weight>& table, std::size_t cases,
+                        const rated_node& node) {
+  return with_finite_numbers(attribute.is_discrete()
+                                 ? rate_discrete_table(attribute, table, node)
+                                 : rate_continuous_table(attribute, range, table, cases, node));
+}
+
+template judged_split rate_table(const column&, code_range, const impls::class_table<float>&,
+                                 std::size_t, const rated_node&);
+template judged_split rate_table(const column&, code_range, const impls::class_table<unsigned int>&,
+                                 std::size_t, const rated_node&);
 
 }  // namespace arbor::tree

@@ -17,6 +17,9 @@
 #ifndef ARBOR_TREE_GROWING_JUDGED_SPLIT_H
 #define ARBOR_TREE_GROWING_JUDGED_SPLIT_H
 
+#include <cstddef>
+
+#include "arbor/model/measure/class_table.h"
 #include "arbor/tree/growing/gain_by_chance.h"
 #include "arbor/tree/growing/node_cases.h"
 
@@ -38,14 +41,19 @@ struct judged_split {
 // value occurs twice may not, at any node; not to rate it saves much of the time that it takes.
 enum class rating_need { all, choice };
 
-// The cases of a node, and what is known of them; nothing is owned.
+// What is known of the cases of a node.
+struct rated_node {
+  float weight;
+  float min_weight;
+  const gain_by_chance& chance;  // not owned
+  rating_need need;
+};
+
+// The cases of a node; nothing is owned.
 struct rated_cases {
   const impls::w_sequence& cases;  // at least one
   impls::column& class_column;
-  float weight;  // of the cases
-  float min_weight;
-  const gain_by_chance& chance;
-  rating_need need;
+  rated_node node;
 };
 
 // Rates the split of an attribute as column::quality_measure does, and judges its gain. What is
@@ -54,6 +62,19 @@ struct rated_cases {
 // the same cases.
 judged_split rate_split(const impls::column& attribute, code_range range,
                         const rated_cases& of_node);
+
+// Whether a continuous attribute is rated by the class weights for each code in its range, and not
+// by its cases in the order of their codes.
+inline bool is_rated_by_table(std::size_t cases, code_range range) {
+  return cases / (range.second - range.first) > 2;
+}
+
+// The same rating from the table of such an attribute, or of a discrete one: one of the library's
+// own columns. The range has two codes at least.
+template <class Weight>
+judged_split rate_table(const impls::column& attribute, code_range range,
+                        const impls::class_table<Weight>& table, std::size_t cases,
+                        const rated_node& node);
 
 }  // namespace arbor::tree
 

@@ -27,6 +27,14 @@ class case_rows : private strata::util::nocopy {
   // tree may test are copied, and they use the domains of the table. Requires from.can_be_copied().
   case_rows(const case_rows& from, const impls::w_sequence& cases);
 
+  // Rows that are not those of a table in this process, with their weights in the table. `read` has
+  // the columns that is_read is true of, in the order of the table, and uses its domains.
+  case_rows(const table& whole, std::vector<std::unique_ptr<impls::column>> read,
+            impls::w_sequence row_weights);
+
+  // Whether a column is the class or one that a tree may test; no other one is copied.
+  bool is_read(const impls::column& column) const;
+
   // In the order of the table.
   const std::vector<const impls::column*>& columns() const { return all_columns; }
   impls::column& class_column() const { return *classes; }
@@ -39,7 +47,7 @@ class case_rows : private strata::util::nocopy {
   bool can_be_copied() const { return copyable; }
 
  private:
-  bool is_read(const impls::column& column) const;
+  void add_copy(const impls::column& of, std::unique_ptr<impls::column> copy);
 
   std::vector<const impls::column*> all_columns;
   impls::column* classes;
@@ -65,6 +73,9 @@ struct node_cases {
   std::vector<code_range> ranges;  // by column of the table: bounds of the codes among the cases
   unsigned int depth = 0;          // the number of tests above the node
 };
+
+// The root of a tree that is grown on some rows of a table. Both must outlive the result.
+node_cases root_cases(const table& training, const impls::w_sequence& cases);
 
 // Gives a node a copy of its rows where its cases are so scattered that the copy pays.
 void gather_rows(node_cases& node);

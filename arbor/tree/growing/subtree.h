@@ -1,4 +1,4 @@
-// Grows a tree, or a part of one, from the cases of one node.
+// Grows a tree, or a part of one, from one node.
 //
 // Branches wait on a stack until their turn comes, because a recursive function could overflow the
 // thread's stack on a deep tree.
@@ -23,7 +23,7 @@ namespace arbor::tree {
 // What all subtrees of one growing tree share.
 class growth : private strata::util::nocopy {
  public:
-  growth(const grow_options& chosen, const impls::w_sequence& cases);
+  growth(const grow_options& chosen, const node_summary& root);
 
   // Reports progress: cases of this weight have come to a leaf. Any thread may call it.
   void add_settled(float weight);
@@ -42,18 +42,27 @@ struct open_branch {
   std::size_t node;
   std::shared_ptr<node_split> parent;
   node_split::branch branch;
+
+  std::unique_ptr<growing_node> take() const { return parent->take(branch); }
 };
+
+// Makes a node a test or, if `split` is null, a leaf. Returns the branches, the largest first: it
+// goes to the bottom of a stack and is processed last, so that waiting branches hold at most twice
+// the root's cases.
+std::vector<open_branch> make_node(grown_nodes& grown, std::size_t number,
+                                   const node_summary& summary,
+                                   const std::shared_ptr<node_split>& split);
 
 // Grows on the calling thread.
 class subtree {
  public:
   explicit subtree(growth& of_tree) : shared(of_tree) {}
 
-  void grow(node_cases root);
+  void grow(growing_node& root);
   grown_nodes take_nodes() { return std::move(grown); }
 
  private:
-  void settle(std::size_t number, node_cases cases);
+  void settle(std::size_t number, growing_node& node);
 
   growth& shared;
   grown_nodes grown;
@@ -66,11 +75,11 @@ class parallel_subtree {
  public:
   parallel_subtree(growth& of_tree, std::size_t root_cases);
 
-  void grow(const node_cases& root);
+  void grow(const std::shared_ptr<growing_node>& root);
   grown_nodes take_nodes() { return std::move(grown); }
 
  private:
-  void settle(std::size_t number, node_cases cases);
+  void settle(std::size_t number, const std::shared_ptr<growing_node>& node);
   void conclude(std::size_t number, growing_node& node);
 
   growth& shared;
@@ -79,6 +88,9 @@ class parallel_subtree {
   std::mutex mutex;  // guards `grown`
   grown_nodes grown;
 };
+
+// Grows from a node, with or without threads.
+grown_nodes grow_from(std::unique_ptr<growing_node> root, const grow_options& options);
 
 }  // namespace arbor::tree
 

@@ -6,14 +6,6 @@ namespace {
 
 using impls::column;
 
-std::vector<std::size_t> testable_columns(const case_rows& rows) {
-  std::vector<std::size_t> result;
-  for (std::size_t i = 0; i < rows.columns().size(); ++i) {
-    if (is_testable(*rows.columns()[i])) result.push_back(i);
-  }
-  return result;
-}
-
 // Whether a tree may test the attribute.
 bool is_eligible(const judged_split& split) {
   return split.judged_gain > 0;
@@ -42,12 +34,28 @@ split_choice choose(const std::vector<judged_split>& splits) {
   return result;
 }
 
+std::vector<std::size_t> testable_columns(const case_rows& rows) {
+  std::vector<std::size_t> result;
+  for (std::size_t i = 0; i < rows.columns().size(); ++i) {
+    if (is_testable(*rows.columns()[i])) result.push_back(i);
+  }
+  return result;
+}
+
+std::optional<rated_test> best_test(const std::vector<std::size_t>& column_indices,
+                                    const std::vector<judged_split>& splits) {
+  const split_choice choice = choose(splits);
+  if (!choice.best) return std::nullopt;
+  return rated_test{column_indices[*choice.best], splits[*choice.best].rating};
+}
+
 test_search::test_search(node_cases& rated, const std::vector<weighted_class>& class_weights,
                          float node_weight, float min_weight)
     : node(rated),
       chance(class_weights),
-      of_node{*node.cases, node.rows->class_column(), node_weight, min_weight,
-              chance,      rating_need::choice},
+      of_node{*node.cases,
+              node.rows->class_column(),
+              {node_weight, min_weight, chance, rating_need::choice}},
       column_indices(testable_columns(*node.rows)),
       splits(column_indices.size()) {}
 
@@ -59,12 +67,6 @@ void test_search::rate(std::size_t i) {
   const bool too_wide = range.second - range.first > node.cases->size();
   if (too_wide) range = occurring_range(attribute, *node.cases);
   splits[i] = rate_split(attribute, range, of_node);
-}
-
-std::optional<rated_test> test_search::best() const {
-  const split_choice choice = choose(splits);
-  if (!choice.best) return std::nullopt;
-  return rated_test{column_indices[*choice.best], splits[*choice.best].rating};
 }
 
 }  // namespace arbor::tree

@@ -29,6 +29,14 @@ struct rated_test {
   impls::column::splitting_desc rating;
 };
 
+// The indices of the columns that a tree may test.
+std::vector<std::size_t> testable_columns(const case_rows& rows);
+
+// The best of the splits of these columns; none if no attribute splits the cases so that a gain is
+// left when it is judged.
+std::optional<rated_test> best_test(const std::vector<std::size_t>& column_indices,
+                                    const std::vector<judged_split>& splits);
+
 // Rates the columns of a node and chooses its test.
 //
 //   test_search search(node, class_weights, weight, 2);
@@ -46,9 +54,8 @@ class test_search : private strata::util::nocopy {
   // Rates one of them, once; several threads may rate different ones. A range of codes in the node
   // that turns out to be far too wide is narrowed.
   void rate(std::size_t i);
-  // Once all are rated: the best test; none if no attribute splits the cases so that a gain is left
-  // when it is judged.
-  std::optional<rated_test> best() const;
+  // Once all are rated: the best test, see best_test.
+  std::optional<rated_test> best() const { return best_test(column_indices, splits); }
 
  private:
   node_cases& node;

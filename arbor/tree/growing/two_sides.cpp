@@ -13,23 +13,11 @@ namespace {
 
 using impls::w_sequence;
 
-// What the first pass finds. Of each pair, the first is of the low side.
-struct side_weights {
-  std::array<std::size_t, 2> known_cases{};
-  std::array<float, 2> known_weight{};
-  // The same in double, where light cases are not lost in the rounding, and the unknown weight.
-  std::array<double, 2> exact_weight{};
-  double unknown_weight = 0;
-  unsigned int before_least_code = std::numeric_limits<unsigned int>::max();
-  unsigned int greatest_code = 0;
-};
-
 // Neither pass branches on the side of a case, which is hard to predict. `side_weights` is returned
 // by value and the function not inlined, so that the sums stay in registers.
 template <bool HasUnknown, class CodeOf>
-[[gnu::noinline]] side_weights weigh_sides(const w_sequence& cases, CodeOf code_of,
-                                           unsigned int threshold) {
-  side_weights result;
+[[gnu::noinline]] side_weights weigh(const w_sequence& cases, CodeOf code_of,
+                                     unsigned int threshold, side_weights result) {
   for (const auto& [row, weight] : cases) {
     const unsigned int code = code_of(row);
     const unsigned int before = code - 1;  // the greatest number for the unknown value
@@ -41,6 +29,7 @@ template <bool HasUnknown, class CodeOf>
     const float high_weight = impls::weight_if(high, weight);
     result.known_cases[0] += low;
     result.known_cases[1] += high;
+    if constexpr (HasUnknown) result.unknown_cases += 1 - low - high;
     result.known_weight[0] += low_weight;
     result.known_weight[1] += high_weight;
     if constexpr (HasUnknown) {
@@ -50,19 +39,6 @@ template <bool HasUnknown, class CodeOf>
     }
   }
   return result;
-}
-
-// The sides' shares. Where there is unknown weight it belongs to neither side: a column's partition
-// counts it in the low branch's weight, so that each unknown case would be worth more than one.
-std::array<float, 2> shares_of(const side_weights& weights, float node_weight) {
-  std::array<float, 2> shares{};
-  for (std::size_t side = 0; side < 2; ++side) {
-    shares[side] = static_cast<float>(
-        weights.unknown_weight > 0
-            ? weights.exact_weight[side] / (weights.exact_weight[0] + weights.exact_weight[1])
-            : static_cast<double>(weights.known_weight[side]) / static_cast<double>(node_weight));
-  }
-  return shares;
 }
 
 // Leaves out what is behind `end`.
@@ -75,12 +51,11 @@ void cut_to(w_sequence& cases, const w_sequence::value_type* end) {
 // belongs; so there is a place more than cases.
 template <class CodeOf>
 std::array<w_sequence, 2> copy_sides(const node_cases& node, CodeOf code_of, unsigned int threshold,
-                                     const side_weights& weights,
-                                     const std::array<float, 2>& shares) {
-  const std::size_t unknown_cases =
-      node.cases->size() - weights.known_cases[0] - weights.known_cases[1];
-  std::array<w_sequence, 2> sides{w_sequence(weights.known_cases[0] + unknown_cases + 1),
-                                  w_sequence(weights.known_cases[1] + unknown_cases + 1)};
+                                     const std::array<std::size_t, 2>& known_cases,
+                                     const std::array<side_shape, 2>& shapes) {
+  const std::size_t unknown_cases = node.cases->size() - known_cases[0] - known_cases[1];
+  std::array<w_sequence, 2> sides{w_sequence(known_cases[0] + unknown_cases + 1),
+                                  w_sequence(known_cases[1] + unknown_cases + 1)};
   auto* low = sides[0].data();
   auto* high = sides[1].data();
   const auto add_part = [&](auto*& next, const auto& weighted, float share) {
@@ -96,8 +71,8 @@ std::array<w_sequence, 2> copy_sides(const node_cases& node, CodeOf code_of, uns
       low += 1 - is_high;
       high += is_high;
     } else {
-      add_part(low, weighted, shares[0]);
-      add_part(high, weighted, shares[1]);
+      add_part(low, weighted, shapes[0].share);
+      add_part(high, weighted, shapes[1].share);
     }
   }
   cut_to(sides[0], low);
@@ -107,20 +82,56 @@ std::array<w_sequence, 2> copy_sides(const node_cases& node, CodeOf code_of, uns
 
 }  // namespace
 
-std::array<side_cases, 2> divide_at_threshold(const node_cases& node, float node_weight,
-                                              std::size_t column_index, unsigned int threshold) {
+void side_weights::add(const side_weights& others) {
+  for (std::size_t side = 0; side < 2; ++side) {
+    known_cases[side] += others.known_cases[side];
+    known_weight[side] += others.known_weight[side];
+    exact_weight[side] += others.exact_weight[side];
+  }
+  unknown_cases += others.unknown_cases;
+  unknown_weight += others.unknown_weight;
+  before_least_code = std::min(before_least_code, others.before_least_code);
+  greatest_code = std::max(greatest_code, others.greatest_code);
+}
+
+// Where there is unknown weight it belongs to neither side: a column's partition counts it in the
+// low branch's weight, so that each unknown case would be worth more than one.
+std::array<side_shape, 2> side_weights::sides(unsigned int threshold, float node_weight) const {
+  std::array<side_shape, 2> result{};
+  for (std::size_t side = 0; side < 2; ++side) {
+    result[side].share = static_cast<float>(
+        unknown_weight > 0
+            ? exact_weight[side] / (exact_weight[0] + exact_weight[1])
+            : static_cast<double>(known_weight[side]) / static_cast<double>(node_weight));
+  }
+  result[0].range = {std::min(before_least_code, threshold - 1) + 1, threshold + 1};
+  result[1].range = {threshold, std::max(greatest_code, threshold) + 1};
+  return result;
+}
+
+side_weights weigh_sides(const node_cases& node, std::size_t column_index, unsigned int threshold,
+                         side_weights before) {
   const impls::column& attribute = *node.rows->columns()[column_index];
-  std::array<side_cases, 2> result{};
+  side_weights weights;
   impls::with_codes(attribute, [&](auto code_of) {
-    const side_weights weights = attribute.get_o_set()->contains_null()
-                                     ? weigh_sides<true>(*node.cases, code_of, threshold)
-                                     : weigh_sides<false>(*node.cases, code_of, threshold);
-    const std::array<float, 2> shares = shares_of(weights, node_weight);
-    std::array<w_sequence, 2> sides = copy_sides(node, code_of, threshold, weights, shares);
-    const code_range low{std::min(weights.before_least_code, threshold - 1) + 1, threshold + 1};
-    const code_range high{threshold, std::max(weights.greatest_code, threshold) + 1};
-    result[0] = {std::make_shared<const w_sequence>(std::move(sides[0])), shares[0], low};
-    result[1] = {std::make_shared<const w_sequence>(std::move(sides[1])), shares[1], high};
+    weights = attribute.get_o_set()->contains_null()
+                  ? weigh<true>(*node.cases, code_of, threshold, before)
+                  : weigh<false>(*node.cases, code_of, threshold, before);
+  });
+  return weights;
+}
+
+std::array<side_cases, 2> divide_at_threshold(const node_cases& node, std::size_t column_index,
+                                              unsigned int threshold,
+                                              const std::array<std::size_t, 2>& known_cases,
+                                              const std::array<side_shape, 2>& sides) {
+  std::array<side_cases, 2> result{};
+  impls::with_codes(*node.rows->columns()[column_index], [&](auto code_of) {
+    std::array<w_sequence, 2> cases = copy_sides(node, code_of, threshold, known_cases, sides);
+    for (std::size_t side = 0; side < 2; ++side) {
+      result[side] = {std::make_shared<const w_sequence>(std::move(cases[side])), sides[side].share,
+                      sides[side].range};
+    }
   });
   return result;
 }

@@ -36,7 +36,8 @@ std::vector<trial> try_confidences(const table& training, const divided_cases& c
   for (const float confidence : tuned_confidences) {
     grown_nodes pruned = grown;
     prune(pruned.nodes, confidence);
-    const trial_tree pruned_tree(to_tree(training, cases.training, std::move(pruned)));
+    const trial_tree pruned_tree(
+        to_tree(training, std::move(pruned), codes_among(training, cases.training)));
     trials.push_back(try_tree(pruned_tree.tree, training, cases.held_back));
   }
   return trials;
