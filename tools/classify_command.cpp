@@ -1,9 +1,9 @@
 #include "tools/classify_command.h"
 
 #include <iostream>
+#include <optional>
 
 #include "arbor/csv/message_text.h"
-#include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/store/file_replacement.h"
 #include "arbor/store/model_store.h"
@@ -38,10 +38,27 @@ void print_evaluation_of_rows(const tree::decision_tree& model,
   out << tree::evaluation_as_text("classified", *model.class_column, *result.quality);
 }
 
+struct file_with_rows {
+  explicit file_with_rows(const output_file& output)
+      : file(output.path, output.new_ownership()),
+        rows(file),
+        guard(rows, tree::is_terminal(output.path)) {}
+
+  void save() {
+    rows.flush();
+    file.commit();
+  }
+
+  tree::file_replacement file;
+  tree::replacement_stream rows;
+  terminal_guard guard;
+};
+
 }  // namespace
 
-classify_command::classify_command(CLI::App& app)
-    : command(app, "classify", "Predict the class of each row with a saved tree", classify_help) {
+classify_command::classify_command(CLI::App& app, const workplace& at)
+    : command(app, "classify", "Predict the class of each row with a saved tree", classify_help),
+      place(at) {
   parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
   add_tables(parser, table_paths);
   parser
@@ -69,12 +86,12 @@ classify_command::classify_command(CLI::App& app)
 void classify_command::run() {
   check_combination();
   const output_file output{"--output", output_path, force};
-  if (!output.is_standard_output()) check_file(output);
-  const tree::decision_tree model = tree::load_model(model_path);
+  if (!output.is_standard_output()) place.in_first([&] { check_file(output); });
+  tree::decision_tree model;
+  place.in_all([&] { model = tree::load_model(model_path); });
   if (quiet) {
     const tree::classification_result result = classify(model, nullptr);
-    if (!result.quality)
-      throw tree::table_error("there is nothing to evaluate: no row has a known class");
+    refuse_if(!result.quality, "there is nothing to evaluate: no row has a known class");
     print_evaluation_of_rows(model, result, std::cout);
   } else if (output.is_standard_output()) {
     print_evaluation_of_rows(model, classify(model, &std::cout), std::cerr);
@@ -88,6 +105,8 @@ void classify_command::run() {
 void classify_command::check_combination() const {
   refuse_if(model_path.empty() || table_paths.empty(), "name a model and a table");
   check_tables(table_paths);
+  refuse_if(model_path == "-" && place.is_shared(),
+            "all processes read the model, and only the first has standard input; name a file");
   refuse_if(output_path.empty(), "--output: the name of the file is empty");
   for (const std::string option : {"--output", "--probability"})
     refuse_if(quiet && given(option), option + " does not go with --quiet, which prints no rows");
@@ -108,8 +127,9 @@ tree::classification_options classify_command::chosen_options(
 
 tree::classification_result classify_command::classify(const tree::decision_tree& model,
                                                        std::ostream* rows) const {
-  return classify_rows(table_paths, model, chosen_options(model), rows,
-                       "; --strict refuses such texts");
+  tree::classification_options options;
+  place.in_all([&] { options = chosen_options(model); });
+  return classify_rows(place, table_paths, model, options, rows, "; --strict refuses such texts");
 }
 
 // Fails before the work is done if its result could not be saved.
@@ -122,12 +142,10 @@ void classify_command::check_file(const output_file& output) const {
 // The old file, if there is one, stays until all rows are written.
 tree::classification_result classify_command::classify_into_file(const tree::decision_tree& model,
                                                                  const output_file& output) const {
-  tree::file_replacement file(output.path, output.new_ownership());
-  tree::replacement_stream rows(file);
-  const terminal_guard guard(rows, tree::is_terminal(output.path));
-  tree::classification_result result = classify(model, &rows);
-  rows.flush();
-  file.commit();
+  std::optional<file_with_rows> file;
+  place.in_first([&] { file.emplace(output); });
+  tree::classification_result result = classify(model, file ? &file->rows : &std::cout);
+  place.in_first([&] { file->save(); });
   return result;
 }
 

@@ -8,12 +8,14 @@
 #include "tools/command_line.h"
 #include "tools/output_file.h"
 #include "tools/table_options.h"
+#include "tools/workplace.h"
 
 namespace arbor::tools {
 
 class classify_command : public command {
  public:
-  explicit classify_command(CLI::App& app);
+  // `at` must outlive the command.
+  classify_command(CLI::App& app, const workplace& at);
   void run() override;
 
  private:
@@ -24,6 +26,7 @@ class classify_command : public command {
   tree::classification_result classify_into_file(const tree::decision_tree& model,
                                                  const output_file& output) const;
 
+  const workplace& place;
   table_options table;
   std::string model_path;
   std::vector<std::string> table_paths;

@@ -17,7 +17,8 @@ tree::classification_options options_from(const tree::load_options& load) {
   return options;
 }
 
-tree::classification_result classify_rows(const std::vector<std::string>& paths,
+tree::classification_result classify_rows(const workplace& place,
+                                          const std::vector<std::string>& paths,
                                           const tree::decision_tree& model,
                                           tree::classification_options options, std::ostream* rows,
                                           const std::string& advice) {
@@ -25,7 +26,7 @@ tree::classification_result classify_rows(const std::vector<std::string>& paths,
   options.progress = [&](std::size_t done) {
     if (progress.due()) progress.show(std::to_string(done) + " rows classified");
   };
-  tree::classification_result result = tree::classify_table(paths, model, options, rows);
+  tree::classification_result result = place.classify(paths, model, options, rows);
   progress.clear();
   show_remarks(result.table_name, result.input_remarks);
   for (const std::string& remark : result.remarks) complain(remark + advice);

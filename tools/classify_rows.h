@@ -8,6 +8,7 @@
 
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/table_classification.h"
+#include "tools/workplace.h"
 
 namespace arbor::tools {
 
@@ -15,7 +16,8 @@ namespace arbor::tools {
 tree::classification_options options_from(const tree::load_options& load);
 
 // See classify_table. `advice` ends each remark.
-tree::classification_result classify_rows(const std::vector<std::string>& paths,
+tree::classification_result classify_rows(const workplace& place,
+                                          const std::vector<std::string>& paths,
                                           const tree::decision_tree& model,
                                           tree::classification_options options, std::ostream* rows,
                                           const std::string& advice);

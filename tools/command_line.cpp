@@ -48,7 +48,8 @@ void refuse_unknown_option(const CLI::App& chosen, const std::vector<std::string
 }
 
 void refuse_unknown_command(const CLI::App& app, const std::vector<std::string>& extras) {
-  if (extras.empty()) throw usage_error("no command; \"arbor --help\" lists the commands");
+  if (extras.empty())
+    throw usage_error("no command; \"" + app.get_name() + " --help\" lists the commands");
   throw usage_error("there is no command " + in_quotes(extras.front()) +
                     did_you_mean(extras.front(), command_names(app)));
 }

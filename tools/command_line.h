@@ -23,7 +23,7 @@ void refuse_if(bool wrong, const std::string& message);
 // without its value.
 bool parse_command_line(CLI::App& app, int argc, const char* const* argv);
 
-// What "arbor NAME ..." does.
+// What the program does for "NAME ...".
 class command {
  public:
   // Adds a command to `app`, which must outlive it. `description` is one line; `help` is shown

@@ -10,14 +10,12 @@
 #include <system_error>
 
 #include "arbor/csv/shown_text.h"
-#include "arbor/csv/table_error.h"
 #include "arbor/formats/open_table.h"
 #include "arbor/report/evaluation_report.h"
 #include "arbor/report/rating_report.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/value_text.h"
-#include "arbor/tree/classification.h"
 #include "arbor/tree/single_leaf.h"
 #include "arbor/tree/validation/holdout.h"
 #include "arbor/tree/validation/tuning.h"
@@ -47,15 +45,15 @@ struct timed_tree {
   double seconds;
 };
 
-timed_tree grow_with_progress(const tree::table& rows, const impls::w_sequence& cases,
-                              tree::grow_options options) {
+timed_tree grow_with_progress(const workplace& place, const tree::table& rows,
+                              const impls::w_sequence& cases, tree::grow_options options) {
   progress_line progress;
   options.progress = [&](double settled) {
     if (progress.due())
       progress.show(fmt::format("{:.0f}% of the cases are in leaves", 100 * settled));
   };
   const auto start = std::chrono::steady_clock::now();
-  tree::decision_tree grown = tree::grow_tree(rows, cases, options);
+  tree::decision_tree grown = place.grow(rows, cases, options);
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
   return {std::move(grown), time.count()};
 }
@@ -79,11 +77,13 @@ const char* words_for(tree::single_leaf_reason reason) {
 }
 
 // Says why a tree is a single leaf, unless a remark on the table has said so.
-void warn_of_single_leaf(const tree::decision_tree& grown, const tree::table& rows,
-                         const impls::w_sequence& cases, const tree::grow_options& options) {
+void warn_of_single_leaf(const workplace& place, const tree::decision_tree& grown,
+                         const tree::table& rows, const impls::w_sequence& cases,
+                         const tree::grow_options& options) {
   if (!grown.nodes.front().is_leaf() || rows.class_column().get_distinct() == 2) return;
+  const auto grow = [&](const tree::grow_options& other) { return place.grow(rows, cases, other); };
   complain(rows.name + ": the tree is a single leaf: " +
-           words_for(tree::why_single_leaf(rows, cases, options)));
+           words_for(tree::why_single_leaf(place.summary(rows, cases), options, grow)));
 }
 
 tree::grow_options tune_with_progress(const tree::table& rows, const impls::w_sequence& cases,
@@ -109,24 +109,26 @@ void print_tree(const timed_tree& grown) {
 }
 
 // How well the tree predicts its own training cases is shown in one line when there are others.
-void print_evaluation(const tree::decision_tree& grown, const tree::table& rows,
-                      const tree::divided_cases& cases, bool has_test_table) {
+void print_evaluation(const workplace& place, const tree::decision_tree& grown,
+                      const tree::table& rows, const tree::divided_cases& cases,
+                      bool has_test_table) {
   const impls::column& classes = *grown.class_column;
-  const tree::evaluation training = tree::classify_cases(grown, rows, cases.training);
-  if (cases.held_back.empty() && !has_test_table) {
+  const tree::evaluation training = place.evaluate(grown, rows, cases.training);
+  const bool has_held_back = place.sum(cases.held_back.size()) > 0;
+  if (!has_held_back && !has_test_table) {
     std::cout << tree::evaluation_as_text("training", classes, training);
     return;
   }
   std::cout << tree::error_line("training", training.matrix()) << '\n';
-  if (cases.held_back.empty()) return;
+  if (!has_held_back) return;
   std::cout << tree::evaluation_as_text("held-back", classes,
-                                        tree::classify_cases(grown, rows, cases.held_back));
+                                        place.evaluate(grown, rows, cases.held_back));
 }
 
 }  // namespace
 
-grow_command::grow_command(CLI::App& app)
-    : command(app, "grow", "Grow a decision tree on a table and save it", grow_help) {
+grow_command::grow_command(CLI::App& app, const workplace& at)
+    : command(app, "grow", "Grow a decision tree on a table and save it", grow_help), place(at) {
   add_tables(parser, table_paths);
   parser.add_option("--model", model_path, "File to save the tree to (default: it is not saved)")
       ->type_name("FILE");
@@ -152,32 +154,38 @@ grow_command::grow_command(CLI::App& app)
 }
 
 void grow_command::run() {
-  tree::load_options load = table.chosen();
+  tree::load_options load;
+  place.in_all([&] { load = table.chosen(); });
   tree::grow_options options = tree_growth.chosen();
+  refuse_if(tree_growth.tune() && place.is_shared(),
+            "--tune works on one machine; choose with arbor grow --tune on some of the rows, and "
+            "give --min-weight and --confidence");
   load.threads = options.threads;
   const auto held_back_share = static_cast<double>(share_value("--holdout", holdout));
   const unsigned int seed_number = whole_value("--seed", seed);
-  check_files(load.input);
+  place.in_first([&] { check_files(load.input); });
 
-  const tree::table rows = read_table(table_paths, load);
-  table.save_types(rows, force);
-  const tree::divided_cases cases = tree::hold_out(rows.cases, held_back_share, seed_number);
-  refuse_if(cases.training.empty(),
+  const tree::table rows = read_table(place, table_paths, load);
+  place.in_first([&] { table.save_types(rows, force); });
+  const tree::divided_cases cases = place.hold_out(rows.cases, held_back_share, seed_number);
+  refuse_if(place.sum(cases.training.size()) == 0,
             "--holdout: " + tree::in_quotes(holdout) + " leaves no rows to grow the tree on");
   if (tree_growth.tune()) options = tune_with_progress(rows, cases.training, options, seed_number);
-  const timed_tree grown = grow_with_progress(rows, cases.training, options);
+  const timed_tree grown = grow_with_progress(place, rows, cases.training, options);
   const output_file model = model_file();
-  if (!model_path.empty()) tree::save_model(model.path, grown.tree, model.new_ownership());
-  warn_of_single_leaf(grown.tree, rows, cases.training, options);
+  if (!model_path.empty()) {
+    place.in_first([&] { tree::save_model(model.path, grown.tree, model.new_ownership()); });
+  }
+  warn_of_single_leaf(place, grown.tree, rows, cases.training, options);
 
-  std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";
+  std::cout << tree::table_line(rows, place.summary(rows, rows.cases), text_width()) << "\n\n";
   if (tree_growth.tune()) {
     std::cout << fmt::format("chosen: minimum weight {}, confidence {}\n\n",
                              tree::shortest_text(options.min_weight),
                              tree::shortest_text(options.confidence));
   }
   print_tree(grown);
-  print_evaluation(grown.tree, rows, cases, !test_paths.empty());
+  print_evaluation(place, grown.tree, rows, cases, !test_paths.empty());
   if (!test_paths.empty()) evaluate_on_test_table(grown.tree, load);
 }
 
@@ -216,8 +224,9 @@ void grow_command::evaluate_on_test_table(const tree::decision_tree& grown,
   options.class_name = grown.class_column->get_name();
   options.class_from = "the class of the tree";
   options.id_name.clear();  // no rows are written
-  const tree::classification_result result = classify_rows(test_paths, grown, options, nullptr, "");
-  if (!result.quality) throw tree::table_error("--test: no row has a known class");
+  const tree::classification_result result =
+      classify_rows(place, test_paths, grown, options, nullptr, "");
+  refuse_if(!result.quality, "--test: no row has a known class");
   std::cout << '\n' << tree::evaluation_as_text("test", *grown.class_column, *result.quality);
 }
 

@@ -7,12 +7,14 @@
 #include "tools/output_file.h"
 #include "tools/table_options.h"
 #include "tools/tree_options.h"
+#include "tools/workplace.h"
 
 namespace arbor::tools {
 
 class grow_command : public command {
  public:
-  explicit grow_command(CLI::App& app);
+  // `at` must outlive the command.
+  grow_command(CLI::App& app, const workplace& at);
   void run() override;
 
  private:
@@ -22,6 +24,7 @@ class grow_command : public command {
   void evaluate_on_test_table(const tree::decision_tree& grown,
                               const tree::load_options& load) const;
 
+  const workplace& place;
   table_options table;
   tree_options tree_growth;
   std::vector<std::string> table_paths;

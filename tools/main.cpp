@@ -1,25 +1,24 @@
 // The program arbor: arguments in, one call, report out.
 
-#include <cerrno>
-#include <cstring>
+#include <unistd.h>
+
 #include <iostream>
 #include <memory>
 #include <new>
-#include <string>
-#include <vector>
 
 #include "tools/classify_command.h"
 #include "tools/grow_command.h"
-#include "tools/help_format.h"
 #include "tools/messages.h"
+#include "tools/one_machine.h"
+#include "tools/program.h"
 #include "tools/rate_command.h"
 #include "tools/show_command.h"
 #include "tools/terminal.h"
 #include "tools/validate_command.h"
 
-namespace {
+namespace arbor::tools {
 
-constexpr int failure = 2;
+namespace {
 
 constexpr const char* program_help = R"("arbor COMMAND --help" describes a command.
 
@@ -31,40 +30,34 @@ Examples:
   arbor classify golf.model tomorrow.csv)";
 
 int run(int argc, const char* const* argv) {
-  const arbor::tools::terminal_guard guard(std::cout, arbor::tools::prints_to_terminal());
-  CLI::App app("Decision trees from tables.", "arbor");
-  app.formatter(std::make_shared<arbor::tools::help_format>());
-  app.set_version_flag("--version", "arbor " ARBOR_VERSION);
-  app.footer(program_help);
-  std::vector<std::unique_ptr<arbor::tools::command>> commands;
-  commands.push_back(std::make_unique<arbor::tools::rate_command>(app));
-  commands.push_back(std::make_unique<arbor::tools::grow_command>(app));
-  commands.push_back(std::make_unique<arbor::tools::validate_command>(app));
-  commands.push_back(std::make_unique<arbor::tools::show_command>(app));
-  commands.push_back(std::make_unique<arbor::tools::classify_command>(app));
-  if (arbor::tools::parse_command_line(app, argc, argv)) {
-    for (const auto& command : commands) {
-      if (command->chosen()) command->run();
-    }
-  }
-  std::cout.flush();
-  if (!std::cout) {
-    arbor::tools::complain(std::string("the results could not be written to standard output: ") +
-                           std::strerror(errno));
-    return failure;
-  }
-  return 0;
+  const terminal_guard guard(std::cout, prints_to_terminal());
+  const one_machine place;
+  program arbor("Decision trees from tables.", program_help);
+  arbor.add(std::make_unique<rate_command>(arbor.parser(), place));
+  arbor.add(std::make_unique<grow_command>(arbor.parser(), place));
+  arbor.add(std::make_unique<validate_command>(arbor.parser()));
+  arbor.add(std::make_unique<show_command>(arbor.parser()));
+  arbor.add(std::make_unique<classify_command>(arbor.parser(), place));
+  return arbor.run(argc, argv);
 }
 
 }  // namespace
 
+const std::string_view program_name = "arbor";
+
+void end_program(int status) noexcept {
+  _exit(status);
+}
+
+}  // namespace arbor::tools
+
 int main(int argc, char** argv) {
   try {
-    return run(argc, argv);
+    return arbor::tools::run(argc, argv);
   } catch (const std::bad_alloc&) {
     arbor::tools::complain_of_memory();
   } catch (const std::exception& error) {
     arbor::tools::complain(error.what());
   }
-  return failure;
+  return arbor::tools::failure;
 }

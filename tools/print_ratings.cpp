@@ -7,7 +7,7 @@
 
 namespace arbor::tools {
 
-void print_ratings(const tree::table& rated, const impls::w_sequence& cases,
+void print_ratings(const tree::table& rated, const tree::case_summary& cases,
                    const tree::table_rating& ratings, const std::string& format) {
   if (format == "json") {
     tree::write_ratings_json(std::cout, rated, cases, ratings);

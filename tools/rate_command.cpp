@@ -39,8 +39,8 @@ tree::rating_order order_named(const std::string& name) {
 
 }  // namespace
 
-rate_command::rate_command(CLI::App& app)
-    : command(app, "rate", "Rate the split that each attribute would make", rate_help) {
+rate_command::rate_command(CLI::App& app, const workplace& at)
+    : command(app, "rate", "Rate the split that each attribute would make", rate_help), place(at) {
   add_tables(parser, table_paths);
   table.add_to(parser);
   parser
@@ -58,18 +58,21 @@ rate_command::rate_command(CLI::App& app)
 }
 
 void rate_command::run() {
-  tree::check_choice("--format: ", format, {"text", "csv", "json"});
-  tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
-  tree::load_options load = table.chosen();
+  tree::load_options load;
+  place.in_all([&] {
+    tree::check_choice("--format: ", format, {"text", "csv", "json"});
+    tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
+    load = table.chosen();
+  });
   load.threads = thread_count(threads);
   const float least_weight = weight_value("--min-weight", min_weight);
   check_tables(table_paths);
-  table.check_saving(table_paths, force);
-  const tree::table rated = read_table(table_paths, load);
-  table.save_types(rated, force);
-  tree::table_rating ratings = tree::rate_attributes(rated, rated.cases, least_weight);
+  place.in_first([&] { table.check_saving(table_paths, force); });
+  const tree::table rated = read_table(place, table_paths, load);
+  place.in_first([&] { table.save_types(rated, force); });
+  tree::table_rating ratings = place.rate(rated, rated.cases, least_weight);
   tree::sort_ratings(ratings.attributes, order_named(sort));
-  print_ratings(rated, rated.cases, ratings, format);
+  print_ratings(rated, place.summary(rated, rated.cases), ratings, format);
 }
 
 }  // namespace arbor::tools

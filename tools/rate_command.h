@@ -4,15 +4,18 @@
 
 #include "tools/command_line.h"
 #include "tools/table_options.h"
+#include "tools/workplace.h"
 
 namespace arbor::tools {
 
 class rate_command : public command {
  public:
-  explicit rate_command(CLI::App& app);
+  // `at` must outlive the command.
+  rate_command(CLI::App& app, const workplace& at);
   void run() override;
 
  private:
+  const workplace& place;
   table_options table;
   std::vector<std::string> table_paths;
   std::string min_weight = "2";

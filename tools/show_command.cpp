@@ -15,6 +15,7 @@
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
+#include "tools/one_machine.h"
 #include "tools/output_file.h"
 #include "tools/print_ratings.h"
 #include "tools/terminal.h"
@@ -126,13 +127,13 @@ void show_command::rate_at_node(const tree::decision_tree& model) const {
   const std::size_t test = chosen_node(model);
   const float least_weight = chosen_weight(model);
   const tree::load_options load = options_of(model);
-  const tree::table rows = read_table(rated_paths, load);
+  const tree::table rows = read_table(one_machine(), rated_paths, load);
   const impls::w_sequence cases = tree::cases_at_node(model, rows, test);
   if (cases.empty())
     throw tree::table_error(rows.name + ": no row reaches node " + std::to_string(test));
   tree::table_rating ratings = tree::rate_attributes(rows, cases, least_weight);
   tree::sort_ratings(ratings.attributes, tree::rating_order::ratio);
-  print_ratings(rows, cases, ratings, format);
+  print_ratings(rows, tree::summary_of(rows, cases), ratings, format);
 }
 
 std::size_t show_command::chosen_node(const tree::decision_tree& model) const {

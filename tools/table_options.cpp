@@ -269,13 +269,14 @@ void show_remarks(const std::string& table_name, const std::vector<tree::input_r
     complain(table_name + ": " + remark.text + advice(remark));
 }
 
-tree::table read_table(const std::vector<std::string>& paths, tree::load_options options) {
+tree::table read_table(const workplace& place, const std::vector<std::string>& paths,
+                       tree::load_options options) {
   check_tables(paths);
   progress_line progress;
   options.progress = [&](std::size_t rows) {
     if (progress.due()) progress.show(std::to_string(rows) + " rows read");
   };
-  tree::table table = tree::load_table(paths, options);
+  tree::table table = place.load(paths, options);
   progress.clear();
   show_remarks(table.name, table.input_remarks);
   for (const tree::table_remark& remark : table.remarks)

@@ -8,6 +8,7 @@
 
 #include "arbor/table/table_loader.h"
 #include "tools/file_options.h"
+#include "tools/workplace.h"
 
 namespace arbor::tools {
 
@@ -64,7 +65,8 @@ void check_tables(const std::vector<std::string>& paths);
 void show_remarks(const std::string& table_name, const std::vector<tree::input_remark>& remarks);
 
 // Loads a table, and shows its progress and its remarks on standard error.
-tree::table read_table(const std::vector<std::string>& paths, tree::load_options options);
+tree::table read_table(const workplace& place, const std::vector<std::string>& paths,
+                       tree::load_options options);
 
 // Each reads the value `given` to an option and throws usage_error, naming the option, if it is not
 // a finite number from 0 up, a number from 0 to 1, or a whole number from 0 to 4294967295.

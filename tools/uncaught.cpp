@@ -13,6 +13,7 @@
 
 #include "arbor/store/file_replacement.h"
 #include "tools/messages.h"
+#include "tools/program.h"
 
 namespace arbor::tools {
 
@@ -26,8 +27,7 @@ namespace {
   while (ends.test_and_set()) pause();  // another thread writes the line and ends all of them
   tree::remove_unfinished_file();
   complain_of_memory();
-  constexpr int failure = 2;
-  _exit(failure);
+  end_program(failure);
 }
 
 // The first priority that programs may use: before all other objects of this one.

@@ -10,6 +10,7 @@
 #include "arbor/report/rating_report.h"
 #include "arbor/report/validation_json.h"
 #include "arbor/report/validation_report.h"
+#include "tools/one_machine.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
 #include "tools/terminal.h"
@@ -84,7 +85,7 @@ void validate_command::run() {
   load.threads = options.grow.threads;
   check_tables(table_paths);
   table.check_saving(table_paths, force);
-  const tree::table rows = read_table(table_paths, load);
+  const tree::table rows = read_table(one_machine(), table_paths, load);
   table.save_types(rows, force);
   refuse_if(options.folds > rows.cases.size(),
             fmt::format("--folds: {} is more than the {}", tree::in_quotes(folds),
@@ -95,7 +96,7 @@ void validate_command::run() {
   } else if (format == "csv") {
     tree::write_validation_csv(std::cout, done.result);
   } else {
-    std::cout << tree::table_line(rows, rows.cases, text_width()) << "\n\n";
+    std::cout << tree::table_line(rows, tree::summary_of(rows, rows.cases), text_width()) << "\n\n";
     tree::write_validation_text(std::cout, rows, options, done.result, done.seconds, text_width());
   }
 }

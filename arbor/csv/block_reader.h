@@ -38,6 +38,12 @@ class block_reader {
   // that is called. Throws table_error when the file cannot be read.
   std::string_view beginning();
 
+  // The source is a part of a file. It begins with this line, and no byte order mark is skipped.
+  void begin_at(unsigned long long first_line) {
+    line = first_line;
+    has_begun = true;
+  }
+
   // The form of the rows; commas and no blanks around cells unless this is called.
   void expect(const csv_form& of_rows) { form = of_rows; }
 

@@ -5,6 +5,8 @@
 #define ARBOR_CSV_BYTE_SOURCE_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace arbor::tree {
@@ -22,6 +24,10 @@ class byte_source {
 
   // How many bytes of the file have been read so far to deliver those.
   virtual unsigned long long bytes_of_file() const = 0;
+
+  // The size of the file if it is a regular one and these are its bytes as they are, so that a part
+  // of it can be read without what is before.
+  virtual std::optional<std::uint64_t> plain_size() const { return std::nullopt; }
 
   // How messages name the file.
   virtual const std::string& name() const = 0;

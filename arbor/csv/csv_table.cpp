@@ -12,6 +12,7 @@
 
 #include "arbor/csv/comment_filter.h"
 #include "arbor/csv/found_delimiter.h"
+#include "arbor/csv/input_file.h"
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/row_division.h"
 #include "arbor/csv/shown_text.h"
@@ -34,7 +35,8 @@ csv_table::csv_table(std::vector<std::string> paths, const input_options& chosen
       options(chosen),
       open(std::move(opener)),
       unknown(chosen.unknown_texts) {
-  open_file();
+  for (std::size_t i = 1; i < file_paths.size(); ++i) parts.push_back({i, std::nullopt});
+  open_file(0);
   declarations = file.declared;
   table_name = file.bytes->name();
   if (file_paths.size() > 1)
@@ -56,12 +58,22 @@ csv_table::csv_table(std::vector<std::string> paths, const input_options& chosen
   }
 }
 
-void csv_table::open_file() {
-  file = open(file_paths[opened++], options);
+void csv_table::open_file(std::size_t number) {
+  file = open(file_paths[number], options);
   if (!file.declared && !options.comment.empty())
     file.bytes = std::make_unique<comment_filter>(std::move(file.bytes), options.comment);
-  const std::size_t number = blocks ? blocks->next_number() : 0;
-  blocks.emplace(*file.bytes, number);
+  blocks.emplace(*file.bytes, next_number());
+}
+
+void csv_table::keep_parts(std::vector<file_part> chosen) {
+  parts = std::move(chosen);
+  has_first = false;
+  blocks.reset();
+}
+
+std::optional<std::uint64_t> csv_table::divisible_size(std::size_t number) const {
+  const table_file other = open(file_paths[number], options);
+  return options.comment.empty() ? other.bytes->plain_size() : std::nullopt;
 }
 
 void csv_table::read_names() {
@@ -99,17 +111,21 @@ void csv_table::read_names() {
 
 // Of the present file; the rows, with that of the names, are left in `first`.
 column_names csv_table::read_first_rows() {
-  blocks->expect(form);
-  const bool is_declaration = declared_delimiter(blocks->beginning()).has_value();
-  if (blocks->next(first)) divide_rows(first);
-  if (is_declaration) drop_first_row();
+  read_first_block();
   if (first.rows() == 0) {
     first.check_end();
     throw table_error(file.bytes->name() + ": empty" +
                       (options.has_names ? "; a table begins with a row of column names" : ""));
   }
-  has_first = true;
   return names_of(first, options.has_names);
+}
+
+void csv_table::read_first_block() {
+  blocks->expect(form);
+  const bool is_declaration = declared_delimiter(blocks->beginning()).has_value();
+  if (blocks->next(first)) divide_rows(first);
+  if (is_declaration) drop_first_row();
+  has_first = true;
 }
 
 void csv_table::drop_first_row() {
@@ -117,10 +133,33 @@ void csv_table::drop_first_row() {
   first.keep_rows([&](const csv_row&) { return !std::exchange(is_first, false); });
 }
 
+// Returns false if there is none. Throws unless its file has the columns of the first one.
+bool csv_table::open_next_part() {
+  if (opened == parts.size()) return false;
+  const file_part& part = parts[opened++];
+  if (!part.range || part.range->first == 0) open_other_file(part.file);
+  if (part.range) open_range(part);
+  return true;
+}
+
+void csv_table::open_range(const file_part& part) {
+  file.bytes =
+      std::make_unique<input_file>(file_paths[part.file], part.range->first, part.range->end);
+  blocks.emplace(*file.bytes, next_number());
+  blocks->expect(form);
+  has_first = false;
+  if (part.range->first > 0) {
+    blocks->begin_at(part.range->line);
+  } else {
+    read_first_block();
+    if (options.has_names) drop_first_row();
+  }
+}
+
 // Throws unless it has the columns of the first file.
-void csv_table::open_next_file() {
+void csv_table::open_other_file(std::size_t number) {
   const std::string first_file = printable(file_paths.front());
-  open_file();
+  open_file(number);
   const auto refuse = [&](const std::string& what) {
     throw table_error(fmt::format("{}: {} {}; the files of a table have the same columns",
                                   file.bytes->name(), what, first_file));
@@ -149,11 +188,10 @@ bool csv_table::next(csv_block& block) {
   {
     const std::lock_guard<std::mutex> lock(reading);
     if (is_faulty) return false;  // what follows an error is not read
-    while (!has_first && !blocks->next(block)) {
-      if (opened == file_paths.size()) return false;
-      const std::size_t number = blocks->next_number();
+    while (!has_first && !(blocks && blocks->next(block))) {
+      const std::size_t number = next_number();
       try {
-        open_next_file();
+        if (!open_next_part()) return false;
       } catch (const table_error&) {
         block.refuse(number, std::current_exception());
         is_faulty = true;
@@ -210,14 +248,14 @@ std::optional<std::size_t> csv_table::row_number_cell() const {
   return has_row_numbers ? std::optional<std::size_t>(0) : std::nullopt;
 }
 
-std::vector<input_remark> csv_table::remarks() const {
+std::vector<input_remark> csv_table::remarks(std::size_t skipped_lines) const {
   std::vector<input_remark> all = found;
-  if (empty_lines > 0 && !declarations) {
+  if (skipped_lines > 0 && !declarations) {
     all.push_back(
         {input_remark::matter::empty_lines,
-         counted(empty_lines, options.comment.empty() ? "empty line" : "empty line or comment",
+         counted(skipped_lines, options.comment.empty() ? "empty line" : "empty line or comment",
                  options.comment.empty() ? "" : "empty lines and comments") +
-             (empty_lines == 1 ? " was skipped" : " were skipped")});
+             (skipped_lines == 1 ? " was skipped" : " were skipped")});
   }
   return all;
 }

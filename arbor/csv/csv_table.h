@@ -10,6 +10,7 @@
 #define ARBOR_CSV_CSV_TABLE_H
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -22,6 +23,7 @@
 #include "arbor/csv/column_names.h"
 #include "arbor/csv/csv_block.h"
 #include "arbor/csv/declared_table.h"
+#include "arbor/csv/file_part.h"
 #include "arbor/csv/input_options.h"
 #include "arbor/csv/input_remark.h"
 #include "arbor/csv/unknown_texts.h"
@@ -51,6 +53,14 @@ class csv_table {
   // when one occurs twice.
   void read_names();
 
+  // From now on the table has only the rows of these parts, one after the other. To be called after
+  // read_names and before `next`.
+  void keep_parts(std::vector<file_part> chosen);
+
+  // The size of a file that can be read in parts: a plain CSV file without comments. Throws when it
+  // cannot be opened.
+  std::optional<std::uint64_t> divisible_size(std::size_t number) const;
+
   // Reads the next rows, those of all files one after the other. Returns false at the end of the
   // last file, and behind a block with an error. A row with more or fewer cells than there are
   // names is an error that ends the block, and so is a file that has other columns than the first.
@@ -61,15 +71,20 @@ class csv_table {
 
   // The name of the file, and how many more there are.
   const std::string& name() const { return table_name; }
+  const std::vector<std::string>& paths() const { return file_paths; }
   const std::vector<std::string>& names() const { return all_names; }
+  bool has_names() const { return options.has_names; }
+  const csv_form& row_form() const { return form; }
   const unknown_texts& unknowns() const { return unknown; }
   char delimiter() const { return form.delimiter; }
   // What the files declare of their columns, if they do.
   const std::optional<declared_table>& declared() const { return declarations; }
   // The first column if it has the numbers or names of the rows.
   std::optional<std::size_t> row_number_cell() const;
-  // Complete after the last row.
-  std::vector<input_remark> remarks() const;
+  // How many lines between the rows so far are empty.
+  std::size_t skipped_lines() const { return empty_lines; }
+  // About the names, and about the empty lines, which are those of all parts of the table.
+  std::vector<input_remark> remarks(std::size_t skipped_lines) const;
 
   // The position of a column, from 0; none if there is no such column. It is looked up in an index.
   std::optional<std::size_t> find(const std::string& column) const;
@@ -93,9 +108,13 @@ class csv_table {
   [[noreturn]] void fail(const csv_row& row, std::size_t cell, const std::string& what) const;
 
  private:
-  void open_file();
+  void open_file(std::size_t number);
   column_names read_first_rows();
-  void open_next_file();
+  void read_first_block();
+  std::size_t next_number() const { return blocks ? blocks->next_number() : 0; }
+  bool open_next_part();
+  void open_other_file(std::size_t number);
+  void open_range(const file_part& part);
   bool read(csv_block& block);
   void drop_first_row();
   std::optional<std::size_t> index_names();
@@ -107,10 +126,11 @@ class csv_table {
   std::string table_name;
 
   std::mutex reading;  // guards these:
-  std::size_t opened = 0;
+  std::vector<file_part> parts;
+  std::size_t opened = 0;  // of the parts
   table_file file;
-  std::optional<block_reader> blocks;
-  csv_block first;  // of the file, divided, until the next one is asked for
+  std::optional<block_reader> blocks;  // none before the first of chosen parts
+  csv_block first;                     // of the file, divided, until the next one is asked for
   bool has_first = false;
 
   std::atomic<bool> is_faulty{false};  // whether a block had an error

@@ -35,6 +35,7 @@ class begun_source : public byte_source {
     return count == wanted ? count : count + source->read(buffer + count, wanted - count);
   }
   unsigned long long bytes_of_file() const override { return source->bytes_of_file(); }
+  std::optional<std::uint64_t> plain_size() const override { return source->plain_size(); }
   const std::string& name() const override { return source->name(); }
 
  private:

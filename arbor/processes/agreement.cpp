@@ -20,16 +20,21 @@ std::string message_of(const std::exception_ptr& failure) {
 
 }  // namespace
 
+unsigned int first_failed(process_group& group, const std::exception_ptr& own_failure) {
+  std::vector<std::uint32_t> first{own_failure ? group.rank() : group.size()};
+  group.take_least(first);
+  return first[0];
+}
+
 void agree(process_group& group, const std::exception_ptr& own_failure) {
-  std::vector<std::uint32_t> first_failed{own_failure ? group.rank() : group.size()};
-  group.take_least(first_failed);
-  if (first_failed[0] == group.size()) return;
+  const unsigned int failed = first_failed(group, own_failure);
+  if (failed == group.size()) return;
   std::vector<char> message;
-  if (group.rank() == first_failed[0]) {
+  if (group.rank() == failed) {
     const std::string own = message_of(own_failure);
     message.assign(own.begin(), own.end());
   }
-  group.broadcast(message, first_failed[0]);
+  group.broadcast(message, failed);
   throw agreed_failure(std::string(message.begin(), message.end()));
 }
 

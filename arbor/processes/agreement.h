@@ -21,6 +21,9 @@ class agreed_failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Collective. The first process whose `own_failure` is not null; their number if there is none.
+unsigned int first_failed(process_group& group, const std::exception_ptr& own_failure);
+
 // Collective. Returns if `own_failure` is null in every process; throws agreed_failure otherwise.
 void agree(process_group& group, const std::exception_ptr& own_failure);
 

@@ -109,8 +109,12 @@ process_group::~process_group() {
   MPI_Finalize();
 }
 
-void process_group::abort(int status) {
-  MPI_Abort(MPI_COMM_WORLD, status);
+void process_group::abort(int status) noexcept {
+  int begun = 0;
+  int ended = 0;
+  MPI_Initialized(&begun);
+  MPI_Finalized(&ended);
+  if (begun != 0 && ended == 0) MPI_Abort(MPI_COMM_WORLD, status);
   std::_Exit(status);
 }
 

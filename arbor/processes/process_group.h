@@ -38,8 +38,8 @@ class process_group : private strata::util::nocopy {
   // How many of the processes run on this machine.
   unsigned int on_this_machine() const { return neighbours; }
 
-  // Ends all processes at once.
-  [[noreturn]] void abort(int status);
+  // Ends all processes at once; before there is a group or after it, this one.
+  [[noreturn]] static void abort(int status) noexcept;
 
   // From now on what is sent, and the time, counts for this phase, which may have been before.
   void enter(const std::string& phase) { counted.enter(phase); }

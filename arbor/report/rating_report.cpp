@@ -22,32 +22,23 @@ std::size_t attribute_count(const table& described) {
       std::count_if(described.columns.begin(), described.columns.end(), attribute));
 }
 
-std::size_t unknown_attribute_cells(const table& described, const impls::w_sequence& cases) {
-  std::size_t count = 0;
-  for (const auto& column : described.columns) {
-    if (is_attribute(*column)) count += unknown_cells(*column, cases);
-  }
-  return count;
-}
-
 struct class_weight {
   std::string value;
   float weight = 0;
 };
 
 // By code.
-std::vector<class_weight> named_class_weights(const table& described,
-                                              const impls::w_sequence& cases) {
+std::vector<class_weight> named_class_weights(const table& described, const case_summary& cases) {
   std::vector<class_weight> result;
-  for (const float weight : class_weights(described.class_column(), cases)) {
+  for (const float weight : cases.class_weights) {
     const auto code = static_cast<unsigned int>(result.size()) + 1;
     result.push_back({value_text(described.class_column(), code), weight});
   }
   return result;
 }
 
-double unknown_share(const impls::w_sequence& cases, const attribute_rating& rating) {
-  return static_cast<double>(rating.unknown_cells) / static_cast<double>(cases.size());
+double unknown_share(const case_summary& cases, const attribute_rating& rating) {
+  return static_cast<double>(rating.unknown_cells) / static_cast<double>(cases.rows);
 }
 
 // A value in a list, in quotes where a reader could not see where it begins or ends.
@@ -109,13 +100,13 @@ std::string choice_as_text(const table_rating& ratings, std::size_t width) {
       ratings.average_judged_gain, in_quotes(*chosen, width));
 }
 
-void table_to_json(json_writer& json, const table& rated, const impls::w_sequence& cases) {
+void table_to_json(json_writer& json, const table& rated, const case_summary& cases) {
   json.open('{');
   json.member("name", rated.name);
-  json.member("rows", cases.size());
+  json.member("rows", cases.rows);
   json.member("attributes", attribute_count(rated));
-  json.member("unknown_cells", unknown_attribute_cells(rated, cases));
-  json.member("weight", total_weight(cases));
+  json.member("unknown_cells", cases.unknown_cells);
+  json.member("weight", cases.weight);
   json.member("class", rated.class_column().get_name());
   json.key("classes").open('[');
   for (const auto& [value, weight] : named_class_weights(rated, cases)) {
@@ -124,8 +115,7 @@ void table_to_json(json_writer& json, const table& rated, const impls::w_sequenc
   json.close().close();
 }
 
-void rating_to_json(json_writer& json, const impls::w_sequence& cases,
-                    const attribute_rating& rating) {
+void rating_to_json(json_writer& json, const case_summary& cases, const attribute_rating& rating) {
   const auto of_split = [&rating](auto split_rating::*member) {
     return rating.split ? std::optional((*rating.split).*member) : std::nullopt;
   };
@@ -147,16 +137,16 @@ void rating_to_json(json_writer& json, const impls::w_sequence& cases,
 
 }  // namespace
 
-std::string table_line(const table& described, const impls::w_sequence& cases, std::size_t width) {
-  return fmt::format("{}: {}, {}, {}; class {}:{}", described.name, counted(cases.size(), "row"),
+std::string table_line(const table& described, const case_summary& cases, std::size_t width) {
+  return fmt::format("{}: {}, {}, {}; class {}:{}", described.name, counted(cases.rows, "row"),
                      counted(attribute_count(described), "attribute"),
-                     counted(unknown_attribute_cells(described, cases), "unknown cell"),
+                     counted(cases.unknown_cells, "unknown cell"),
                      in_quotes(described.class_column().get_name(), width),
                      class_list(named_class_weights(described, cases), width));
 }
 
-void write_ratings_text(std::ostream& out, const impls::w_sequence& cases,
-                        const table_rating& ratings, std::size_t width) {
+void write_ratings_text(std::ostream& out, const case_summary& cases, const table_rating& ratings,
+                        std::size_t width) {
   const auto row = [&](std::size_t r) -> std::vector<std::string> {
     if (r == 0) {
       return {"attribute", "kind",   "type",       "values",     "unknown",
@@ -178,8 +168,7 @@ void write_ratings_text(std::ostream& out, const impls::w_sequence& cases,
   out << choice_as_text(ratings, width);
 }
 
-void write_ratings_csv(std::ostream& out, const impls::w_sequence& cases,
-                       const table_rating& ratings) {
+void write_ratings_csv(std::ostream& out, const case_summary& cases, const table_rating& ratings) {
   out << "attribute,kind,type,values,unknown,gain,split_info,gain_ratio,branches,threshold,"
          "no_split,judged_gain\n";
   for (const attribute_rating& rating : ratings.attributes) {
@@ -198,7 +187,7 @@ void write_ratings_csv(std::ostream& out, const impls::w_sequence& cases,
   }
 }
 
-void write_ratings_json(std::ostream& out, const table& rated, const impls::w_sequence& cases,
+void write_ratings_json(std::ostream& out, const table& rated, const case_summary& cases,
                         const table_rating& ratings) {
   json_writer json(out);
   table_to_json(json.open('{').key("table"), rated, cases);

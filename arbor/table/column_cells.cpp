@@ -1,15 +1,53 @@
 #include "arbor/table/column_cells.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
 
+std::size_t cell_counts::numbers() const {
+  return texts.empty() ? known : known - std::accumulate(texts.begin() + 1, texts.end(), 0UL);
+}
+
 column_cells::column_cells(plain may_be_kept)
     : kept(may_be_kept == plain::none ? form::texts : form::integers), keepable(may_be_kept) {
   if (keepable == plain::all && !strata::util::point_is_dot()) keepable = plain::integers;
+}
+
+column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, text_dictionary texts,
+                           unsigned int leading_texts, bool has_unknown)
+    : column_cells(plain::all) {
+  dictionary = std::move(texts);
+  const auto add_texts = [&](unsigned int first, unsigned int end) {
+    for (unsigned int code = first; code < end; ++code) {
+      if (kept == form::texts) {
+        narrow.push_back(code);
+      } else {
+        wide.push_back(text_entry(code));
+      }
+    }
+  };
+  int integer = 0;
+  fractions = !std::all_of(distinct_numbers.begin(), distinct_numbers.end(),
+                           [&](plain_number number) { return is_plain_integer(number, integer); });
+  if (distinct_numbers.empty()) {
+    kept = form::texts;
+  } else if (fractions || dictionary.size() > 0) {
+    kept = form::numbers;
+  }
+  add_texts(1, leading_texts + 1);
+  for (const plain_number number : distinct_numbers) {
+    if (kept == form::integers) {
+      narrow.push_back(key_of(static_cast<int>(plain_digits(number))));
+    } else {
+      wide.push_back(number);
+    }
+  }
+  add_texts(leading_texts + 1, dictionary.size() + 1);
+  if (has_unknown) add_unknown();
 }
 
 void column_cells::add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns) {
@@ -74,46 +112,48 @@ void column_cells::add_unknown() {
 
 void column_cells::add_text(cell_text text) {
   if (kept == form::texts) return narrow.push_back(dictionary.code_of(text));
-  plain_number number = read_plain_number(text);
+  plain_number number = number_to_keep(text);
   int integer = 0;
   const bool is_integer = number != no_plain_number && is_plain_integer(number, integer);
   if (kept == form::integers && is_integer) return narrow.push_back(key_of(integer));
-  if (keepable != plain::all && !is_integer) number = no_plain_number;
   if (number == no_plain_number && kept == form::integers && narrow.size() == unknown) {
     kept = form::texts;  // no number so far, so there may be none at all
     return narrow.push_back(dictionary.code_of(text));
   }
   keep_as_numbers();
   if (number == no_plain_number) {
-    number = first_text + static_cast<plain_number>(dictionary.code_of(text)) * 32;
+    number = text_entry(dictionary.code_of(text));
   } else if (!is_integer) {
     fractions = true;
   }
   wide.push_back(number);
 }
 
-std::vector<std::size_t> column_cells::text_counts() {
-  std::vector<std::size_t> counts(dictionary.size() + 1ULL, 0);
+plain_number column_cells::number_to_keep(cell_text text) const {
+  const plain_number number = keepable == plain::none ? no_plain_number : read_plain_number(text);
+  int integer = 0;
+  if (keepable == plain::integers && number != no_plain_number &&
+      !is_plain_integer(number, integer)) {
+    return no_plain_number;
+  }
+  return number;
+}
+
+cell_counts column_cells::counts() {
+  cell_counts counts{narrow.size() + wide.size() - unknown, unknown, {}};
+  if (dictionary.size() == 0) return counts;
+  counts.texts.assign(dictionary.size() + 1ULL, 0);
   if (kept == form::texts) {
     narrow.for_each_block([&](const std::uint32_t* codes, std::size_t count) {
-      for (std::size_t i = 0; i < count; ++i) ++counts[codes[i]];
+      for (std::size_t i = 0; i < count; ++i) ++counts.texts[codes[i]];
     });
   }
   wide.for_each_block([&](const plain_number* entries, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-      if (is_text(entries[i])) ++counts[text_code(entries[i])];
+      if (is_text(entries[i])) ++counts.texts[text_code(entries[i])];
     }
   });
   return counts;
-}
-
-std::size_t column_cells::plain_numbers() {
-  if (kept == form::texts) return 0;
-  std::size_t cells = narrow.size() + wide.size() - unknown;
-  wide.for_each_block([&](const plain_number* entries, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) cells -= is_text(entries[i]) ? 1 : 0;
-  });
-  return cells;
 }
 
 void column_cells::keep_as_numbers() {
@@ -149,8 +189,7 @@ void column_cells::replace_texts(const std::function<std::string(const char* tex
   if (kept == form::texts) recode_texts(codes);
   wide.for_each_block([&](plain_number* entries, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-      if (is_text(entries[i]))
-        entries[i] = first_text + static_cast<plain_number>(codes[text_code(entries[i])]) * 32;
+      if (is_text(entries[i])) entries[i] = text_entry(codes[text_code(entries[i])]);
     }
   });
 }

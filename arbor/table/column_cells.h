@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arbor/csv/csv_block.h"
@@ -29,6 +30,17 @@
 
 namespace arbor::tree {
 
+// How many cells of a column there are.
+struct cell_counts {
+  std::size_t known = 0;
+  std::size_t unknown = 0;
+  // Of each text of the dictionary, by code; entry 0 has no meaning. Empty if there are none.
+  std::vector<std::size_t> texts;
+
+  // Of those that are kept as plain numbers.
+  std::size_t numbers() const;
+};
+
 class column_cells {
  public:
   enum class form { integers, numbers, texts };
@@ -38,6 +50,11 @@ class column_cells {
   enum class plain { none, integers, all };
 
   explicit column_cells(plain may_be_kept);
+
+  // Distinct cells, each of a row: the first `leading_texts` texts, the numbers, the other texts,
+  // and an unknown one if there is one.
+  column_cells(const std::vector<plain_number>& distinct_numbers, text_dictionary texts,
+               unsigned int leading_texts, bool has_unknown);
 
   // Adds a cell of each row.
   void add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
@@ -49,12 +66,15 @@ class column_cells {
   form kept_as() const { return kept; }
   // The dictionary: all texts, or those that are not kept as numbers.
   const text_dictionary& texts() const { return dictionary; }
-  // In how many cells each text of the dictionary occurs, by code; entry 0 has no meaning.
-  std::vector<std::size_t> text_counts();
+  text_dictionary take_texts() { return std::exchange(dictionary, {}); }
+  cell_counts counts();
   std::size_t unknown_cells() const { return unknown; }
-  // How many cells are kept as plain numbers, and whether some of them are not integers of 32 bits.
-  std::size_t plain_numbers();
+  bool has_known() const { return narrow.size() + wide.size() > unknown; }
+  // Whether some of the plain numbers are not integers of 32 bits.
   bool has_fractions() const { return fractions; }
+
+  // The number as which a text may be kept; no_plain_number if there is none.
+  plain_number number_to_keep(cell_text text) const;
 
   // Converts the cells to this form, unless they already have it or a later one.
   void keep_as_numbers();
@@ -77,6 +97,9 @@ class column_cells {
   static bool is_text(plain_number entry) { return entry >= first_text; }
   static unsigned int text_code(plain_number entry) {
     return static_cast<unsigned int>((entry - first_text) / 32);
+  }
+  static plain_number text_entry(unsigned int code) {
+    return first_text + static_cast<plain_number>(code) * 32;
   }
 
  private:

@@ -16,6 +16,7 @@
 #include "arbor/model/column.h"
 #include "arbor/table/column_cells.h"
 #include "arbor/table/column_survey.h"
+#include "arbor/table/distinct_cells.h"
 #include "arbor/table/table.h"
 #include "arbor/table/text_remarks.h"
 
@@ -52,12 +53,21 @@ class column_loader {
 
   std::size_t unknown_cells() const { return cells.unknown_cells(); }
 
+  // Whether plain numbers are kept as such.
+  bool has_numbers() const;
+
+  // When these rows are a part of the table's, both functions are called before make_column. The
+  // distinct cells of these rows, see take_distinct in distinct_cells.h; and then those of all
+  // rows, which determine the column.
+  distinct_cells share(bool with_numbers);
+  void take_all(distinct_cells of_all_rows);
+
   // Makes the column, and frees the cells. If NEW_COLUMN refuses, throws std::runtime_error with
   // its message and what would be accepted.
   void make_column();
 
-  // In how many cells of the column that was made, if its data type was not chosen, a number is
-  // rounded to another one.
+  // In how many of these rows' cells of the column that was made, if its data type was not chosen,
+  // a number is rounded to another one.
   std::size_t rounded_cells() const { return rounded_numbers; }
 
   // How many distinct values the column that was made has.
@@ -74,6 +84,8 @@ class column_loader {
   void add_declared_values();
   bool take_text(unsigned int code) const;
   std::uint64_t identity_of(const char* number) const;
+  std::size_t rounded_cells_of_rows();
+  void append_codes();
   void find_near_numbers();
   std::unique_ptr<decimal_scale> scale_of_decimals();
   std::unique_ptr<impls::o_set> new_domain(const std::string& null_text) const;
@@ -82,8 +94,17 @@ class column_loader {
   std::string advice() const;
   std::vector<table_remark> remarks_on_values() const;
 
+  // Of a column whose rows are a part of the table's.
+  struct shared_cells {
+    distinct_cells own;                   // until those of all rows are known
+    cell_blocks<std::uint32_t> places;    // of the rows' cells among these
+    std::vector<std::uint32_t> all_rows;  // by place, the row of the same cell in `cells`, from 1
+    cell_counts counts;                   // of all rows
+  };
+
   settings chosen;
-  column_cells cells;
+  column_cells cells;  // of the rows; of a part of the rows in the end the distinct ones of all
+  std::unique_ptr<shared_cells> shared;
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;

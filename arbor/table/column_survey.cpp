@@ -59,20 +59,18 @@ std::string type_of_numbers(column_cells& cells, column_survey& survey) {
 
 }  // namespace
 
-column_survey surveyed(column_cells& cells, const number_form& form) {
+column_survey surveyed(column_cells& cells, const cell_counts& counts, const number_form& form) {
   column_survey survey;
   const text_dictionary& texts = cells.texts();
-  survey.number_cells = cells.plain_numbers();
-  const std::vector<std::size_t> counts =
-      texts.size() == 0 ? std::vector<std::size_t>() : cells.text_counts();
+  survey.number_cells = counts.numbers();
   std::string storage;
   for (unsigned int code = 1; code <= texts.size(); ++code) {
     const char* const usual = usual_text(form, texts.text(code), storage);
     double number = 0;
     if (usual != nullptr && read_known_number(usual, number)) {
-      survey.number_cells += counts[code];
+      survey.number_cells += counts.texts[code];
     } else {
-      survey.others.push_back({texts.text(code), counts[code]});
+      survey.others.push_back({texts.text(code), counts.texts[code]});
       if (survey.others.size() == other_texts_end) break;
     }
   }

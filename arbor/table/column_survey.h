@@ -1,6 +1,7 @@
 // What the cells of a column have in common: the narrowest data type that holds them all.
 //
-//   const column_survey survey = surveyed(cells, {});   // survey.data_type is "decimal"
+//   const column_survey survey = surveyed(cells, cells.counts(), {});
+//   use(survey.data_type);   // "decimal"
 #ifndef ARBOR_TABLE_COLUMN_SURVEY_H
 #define ARBOR_TABLE_COLUMN_SURVEY_H
 
@@ -33,9 +34,10 @@ struct column_survey {
 // A few texts among numbers may be there by mistake and are worth a remark, fewer than this.
 constexpr std::size_t other_texts_end = 4;
 
+// `counts` are those of the cells, or of a larger number of rows that have the same distinct ones.
 // If all cells are numbers that are written in this form, their texts are replaced by the usual
 // ones.
-column_survey surveyed(column_cells& cells, const number_form& form);
+column_survey surveyed(column_cells& cells, const cell_counts& counts, const number_form& form);
 
 // Replaces the texts of numbers in this form by the usual ones. Returns the number of each, entry i
 // that of code i + 1.

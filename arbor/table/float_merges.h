@@ -26,6 +26,9 @@ std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& 
 // fewest digits it is not what the cell says. `text_numbers` as above.
 std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers);
 
+// The same for each row by itself: whether its cell is such a number.
+std::vector<bool> rounded_rows(column_cells& cells, const std::vector<double>& text_numbers);
+
 // Whether a number other than this one, read as `value`, may be the same float. Numbers of up to
 // six significant digits are different floats, unless they are out of the range of full precision
 // (std::numeric_limits<float>::digits10).

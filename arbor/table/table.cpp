@@ -60,4 +60,15 @@ void add_class_weights(const impls::column& classes, const impls::w_sequence& ca
   sums[0] = all;
 }
 
+case_summary summary_of(const table& summed, const impls::w_sequence& cases) {
+  case_summary result;
+  result.rows = cases.size();
+  for (const auto& column : summed.columns) {
+    if (is_attribute(*column)) result.unknown_cells += unknown_cells(*column, cases);
+  }
+  result.weight = total_weight(cases);
+  result.class_weights = class_weights(summed.class_column(), cases);
+  return result;
+}
+
 }  // namespace arbor::tree

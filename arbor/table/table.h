@@ -64,6 +64,15 @@ std::vector<float> class_weights(const impls::column& classes, const impls::w_se
 void add_class_weights(const impls::column& classes, const impls::w_sequence& cases,
                        std::vector<double>& sums);
 
+// What a report says of cases of a table.
+struct case_summary {
+  std::size_t rows = 0;
+  std::size_t unknown_cells = 0;  // of all attributes
+  float weight = 0;
+  std::vector<float> class_weights;  // entry c is that of the class with code c + 1
+};
+case_summary summary_of(const table& summed, const impls::w_sequence& cases);
+
 }  // namespace arbor::tree
 
 #endif

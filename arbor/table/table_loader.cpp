@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <exception>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -21,6 +23,7 @@
 #include "arbor/formats/open_table.h"
 #include "arbor/table/cell_blocks.h"
 #include "arbor/table/column_loader.h"
+#include "arbor/table/row_sharing.h"
 #include "arbor/table/thread_pool.h"
 #include "arbor/table/value_text.h"
 #include "arbor/utils/no_storage.h"
@@ -52,59 +55,99 @@ const std::string& choice_for(const std::string& column,
   return found == chosen.end() ? none : found->second;
 }
 
+// Does a part of the work. If it fails in one of the processes that load together, it does in all.
+template <class Work>
+void together(row_sharing* sharing, Work work) {
+  if (sharing == nullptr) return work();
+  sharing->agree(failure_of(work));
+}
+
 class loading {
  public:
-  loading(const std::vector<std::string>& paths, const load_options& chosen)
-      : file(paths, chosen.input, open_table_file),
+  loading(const std::vector<std::string>& paths, const load_options& chosen, row_sharing* with)
+      : sharing(with),
+        file(paths, chosen.input, open_table_file),
         options(chosen),
         null_value(null_text(file.unknowns().texts())) {
     check_choices(options.types_from, options.types, data_types());
     check_choices(options.kinds_from, options.kinds, {"discrete", "continuous", "ignore"});
+    file.read_names();
+    assign_columns();
   }
 
   table load() {
-    file.read_names();
-    assign_columns();
-    read_rows();
-    if (rows == 0) file.fail(why_no_rows());
+    if (sharing != nullptr) file.keep_parts(sharing->own_parts(file));
+    together(sharing, [&] { read_rows(); });
+    count_all();
+    together(sharing, [&] {
+      if (all.rows == 0) file.fail(why_no_rows());
+    });
     table result;
     result.name = file.name();
     result.class_index = class_cell;
     make_columns_and(result.cases);
     result.remarks = remarks_on_columns();
     for (const auto& loader : loaders) result.columns.push_back(loader->take(result.remarks));
-    result.input_remarks = file.remarks();
-    if (unclassed_rows > 0) {
+    result.input_remarks = file.remarks(all.skipped_lines);
+    if (all.unclassed_rows > 0) {
       result.input_remarks.push_back(
           {input_remark::matter::unclassed_rows,
-           counted(unclassed_rows, "row without a class was", "rows without a class were") +
+           counted(all.unclassed_rows, "row without a class was", "rows without a class were") +
                " left out"});
     }
-    result.total_weight = total_weight(result.cases);
-    check_total(result.total_weight);
+    result.total_weight =
+        sharing == nullptr ? total_weight(result.cases) : sharing->total_weight(result.cases);
+    together(sharing, [&] { check_total(result.total_weight); });
     return result;
   }
 
  private:
+  // What is counted while rows are read.
+  struct counts {
+    std::uint64_t rows = 0;  // that are kept
+    std::uint64_t rows_read = 0;
+    std::uint64_t unclassed_rows = 0;
+    std::uint64_t skipped_lines = 0;
+    std::vector<std::uint64_t> with_numbers;  // by cell: how many processes have plain numbers
+  };
+
+  void count_all() {
+    all = {rows, rows_read, unclassed_rows, file.skipped_lines(), {}};
+    if (sharing == nullptr) return;
+    std::vector<std::uint64_t> numbers{all.rows, all.rows_read, all.unclassed_rows,
+                                       all.skipped_lines};
+    const std::size_t first = numbers.size();
+    for (const auto& loader : loaders) numbers.push_back(loader->has_numbers() ? 1 : 0);
+    sharing->add_up(numbers);
+    all = {
+        numbers[0], numbers[1], numbers[2], numbers[3], {numbers.begin() + first, numbers.end()}};
+  }
+
   // Those that are made for all columns together.
   std::vector<table_remark> remarks_on_columns() const {
     std::vector<near_numbers> texts;
-    std::vector<std::string> rounded;
-    std::size_t rounded_cells = 0;
+    std::vector<std::uint64_t> rounded_cells;
     for (const auto& loader : loaders) {
       loader->add_near_numbers(texts);
-      if (loader->rounded_cells() > 0) rounded.push_back(loader->name());
-      rounded_cells += loader->rounded_cells();
+      rounded_cells.push_back(loader->rounded_cells());
+    }
+    if (sharing != nullptr) sharing->add_up(rounded_cells);
+    std::vector<std::string> rounded;
+    for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
+      if (rounded_cells[cell] > 0) rounded.push_back(loaders[cell]->name());
     }
     std::vector<table_remark> remarks = remarks_on_texts(texts, file.unknowns().texts());
-    if (!rounded.empty()) remarks.push_back(remark_on_rounded(rounded, rounded_cells));
+    if (!rounded.empty()) {
+      remarks.push_back(remark_on_rounded(
+          rounded, std::accumulate(rounded_cells.begin(), rounded_cells.end(), std::size_t{0})));
+    }
     return remarks;
   }
 
   std::string why_no_rows() const {
-    if (rows_read == 0) return "no rows below the column names";
-    return unclassed_rows > 0 ? "no row has a class and a weight above 0"
-                              : "every row has the weight 0";
+    if (all.rows_read == 0) return "no rows below the column names";
+    return all.unclassed_rows > 0 ? "no row has a class and a weight above 0"
+                                  : "every row has the weight 0";
   }
 
   // Decides what each column is.
@@ -337,28 +380,73 @@ class loading {
                     shortest_text(most_total_weight)));
   }
 
-  // The class before the others, as it may have too many values. Of several columns that are
-  // refused, the first one is named. The cases come last, when most cells have been freed.
+  // The class before the others, as it may have too many values. The cases come last, when most
+  // cells have been freed.
   void make_columns_and(impls::w_sequence& cases) {
-    make_class_column();
-    std::vector<std::exception_ptr> refusals(loaders.size());
-    pool->for_each(loaders.size() + 1, [&](std::size_t cell) {
-      if (cell == class_cell) return;
-      if (cell == loaders.size()) return make_cases(cases);
-      try {
-        make_column(*loaders[cell]);
-      } catch (const table_error&) {
-        refusals[cell] = std::current_exception();
-      }
-    });
-    for (const std::exception_ptr& refusal : refusals) {
-      if (refusal) std::rethrow_exception(refusal);
+    make_columns({class_cell}, nullptr);
+    std::vector<std::size_t> others(loaders.size());
+    std::iota(others.begin(), others.end(), std::size_t{0});
+    others.erase(others.begin() + static_cast<std::ptrdiff_t>(class_cell));
+    const std::size_t at_once = sharing == nullptr ? others.size() : columns_to_share();
+    for (std::size_t first = 0; first < others.size(); first += at_once) {
+      const std::size_t end = std::min(first + at_once, others.size());
+      make_columns({others.data() + first, others.data() + end},
+                   end == others.size() ? &cases : nullptr);
     }
   }
 
-  void make_class_column() const {
-    column_loader& loader = *loaders[class_cell];
-    make_column(loader);
+  // So many that the processes do not wait for small messages, and so few that the distinct cells
+  // of all rows, which each process has twice meanwhile, take little memory.
+  std::size_t columns_to_share() const {
+    constexpr std::uint64_t most_cells = 1U << 24U;
+    return static_cast<std::size_t>(std::clamp<std::uint64_t>(most_cells / all.rows, 4, 256));
+  }
+
+  // Makes some columns and, last, the cases. Of several columns that are refused, the first one is
+  // named.
+  void make_columns(const std::vector<std::size_t>& cells, impls::w_sequence* cases) {
+    std::vector<distinct_cells> distinct;
+    if (sharing != nullptr) distinct = shared_cells(cells);
+    together(sharing, [&] {
+      std::vector<std::exception_ptr> refusals(cells.size());
+      pool->for_each(cells.size() + 1, [&](std::size_t i) {
+        if (i < cells.size()) {
+          if (sharing != nullptr) loaders[cells[i]]->take_all(std::move(distinct[i]));
+          refusals[i] = refusal_of(cells[i]);
+        } else if (cases != nullptr) {
+          make_cases(*cases);
+        }
+      });
+      for (const std::exception_ptr& refusal : refusals) {
+        if (refusal) std::rethrow_exception(refusal);
+      }
+    });
+  }
+
+  // The distinct cells of the columns, in the rows of all processes.
+  std::vector<distinct_cells> shared_cells(const std::vector<std::size_t>& cells) {
+    std::vector<distinct_cells> distinct(cells.size());
+    together(sharing, [&] {
+      pool->for_each(cells.size(), [&](std::size_t i) {
+        distinct[i] = loaders[cells[i]]->share(all.with_numbers[cells[i]] > 0);
+      });
+    });
+    sharing->unite(distinct);
+    return distinct;
+  }
+
+  // Makes a column. Returns why it is refused, if it is.
+  std::exception_ptr refusal_of(std::size_t cell) const {
+    try {
+      make_column(*loaders[cell]);
+      if (cell == class_cell) check_classes(*loaders[cell]);
+      return nullptr;
+    } catch (const table_error&) {
+      return std::current_exception();
+    }
+  }
+
+  void check_classes(const column_loader& loader) const {
     if (loader.values() <= options.most_classes) return;
     file.fail(fmt::format("column {} is the class and has {} values, more than {}{}",
                           in_quotes(loader.name()), loader.values(), options.most_classes,
@@ -384,6 +472,7 @@ class loading {
     });
   }
 
+  row_sharing* sharing;  // null: this process loads the whole table
   csv_table file;
   const load_options& options;
   std::string null_value;
@@ -397,6 +486,7 @@ class loading {
   unsigned int rows = 0;         // that weigh something
   std::size_t rows_read = 0;
   std::size_t unclassed_rows = 0;
+  counts all;  // of the whole table
 };
 
 }  // namespace
@@ -408,7 +498,14 @@ const std::vector<std::string>& data_types() {
 }
 
 table load_table(const std::vector<std::string>& paths, const load_options& options) {
-  return loading(paths, options).load();
+  return loading(paths, options, nullptr).load();
+}
+
+table load_table(const std::vector<std::string>& paths, const load_options& options,
+                 row_sharing& sharing) {
+  std::unique_ptr<loading> begun;
+  together(&sharing, [&] { begun = std::make_unique<loading>(paths, options, &sharing); });
+  return begun->load();
 }
 
 }  // namespace arbor::tree

@@ -15,6 +15,13 @@ namespace arbor::tree {
 // Adds up weights. Only pairs that occur take memory: there may be as many classes as cases.
 class confusion_matrix {
  public:
+  using pair_weights = std::map<std::pair<std::size_t, std::size_t>, double>;
+
+  confusion_matrix() = default;
+  // That of cases which have been added elsewhere: what the functions of the same names return.
+  confusion_matrix(pair_weights pairs, double total, double errors)
+      : cells(std::move(pairs)), all(total), wrong(errors) {}
+
   void add(std::size_t actual, std::size_t predicted, double weight);
 
   double at(std::size_t actual, std::size_t predicted) const;
@@ -22,10 +29,10 @@ class confusion_matrix {
   // The weight of the cases whose predicted class is not the actual one.
   double errors() const { return wrong; }
   // The pairs (actual, predicted) with their weights, in ascending order.
-  const std::map<std::pair<std::size_t, std::size_t>, double>& pairs() const { return cells; }
+  const pair_weights& pairs() const { return cells; }
 
  private:
-  std::map<std::pair<std::size_t, std::size_t>, double> cells;
+  pair_weights cells;
   double all = 0;
   double wrong = 0;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 
 #include "arbor/tree/class_distribution.h"
 
@@ -47,6 +48,34 @@ evaluation evaluation::mean_of(unsigned int repeats) const {
   mean.lost_bits = lost_bits / repeats;
   mean.squared_differences = squared_differences / repeats;
   return mean;
+}
+
+std::vector<double> evaluation::sums() const {
+  std::vector<double> sums{squared_weights, lost_bits, squared_differences, pairs.total(),
+                           pairs.errors()};
+  for (const auto& [pair, weight] : pairs.pairs()) {
+    sums.push_back(static_cast<double>(pair.first));
+    sums.push_back(static_cast<double>(pair.second));
+    sums.push_back(weight);
+  }
+  return sums;
+}
+
+evaluation evaluation::with_sums(const std::vector<double>& sums) {
+  evaluation result;
+  if (sums.empty()) return result;
+  constexpr std::size_t single_sums = 5;
+  confusion_matrix::pair_weights cells;
+  for (std::size_t i = single_sums; i < sums.size(); i += 3) {
+    const confusion_matrix::pair_weights::key_type pair{static_cast<std::size_t>(sums[i]),
+                                                        static_cast<std::size_t>(sums[i + 1])};
+    cells.emplace_hint(cells.end(), pair, sums[i + 2]);
+  }
+  result.pairs = confusion_matrix(std::move(cells), sums[3], sums[4]);
+  result.squared_weights = sums[0];
+  result.lost_bits = sums[1];
+  result.squared_differences = sums[2];
+  return result;
 }
 
 double evaluation::accuracy() const {

@@ -40,6 +40,11 @@ class evaluation {
   // has its own weight in it, so that the standard error counts it once.
   evaluation mean_of(unsigned int repeats) const;
 
+  // All sums, and an evaluation that goes on from them: as they depend on the order of the cases,
+  // another process may have to add those before. Without sums, it has no cases yet.
+  std::vector<double> sums() const;
+  static evaluation with_sums(const std::vector<double>& sums);
+
   const confusion_matrix& matrix() const { return pairs; }
 
   // The share (0 to 1) of the weight of the cases whose predicted class is the actual one.

@@ -2,6 +2,8 @@
 #ifndef ARBOR_TREE_SINGLE_LEAF_H
 #define ARBOR_TREE_SINGLE_LEAF_H
 
+#include <functional>
+
 #include "arbor/tree/grower.h"
 
 namespace arbor::tree {
@@ -14,10 +16,10 @@ enum class single_leaf_reason {
   pruned      // branches are not expected to make fewer errors
 };
 
-// The first of the reasons for which grow_tree makes a single leaf of these cases with these
-// options; it must have done so.
-single_leaf_reason why_single_leaf(const table& training, const impls::w_sequence& cases,
-                                   const grow_options& options);
+// The first of the reasons for which `grow` makes a single leaf of these cases with these options;
+// it must have done so. It grows a tree on the cases, as grow_tree does.
+single_leaf_reason why_single_leaf(const case_summary& cases, const grow_options& options,
+                                   const std::function<decision_tree(const grow_options&)>& grow);
 
 }  // namespace arbor::tree
 

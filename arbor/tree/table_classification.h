@@ -7,6 +7,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "arbor/csv/input_options.h"
@@ -69,6 +70,9 @@ inline classification_result classify_table(const std::string& path, const decis
                                             std::ostream* rows) {
   return classify_table(std::vector<std::string>{path}, tree, options, rows);
 }
+
+// Writes rows that have been classified. Throws table_error if that fails.
+void write_rows(std::ostream& out, std::string_view text);
 
 }  // namespace arbor::tree
 

@@ -39,10 +39,11 @@ inline void write_reports(std::ostream& out, const tree::decision_tree& t) {
 
 inline void write_reports(std::ostream& out, const tree::table& rows,
                           const tree::table_rating& ratings) {
-  out << tree::table_line(rows, rows.cases, 60);
-  tree::write_ratings_text(out, rows.cases, ratings, 60);
-  tree::write_ratings_csv(out, rows.cases, ratings);
-  tree::write_ratings_json(out, rows, rows.cases, ratings);
+  const tree::case_summary cases = tree::summary_of(rows, rows.cases);
+  out << tree::table_line(rows, cases, 60);
+  tree::write_ratings_text(out, cases, ratings, 60);
+  tree::write_ratings_csv(out, cases, ratings);
+  tree::write_ratings_json(out, rows, cases, ratings);
 }
 
 inline void write_reports(std::ostream& out, const tree::table& rows,

@@ -6,16 +6,26 @@
 namespace arbor::tree {
 
 divided_cases hold_out(const impls::w_sequence& cases, double share, std::uint64_t seed) {
+  return hold_out(cases, share, seed, 0, 0);
+}
+
+divided_cases hold_out(const impls::w_sequence& cases, double share, std::uint64_t seed,
+                       std::size_t before, std::size_t behind) {
   std::mt19937_64 random(seed);
-  auto wanted = static_cast<std::size_t>(std::llround(share * static_cast<double>(cases.size())));
-  divided_cases result;
+  std::size_t left = before + cases.size() + behind;
+  auto wanted = static_cast<std::size_t>(std::llround(share * static_cast<double>(left)));
+  if (wanted == 0) return {cases, {}};
   // Each case is taken with the probability that makes all choices of this many cases equally
   // likely. The generator gives the same numbers everywhere, the standard distributions do not.
-  for (std::size_t i = 0; i < cases.size(); ++i) {
-    const bool held = random() % (cases.size() - i) < wanted;
-    (held ? result.held_back : result.training).push_back(cases[i]);
+  const auto is_held = [&] {
+    const bool held = random() % left-- < wanted;
     if (held) --wanted;
-  }
+    return held;
+  };
+  for (std::size_t i = 0; i < before; ++i) is_held();
+  divided_cases result;
+  for (const auto& weighted : cases)
+    (is_held() ? result.held_back : result.training).push_back(weighted);
   return result;
 }
 

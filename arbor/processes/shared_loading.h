@@ -1,0 +1,34 @@
+// Loads a table that processes share.
+//
+//   const table own_rows = load_shared_table(group, {"golf.csv"}, options);
+#ifndef ARBOR_PROCESSES_SHARED_LOADING_H
+#define ARBOR_PROCESSES_SHARED_LOADING_H
+
+#include <string>
+#include <vector>
+
+#include "arbor/processes/process_group.h"
+#include "arbor/table/table.h"
+#include "arbor/table/table_loader.h"
+
+namespace arbor::tree {
+
+// Collective. Reads the files like load_table, with the same table and the same messages. Process 0
+// gets the first of the rows that load_table gives, and each process those after the ones of the
+// process before, perhaps none: in `cases` and, by number from 0, in the columns. All else is that
+// of the whole table: domains, remarks and the total weight.
+//
+// All processes find the files under the same paths. Standard input and pipes are refused if there
+// are several processes. A process may have up to 4294967295 rows.
+//
+// A domain has to fit into each process: it has that of each column, and the distinct cells of
+// about 16 million cells, or of 4 columns, two times while it gets them from the others.
+//
+// Throws agreed_failure, and std::bad_alloc when memory gets short while processes wait for this
+// one.
+table load_shared_table(process_group& group, const std::vector<std::string>& paths,
+                        const load_options& options);
+
+}  // namespace arbor::tree
+
+#endif

@@ -1,0 +1,262 @@
+// bytes of distinct cells: known | unknown | texts before zero + 1 or 0 | numbers | each number less
+// the one before it | texts | for each text: count | length | characters
+//
+// All numbers but the characters are in groups of seven bits, the lowest first. All groups but the
+// last one have the highest bit set.
+
+#include "arbor/table/distinct_cells.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "arbor/table/key_ranks.h"
+#include "arbor/table/secret_hash.h"
+
+namespace arbor::tree {
+
+namespace {
+
+constexpr plain_number zeros_end = 32;  // zero with 0 to 31 decimals
+
+bool is_plain_zero(plain_number number) {
+  return number >= 0 && number < zeros_end;
+}
+
+// A copy of a text, after which enough can be read.
+class readable_copy {
+ public:
+  cell_text of(std::string_view text) {
+    storage.assign(text);
+    storage.append(readable_after_cell, '\0');
+    return {storage.data(), text.size()};
+  }
+
+ private:
+  std::string storage;
+};
+
+// Numbers the distinct entries from 1 on, in the order in which they come.
+class entry_numbers {
+ public:
+  std::uint32_t number_of(plain_number entry) {
+    std::size_t slot = first_slot(entry);
+    while (const std::uint32_t number = slots[slot]) {
+      if (entries[number - 1] == entry) return number;
+      slot = (slot + 1) & (slots.size() - 1);
+    }
+    entries.push_back(entry);
+    const auto number = static_cast<std::uint32_t>(entries.size());
+    slots[slot] = number;
+    if (2 * entries.size() >= slots.size()) grow();
+    return number;
+  }
+
+  const std::vector<plain_number>& all() const { return entries; }
+
+ private:
+  std::size_t first_slot(plain_number entry) const {
+    return static_cast<std::size_t>(secret_hash()(static_cast<std::uint64_t>(entry)) >> slot_shift);
+  }
+
+  void grow() {
+    --slot_shift;
+    slots.assign(2 * slots.size(), 0);
+    for (std::uint32_t number = 1; number <= entries.size(); ++number) {
+      std::size_t slot = first_slot(entries[number - 1]);
+      while (slots[slot] != 0) slot = (slot + 1) & (slots.size() - 1);
+      slots[slot] = number;
+    }
+  }
+
+  std::vector<plain_number> entries;
+  std::vector<std::uint32_t> slots = std::vector<std::uint32_t>(8, 0);  // 0: free
+  unsigned int slot_shift = 64 - 3;
+};
+
+void take_integers(column_cells& cells, distinct_cells& taken) {
+  for (const std::uint32_t key : rank_keys(cells.keys()))
+    taken.numbers.push_back(plain_integer(integer_of(key)));
+  if (std::binary_search(taken.numbers.begin(), taken.numbers.end(), plain_number{0}))
+    taken.texts_before_zero = 0;
+}
+
+void take_numbers(column_cells& cells, distinct_cells& taken) {
+  entry_numbers numbers;
+  cells.numbers().consume([&](const plain_number* entries, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      cells.keys().push_back(column_cells::is_unknown(entries[i]) ? unknown_key
+                                                                  : numbers.number_of(entries[i]));
+    }
+  });
+  struct numbered_entry {
+    plain_number entry;
+    std::uint32_t number;
+  };
+  std::vector<numbered_entry> sorted;
+  sorted.reserve(numbers.all().size());
+  std::uint32_t texts = 0;
+  for (const plain_number entry : numbers.all()) {
+    sorted.push_back({entry, static_cast<std::uint32_t>(sorted.size() + 1)});
+    if (column_cells::is_text(entry)) ++texts;
+    if (is_plain_zero(entry)) taken.texts_before_zero = std::min(taken.texts_before_zero, texts);
+  }
+  // Texts come last, in the order of their codes.
+  std::sort(sorted.begin(), sorted.end(),
+            [](const numbered_entry& a, const numbered_entry& b) { return a.entry < b.entry; });
+  std::vector<std::uint32_t> places(sorted.size() + 1, unknown_key);
+  taken.numbers.reserve(sorted.size() - texts);
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    places[sorted[i].number] = static_cast<std::uint32_t>(i + 1);
+    if (!column_cells::is_text(sorted[i].entry)) taken.numbers.push_back(sorted[i].entry);
+  }
+  cells.recode_texts(places);
+}
+
+// Makes numbers of the texts that are plain ones.
+void separate_numbers(column_cells& cells, distinct_cells& taken) {
+  const text_dictionary texts = std::exchange(taken.texts, {});
+  const cell_counts counts =
+      std::exchange(taken.counts, {taken.counts.known, taken.counts.unknown, {0}});
+  readable_copy copy;
+  std::vector<std::pair<plain_number, unsigned int>> numbers;
+  std::vector<std::uint32_t> places(texts.size() + 1ULL, unknown_key);
+  for (unsigned int code = 1; code <= texts.size(); ++code) {
+    const cell_text text = copy.of(texts.view(code));
+    const plain_number number = cells.number_to_keep(text);
+    if (number == no_plain_number) {
+      places[code] = taken.texts.code_of(text);
+      taken.counts.texts.push_back(counts.texts[code]);
+    } else {
+      numbers.emplace_back(number, code);
+      if (is_plain_zero(number))
+        taken.texts_before_zero = std::min(taken.texts_before_zero, taken.texts.size());
+    }
+  }
+  std::sort(numbers.begin(), numbers.end());
+  for (std::uint32_t& place : places) {
+    if (place != unknown_key) place += static_cast<std::uint32_t>(numbers.size());
+  }
+  for (const auto& [number, code] : numbers) {
+    taken.numbers.push_back(number);
+    places[code] = static_cast<std::uint32_t>(taken.numbers.size());
+  }
+  if (taken.texts.size() == 0) taken.counts.texts.clear();
+  cells.recode_texts(places);
+}
+
+void append_number(std::uint64_t number, std::vector<char>& to) {
+  for (; number >= 0x80; number >>= 7U) to.push_back(static_cast<char>(number | 0x80U));
+  to.push_back(static_cast<char>(number));
+}
+
+std::uint64_t read_number(const char*& next) {
+  std::uint64_t number = 0;
+  for (unsigned int shift = 0;; shift += 7) {
+    const auto group = static_cast<unsigned char>(*next++);
+    number |= static_cast<std::uint64_t>(group & 0x7FU) << shift;
+    if ((group & 0x80U) == 0) return number;
+  }
+}
+
+}  // namespace
+
+distinct_cells take_distinct(column_cells& cells, bool with_numbers) {
+  distinct_cells taken;
+  taken.counts = cells.counts();
+  taken.texts = cells.take_texts();
+  switch (cells.kept_as()) {
+    case column_cells::form::integers:
+      take_integers(cells, taken);
+      break;
+    case column_cells::form::numbers:
+      take_numbers(cells, taken);
+      break;
+    case column_cells::form::texts:
+      if (with_numbers) separate_numbers(cells, taken);
+      break;
+  }
+  return taken;
+}
+
+void add_later(distinct_cells& cells, const distinct_cells& later) {
+  std::vector<plain_number> numbers;
+  numbers.reserve(cells.numbers.size() + later.numbers.size());
+  std::set_union(cells.numbers.begin(), cells.numbers.end(), later.numbers.begin(),
+                 later.numbers.end(), std::back_inserter(numbers));
+  cells.numbers = std::move(numbers);
+
+  const bool has_zero = cells.texts_before_zero != distinct_cells::no_zero;
+  readable_copy copy;
+  for (unsigned int i = 0;; ++i) {
+    if (!has_zero && i == later.texts_before_zero) cells.texts_before_zero = cells.texts.size();
+    if (i == later.texts.size()) break;
+    const unsigned int code = cells.texts.code_of(copy.of(later.texts.view(i + 1)));
+    cells.counts.texts.resize(cells.texts.size() + 1ULL, 0);
+    cells.counts.texts[code] += later.counts.texts[i + 1];
+  }
+  cells.counts.known += later.counts.known;
+  cells.counts.unknown += later.counts.unknown;
+}
+
+std::vector<std::uint32_t> rows_in(const distinct_cells& whole, const distinct_cells& part) {
+  std::vector<std::uint32_t> rows{0};
+  rows.reserve(1 + part.numbers.size() + part.texts.size());
+  std::uint32_t before = 0;  // numbers of the whole
+  for (const plain_number number : part.numbers) {
+    while (whole.numbers[before] != number) ++before;
+    rows.push_back(whole.leading_texts() + ++before);
+  }
+  readable_copy copy;
+  const auto numbers = static_cast<std::uint32_t>(whole.numbers.size());
+  for (unsigned int code = 1; code <= part.texts.size(); ++code) {
+    const std::uint32_t text = whole.texts.find(copy.of(part.texts.view(code)));
+    rows.push_back(text <= whole.leading_texts() ? text : numbers + text);
+  }
+  return rows;
+}
+
+void append_bytes(const distinct_cells& cells, std::vector<char>& to) {
+  append_number(cells.counts.known, to);
+  append_number(cells.counts.unknown, to);
+  append_number(static_cast<std::uint32_t>(cells.texts_before_zero + 1), to);
+  append_number(cells.numbers.size(), to);
+  auto last = static_cast<std::uint64_t>(no_plain_number);
+  for (const plain_number number : cells.numbers) {
+    append_number(static_cast<std::uint64_t>(number) - last, to);
+    last = static_cast<std::uint64_t>(number);
+  }
+  append_number(cells.texts.size(), to);
+  for (unsigned int code = 1; code <= cells.texts.size(); ++code) {
+    const std::string_view text = cells.texts.view(code);
+    append_number(cells.counts.texts[code], to);
+    append_number(text.size(), to);
+    to.insert(to.end(), text.begin(), text.end());
+  }
+}
+
+distinct_cells read_distinct_cells(const char*& next) {
+  distinct_cells cells;
+  cells.counts.known = read_number(next);
+  cells.counts.unknown = read_number(next);
+  cells.texts_before_zero = static_cast<std::uint32_t>(read_number(next)) - 1;
+  cells.numbers.resize(read_number(next));
+  auto last = static_cast<std::uint64_t>(no_plain_number);
+  for (plain_number& number : cells.numbers) {
+    last += read_number(next);
+    number = static_cast<plain_number>(last);
+  }
+  const std::uint64_t texts = read_number(next);
+  if (texts > 0) cells.counts.texts.push_back(0);
+  for (std::uint64_t i = 0; i < texts; ++i) {
+    cells.counts.texts.push_back(read_number(next));
+    const std::uint64_t length = read_number(next);
+    cells.texts.code_of(cell_text{next, length});
+    next += length;
+  }
+  return cells;
+}
+
+}  // namespace arbor::tree

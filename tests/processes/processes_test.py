@@ -1,0 +1,243 @@
+"""Any number of processes prints and saves what one machine does, and none survives another one's failure.
+
+processes_test.py FOLDER [all|kill N TABLE] with the programs arbor and arbor-mpi in the folder, from the root of the
+sources. "all" runs each command on each table with each number of processes; "kill" only kills a process at N moments
+while a tree is grown on the table.
+"""
+import concurrent.futures
+import gzip
+import os
+import random
+import re
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+programs = os.path.abspath(sys.argv[1])
+mode = sys.argv[2] if len(sys.argv) > 2 else ""
+sources = os.getcwd()
+numbers = (1, 2, 3, 4, 7)
+os.environ.update(OMPI_ALLOW_RUN_AS_ROOT="1", OMPI_ALLOW_RUN_AS_ROOT_CONFIRM="1", PATH=programs + ":" + os.environ["PATH"])
+failures = []
+
+
+def on_one_machine(arguments):
+    done = subprocess.run(["arbor"] + arguments, capture_output=True)
+    return done.returncode, *without_times(done)
+
+
+def in_processes(number, arguments, start="exec"):
+    """`start` is a command of the shell that starts the program in each process."""
+    done = subprocess.run(["mpirun", "--oversubscribe", "-n", str(number), "sh", "-c", start + ' arbor-mpi "$@"', "sh"] + arguments,
+                          capture_output=True)
+    return done.returncode, *without_times(done)
+
+
+def without_times(done):
+    printed = re.sub(rb"grown in [0-9.]* s", b"", done.stdout)
+    return printed, [line for line in done.stderr.decode().splitlines() if line.startswith("arbor")]
+
+
+def content(path):
+    if not os.path.exists(path):
+        return None
+    with open(path, "rb") as file:
+        return file.read()
+
+
+def expect(is_true, *what):
+    if not is_true:
+        failures.append(what)
+        print("FAILED:", *what, flush=True)
+
+
+def compare(number, arguments, result):
+    """`result` is the option that names the file to write, if there is one."""
+    outcomes = []
+    for program in ("one", str(number)):
+        folder = tempfile.mkdtemp(dir=".")
+        path = os.path.join(folder, "result")
+        full = arguments + ([result, path] if result else [])
+        status, printed, messages = on_one_machine(full) if program == "one" else in_processes(number, full)
+        messages = [line.replace("arbor-mpi: ", "arbor: ", 1).replace(folder, "") for line in messages]
+        outcomes.append((status, printed, messages, content(path), os.listdir(folder)))
+    for what, one, many in zip(("status", "output", "messages", "result", "files"), *outcomes):
+        expect(one == many, number, "processes:", *arguments, "differs in", what, *([one, many] if what != "result" else []))
+
+
+# -- Tables --
+
+def write(name, lines, opened=open):
+    with opened(name, "wt", newline="") as file:
+        file.write("".join(line + "\n" for line in lines))
+    return [name]
+
+
+def rows(count, seed, cell, columns=6):
+    choice = random.Random(seed)
+    yield ",".join("a%d" % i for i in range(columns)) + ",w,class"
+    for _ in range(count):
+        cells = [cell(choice, i) for i in range(columns)]
+        likely = "xyz"[sum(len(text) + ord(text[0]) // 3 for text in cells[:3]) % 3]
+        yield ",".join(cells) + ",%.1f,%s" % (choice.random() * 3, choice.choice((likely, likely, "x")))
+
+
+def digit(choice, column):
+    return str(choice.randrange(10 ** (column % 3 + 1)))
+
+
+def unknown_or_digit(choice, column):
+    return "?" if choice.random() < 0.1 else digit(choice, column)
+
+
+def text_of_lines(choice, column):
+    return '"%s, ""%s""\n%s"' % tuple(choice.choice(("red", "green\n", "blue")) for _ in range(3)) if column else digit(choice, 0)
+
+
+def tables():
+    """Each with the options that it is read with."""
+    data = sorted(name for name in os.listdir(os.path.join(sources, "data")) if name.endswith(".csv"))
+    result = [([os.path.join(sources, "data", name)], []) for name in data]
+    whole = list(rows(400, 5, unknown_or_digit))
+    write("empty.csv", [])
+    result += [
+        (write("unknown.csv", rows(600, 1, unknown_or_digit)), ["--kind", "w=ignore"]),
+        (write("weights.csv", rows(600, 2, unknown_or_digit)), ["--weights", "w"]),
+        (write("wide.csv", rows(30, 3, digit, 300)), []),
+        (write("lines.csv", rows(100, 4, text_of_lines)), []),
+        (write("few.csv", rows(3, 6, digit)), ["--min-weight", "1"]),
+        (write("packed.csv.gz", rows(300, 7, digit), gzip.open), []),
+        (write("texts.csv", rows(500, 8, lambda choice, i: "t%d" % choice.randrange(40 ** (i % 3 + 1)))), ["--weights", "w"]),
+        (write("floats.csv", rows(300, 9, lambda choice, i: repr(choice.gauss(0, 10 ** (i * 5))))), ["--skip-unknown-class"]),
+        (write("first.csv", whole[:8]) + ["empty.csv"] + write("second.csv", whole[:1] + whole[8:]), ["--weights", "w"]),
+    ]
+    return result
+
+
+# -- What is compared --
+
+def comparisons():
+    models = {}
+    for i, (paths, options) in enumerate(tables()):
+        models[i] = "%d.model" % i
+        on_one_machine(["grow", *paths, *options, "--model", models[i]])
+        reading = options if "--weights" in options else []
+        least = [] if "--min-weight" in options else ["--min-weight", "1"]
+        commands = [["grow", *paths, *options],
+                    ["grow", *paths, *options, *least, "--no-pruning"],
+                    ["rate", *paths, *options, "--format", "json"],
+                    ["classify", models[i], *paths, *reading],
+                    ["grow", *paths, *options, "--holdout", "0.4", "--test", paths[0]]]
+        results = ["--model", "--model", "--save-types", "--output", None]
+        for j, number in enumerate(numbers):
+            for k in range(5):
+                if mode == "all" or (i + j) % 5 == k:
+                    yield number, commands[k], results[k]
+
+
+def faults():
+    golf = os.path.join(sources, "data", "golf.csv")
+    good = content(golf).decode()
+    write("cells.csv", [good * 1 + "sunny,1,2,no"])
+    write("class.csv", [good + "sunny,1,2,no,?"])
+    write("quote.csv", [good + 'sunny,1,2,"no,yes'])
+    write("weight.csv", [good.replace("humidity", "w") + "sunny,1,many,no,no"])
+    write("stray.csv", [good + "sunny,1,much,no,no"])
+    write("other.csv", ["a,b", "1,2"])
+    subprocess.run(["arbor", "grow", golf, "--no-pruning", "--model", "golf.model"], capture_output=True)
+    return [
+        (3, ["grow", "none.csv"], "--model"),
+        (3, ["grow", golf, "none.csv"], "--model"),
+        (4, ["grow", "cells.csv"], "--model"),
+        (2, ["grow", golf, "class.csv"], "--model"),
+        (3, ["rate", "quote.csv"], None),
+        (3, ["rate", "weight.csv", "--weights", "w"], None),
+        (2, ["rate", golf, "other.csv"], None),
+        (2, ["rate", golf, "--class", "plya"], None),
+        (2, ["rate", golf, "--sort", "size"], None),
+        (2, ["grow", golf, "--holdout", "1"], "--model"),
+        (2, ["grow", golf, "--model", "/dev/full"], None),
+        (2, ["grow", golf, "--model", golf], None),
+        (3, ["classify", "golf.model", "stray.csv", "--strict"], None),
+        (3, ["classify", "golf.model", golf, "cells.csv"], "--output"),
+        (2, ["classify", golf, golf], None),
+    ]
+
+
+# -- Failures of a single process --
+
+def check_killing(moments, table):
+    choice = random.Random(10)
+    command = ["grow", table, "--no-pruning", "--threads", "1", "--model", "large.model", "--force"]
+    start = time.monotonic()
+    on_one_machine(command)
+    new = content("large.model")
+    begin = time.monotonic()
+    in_processes(3, command)
+    length = time.monotonic() - begin
+    print("one machine takes %.1f s, 3 processes %.1f s" % (begin - start, length), flush=True)
+    for moment in range(moments):
+        with open("large.model", "wb") as file:
+            file.write(b"old")
+        for rank in range(3):
+            if os.path.exists("pid%d" % rank):
+                os.remove("pid%d" % rank)
+        run = subprocess.Popen(["mpirun", "--oversubscribe", "-n", "3", "sh", "-c",
+                                'echo $$ >pid$OMPI_COMM_WORLD_RANK; exec arbor-mpi "$@"', "sh"] + command,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        victim = moment % 3
+        while not (content("pid%d" % victim) or b"").endswith(b"\n"):
+            time.sleep(0.01)
+        delay = choice.random() * length
+        time.sleep(delay)
+        ended_before = run.poll() is not None
+        killed = time.monotonic()
+        if not ended_before:
+            try:
+                os.kill(int(content("pid%d" % victim)), signal.SIGKILL)
+            except ProcessLookupError:
+                ended_before = True
+        status = run.wait()
+        while any(is_running(content("pid%d" % rank)) for rank in range(3)) and time.monotonic() < killed + 20:
+            time.sleep(0.05)
+        took = time.monotonic() - killed
+        left = {b"old": "old", new: "new"}.get(content("large.model"), "damaged")
+        print("process %d killed after %.2f s: %sstatus %d, the %s model, all gone after %.2f s"
+              % (victim, delay, "too late, " if ended_before else "", status, left, took), flush=True)
+        expect(ended_before or status != 0, "killed, but the status is 0")
+        expect(left != "damaged", "the model is damaged")
+        expect(took < 10, "processes are left")
+
+
+def is_running(pid):
+    return pid is not None and os.path.exists("/proc/%d" % int(pid))
+
+
+def check_memory():
+    write("old.model", ["old"])
+    limit = 'test "$OMPI_COMM_WORLD_RANK" != 1 || ulimit -v $((%d)); exec'
+    for kilobytes in (300000, 400000):
+        status, printed, messages = in_processes(3, ["grow", "large.csv", "--threads", "1", "--model", "old.model", "--force"], limit % kilobytes)
+        print("with %d kB:" % kilobytes, status, messages, flush=True)
+
+
+def main():
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    with tempfile.TemporaryDirectory() as folder:
+        os.chdir(folder)
+        if mode != "kill":
+            with concurrent.futures.ThreadPoolExecutor(2) as pool:
+                done = list(pool.map(lambda compared: compare(*compared), list(comparisons()) + faults()))
+            print(len(done), "comparisons", flush=True)
+            check_killing(3, *write("large.csv", rows(100000, 11, digit)))
+        else:
+            check_killing(int(sys.argv[3]), os.path.join(sources, sys.argv[4]))
+        os.chdir(sources)
+    sys.exit(1 if failures else 0)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,111 @@
+// The program arbor-mpi: the commands of arbor that work in several processes together.
+//
+// All processes run the same command. The first one alone prints and saves.
+
+#include <iostream>
+#include <memory>
+#include <new>
+#include <optional>
+#include <streambuf>
+
+#include "arbor/processes/agreement.h"
+#include "arbor/processes/process_group.h"
+#include "arbor/processes/statistics_report.h"
+#include "tools/classify_command.h"
+#include "tools/grow_command.h"
+#include "tools/many_processes.h"
+#include "tools/messages.h"
+#include "tools/program.h"
+#include "tools/rate_command.h"
+
+namespace arbor::tools {
+
+namespace {
+
+constexpr const char* program_help =
+    R"("arbor-mpi COMMAND --help" describes a command. Each takes the options of arbor,
+and prints and saves the same. The rows of a table are shared out among the
+processes, so that it need not fit into the memory of one machine.
+
+Examples:
+  mpirun -n 4 arbor-mpi grow big.csv --model big.model
+  mpirun -n 4 arbor-mpi rate part-*.csv --statistics
+  mpirun -n 4 arbor-mpi classify big.model new.csv --output predicted.csv)";
+
+class null_buffer : public std::streambuf {
+ protected:
+  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+  std::streamsize xsputn(const char* /*text*/, std::streamsize count) override { return count; }
+};
+
+// While it exists, nothing that is written to a stream arrives.
+class muted_stream {
+ public:
+  explicit muted_stream(std::ostream& muted) : stream(muted), unmuted(muted.rdbuf(&nowhere)) {}
+  ~muted_stream() { stream.rdbuf(unmuted); }
+  muted_stream(const muted_stream&) = delete;
+  muted_stream& operator=(const muted_stream&) = delete;
+
+ private:
+  null_buffer nowhere;
+  std::ostream& stream;
+  std::streambuf* unmuted;
+};
+
+struct muted_streams {
+  muted_stream results{std::cout};
+  muted_stream messages{std::cerr};
+};
+
+int run_command(tree::process_group& group, int argc, const char* const* argv) {
+  const many_processes place(group);
+  program arbor_mpi("Decision trees from tables, grown by several processes.", program_help);
+  arbor_mpi.add(std::make_unique<rate_command>(arbor_mpi.parser(), place));
+  arbor_mpi.add(std::make_unique<grow_command>(arbor_mpi.parser(), place));
+  arbor_mpi.add(std::make_unique<classify_command>(arbor_mpi.parser(), place));
+  bool statistics = false;
+  for (CLI::App* command : arbor_mpi.parser().get_subcommands({})) {
+    command->add_flag("--statistics", statistics,
+                      "Print at the end, on standard error, how long each phase took in each "
+                      "process, and what it sent");
+  }
+  const int status = arbor_mpi.run(argc, argv);
+  if (statistics) tree::write_statistics(std::cerr, group);
+  return status;
+}
+
+// What all processes know of ends each of them in the usual way. Anything else is thrown.
+int run(tree::process_group& group, int argc, const char* const* argv) {
+  std::optional<muted_streams> muted;
+  if (!group.is_first()) muted.emplace();
+  try {
+    return run_command(group, argc, argv);
+  } catch (const tree::agreed_failure& error) {
+    complain(error.what());
+  } catch (const usage_error& error) {  // all processes have the same arguments
+    complain(error.what());
+  }
+  return failure;
+}
+
+}  // namespace
+
+const std::string_view program_name = "arbor-mpi";
+
+void end_program(int status) noexcept {
+  tree::process_group::abort(status);
+}
+
+}  // namespace arbor::tools
+
+int main(int argc, char** argv) {
+  arbor::tree::process_group group(argc, argv);
+  try {
+    return arbor::tools::run(group, argc, argv);
+  } catch (const std::bad_alloc&) {
+    arbor::tools::complain_of_memory();
+  } catch (const std::exception& error) {
+    arbor::tools::complain(error.what());
+  }
+  arbor::tools::end_program(arbor::tools::failure);
+}
