@@ -8,6 +8,14 @@
 
 namespace arbor::tree {
 
+namespace {
+
+std::uint32_t key_of_integer(plain_number number) {
+  return key_of(static_cast<int>(plain_digits(number)));
+}
+
+}  // namespace
+
 std::size_t cell_counts::numbers() const {
   return texts.empty() ? known : known - std::accumulate(texts.begin() + 1, texts.end(), 0UL);
 }
@@ -30,9 +38,8 @@ column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, te
       }
     }
   };
-  int integer = 0;
-  fractions = !std::all_of(distinct_numbers.begin(), distinct_numbers.end(),
-                           [&](plain_number number) { return is_plain_integer(number, integer); });
+  fractions = std::any_of(distinct_numbers.begin(), distinct_numbers.end(),
+                          [](plain_number number) { return !is_plain_integer(number); });
   if (distinct_numbers.empty()) {
     kept = form::texts;
   } else if (fractions || dictionary.size() > 0) {
@@ -41,7 +48,7 @@ column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, te
   add_texts(1, leading_texts + 1);
   for (const plain_number number : distinct_numbers) {
     if (kept == form::integers) {
-      narrow.push_back(key_of(static_cast<int>(plain_digits(number))));
+      narrow.push_back(key_of_integer(number));
     } else {
       wide.push_back(number);
     }
@@ -113,9 +120,8 @@ void column_cells::add_unknown() {
 void column_cells::add_text(cell_text text) {
   if (kept == form::texts) return narrow.push_back(dictionary.code_of(text));
   plain_number number = number_to_keep(text);
-  int integer = 0;
-  const bool is_integer = number != no_plain_number && is_plain_integer(number, integer);
-  if (kept == form::integers && is_integer) return narrow.push_back(key_of(integer));
+  const bool is_integer = is_plain_integer(number);
+  if (kept == form::integers && is_integer) return narrow.push_back(key_of_integer(number));
   if (number == no_plain_number && kept == form::integers && narrow.size() == unknown) {
     kept = form::texts;  // no number so far, so there may be none at all
     return narrow.push_back(dictionary.code_of(text));
@@ -131,12 +137,7 @@ void column_cells::add_text(cell_text text) {
 
 plain_number column_cells::number_to_keep(cell_text text) const {
   const plain_number number = keepable == plain::none ? no_plain_number : read_plain_number(text);
-  int integer = 0;
-  if (keepable == plain::integers && number != no_plain_number &&
-      !is_plain_integer(number, integer)) {
-    return no_plain_number;
-  }
-  return number;
+  return keepable == plain::integers && !is_plain_integer(number) ? no_plain_number : number;
 }
 
 cell_counts column_cells::counts() {

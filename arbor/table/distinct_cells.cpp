@@ -1,8 +1,10 @@
 // bytes of distinct cells: known | unknown | texts before zero + 1 or 0 | numbers | each number less
-// the one before it | texts | for each text: count | length | characters
+// the one before it, rotated to the right by five bits | texts | for each text: count | length |
+// characters
 //
-// All numbers but the characters are in groups of seven bits, the lowest first. All groups but the
-// last one have the highest bit set.
+// All but the characters are in groups of seven bits, the lowest first. All groups but the last one
+// have the highest bit set. The rotation removes the five bits that say how many decimals there are,
+// which is the same for most numbers of a column: integers that are close together take a byte.
 
 #include "arbor/table/distinct_cells.h"
 
@@ -147,6 +149,27 @@ void separate_numbers(column_cells& cells, distinct_cells& taken) {
   cells.recode_texts(places);
 }
 
+// The loop has no branches that depend on the numbers: nobody could predict which side is next.
+std::vector<plain_number> united(const std::vector<plain_number>& a,
+                                 const std::vector<plain_number>& b) {
+  std::vector<plain_number> all(a.size() + b.size());
+  std::size_t i = 0;
+  std::size_t j = 0;
+  std::size_t count = 0;
+  while (i < a.size() && j < b.size()) {
+    const plain_number of_a = a[i];
+    const plain_number of_b = b[j];
+    all[count++] = std::min(of_a, of_b);
+    i += of_a <= of_b ? 1 : 0;
+    j += of_b <= of_a ? 1 : 0;
+  }
+  auto end = all.begin() + static_cast<std::ptrdiff_t>(count);
+  end = std::copy(a.begin() + static_cast<std::ptrdiff_t>(i), a.end(), end);
+  end = std::copy(b.begin() + static_cast<std::ptrdiff_t>(j), b.end(), end);
+  all.erase(end, all.end());
+  return all;
+}
+
 void append_number(std::uint64_t number, std::vector<char>& to) {
   for (; number >= 0x80; number >>= 7U) to.push_back(static_cast<char>(number | 0x80U));
   to.push_back(static_cast<char>(number));
@@ -182,11 +205,7 @@ distinct_cells take_distinct(column_cells& cells, bool with_numbers) {
 }
 
 void add_later(distinct_cells& cells, const distinct_cells& later) {
-  std::vector<plain_number> numbers;
-  numbers.reserve(cells.numbers.size() + later.numbers.size());
-  std::set_union(cells.numbers.begin(), cells.numbers.end(), later.numbers.begin(),
-                 later.numbers.end(), std::back_inserter(numbers));
-  cells.numbers = std::move(numbers);
+  cells.numbers = united(cells.numbers, later.numbers);
 
   const bool has_zero = cells.texts_before_zero != distinct_cells::no_zero;
   readable_copy copy;
@@ -202,13 +221,14 @@ void add_later(distinct_cells& cells, const distinct_cells& later) {
 }
 
 std::vector<std::uint32_t> rows_in(const distinct_cells& whole, const distinct_cells& part) {
-  std::vector<std::uint32_t> rows{0};
-  rows.reserve(1 + part.numbers.size() + part.texts.size());
-  std::uint32_t before = 0;  // numbers of the whole
-  for (const plain_number number : part.numbers) {
-    while (whole.numbers[before] != number) ++before;
-    rows.push_back(whole.leading_texts() + ++before);
+  std::vector<std::uint32_t> rows(part.numbers.size() + 1);
+  std::uint32_t row = whole.leading_texts();
+  std::size_t place = 1;  // of the next number of the part, which gets each row up to its own
+  for (auto number = whole.numbers.begin(); place < rows.size(); ++number) {
+    rows[place] = ++row;
+    place += part.numbers[place - 1] == *number ? 1 : 0;
   }
+  rows.reserve(rows.size() + part.texts.size());
   readable_copy copy;
   const auto numbers = static_cast<std::uint32_t>(whole.numbers.size());
   for (unsigned int code = 1; code <= part.texts.size(); ++code) {
@@ -225,7 +245,8 @@ void append_bytes(const distinct_cells& cells, std::vector<char>& to) {
   append_number(cells.numbers.size(), to);
   auto last = static_cast<std::uint64_t>(no_plain_number);
   for (const plain_number number : cells.numbers) {
-    append_number(static_cast<std::uint64_t>(number) - last, to);
+    const std::uint64_t distance = static_cast<std::uint64_t>(number) - last;
+    append_number(distance >> 5U | distance << 59U, to);
     last = static_cast<std::uint64_t>(number);
   }
   append_number(cells.texts.size(), to);
@@ -245,7 +266,8 @@ distinct_cells read_distinct_cells(const char*& next) {
   cells.numbers.resize(read_number(next));
   auto last = static_cast<std::uint64_t>(no_plain_number);
   for (plain_number& number : cells.numbers) {
-    last += read_number(next);
+    const std::uint64_t rotated = read_number(next);
+    last += rotated << 5U | rotated >> 59U;
     number = static_cast<plain_number>(last);
   }
   const std::uint64_t texts = read_number(next);

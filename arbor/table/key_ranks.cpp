@@ -110,6 +110,32 @@ void sort_by_key(std::vector<row_key>& rows) {
   }
 }
 
+// For keys that ascend with the rows, unknown ones aside, as numbers of rows do. Empty for others.
+std::vector<key> rank_ascending(cell_blocks<key>& keys) {
+  key last = unknown_key;
+  key distinct = 0;
+  bool ascend = true;
+  keys.for_each_block([&](const key* k, std::size_t count) {
+    for (std::size_t i = 0; ascend && i < count; ++i) {
+      if (k[i] == unknown_key) continue;
+      ascend = k[i] > last;
+      last = k[i];
+      ++distinct;
+    }
+  });
+  if (!ascend) return {};
+  std::vector<key> ranked;
+  ranked.reserve(distinct);
+  keys.for_each_block([&](key* k, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (k[i] == unknown_key) continue;
+      ranked.push_back(k[i]);
+      k[i] = static_cast<key>(ranked.size());
+    }
+  });
+  return ranked;
+}
+
 template <class Ranks>
 std::vector<key> rank_dense(cell_blocks<key>& keys, key least, key greatest) {
   Ranks ranks(least, greatest);
@@ -158,6 +184,8 @@ std::vector<key> rank_sparse(cell_blocks<key>& keys) {
 }  // namespace
 
 std::vector<std::uint32_t> rank_keys(cell_blocks<std::uint32_t>& keys) {
+  std::vector<key> ascending = rank_ascending(keys);
+  if (!ascending.empty()) return ascending;
   key least = std::numeric_limits<key>::max();
   key greatest = unknown_key;
   keys.for_each_block([&](const key* k, std::size_t count) {

@@ -68,15 +68,6 @@ plain_number plain_number_of(bool negative, const std::string& digits, long long
   return packed(negative, number, static_cast<std::uint64_t>(decimals));
 }
 
-bool is_plain_integer(plain_number number, int& value) {
-  if (decimals_of(number) != 0 ||
-      digits_of(number) > static_cast<unsigned int>(std::numeric_limits<int>::max())) {
-    return false;
-  }
-  value = static_cast<int>(number / 32);
-  return true;
-}
-
 std::string text_of(plain_number number) {
   std::string text = std::to_string(digits_of(number));
   const std::size_t decimals = decimals_of(number);

@@ -61,8 +61,11 @@ plain_number read_plain_number(cell_text text);
 // ten to the power of `exponent`; no_plain_number if there is none.
 plain_number plain_number_of(bool negative, const std::string& digits, long long exponent);
 
-// Whether the number is an integer of 32 bits other than the least one, and which one.
-bool is_plain_integer(plain_number number, int& value);
+// Whether the number, or no_plain_number, is an integer of 32 bits other than the least one.
+inline bool is_plain_integer(plain_number number) {
+  constexpr plain_number most = plain_integer(std::numeric_limits<int>::max());
+  return number % 32 == 0 && number >= -most && number <= most;
+}
 
 std::string text_of(plain_number number);
 

@@ -2,6 +2,7 @@
 
 #include "arbor/csv/found_delimiter.h"
 #include "arbor/csv/message_text.h"
+#include "arbor/csv/row_search.h"
 #include "arbor/csv/shown_text.h"
 #include "tests/support/rows.h"
 #include "tests/support/tables.h"
@@ -9,9 +10,30 @@
 namespace arbor::tests {
 namespace {
 
+// Reads a file in parts: each range of so many bytes has the rows that begin in it.
+template <class Use>
+void read_rows_in_parts(const std::string& path, std::size_t size, std::size_t range, Use use,
+                        const tree::csv_form& form) {
+  tree::file_place part{0, 0, false};
+  tree::file_place next{0, 1, false};
+  const auto read_part = [&](std::uint64_t end) {
+    tree::input_file file(path, part.byte, end);
+    read_rows(file, use, form, part.line);
+  };
+  for (std::uint64_t end = range; end < size; end += range) {
+    const tree::range_counts counts = tree::counts_in(path, next.byte, end);
+    next = {end, next.line + counts.line_ends, next.in_quotes != (counts.quotes % 2 == 1)};
+    if (const auto row = tree::next_row(path, next, std::min(end + range, size), form)) {
+      read_part(row->byte);
+      part = *row;
+    }
+  }
+  read_part(size);
+}
+
 // Each row as "line:cell|cell", an empty cell without quotes as "-"; an error as its message behind
-// the path.
-texts rows_of(const std::string& contents, const tree::csv_form& form = {}) {
+// the path. `range`: see above.
+texts rows_of(const std::string& contents, const tree::csv_form& form = {}, std::size_t range = 0) {
   texts rows;
   const auto add = [&](const tree::csv_row& row) {
     std::string text;
@@ -22,8 +44,10 @@ texts rows_of(const std::string& contents, const tree::csv_form& form = {}) {
     }
     rows.push_back(std::to_string(row.line()) + text);
   };
-  const std::string error =
-      refusal(contents, [&](const std::string& path) { read_rows(path, add, form); });
+  const std::string error = refusal(contents, [&](const std::string& path) {
+    if (range == 0) return read_rows(path, add, form);
+    read_rows_in_parts(path, contents.size(), range, add, form);
+  });
   if (!error.empty()) rows.push_back(error);
   return rows;
 }
@@ -58,7 +82,12 @@ TEST(CsvReader, ReadsCellsAndNamesTheLineOfWhatIsNoCsv) {
       {"\"a\nb\",c\n\"1\"2,3\n", {"1:a\nb|c", ":3" + quote}},
       {"a\n\"b\n\nc", {"1:a", ":2: a quote that is never closed"}},
       {std::string("a\nb\0c\n", 6), {"1:a", ":2" + zero}}};
-  for (const auto& [contents, rows] : files) EXPECT_EQ(rows_of(contents), rows);
+  for (const auto& [contents, rows] : files) {
+    EXPECT_EQ(rows_of(contents), rows);
+    const std::size_t least = contents.size() > large.size() ? 9999 : 1;
+    for (std::size_t range = least; range < contents.size(); range += least)
+      EXPECT_EQ(rows_of(contents, {}, range), rows) << "in parts of " << range << " bytes";
+  }
 }
 
 TEST(CsvReader, ReadsAnyDelimiterWithOrWithoutBlanks) {
@@ -78,6 +107,7 @@ TEST(CsvReader, ReadsLinesWhereverItsBufferEnds) {
     rows.push_back(std::to_string(line) + ":" + number + "|x");
   }
   EXPECT_EQ(rows_of(contents), rows);
+  EXPECT_EQ(rows_of(contents, {}, 70001), rows);
 }
 
 TEST(CsvReader, FindsTheDelimiterOfTheFirstLines) {

@@ -38,9 +38,9 @@ static void check_plain(const std::string& text) {
   const std::string padded = text + '\0' + std::string(readable_after_cell, '7');
   const cell_text cell{padded.c_str(), text.size()};
   const plain_number number = read_plain_number(cell);
-  int fast = 0, integer = 0;
+  int fast = 0;
   const bool is_short = read_plain_integer(cell, fast);
-  check(!is_short || (is_plain_integer(number, integer) && fast == integer),
+  check(!is_short || (is_plain_integer(number) && fast == plain_digits(number)),
         "a short integer has its value");
   if (number == no_plain_number) return;
   const double value = std::strtod(text.c_str(), nullptr);
