@@ -137,15 +137,16 @@ void csv_table::drop_first_row() {
 bool csv_table::open_next_part() {
   if (opened == parts.size()) return false;
   const file_part& part = parts[opened++];
+  const std::size_t number = next_number();  // the first block of a file may be read twice
   if (!part.range || part.range->first == 0) open_other_file(part.file);
-  if (part.range) open_range(part);
+  if (part.range) open_range(part, number);
   return true;
 }
 
-void csv_table::open_range(const file_part& part) {
+void csv_table::open_range(const file_part& part, std::size_t number) {
   file.bytes =
       std::make_unique<input_file>(file_paths[part.file], part.range->first, part.range->end);
-  blocks.emplace(*file.bytes, next_number());
+  blocks.emplace(*file.bytes, number);
   blocks->expect(form);
   has_first = false;
   if (part.range->first > 0) {

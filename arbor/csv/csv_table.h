@@ -114,7 +114,7 @@ class csv_table {
   std::size_t next_number() const { return blocks ? blocks->next_number() : 0; }
   bool open_next_part();
   void open_other_file(std::size_t number);
-  void open_range(const file_part& part);
+  void open_range(const file_part& part, std::size_t number);
   bool read(csv_block& block);
   void drop_first_row();
   std::optional<std::size_t> index_names();

@@ -31,8 +31,8 @@ def on_one_machine(arguments):
 
 def in_processes(number, arguments, start="exec"):
     """`start` is a command of the shell that starts the program in each process."""
-    done = subprocess.run(["mpirun", "--oversubscribe", "-n", str(number), "sh", "-c", start + ' arbor-mpi "$@"', "sh"] + arguments,
-                          capture_output=True)
+    done = subprocess.run(["mpirun", "--oversubscribe", "--timeout", "60", "-n", str(number), "sh", "-c",
+                           start + ' arbor-mpi "$@"', "sh"] + arguments, capture_output=True)
     return done.returncode, *without_times(done)
 
 
