@@ -2,9 +2,10 @@
 
 processes_test.py FOLDER [all|kill N TABLE] with the programs arbor and arbor-mpi in the folder, from the root of the
 sources. "all" runs each command on each table with each number of processes; "kill" only kills a process at N moments
-while a tree is grown on the table.
+while a tree is grown on the table, and gives one too little memory.
 """
 import concurrent.futures
+import glob
 import gzip
 import os
 import random
@@ -26,19 +27,24 @@ failures = []
 
 def on_one_machine(arguments):
     done = subprocess.run(["arbor"] + arguments, capture_output=True)
-    return done.returncode, *without_times(done)
+    return done.returncode, *without_times(done.stdout, done.stderr)
 
 
 def in_processes(number, arguments, start="exec"):
     """`start` is a command of the shell that starts the program in each process."""
-    done = subprocess.run(["mpirun", "--oversubscribe", "--timeout", "60", "-n", str(number), "sh", "-c",
-                           start + ' arbor-mpi "$@"', "sh"] + arguments, capture_output=True)
-    return done.returncode, *without_times(done)
+    launcher = launch(number, arguments, start)
+    printed, messages = launcher.communicate()
+    return launcher.returncode, *without_times(printed, messages)
 
 
-def without_times(done):
-    printed = re.sub(rb"grown in [0-9.]* s", b"", done.stdout)
-    return printed, [line for line in done.stderr.decode().splitlines() if line.startswith("arbor")]
+def launch(number, arguments, start):
+    return subprocess.Popen(["mpirun", "--oversubscribe", "--timeout", "60", "-n", str(number), "sh", "-c",
+                             start + ' arbor-mpi "$@"', "sh"] + arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+
+def without_times(printed, messages):
+    printed = re.sub(rb"grown in [0-9.]* s", b"", printed)
+    return printed, [line for line in messages.decode().splitlines() if line.startswith("arbor")]
 
 
 def content(path):
@@ -156,6 +162,7 @@ def faults():
         (3, ["rate", "quote.csv"], None),
         (3, ["rate", "weight.csv", "--weights", "w"], None),
         (2, ["rate", golf, "other.csv"], None),
+        (2, ["rate", golf, sources], None),
         (2, ["rate", golf, "--class", "plya"], None),
         (2, ["rate", golf, "--sort", "size"], None),
         (2, ["grow", golf, "--holdout", "1"], "--model"),
@@ -170,58 +177,73 @@ def faults():
 # -- Failures of a single process --
 
 def check_killing(moments, table):
+    """A killed process ends the others; the launcher, told to end, ends all. An old model stays, or is replaced whole."""
     choice = random.Random(10)
-    command = ["grow", table, "--no-pruning", "--threads", "1", "--model", "large.model", "--force"]
-    start = time.monotonic()
+    command = growing(table)
     on_one_machine(command)
     new = content("large.model")
     begin = time.monotonic()
     in_processes(3, command)
     length = time.monotonic() - begin
-    print("one machine takes %.1f s, 3 processes %.1f s" % (begin - start, length), flush=True)
     for moment in range(moments):
         with open("large.model", "wb") as file:
             file.write(b"old")
-        for rank in range(3):
-            if os.path.exists("pid%d" % rank):
-                os.remove("pid%d" % rank)
-        run = subprocess.Popen(["mpirun", "--oversubscribe", "-n", "3", "sh", "-c",
-                                'echo $$ >pid$OMPI_COMM_WORLD_RANK; exec arbor-mpi "$@"', "sh"] + command,
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        victim = moment % 3
-        while not (content("pid%d" % victim) or b"").endswith(b"\n"):
+        pids = ["pid%d" % rank for rank in range(3)]
+        for name in filter(os.path.exists, pids):
+            os.remove(name)
+        launcher = launch(3, command, "echo $$ >pid$OMPI_COMM_WORLD_RANK; exec")
+        while not all((content(name) or b"").endswith(b"\n") for name in pids):
             time.sleep(0.01)
-        delay = choice.random() * length
+        pids = [int(content(name)) for name in pids]
+        victim = moment % 4
+        delay = choice.random() * (length - 0.3)  # less what the launcher takes before it starts them
         time.sleep(delay)
-        ended_before = run.poll() is not None
         killed = time.monotonic()
-        if not ended_before:
-            try:
-                os.kill(int(content("pid%d" % victim)), signal.SIGKILL)
-            except ProcessLookupError:
-                ended_before = True
-        status = run.wait()
-        while any(is_running(content("pid%d" % rank)) for rank in range(3)) and time.monotonic() < killed + 20:
+        too_late = launcher.poll() is not None or not all(map(is_running, pids))
+        if not too_late and victim < 3:
+            os.kill(pids[victim], signal.SIGKILL)
+        elif not too_late:
+            launcher.terminate()
+        launcher.communicate()
+        status = launcher.returncode
+        while any(map(is_running, pids)) and time.monotonic() < killed + 20:
             time.sleep(0.05)
         took = time.monotonic() - killed
         left = {b"old": "old", new: "new"}.get(content("large.model"), "damaged")
-        print("process %d killed after %.2f s: %sstatus %d, the %s model, all gone after %.2f s"
-              % (victim, delay, "too late, " if ended_before else "", status, left, took), flush=True)
-        expect(ended_before or status != 0, "killed, but the status is 0")
-        expect(left != "damaged", "the model is damaged")
-        expect(took < 10, "processes are left")
+        who = "process %d" % victim if victim < 3 else "the launcher"
+        print("%s killed after %.2f of %.2f s%s: status %d, the %s model, all gone after %.2f s"
+              % (who, delay, length, ", too late" if too_late else "", status, left, took), flush=True)
+        expect(too_late or status != 0, who, "was killed, but the status is 0")
+        expect(left != "damaged", who, "was killed, and the model is damaged")
+        expect(took < 10, who, "was killed, and processes are left")
+        expect(victim == 0 or not glob.glob("large.model.*"), who, "was killed, and a temporary file is left")
+
+
+def growing(table):
+    return ["grow", table, "--no-pruning", "--threads", "1", "--model", "large.model", "--force"]
 
 
 def is_running(pid):
-    return pid is not None and os.path.exists("/proc/%d" % int(pid))
+    return os.path.exists("/proc/%d" % pid)
 
 
-def check_memory():
-    write("old.model", ["old"])
-    limit = 'test "$OMPI_COMM_WORLD_RANK" != 1 || ulimit -v $((%d)); exec'
-    for kilobytes in (300000, 400000):
-        status, printed, messages = in_processes(3, ["grow", "large.csv", "--threads", "1", "--model", "old.model", "--force"], limit % kilobytes)
-        print("with %d kB:" % kilobytes, status, messages, flush=True)
+def check_memory(table):
+    """One process has ever more memory, until it has enough."""
+    golf = os.path.join(sources, "data", "golf.csv")
+    limit = 'test "$OMPI_COMM_WORLD_RANK" != %d || ulimit -v %d; exec'
+    start = 100000
+    while in_processes(3, ["rate", golf], limit % (1, start))[0] != 0:
+        start += 4000
+    for rank in range(3):
+        for kilobytes in range(start, start + 10000000, 6000):
+            with open("large.model", "wb") as file:
+                file.write(b"old")
+            status, _, messages = in_processes(3, growing(table), limit % (rank, kilobytes))
+            print("process %d has %d kB: status %d" % (rank, kilobytes, status), *messages, flush=True)
+            if status == 0:
+                break
+            expect(messages == ["arbor-mpi: out of memory"], "memory is short, but the messages are", messages)
+            expect(content("large.model") == b"old" and not glob.glob("large.model.*"), "memory is short, and files have changed")
 
 
 def main():
@@ -232,9 +254,11 @@ def main():
             with concurrent.futures.ThreadPoolExecutor(2) as pool:
                 done = list(pool.map(lambda compared: compare(*compared), list(comparisons()) + faults()))
             print(len(done), "comparisons", flush=True)
-            check_killing(3, *write("large.csv", rows(100000, 11, digit)))
+            check_killing(4, *write("large.csv", rows(100000, 11, digit)))
         else:
-            check_killing(int(sys.argv[3]), os.path.join(sources, sys.argv[4]))
+            table = os.path.join(sources, sys.argv[4])
+            check_killing(int(sys.argv[3]), table)
+            check_memory(table)
         os.chdir(sources)
     sys.exit(1 if failures else 0)
 
