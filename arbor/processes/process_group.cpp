@@ -21,19 +21,24 @@ constexpr std::size_t most_at_once = std::size_t{1} << 30U;
 constexpr int failure = 2;
 
 // Most implementations of MPI keep a processor busy while they wait. Other processes may need it,
-// and the processor time would no longer say what work was done.
+// and the processor time would no longer say what work was done. The pauses grow with the time that
+// has passed, so that they make no wait longer by more than a small part.
 void wait_for(MPI_Request& request) {
+  using namespace std::chrono;
   constexpr unsigned int hopeful_tries = 64;
-  constexpr std::chrono::microseconds first_pause{20};
-  constexpr std::chrono::microseconds longest_pause{1000};
-  std::chrono::microseconds pause = first_pause;
+  constexpr int part_of_wait = 16;
+  constexpr steady_clock::duration shortest_pause = microseconds(20);
+  constexpr steady_clock::duration longest_pause = milliseconds(5);
+  steady_clock::time_point begin;
   for (unsigned int tries = 0;; ++tries) {
     int done = 0;
     MPI_Test(&request, &done, MPI_STATUS_IGNORE);
     if (done != 0) return;
     if (tries < hopeful_tries) continue;
-    std::this_thread::sleep_for(pause);
-    pause = std::min(2 * pause, longest_pause);
+    const steady_clock::time_point now = steady_clock::now();
+    if (tries == hopeful_tries) begin = now;
+    std::this_thread::sleep_for(
+        std::clamp((now - begin) / part_of_wait, shortest_pause, longest_pause));
   }
 }
 
@@ -148,14 +153,14 @@ void process_group::count_combined(std::size_t bytes) {
   counted.sent(2 * (bytes - bytes / all), 2 * (all - 1ULL));
 }
 
-void process_group::add_up_at(std::vector<std::uint32_t>& values, unsigned int owner) {
-  in_parts(values.size(), [&](std::size_t first, int count) {
-    std::uint32_t* const part = values.data() + first;
+void process_group::add_up_at(std::uint32_t* values, std::size_t count, unsigned int owner) {
+  in_parts(count, [&](std::size_t first, int some) {
+    std::uint32_t* const part = values + first;
     const void* const source = own_rank == owner ? MPI_IN_PLACE : part;
-    MPI_Ireduce(source, part, count, MPI_UINT32_T, MPI_SUM, rank_number(owner), MPI_COMM_WORLD,
+    MPI_Ireduce(source, part, some, MPI_UINT32_T, MPI_SUM, rank_number(owner), MPI_COMM_WORLD,
                 pending->add());
   });
-  if (own_rank != owner) counted.sent(values.size() * sizeof values.front());
+  if (own_rank != owner) counted.sent(count * sizeof *values);
 }
 
 void process_group::settle() {

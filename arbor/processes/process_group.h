@@ -68,9 +68,9 @@ class process_group : private strata::util::nocopy {
   void take_least(std::vector<std::uint32_t>& values);
   void take_greatest(std::vector<std::uint32_t>& values);
 
-  // Makes each of the values the sum of those of all processes in the process `owner`. Elsewhere
+  // Makes each of `count` values the sum of those of all processes in the process `owner`. Elsewhere
   // they lose their meaning. It is done when settle() returns.
-  void add_up_at(std::vector<std::uint32_t>& values, unsigned int owner);
+  void add_up_at(std::uint32_t* values, std::size_t count, unsigned int owner);
 
   // Passes values from process to process, in each of which `use()` changes them in their turn, and
   // makes those of all processes what the last one leaves: so float sums are formed in the order of
@@ -86,12 +86,20 @@ class process_group : private strata::util::nocopy {
   // -- From one process to another, both of which know how many there are --
 
   template <class T>
-  void send(const std::vector<T>& values, unsigned int to);
+  void send(const T* values, std::size_t count, unsigned int to);
   template <class T>
-  void receive(std::vector<T>& values, unsigned int from);
+  void receive(T* values, std::size_t count, unsigned int from);
   // Sends without waiting for the receiver. It is done when settle() returns.
   template <class T>
-  void send_later(const std::vector<T>& values, unsigned int to);
+  void send_later(const T* values, std::size_t count, unsigned int to);
+  template <class T>
+  void send(const std::vector<T>& values, unsigned int to) {
+    send(values.data(), values.size(), to);
+  }
+  template <class T>
+  void receive(std::vector<T>& values, unsigned int from) {
+    receive(values.data(), values.size(), from);
+  }
 
   // Waits until all is done that was begun. Until then the values must stay as they are, at their
   // place.
@@ -181,21 +189,21 @@ void process_group::add_in_order(std::vector<T>& sums, bool exact, Add add) {
 }
 
 template <class T>
-void process_group::send(const std::vector<T>& values, unsigned int to) {
+void process_group::send(const T* values, std::size_t count, unsigned int to) {
   static_assert(std::is_trivially_copyable_v<T>, "its bytes are sent");
-  send_bytes(values.data(), values.size() * sizeof(T), to);
+  send_bytes(values, count * sizeof(T), to);
 }
 
 template <class T>
-void process_group::receive(std::vector<T>& values, unsigned int from) {
+void process_group::receive(T* values, std::size_t count, unsigned int from) {
   static_assert(std::is_trivially_copyable_v<T>, "its bytes are sent");
-  receive_bytes(values.data(), values.size() * sizeof(T), from);
+  receive_bytes(values, count * sizeof(T), from);
 }
 
 template <class T>
-void process_group::send_later(const std::vector<T>& values, unsigned int to) {
+void process_group::send_later(const T* values, std::size_t count, unsigned int to) {
   static_assert(std::is_trivially_copyable_v<T>, "its bytes are sent");
-  send_bytes_later(values.data(), values.size() * sizeof(T), to);
+  send_bytes_later(values, count * sizeof(T), to);
 }
 
 }  // namespace arbor::tree

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/measure/class_table.h"
@@ -10,7 +11,7 @@ namespace arbor::tree {
 
 namespace {
 
-constexpr std::size_t most_numbers = std::size_t{1} << 24U;  // on their way at a time: 64 MiB
+constexpr std::size_t most_cells = std::size_t{1} << 24U;  // on their way at a time: 64 MiB
 
 void add_cases(impls::class_counts& table, const impls::column& attribute,
                const impls::column& classes, const impls::w_sequence& cases) {
@@ -39,36 +40,43 @@ template <class Table>
 class owned_tables {
  public:
   owned_tables(process_group& of_processes, const shared_cases& rated)
-      : group(of_processes),
-        node(rated),
-        classes(rated.rows->class_column()),
-        numbers(group.size()) {}
+      : group(of_processes), node(rated), classes(rated.rows->class_column()) {}
 
   using place = std::vector<shared_attribute>::const_iterator;
 
-  // Makes empty tables of the next attributes. Returns the first one that finds no room.
+  // Makes empty tables of the next attributes. Returns the first one that finds no room. Each goes
+  // to the process that has the fewest cells so far.
   place take(place next, place end) {
     tables.clear();
-    std::vector<std::size_t> sizes(group.size(), 0);
+    std::vector<std::size_t> cells(group.size(), 0);
     std::size_t all = 0;
     for (; next != end; ++next) {
-      const std::size_t size = Table::number_count(next->range, classes.get_distinct());
-      if (all > 0 && all + size > most_numbers) break;
-      const auto least = std::min_element(sizes.begin(), sizes.end());
-      tables.push_back({&*next, static_cast<unsigned int>(least - sizes.begin()), *least});
+      const std::size_t size = Table::cell_count(next->range, classes.get_distinct());
+      if (all > 0 && all + size > most_cells) break;
+      const auto least = std::min_element(cells.begin(), cells.end());
+      tables.push_back({&*next, static_cast<unsigned int>(least - cells.begin()), size,
+                        std::make_unique<Table>(next->range, classes.get_distinct())});
       *least += size;
       all += size;
     }
-    for (unsigned int owner = 0; owner < group.size(); ++owner)
-      numbers[owner].assign(sizes[owner], 0);
     return next;
   }
 
-  // Counts are exact in any order; while those of one owner are on their way, the next are counted.
+  // Counts are exact in any order; while those of one attribute are on their way, the next are
+  // counted.
   void count() {
-    for (unsigned int owner = 0; owner < group.size(); ++owner) {
-      for (std::size_t i = 0; i < node.sequences.size(); ++i) add_own_cases(owner, i);
-      group.add_up_at(numbers[owner], owner);
+    std::vector<std::uint32_t> rests;
+    for (owned_table& owned : tables) {
+      for (const auto& sequence : node.sequences) add(owned, *sequence);
+      rests.resize(rests.size() + owned.table->rest_count());
+      owned.table->put_rest(rests.data() + rests.size() - owned.table->rest_count());
+      group.add_up_at(owned.table->all_cells(), owned.cells, owned.owner);
+    }
+    group.add_up(rests);
+    const std::uint32_t* rest = rests.data();
+    for (owned_table& owned : tables) {
+      owned.table->take_rest(rest);
+      rest += owned.table->rest_count();
     }
     group.settle();
   }
@@ -80,35 +88,35 @@ class owned_tables {
     const unsigned int last = group.size() - 1;
     for (std::size_t i = 0; i < node.sequences.size(); ++i) {
       const bool is_end = i + 1 == node.sequences.size();
-      for (unsigned int owner = 0; owner < group.size(); ++owner) {
+      for (owned_table& owned : tables) {
         if (!group.is_first()) {
-          group.receive(numbers[owner], group.rank() - 1);
+          receive(owned, group.rank() - 1);
         } else if (i > 0 && last > 0) {
-          group.receive(numbers[owner], last);
+          receive(owned, last);
         }
-        add_own_cases(owner, i);
+        add(owned, *node.sequences[i]);
         if (!group.is_last()) {
-          group.send(numbers[owner], group.rank() + 1);
-        } else if (last > 0 && (owner != last || !is_end)) {
-          group.send_later(numbers[owner], is_end ? owner : 0);
+          send(owned, group.rank() + 1);
+        } else if (last > 0 && (owned.owner != last || !is_end)) {
+          send(owned, is_end ? owned.owner : 0);
         }
       }
     }
-    if (!group.is_last()) group.receive(numbers[group.rank()], last);
+    for (owned_table& owned : tables) {
+      if (owned.owner == group.rank() && !group.is_last()) receive(owned, last);
+    }
     group.settle();
   }
 
   // Rates those of this process.
-  void rate(const rated_node& known, std::vector<shared_result>& results) const {
-    for (const owned_table& owned : tables) {
+  void rate(const rated_node& known, std::vector<shared_result>& results) {
+    for (owned_table& owned : tables) {
       if (owned.owner != group.rank()) continue;
       const shared_attribute& attribute = *owned.attribute;
-      Table table(attribute.range, classes.get_distinct());
-      table.take_numbers(numbers[owned.owner].data() + owned.begin);
-      finish(table, node);
+      finish(*owned.table, node);
       results.push_back(shared_result::of(
           attribute, rate_table<typename Table::weight_type>(*attribute.column, attribute.range,
-                                                             table, node.all, known)));
+                                                             *owned.table, node.all, known)));
     }
   }
 
@@ -116,26 +124,36 @@ class owned_tables {
   struct owned_table {
     const shared_attribute* attribute;
     unsigned int owner;
-    std::size_t begin;  // of its numbers among those of the owner
+    std::size_t cells;
+    std::unique_ptr<Table> table;
+    std::vector<typename Table::weight_type> rest = {};  // on its way
   };
 
-  void add_own_cases(unsigned int owner, std::size_t sequence) {
-    const impls::w_sequence& cases = *node.sequences[sequence];
-    if (cases.empty()) return;
-    for (const owned_table& owned : tables) {
-      if (owned.owner != owner) continue;
-      Table table(owned.attribute->range, classes.get_distinct());
-      table.take_numbers(numbers[owner].data() + owned.begin);
-      add_cases(table, *owned.attribute->column, classes, cases);
-      table.put_numbers(numbers[owner].data() + owned.begin);
-    }
+  void add(owned_table& to, const impls::w_sequence& cases) const {
+    add_cases(*to.table, *to.attribute->column, classes, cases);
+  }
+
+  void receive(owned_table& owned, unsigned int from) {
+    owned.rest.resize(owned.table->rest_count());
+    group.receive(owned.table->all_cells(), owned.cells, from);
+    group.receive(owned.rest, from);
+    owned.table->take_rest(owned.rest.data());
+  }
+
+  // Only the last process goes on without waiting: then these numbers do not change until all others
+  // have received them.
+  void send(owned_table& owned, unsigned int to) {
+    owned.rest.resize(owned.table->rest_count());
+    owned.table->put_rest(owned.rest.data());
+    group.send_later(owned.table->all_cells(), owned.cells, to);
+    group.send_later(owned.rest.data(), owned.rest.size(), to);
+    if (!group.is_last()) group.settle();
   }
 
   process_group& group;
   const shared_cases& node;
   const impls::column& classes;
   std::vector<owned_table> tables;
-  std::vector<std::vector<typename Table::weight_type>> numbers;  // by owner
 };
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "arbor/tree/growing/grown_nodes.h"
 #include "arbor/tree/growing/local_node.h"
 #include "arbor/tree/growing/subtree.h"
+#include "arbor/tree/pruning.h"
 
 namespace arbor::tree {
 
@@ -84,8 +85,16 @@ class shared_growth {
     return by_process;
   }
 
-  // Moves the branches round by round, so that no process has more than a share of moved cases, and
-  // grows them. Then every process gets all nodes.
+  // Pruned already, so that less is sent: whether a test is pruned depends on what is below it alone.
+  grown_nodes grow_part(node_cases cases) const {
+    grown_nodes part = grow_from(std::make_unique<local_node>(std::move(cases), options), options);
+    if (!options.prune) return part;
+    prune(part.nodes, options.confidence);
+    return reachable_nodes(std::move(part));
+  }
+
+  // Moves the branches and grows them; then every process gets all nodes. Most often this takes a
+  // single round. It takes more if a process would have more moved cases than two shares.
   void grow_waiting() {
     const std::vector<std::vector<const waiting_branch*>> by_process = dealt_out();
     std::vector<std::size_t> next(group.size(), 0);
@@ -98,7 +107,7 @@ class shared_growth {
       std::vector<const waiting_branch*> own;
       for (unsigned int p = 0; p < group.size(); ++p) {
         std::uint64_t cases = 0;
-        while (is_left(p) && (cases == 0 || cases + by_process[p][next[p]]->cases <= share)) {
+        while (is_left(p) && (cases == 0 || cases + by_process[p][next[p]]->cases <= 2 * share)) {
           const waiting_branch* const branch = by_process[p][next[p]++];
           cases += branch->cases;
           nodes.push_back({branch->own_cases(), p});
@@ -110,8 +119,7 @@ class shared_growth {
       group.enter("subtrees");
       for (std::size_t i = 0; i < here.size(); ++i) {
         words.push_back(static_cast<std::uint32_t>(own[i]->open.node));
-        put_nodes(grow_from(std::make_unique<local_node>(std::move(here[i]), options), options),
-                  words);
+        put_nodes(grow_part(std::move(here[i])), words);
       }
     }
     group.enter("gathering the tree");

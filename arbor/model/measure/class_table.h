@@ -41,7 +41,7 @@ class class_table {
       : code_before_range(range.first - 1),
         row_count(range.second - code_before_range),
         stride(distinct_classes),
-        cells((range.second - range.first + 1ULL) * stride),
+        cells(cell_count(range, distinct_classes)),
         class_totals(stride) {}
 
   // Row i, from 1 on, belongs to the i-th code of the range. Row 0 stands for the unknown value and
@@ -57,14 +57,17 @@ class class_table {
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }
 
-  // All numbers of the table in a fixed order. A table with the numbers of another one goes on where
-  // that one ended: its cases may come in several parts, which different processes have.
-  static std::size_t number_count(const strata::util::pair<unsigned int, unsigned int>& range,
-                                  unsigned int distinct_classes) {
-    return (range.second - range.first + 2ULL) * distinct_classes + 1;
+  // The numbers of the table: its cells, row by row from that of the unknown value on, and the rest,
+  // totals and unknown weight. A table that has those of another one goes on where that one ended:
+  // its cases may come in several parts, which different processes have.
+  static std::size_t cell_count(const strata::util::pair<unsigned int, unsigned int>& range,
+                                unsigned int distinct_classes) {
+    return (range.second - range.first + 1ULL) * distinct_classes;
   }
-  void put_numbers(Weight* numbers) const;
-  void take_numbers(const Weight* numbers);
+  Weight* all_cells() { return cells.data(); }
+  std::size_t rest_count() const { return class_totals.size() + 1; }
+  void put_rest(Weight* numbers) const;
+  void take_rest(const Weight* numbers);
 
  protected:
   unsigned int code_before_range;
@@ -128,17 +131,14 @@ void with_class_table(CodeOf code_of, const column& class_column, const w_sequen
 // -- Implementation --
 
 template <class Weight>
-void class_table<Weight>::put_numbers(Weight* numbers) const {
-  numbers = std::copy_n(cells.data(), cells.size(), numbers);
-  numbers = std::copy_n(class_totals.data(), class_totals.size(), numbers);
-  *numbers = unknown;
+void class_table<Weight>::put_rest(Weight* numbers) const {
+  *std::copy_n(class_totals.data(), class_totals.size(), numbers) = unknown;
 }
 
 template <class Weight>
-void class_table<Weight>::take_numbers(const Weight* numbers) {
-  std::copy_n(numbers, cells.size(), cells.data());
-  std::copy_n(numbers + cells.size(), class_totals.size(), class_totals.data());
-  unknown = numbers[cells.size() + class_totals.size()];
+void class_table<Weight>::take_rest(const Weight* numbers) {
+  std::copy_n(numbers, class_totals.size(), class_totals.data());
+  unknown = numbers[class_totals.size()];
 }
 
 template <class CodeOf, class ClassOf>

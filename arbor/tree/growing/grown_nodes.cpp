@@ -58,15 +58,14 @@ std::string split_text(const table& training, std::size_t column, cut place,
   return threshold_text(attribute, place);
 }
 
-std::vector<tree_node> reachable_nodes(const table& training, grown_nodes grown,
-                                       const occurring_codes& occurring) {
-  training_codes codes(occurring, training.columns.size());
-  std::vector<tree_node> kept;
+}  // namespace
+
+grown_nodes reachable_nodes(grown_nodes grown) {
+  grown_nodes kept{{}, {}};
   std::vector<std::size_t> sources{0};  // by kept node: its present number
   for (std::size_t i = 0; i < sources.size(); ++i) {
-    tree_node& node = kept.emplace_back(std::move(grown.nodes[sources[i]]));
-    if (!node.is_leaf())
-      node.split.threshold = split_text(training, node.attribute, grown.cuts[sources[i]], codes);
+    tree_node& node = kept.nodes.emplace_back(std::move(grown.nodes[sources[i]]));
+    kept.cuts.push_back(grown.cuts[sources[i]]);
     const unsigned int first_child = node.first_child;
     node.first_child = static_cast<unsigned int>(sources.size());
     for (unsigned int child = 0; child < node.child_count; ++child)
@@ -74,8 +73,6 @@ std::vector<tree_node> reachable_nodes(const table& training, grown_nodes grown,
   }
   return kept;
 }
-
-}  // namespace
 
 occurring_codes codes_among(const table& training, const impls::w_sequence& cases) {
   if (cases.size() == training.cases.size()) return nullptr;
@@ -90,7 +87,14 @@ occurring_codes codes_among(const table& training, const impls::w_sequence& case
 
 decision_tree to_tree(const table& training, grown_nodes grown, const occurring_codes& occurring) {
   decision_tree tree;
-  tree.nodes = reachable_nodes(training, std::move(grown), occurring);
+  grown = reachable_nodes(std::move(grown));
+  training_codes codes(occurring, training.columns.size());
+  for (std::size_t i = 0; i < grown.nodes.size(); ++i) {
+    tree_node& node = grown.nodes[i];
+    if (!node.is_leaf())
+      node.split.threshold = split_text(training, node.attribute, grown.cuts[i], codes);
+  }
+  tree.nodes = std::move(grown.nodes);
   tree.class_column.reset(training.class_column().clone(true));
   std::vector<unsigned int> attribute_of(training.columns.size(), tree_node::no_attribute);
   for (const tree_node& node : tree.nodes) {

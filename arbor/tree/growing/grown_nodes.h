@@ -26,13 +26,16 @@ struct grown_nodes {
   void graft(std::size_t node, grown_nodes part);
 };
 
+// The nodes that can be reached from the root, renumbered breadth-first; pruning leaves others
+// behind.
+grown_nodes reachable_nodes(grown_nodes grown);
+
 // By code of a column of the table, given by its index: whether training cases have it.
 using occurring_codes = std::function<std::vector<bool>(std::size_t column)>;
 
-// Makes the tree of the nodes reachable from the root (pruning leaves others behind), renumbered
-// breadth-first, with the texts of their thresholds and the columns that some node tests. Only
-// values of training cases become thresholds, so that held-back cases do not shape the tree that
-// they evaluate. `occurring` is null if all rows are training cases; it is asked once for a column.
+// Makes the tree of the reachable nodes, with the texts of their thresholds and the columns that
+// some node tests. Only values of training cases become thresholds, so that held-back cases do not
+// shape the tree that they evaluate. `occurring` is null if all rows are training cases; it is asked once for a column.
 decision_tree to_tree(const table& training, grown_nodes grown, const occurring_codes& occurring);
 
 // The codes that occur among some cases of a table, both of which must outlive the result; null if
