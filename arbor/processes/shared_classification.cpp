@@ -97,9 +97,9 @@ classification_result classify_shared_table(process_group& group,
                                             const decision_tree& tree,
                                             const classification_options& options,
                                             std::ostream* rows) {
+  group.enter("classifying");
   if (group.size() == 1)
     return agreed(group, [&] { return classify_table(paths, tree, options, rows); });
-  group.enter("classifying");
   std::optional<csv_table> file;
   std::optional<file_classifier> classify;
   agree(group, failure_of([&] {

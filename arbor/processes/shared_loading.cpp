@@ -48,6 +48,7 @@ std::vector<char> bytes_of(const std::vector<distinct_cells>& columns) {
 // In each round every second of the processes that are left sends its cells to the one before it,
 // so that in the end the first one has all of them.
 void group_sharing::unite(std::vector<distinct_cells>& columns) {
+  group.enter("domains");
   for (unsigned int step = 1; step < group.size(); step *= 2) {
     if (group.rank() % (2 * step) == step) {
       const std::vector<char> bytes = bytes_of(columns);
@@ -75,6 +76,7 @@ void group_sharing::unite(std::vector<distinct_cells>& columns) {
 
 table load_shared_table(process_group& group, const std::vector<std::string>& paths,
                         const load_options& options) {
+  group.enter("reading");
   if (group.size() == 1) return agreed(group, [&] { return load_table(paths, options); });
   agreed(group, [&] { check_can_be_shared(paths); });
   group_sharing sharing(group);
