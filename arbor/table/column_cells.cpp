@@ -25,7 +25,7 @@ column_cells::column_cells(plain may_be_kept)
   if (keepable == plain::all && !strata::util::point_is_dot()) keepable = plain::integers;
 }
 
-column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, text_dictionary texts,
+column_cells::column_cells(const number_set& distinct_numbers, text_dictionary texts,
                            unsigned int leading_texts, bool has_unknown)
     : column_cells(plain::all) {
   dictionary = std::move(texts);
@@ -38,21 +38,21 @@ column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, te
       }
     }
   };
-  fractions = std::any_of(distinct_numbers.begin(), distinct_numbers.end(),
-                          [](plain_number number) { return !is_plain_integer(number); });
-  if (distinct_numbers.empty()) {
+  distinct_numbers.for_each(
+      [&](plain_number number) { fractions = fractions || !is_plain_integer(number); });
+  if (distinct_numbers.size() == 0) {
     kept = form::texts;
   } else if (fractions || dictionary.size() > 0) {
     kept = form::numbers;
   }
   add_texts(1, leading_texts + 1);
-  for (const plain_number number : distinct_numbers) {
+  distinct_numbers.for_each([&](plain_number number) {
     if (kept == form::integers) {
       narrow.push_back(key_of_integer(number));
     } else {
       wide.push_back(number);
     }
-  }
+  });
   add_texts(leading_texts + 1, dictionary.size() + 1);
   if (has_unknown) add_unknown();
 }

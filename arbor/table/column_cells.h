@@ -25,6 +25,7 @@
 #include "arbor/csv/unknown_texts.h"
 #include "arbor/table/cell_blocks.h"
 #include "arbor/table/key_ranks.h"
+#include "arbor/table/number_set.h"
 #include "arbor/table/plain_number.h"
 #include "arbor/table/text_dictionary.h"
 
@@ -53,7 +54,7 @@ class column_cells {
 
   // Distinct cells, each of a row: the first `leading_texts` texts, the numbers, the other texts,
   // and an unknown one if there is one.
-  column_cells(const std::vector<plain_number>& distinct_numbers, text_dictionary texts,
+  column_cells(const number_set& distinct_numbers, text_dictionary texts,
                unsigned int leading_texts, bool has_unknown);
 
   // Adds a cell of each row.

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "arbor/table/column_cells.h"
-#include "arbor/table/plain_number.h"
+#include "arbor/table/number_set.h"
 #include "arbor/table/text_dictionary.h"
 
 namespace arbor::tree {
@@ -20,7 +20,7 @@ namespace arbor::tree {
 struct distinct_cells {
   static constexpr std::uint32_t no_zero = std::numeric_limits<std::uint32_t>::max();
 
-  std::vector<plain_number> numbers;  // in ascending order
+  number_set numbers;
   // The others, and declared values, in the order in which they first occur.
   text_dictionary texts;
   // Of all rows of the part.
@@ -47,8 +47,7 @@ void add_later(distinct_cells& cells, const distinct_cells& later);
 // a row: from 1 on, first the leading texts, then the numbers and then the other texts. 0 is 0.
 std::vector<std::uint32_t> rows_in(const distinct_cells& whole, const distinct_cells& part);
 
-// Appends the cells as bytes: of each number the distance to the one before it, of each text the
-// count, the length and the characters.
+// Appends the cells as bytes: of the numbers their bits, of each text its count and characters.
 void append_bytes(const distinct_cells& cells, std::vector<char>& to);
 
 // Reads what append_bytes has written at `next`, and moves `next` behind it. Eight more bytes must
