@@ -27,33 +27,18 @@ bool is_plain_zero(plain_number number) {
   return number >= 0 && number < zeros_end;
 }
 
-// A copy of a text, after which enough can be read.
-class readable_copy {
+// The distinct entries of a column, in the order in which they first come.
+class distinct_entries {
  public:
-  cell_text of(std::string_view text) {
-    storage.assign(text);
-    storage.append(readable_after_cell, '\0');
-    return {storage.data(), text.size()};
-  }
-
- private:
-  std::string storage;
-};
-
-// Numbers the distinct entries from 1 on, in the order in which they come.
-class entry_numbers {
- public:
-  std::uint32_t number_of(plain_number entry) {
+  void add(plain_number entry) {
     std::size_t slot = first_slot(entry);
     while (const std::uint32_t number = slots[slot]) {
-      if (entries[number - 1] == entry) return number;
+      if (entries[number - 1] == entry) return;
       slot = (slot + 1) & (slots.size() - 1);
     }
     entries.push_back(entry);
-    const auto number = static_cast<std::uint32_t>(entries.size());
-    slots[slot] = number;
+    slots[slot] = static_cast<std::uint32_t>(entries.size());
     if (2 * entries.size() >= slots.size()) grow();
-    return number;
   }
 
   const std::vector<plain_number>& all() const { return entries; }
@@ -78,77 +63,62 @@ class entry_numbers {
   unsigned int slot_shift = 64 - 3;
 };
 
-void take_integers(column_cells& cells, distinct_cells& taken) {
-  for (const std::uint32_t key : rank_keys(cells.keys())) {
-    taken.numbers.add(plain_integer(integer_of(key)));
-    if (integer_of(key) == 0) taken.texts_before_zero = 0;
+number_set set_of(std::vector<plain_number> numbers) {
+  std::sort(numbers.begin(), numbers.end(), [](plain_number a, plain_number b) {
+    return number_set::place_of(a) < number_set::place_of(b);
+  });
+  number_set all;
+  for (const plain_number number : numbers) all.add(number);
+  return all;
+}
+
+void find_integers(column_cells& cells, distinct_cells& found) {
+  for (const std::uint32_t key : distinct_keys(cells.keys())) {
+    found.numbers.add(plain_integer(integer_of(key)));
+    if (integer_of(key) == 0) found.texts_before_zero = 0;
   }
 }
 
-void take_numbers(column_cells& cells, distinct_cells& taken) {
-  entry_numbers numbers;
-  cells.numbers().consume([&](const plain_number* entries, std::size_t count) {
+void find_numbers(column_cells& cells, distinct_cells& found) {
+  distinct_entries entries;
+  cells.numbers().for_each_block([&](const plain_number* of_rows, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-      cells.keys().push_back(column_cells::is_unknown(entries[i]) ? unknown_key
-                                                                  : numbers.number_of(entries[i]));
+      if (!column_cells::is_unknown(of_rows[i])) entries.add(of_rows[i]);
     }
   });
-  struct numbered_entry {
-    std::uint64_t place;  // in the order of a number_set; texts come last, by code
-    plain_number entry;
-    std::uint32_t number;
-  };
-  std::vector<numbered_entry> sorted;
-  sorted.reserve(numbers.all().size());
+  std::vector<plain_number> numbers;
   std::uint32_t texts = 0;
-  for (const plain_number entry : numbers.all()) {
-    sorted.push_back(
-        {number_set::place_of(entry), entry, static_cast<std::uint32_t>(sorted.size() + 1)});
-    if (column_cells::is_text(entry)) ++texts;
-    if (is_plain_zero(entry)) taken.texts_before_zero = std::min(taken.texts_before_zero, texts);
+  for (const plain_number entry : entries.all()) {
+    if (column_cells::is_text(entry)) {
+      ++texts;
+      continue;
+    }
+    numbers.push_back(entry);
+    if (is_plain_zero(entry)) found.texts_before_zero = std::min(found.texts_before_zero, texts);
   }
-  std::sort(sorted.begin(), sorted.end(),
-            [](const numbered_entry& a, const numbered_entry& b) { return a.place < b.place; });
-  std::vector<std::uint32_t> places(sorted.size() + 1, unknown_key);
-  for (std::size_t i = 0; i < sorted.size(); ++i) {
-    places[sorted[i].number] = static_cast<std::uint32_t>(i + 1);
-    if (!column_cells::is_text(sorted[i].entry)) taken.numbers.add(sorted[i].entry);
-  }
-  cells.recode_texts(places);
+  found.numbers = set_of(std::move(numbers));
 }
 
 // Makes numbers of the texts that are plain ones.
-void separate_numbers(column_cells& cells, distinct_cells& taken) {
-  const text_dictionary texts = std::exchange(taken.texts, {});
-  const cell_counts counts =
-      std::exchange(taken.counts, {taken.counts.known, taken.counts.unknown, {0}});
+void separate_numbers(const column_cells& cells, distinct_cells& found) {
+  const text_dictionary texts = std::exchange(found.texts, {});
+  const std::vector<std::size_t> counts = std::exchange(found.counts.texts, {});
   readable_copy copy;
-  std::vector<std::pair<plain_number, unsigned int>> numbers;  // with their codes
-  std::vector<std::uint32_t> places(texts.size() + 1ULL, unknown_key);
+  std::vector<plain_number> numbers;
   for (unsigned int code = 1; code <= texts.size(); ++code) {
     const cell_text text = copy.of(texts.view(code));
     const plain_number number = cells.number_to_keep(text);
     if (number == no_plain_number) {
-      places[code] = taken.texts.code_of(text);
-      taken.counts.texts.push_back(counts.texts[code]);
+      found.texts.code_of(text);
+      found.counts.texts.resize(found.texts.size());
+      found.counts.texts.push_back(counts[code]);
     } else {
-      numbers.emplace_back(number, code);
+      numbers.push_back(number);
       if (is_plain_zero(number))
-        taken.texts_before_zero = std::min(taken.texts_before_zero, taken.texts.size());
+        found.texts_before_zero = std::min(found.texts_before_zero, found.texts.size());
     }
   }
-  std::sort(numbers.begin(), numbers.end(), [](const auto& a, const auto& b) {
-    return number_set::place_of(a.first) < number_set::place_of(b.first);
-  });
-  for (std::uint32_t& place : places) {
-    if (place != unknown_key) place += static_cast<std::uint32_t>(numbers.size());
-  }
-  for (const auto& [number, code] : numbers) {
-    taken.numbers.add(number);
-    places[code] = static_cast<std::uint32_t>(taken.numbers.size());
-  }
-  if (taken.texts.size() == 0) taken.counts.texts.clear();
-  cells.recode_texts(places);
+  found.numbers = set_of(std::move(numbers));
 }
 
 void append_number(std::uint64_t number, std::vector<char>& to) {
@@ -206,22 +176,22 @@ std::vector<number_set::word> read_words(const char*& next) {
 
 }  // namespace
 
-distinct_cells take_distinct(column_cells& cells, bool with_numbers) {
-  distinct_cells taken;
-  taken.counts = cells.counts();
-  taken.texts = cells.take_texts();
+distinct_cells distinct_ones(column_cells& cells, bool with_numbers) {
+  distinct_cells found;
+  found.counts = cells.counts();
+  found.texts = cells.texts();
   switch (cells.kept_as()) {
     case column_cells::form::integers:
-      take_integers(cells, taken);
+      find_integers(cells, found);
       break;
     case column_cells::form::numbers:
-      take_numbers(cells, taken);
+      find_numbers(cells, found);
       break;
     case column_cells::form::texts:
-      if (with_numbers) separate_numbers(cells, taken);
+      if (with_numbers) separate_numbers(cells, found);
       break;
   }
-  return taken;
+  return found;
 }
 
 void add_later(distinct_cells& cells, const distinct_cells& later) {
@@ -238,20 +208,6 @@ void add_later(distinct_cells& cells, const distinct_cells& later) {
   }
   cells.counts.known += later.counts.known;
   cells.counts.unknown += later.counts.unknown;
-}
-
-std::vector<std::uint32_t> rows_in(const distinct_cells& whole, const distinct_cells& part) {
-  std::vector<std::uint32_t> rows{0};
-  rows.reserve(1 + part.numbers.size() + part.texts.size());
-  for (const std::uint32_t rank : whole.numbers.ranks_of(part.numbers))
-    rows.push_back(whole.leading_texts() + rank);
-  readable_copy copy;
-  const auto numbers = static_cast<std::uint32_t>(whole.numbers.size());
-  for (unsigned int code = 1; code <= part.texts.size(); ++code) {
-    const std::uint32_t text = whole.texts.find(copy.of(part.texts.view(code)));
-    rows.push_back(text <= whole.leading_texts() ? text : numbers + text);
-  }
-  return rows;
 }
 
 void append_bytes(const distinct_cells& cells, std::vector<char>& to) {

@@ -20,7 +20,7 @@ number_set::number_set(std::vector<word> in_order)
 
 // The loop has no branches that depend on the numbers: nobody could predict which side is next.
 void number_set::unite(const number_set& other) {
-  const std::vector<word> a = std::move(all);
+  const std::vector<word> a = std::exchange(all, {});
   const std::vector<word>& b = other.all;
   all.resize(a.size() + b.size());
   std::size_t i = 0;
@@ -39,24 +39,6 @@ void number_set::unite(const number_set& other) {
   end = std::copy(b.begin() + static_cast<std::ptrdiff_t>(j), b.end(), end);
   all.erase(end, all.end());
   count = bits_in(all);
-}
-
-std::vector<std::uint32_t> number_set::ranks_of(const number_set& part) const {
-  std::vector<std::uint32_t> ranks(part.count + 1);  // one more, which is written and not meant
-  std::uint32_t rank = 0;
-  std::size_t found = 0;
-  auto w = all.begin();
-  for (const word& wanted : part.all) {
-    for (; w->place != wanted.place; ++w)
-      rank += static_cast<std::uint32_t>(__builtin_popcountll(w->bits));
-    for (std::uint64_t bits = w->bits; bits != 0; bits &= bits - 1) {
-      ranks[found] = ++rank;
-      found += wanted.bits >> static_cast<unsigned int>(__builtin_ctzll(bits)) & 1U;
-    }
-    ++w;
-  }
-  ranks.pop_back();
-  return ranks;
 }
 
 }  // namespace arbor::tree

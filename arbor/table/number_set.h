@@ -47,9 +47,6 @@ class number_set {
   template <class Use>
   void for_each(Use use) const;
 
-  // How many numbers up to each number of `part`, all of which are in this set, there are.
-  std::vector<std::uint32_t> ranks_of(const number_set& part) const;
-
  private:
   static constexpr std::uint64_t highest_bit = 1ULL << 63U;
 
