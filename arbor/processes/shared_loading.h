@@ -19,10 +19,12 @@ namespace arbor::tree {
 // of the whole table: domains, remarks and the total weight.
 //
 // All processes find the files under the same paths. Standard input and pipes are refused if there
-// are several processes. A process may have up to 4294967295 rows.
+// are several processes. The rows of a process and the values of a column may be up to 4294967295
+// together.
 //
-// A domain has to fit into each process: it has that of each column, and the distinct cells of
-// about 16 million cells, or of 4 columns, two times while it gets them from the others.
+// Each process has the domains of all columns: they have to fit into its memory, and so do the
+// distinct cells of 4 columns or, if that is more, of so many columns that they have 16 million
+// cells in the whole table.
 //
 // Throws agreed_failure, and std::bad_alloc when memory gets short while processes wait for this
 // one.

@@ -34,6 +34,21 @@ class cell_blocks {
   // Adds the first `count` entries of the room, which have been written there.
   void add_written(std::size_t count) { next += count; }
 
+  // Adds converted(entry) for each entry of another sequence, which ends up empty.
+  template <class Other, class Convert>
+  void take_converted(cell_blocks<Other>& other, Convert converted) {
+    other.consume([&](const Other* first, std::size_t count) {
+      while (count > 0) {
+        const room free = next_room();
+        const std::size_t part = std::min(count, free.count);
+        std::transform(first, first + part, free.first, converted);
+        add_written(part);
+        first += part;
+        count -= part;
+      }
+    });
+  }
+
   std::size_t size() const { return capacity - static_cast<std::size_t>(end - next); }
 
   // Calls use(first, count) for each block in turn.

@@ -4,6 +4,7 @@
 #include <numeric>
 #include <utility>
 
+#include "arbor/table/distinct_cells.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {
@@ -25,10 +26,22 @@ column_cells::column_cells(plain may_be_kept)
   if (keepable == plain::all && !strata::util::point_is_dot()) keepable = plain::integers;
 }
 
-column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, text_dictionary texts,
-                           unsigned int leading_texts, bool has_unknown)
-    : column_cells(plain::all) {
-  dictionary = std::move(texts);
+column_cells::column_cells(distinct_cells whole, column_cells part)
+    : kept(form::integers), keepable(part.keepable) {
+  dictionary = std::move(whole.texts);
+  add_distinct(whole);
+  add_part(part);
+}
+
+// All but the texts, which are in the dictionary.
+void column_cells::add_distinct(const distinct_cells& whole) {
+  whole.numbers.for_each(
+      [&](plain_number number) { fractions = fractions || !is_plain_integer(number); });
+  if (whole.numbers.size() == 0) {
+    kept = form::texts;
+  } else if (fractions || dictionary.size() > 0) {
+    kept = form::numbers;
+  }
   const auto add_texts = [&](unsigned int first, unsigned int end) {
     for (unsigned int code = first; code < end; ++code) {
       if (kept == form::texts) {
@@ -38,23 +51,44 @@ column_cells::column_cells(const std::vector<plain_number>& distinct_numbers, te
       }
     }
   };
-  fractions = std::any_of(distinct_numbers.begin(), distinct_numbers.end(),
-                          [](plain_number number) { return !is_plain_integer(number); });
-  if (distinct_numbers.empty()) {
-    kept = form::texts;
-  } else if (fractions || dictionary.size() > 0) {
-    kept = form::numbers;
-  }
-  add_texts(1, leading_texts + 1);
-  for (const plain_number number : distinct_numbers) {
+  const unsigned int leading =
+      whole.texts_before_zero == distinct_cells::no_zero ? 0 : whole.texts_before_zero;
+  add_texts(1, leading + 1);
+  whole.numbers.for_each([&](plain_number number) {
     if (kept == form::integers) {
       narrow.push_back(key_of_integer(number));
     } else {
       wide.push_back(number);
     }
+  });
+  add_texts(leading + 1, dictionary.size() + 1);
+  if (whole.counts.unknown > 0) add_unknown();
+}
+
+// Texts of the part that are not in the dictionary are plain numbers in other parts.
+void column_cells::add_part(column_cells& part) {
+  std::vector<plain_number> entries{no_plain_number};  // by its codes
+  readable_copy copy;
+  for (unsigned int code = 1; code <= part.dictionary.size(); ++code) {
+    const cell_text text = copy.of(part.dictionary.view(code));
+    const unsigned int own_code = dictionary.find(text);
+    entries.push_back(own_code != 0 ? text_entry(own_code) : part.number_to_keep(text));
   }
-  add_texts(leading_texts + 1, dictionary.size() + 1);
-  if (has_unknown) add_unknown();
+  unknown += part.unknown;
+  if (kept == form::numbers) part.keep_as_numbers();
+  if (kept == form::numbers) {
+    wide.take_converted(part.narrow, [&](std::uint32_t code) { return entries[code]; });
+    wide.take_converted(part.wide, [&](plain_number entry) {
+      return is_text(entry) ? entries[text_code(entry)] : entry;
+    });
+  } else if (kept == form::texts) {
+    std::vector<std::uint32_t> codes{unknown_key};
+    for (std::size_t code = 1; code < entries.size(); ++code)
+      codes.push_back(text_code(entries[code]));
+    narrow.take_converted(part.narrow, [&](std::uint32_t code) { return codes[code]; });
+  } else {
+    narrow.take_converted(part.narrow, [](std::uint32_t key) { return key; });
+  }
 }
 
 void column_cells::add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns) {

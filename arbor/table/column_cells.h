@@ -18,7 +18,6 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "arbor/csv/csv_block.h"
@@ -29,6 +28,8 @@
 #include "arbor/table/text_dictionary.h"
 
 namespace arbor::tree {
+
+struct distinct_cells;
 
 // How many cells of a column there are.
 struct cell_counts {
@@ -51,10 +52,9 @@ class column_cells {
 
   explicit column_cells(plain may_be_kept);
 
-  // Distinct cells, each of a row: the first `leading_texts` texts, the numbers, the other texts,
-  // and an unknown one if there is one.
-  column_cells(const std::vector<plain_number>& distinct_numbers, text_dictionary texts,
-               unsigned int leading_texts, bool has_unknown);
+  // Each distinct cell of a table as a row, and then the rows of a part of the table. The first zero
+  // of the table comes first: before the numbers are the texts that it has before a zero.
+  column_cells(distinct_cells whole, column_cells part);
 
   // Adds a cell of each row.
   void add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
@@ -66,9 +66,9 @@ class column_cells {
   form kept_as() const { return kept; }
   // The dictionary: all texts, or those that are not kept as numbers.
   const text_dictionary& texts() const { return dictionary; }
-  text_dictionary take_texts() { return std::exchange(dictionary, {}); }
   cell_counts counts();
   std::size_t unknown_cells() const { return unknown; }
+  std::size_t rows() const { return narrow.size() + wide.size(); }
   bool has_known() const { return narrow.size() + wide.size() > unknown; }
   // Whether some of the plain numbers are not integers of 32 bits.
   bool has_fractions() const { return fractions; }
@@ -109,6 +109,8 @@ class column_cells {
                           const unknown_texts& unknowns);
   void add_unknown();
   void add_text(cell_text text);
+  void add_distinct(const distinct_cells& whole);
+  void add_part(column_cells& part);
 
   form kept;
   plain keepable;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -121,76 +122,44 @@ bool column_loader::has_numbers() const {
          (cells.kept_as() == column_cells::form::integers && cells.has_known());
 }
 
-distinct_cells column_loader::share(bool with_numbers) {
-  shared = std::make_unique<shared_cells>();
-  shared->own = take_distinct(cells, with_numbers);
-  shared->places = std::exchange(cells.keys(), {});
-  return shared->own;
-}
-
-void column_loader::take_all(distinct_cells all) {
-  shared->all_rows = rows_in(all, shared->own);
-  shared->own = {};
-  shared->counts = std::move(all.counts);
-  cells = column_cells(all.numbers, std::move(all.texts), all.leading_texts(),
-                       shared->counts.unknown > 0);
+void column_loader::take_whole(distinct_cells whole) {
+  distinct_rows = whole.rows();
+  whole_counts = std::make_unique<cell_counts>(whole.counts);
+  cells =
+      column_cells(std::move(whole), std::exchange(cells, column_cells(column_cells::plain::none)));
 }
 
 void column_loader::make_column() {
-  const cell_counts counts = shared ? std::exchange(shared->counts, {}) : cells.counts();
+  if (cells.rows() > std::numeric_limits<unsigned int>::max()) {
+    throw std::runtime_error(
+        "its distinct values and the rows of a process are more than 4294967295 together");
+  }
   if (chosen.data_type.empty()) {
-    survey = surveyed(cells, counts, chosen.numbers);
+    survey = surveyed(cells, whole_counts ? *whole_counts : cells.counts(), chosen.numbers);
   } else if (chosen.data_type != "string") {
     survey.text_numbers = usual_numbers(cells, chosen.numbers);
   }
   if (chosen.data_type == "decimal") survey.scale = scale_of_decimals();
   find_near_numbers();
   if (chosen.data_type.empty() && survey.data_type == "float")
-    rounded_numbers =
-        shared ? rounded_cells_of_rows() : tree::rounded_cells(cells, survey.text_numbers);
+    rounded_numbers = tree::rounded_cells(cells, survey.text_numbers, distinct_rows);
   std::unique_ptr<impls::o_set> domain = make_domain();
   std::string error;
   made.reset(impls::column::NEW_COLUMN(domain.get(), chosen.name, kind(), error));
   if (made == nullptr) throw std::runtime_error(error + advice());
   domain.release();  // the column has adopted it
-  known_cells = counts.known;
-  append_codes();
+  const std::size_t rows = cells.keys().size();
+  known_cells = whole_counts ? whole_counts->known : rows - cells.unknown_cells();
+  made->reserve(static_cast<unsigned int>(rows - distinct_rows));
+  std::size_t skipped = distinct_rows;
+  cells.keys().consume([&](const std::uint32_t* codes, std::size_t count) {
+    const std::size_t first = std::min(count, skipped);
+    skipped -= first;
+    made->append_codes(codes + first, static_cast<unsigned int>(count - first));
+  });
   cells = column_cells(column_cells::plain::none);
-  shared.reset();
+  whole_counts.reset();
   survey.text_numbers = {};
-}
-
-std::size_t column_loader::rounded_cells_of_rows() {
-  const std::vector<bool> rounded = rounded_rows(cells, survey.text_numbers);
-  std::size_t count = 0;
-  shared->places.for_each_block([&](const std::uint32_t* places, std::size_t rows) {
-    for (std::size_t i = 0; i < rows; ++i) {
-      if (places[i] != 0 && rounded[shared->all_rows[places[i]] - 1]) ++count;
-    }
-  });
-  return count;
-}
-
-void column_loader::append_codes() {
-  const auto append = [&](const std::uint32_t* codes, std::size_t count) {
-    made->append_codes(codes, static_cast<unsigned int>(count));
-  };
-  if (!shared) {
-    made->reserve(static_cast<unsigned int>(cells.keys().size()));
-    return cells.keys().consume(append);
-  }
-  std::vector<std::uint32_t> codes{0};  // by row of the distinct cells, from 1
-  codes.reserve(cells.keys().size() + 1);
-  cells.keys().consume([&](const std::uint32_t* first, std::size_t count) {
-    codes.insert(codes.end(), first, first + count);
-  });
-  std::vector<std::uint32_t>& of_places = shared->all_rows;
-  for (std::uint32_t& row : of_places) row = codes[row];
-  made->reserve(static_cast<unsigned int>(shared->places.size()));
-  shared->places.consume([&](std::uint32_t* places, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) places[i] = of_places[places[i]];
-    append(places, count);
-  });
 }
 
 std::unique_ptr<decimal_scale> column_loader::scale_of_decimals() {

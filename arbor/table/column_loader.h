@@ -56,11 +56,12 @@ class column_loader {
   // Whether plain numbers are kept as such.
   bool has_numbers() const;
 
-  // When these rows are a part of the table's, both functions are called before make_column. The
-  // distinct cells of these rows, see take_distinct in distinct_cells.h; and then those of all
-  // rows, which determine the column.
-  distinct_cells share(bool with_numbers);
-  void take_all(distinct_cells of_all_rows);
+  // The distinct cells of these rows, see distinct_cells.h.
+  distinct_cells distinct(bool with_numbers) { return distinct_ones(cells, with_numbers); }
+
+  // These rows are a part of a table with these distinct cells, which determine the column that
+  // make_column makes.
+  void take_whole(distinct_cells whole);
 
   // Makes the column, and frees the cells. If NEW_COLUMN refuses, throws std::runtime_error with
   // its message and what would be accepted.
@@ -84,8 +85,6 @@ class column_loader {
   void add_declared_values();
   bool take_text(unsigned int code) const;
   std::uint64_t identity_of(const char* number) const;
-  std::size_t rounded_cells_of_rows();
-  void append_codes();
   void find_near_numbers();
   std::unique_ptr<decimal_scale> scale_of_decimals();
   std::unique_ptr<impls::o_set> new_domain(const std::string& null_text) const;
@@ -94,17 +93,12 @@ class column_loader {
   std::string advice() const;
   std::vector<table_remark> remarks_on_values() const;
 
-  // Of a column whose rows are a part of the table's.
-  struct shared_cells {
-    distinct_cells own;                   // until those of all rows are known
-    cell_blocks<std::uint32_t> places;    // of the rows' cells among these
-    std::vector<std::uint32_t> all_rows;  // by place, the row of the same cell in `cells`, from 1
-    cell_counts counts;                   // of all rows
-  };
-
   settings chosen;
-  column_cells cells;  // of the rows; of a part of the rows in the end the distinct ones of all
-  std::unique_ptr<shared_cells> shared;
+  column_cells cells;
+  // If the rows are a part of a table: how many cells before theirs are the distinct ones of the
+  // table, and how many cells it has.
+  std::size_t distinct_rows = 0;
+  std::unique_ptr<cell_counts> whole_counts;
   column_survey survey;  // of a chosen data type only this and the numbers of texts are set
   std::unique_ptr<impls::column> made;
   std::size_t known_cells = 0;

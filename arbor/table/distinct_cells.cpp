@@ -1,15 +1,15 @@
-// bytes of distinct cells: known | unknown | texts before zero + 1 or 0 | numbers | each number less
-// the one before it, rotated to the right by five bits | texts | for each text: count | length |
-// characters
+// bytes of distinct cells: known | unknown | texts before zero + 1 or 0 | words of numbers | for each
+// word: place | bits | texts | for each text: count | length | characters
+// place: less that of the word before, rotated to the right by five bits
+// bits: 0 to 7 | number of each, or 8 | eight bytes
 //
-// All but the characters are in groups of seven bits, the lowest first. All groups but the last one
-// have the highest bit set. The rotation removes the five bits that say how many decimals there are,
-// which is the same for most numbers of a column: integers that are close together take a byte.
+// All but characters and the eight bytes are in groups of seven bits, the lowest first. All groups
+// but the last one have the highest bit set. The rotation removes the five bits that say how many
+// decimals there are, which is the same for most numbers of a column.
 
 #include "arbor/table/distinct_cells.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,33 +27,18 @@ bool is_plain_zero(plain_number number) {
   return number >= 0 && number < zeros_end;
 }
 
-// A copy of a text, after which enough can be read.
-class readable_copy {
+// The distinct entries of a column, in the order in which they first come.
+class distinct_entries {
  public:
-  cell_text of(std::string_view text) {
-    storage.assign(text);
-    storage.append(readable_after_cell, '\0');
-    return {storage.data(), text.size()};
-  }
-
- private:
-  std::string storage;
-};
-
-// Numbers the distinct entries from 1 on, in the order in which they come.
-class entry_numbers {
- public:
-  std::uint32_t number_of(plain_number entry) {
+  void add(plain_number entry) {
     std::size_t slot = first_slot(entry);
     while (const std::uint32_t number = slots[slot]) {
-      if (entries[number - 1] == entry) return number;
+      if (entries[number - 1] == entry) return;
       slot = (slot + 1) & (slots.size() - 1);
     }
     entries.push_back(entry);
-    const auto number = static_cast<std::uint32_t>(entries.size());
-    slots[slot] = number;
+    slots[slot] = static_cast<std::uint32_t>(entries.size());
     if (2 * entries.size() >= slots.size()) grow();
-    return number;
   }
 
   const std::vector<plain_number>& all() const { return entries; }
@@ -78,96 +63,62 @@ class entry_numbers {
   unsigned int slot_shift = 64 - 3;
 };
 
-void take_integers(column_cells& cells, distinct_cells& taken) {
-  for (const std::uint32_t key : rank_keys(cells.keys()))
-    taken.numbers.push_back(plain_integer(integer_of(key)));
-  if (std::binary_search(taken.numbers.begin(), taken.numbers.end(), plain_number{0}))
-    taken.texts_before_zero = 0;
+number_set set_of(std::vector<plain_number> numbers) {
+  std::sort(numbers.begin(), numbers.end(), [](plain_number a, plain_number b) {
+    return number_set::place_of(a) < number_set::place_of(b);
+  });
+  number_set all;
+  for (const plain_number number : numbers) all.add(number);
+  return all;
 }
 
-void take_numbers(column_cells& cells, distinct_cells& taken) {
-  entry_numbers numbers;
-  cells.numbers().consume([&](const plain_number* entries, std::size_t count) {
+void find_integers(column_cells& cells, distinct_cells& found) {
+  for (const std::uint32_t key : distinct_keys(cells.keys())) {
+    found.numbers.add(plain_integer(integer_of(key)));
+    if (integer_of(key) == 0) found.texts_before_zero = 0;
+  }
+}
+
+void find_numbers(column_cells& cells, distinct_cells& found) {
+  distinct_entries entries;
+  cells.numbers().for_each_block([&](const plain_number* of_rows, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-      cells.keys().push_back(column_cells::is_unknown(entries[i]) ? unknown_key
-                                                                  : numbers.number_of(entries[i]));
+      if (!column_cells::is_unknown(of_rows[i])) entries.add(of_rows[i]);
     }
   });
-  struct numbered_entry {
-    plain_number entry;
-    std::uint32_t number;
-  };
-  std::vector<numbered_entry> sorted;
-  sorted.reserve(numbers.all().size());
+  std::vector<plain_number> numbers;
   std::uint32_t texts = 0;
-  for (const plain_number entry : numbers.all()) {
-    sorted.push_back({entry, static_cast<std::uint32_t>(sorted.size() + 1)});
-    if (column_cells::is_text(entry)) ++texts;
-    if (is_plain_zero(entry)) taken.texts_before_zero = std::min(taken.texts_before_zero, texts);
+  for (const plain_number entry : entries.all()) {
+    if (column_cells::is_text(entry)) {
+      ++texts;
+      continue;
+    }
+    numbers.push_back(entry);
+    if (is_plain_zero(entry)) found.texts_before_zero = std::min(found.texts_before_zero, texts);
   }
-  // Texts come last, in the order of their codes.
-  std::sort(sorted.begin(), sorted.end(),
-            [](const numbered_entry& a, const numbered_entry& b) { return a.entry < b.entry; });
-  std::vector<std::uint32_t> places(sorted.size() + 1, unknown_key);
-  taken.numbers.reserve(sorted.size() - texts);
-  for (std::size_t i = 0; i < sorted.size(); ++i) {
-    places[sorted[i].number] = static_cast<std::uint32_t>(i + 1);
-    if (!column_cells::is_text(sorted[i].entry)) taken.numbers.push_back(sorted[i].entry);
-  }
-  cells.recode_texts(places);
+  found.numbers = set_of(std::move(numbers));
 }
 
 // Makes numbers of the texts that are plain ones.
-void separate_numbers(column_cells& cells, distinct_cells& taken) {
-  const text_dictionary texts = std::exchange(taken.texts, {});
-  const cell_counts counts =
-      std::exchange(taken.counts, {taken.counts.known, taken.counts.unknown, {0}});
+void separate_numbers(const column_cells& cells, distinct_cells& found) {
+  const text_dictionary texts = std::exchange(found.texts, {});
+  const std::vector<std::size_t> counts = std::exchange(found.counts.texts, {});
   readable_copy copy;
-  std::vector<std::pair<plain_number, unsigned int>> numbers;
-  std::vector<std::uint32_t> places(texts.size() + 1ULL, unknown_key);
+  std::vector<plain_number> numbers;
   for (unsigned int code = 1; code <= texts.size(); ++code) {
     const cell_text text = copy.of(texts.view(code));
     const plain_number number = cells.number_to_keep(text);
     if (number == no_plain_number) {
-      places[code] = taken.texts.code_of(text);
-      taken.counts.texts.push_back(counts.texts[code]);
+      found.texts.code_of(text);
+      found.counts.texts.resize(found.texts.size());
+      found.counts.texts.push_back(counts[code]);
     } else {
-      numbers.emplace_back(number, code);
+      numbers.push_back(number);
       if (is_plain_zero(number))
-        taken.texts_before_zero = std::min(taken.texts_before_zero, taken.texts.size());
+        found.texts_before_zero = std::min(found.texts_before_zero, found.texts.size());
     }
   }
-  std::sort(numbers.begin(), numbers.end());
-  for (std::uint32_t& place : places) {
-    if (place != unknown_key) place += static_cast<std::uint32_t>(numbers.size());
-  }
-  for (const auto& [number, code] : numbers) {
-    taken.numbers.push_back(number);
-    places[code] = static_cast<std::uint32_t>(taken.numbers.size());
-  }
-  if (taken.texts.size() == 0) taken.counts.texts.clear();
-  cells.recode_texts(places);
-}
-
-// The loop has no branches that depend on the numbers: nobody could predict which side is next.
-std::vector<plain_number> united(const std::vector<plain_number>& a,
-                                 const std::vector<plain_number>& b) {
-  std::vector<plain_number> all(a.size() + b.size());
-  std::size_t i = 0;
-  std::size_t j = 0;
-  std::size_t count = 0;
-  while (i < a.size() && j < b.size()) {
-    const plain_number of_a = a[i];
-    const plain_number of_b = b[j];
-    all[count++] = std::min(of_a, of_b);
-    i += of_a <= of_b ? 1 : 0;
-    j += of_b <= of_a ? 1 : 0;
-  }
-  auto end = all.begin() + static_cast<std::ptrdiff_t>(count);
-  end = std::copy(a.begin() + static_cast<std::ptrdiff_t>(i), a.end(), end);
-  end = std::copy(b.begin() + static_cast<std::ptrdiff_t>(j), b.end(), end);
-  all.erase(end, all.end());
-  return all;
+  found.numbers = set_of(std::move(numbers));
 }
 
 void append_number(std::uint64_t number, std::vector<char>& to) {
@@ -184,28 +135,67 @@ std::uint64_t read_number(const char*& next) {
   }
 }
 
+// Of more bits than these all are written, and their number otherwise.
+constexpr std::uint64_t few_bits = 8;
+
+void append_words(const std::vector<number_set::word>& words, std::vector<char>& to) {
+  append_number(words.size(), to);
+  std::uint64_t last = 0;
+  for (const number_set::word& word : words) {
+    const std::uint64_t distance = word.place - std::exchange(last, word.place);
+    append_number(distance >> 5U | distance << 59U, to);
+    const auto count = static_cast<std::uint64_t>(__builtin_popcountll(word.bits));
+    append_number(std::min(count, few_bits), to);
+    if (count < few_bits) {
+      for (std::uint64_t bits = word.bits; bits != 0; bits &= bits - 1)
+        append_number(static_cast<std::uint64_t>(__builtin_ctzll(bits)), to);
+    } else {
+      const auto* const first = reinterpret_cast<const char*>(&word.bits);
+      to.insert(to.end(), first, first + sizeof word.bits);
+    }
+  }
+}
+
+std::vector<number_set::word> read_words(const char*& next) {
+  std::vector<number_set::word> words(read_number(next));
+  std::uint64_t last = 0;
+  for (number_set::word& word : words) {
+    const std::uint64_t rotated = read_number(next);
+    last += rotated << 5U | rotated >> 59U;
+    word = {last, 0};
+    std::uint64_t count = read_number(next);
+    if (count == few_bits) {
+      word.bits = eight_characters(next);
+      next += sizeof word.bits;
+      continue;
+    }
+    for (; count > 0; --count) word.bits |= 1ULL << read_number(next);
+  }
+  return words;
+}
+
 }  // namespace
 
-distinct_cells take_distinct(column_cells& cells, bool with_numbers) {
-  distinct_cells taken;
-  taken.counts = cells.counts();
-  taken.texts = cells.take_texts();
+distinct_cells distinct_ones(column_cells& cells, bool with_numbers) {
+  distinct_cells found;
+  found.counts = cells.counts();
+  found.texts = cells.texts();
   switch (cells.kept_as()) {
     case column_cells::form::integers:
-      take_integers(cells, taken);
+      find_integers(cells, found);
       break;
     case column_cells::form::numbers:
-      take_numbers(cells, taken);
+      find_numbers(cells, found);
       break;
     case column_cells::form::texts:
-      if (with_numbers) separate_numbers(cells, taken);
+      if (with_numbers) separate_numbers(cells, found);
       break;
   }
-  return taken;
+  return found;
 }
 
 void add_later(distinct_cells& cells, const distinct_cells& later) {
-  cells.numbers = united(cells.numbers, later.numbers);
+  cells.numbers.unite(later.numbers);
 
   const bool has_zero = cells.texts_before_zero != distinct_cells::no_zero;
   readable_copy copy;
@@ -220,35 +210,11 @@ void add_later(distinct_cells& cells, const distinct_cells& later) {
   cells.counts.unknown += later.counts.unknown;
 }
 
-std::vector<std::uint32_t> rows_in(const distinct_cells& whole, const distinct_cells& part) {
-  std::vector<std::uint32_t> rows(part.numbers.size() + 1);
-  std::uint32_t row = whole.leading_texts();
-  std::size_t place = 1;  // of the next number of the part, which gets each row up to its own
-  for (auto number = whole.numbers.begin(); place < rows.size(); ++number) {
-    rows[place] = ++row;
-    place += part.numbers[place - 1] == *number ? 1 : 0;
-  }
-  rows.reserve(rows.size() + part.texts.size());
-  readable_copy copy;
-  const auto numbers = static_cast<std::uint32_t>(whole.numbers.size());
-  for (unsigned int code = 1; code <= part.texts.size(); ++code) {
-    const std::uint32_t text = whole.texts.find(copy.of(part.texts.view(code)));
-    rows.push_back(text <= whole.leading_texts() ? text : numbers + text);
-  }
-  return rows;
-}
-
 void append_bytes(const distinct_cells& cells, std::vector<char>& to) {
   append_number(cells.counts.known, to);
   append_number(cells.counts.unknown, to);
   append_number(static_cast<std::uint32_t>(cells.texts_before_zero + 1), to);
-  append_number(cells.numbers.size(), to);
-  auto last = static_cast<std::uint64_t>(no_plain_number);
-  for (const plain_number number : cells.numbers) {
-    const std::uint64_t distance = static_cast<std::uint64_t>(number) - last;
-    append_number(distance >> 5U | distance << 59U, to);
-    last = static_cast<std::uint64_t>(number);
-  }
+  append_words(cells.numbers.words(), to);
   append_number(cells.texts.size(), to);
   for (unsigned int code = 1; code <= cells.texts.size(); ++code) {
     const std::string_view text = cells.texts.view(code);
@@ -263,13 +229,7 @@ distinct_cells read_distinct_cells(const char*& next) {
   cells.counts.known = read_number(next);
   cells.counts.unknown = read_number(next);
   cells.texts_before_zero = static_cast<std::uint32_t>(read_number(next)) - 1;
-  cells.numbers.resize(read_number(next));
-  auto last = static_cast<std::uint64_t>(no_plain_number);
-  for (plain_number& number : cells.numbers) {
-    const std::uint64_t rotated = read_number(next);
-    last += rotated << 5U | rotated >> 59U;
-    number = static_cast<plain_number>(last);
-  }
+  cells.numbers = number_set(read_words(next));
   const std::uint64_t texts = read_number(next);
   if (texts > 0) cells.counts.texts.push_back(0);
   for (std::uint64_t i = 0; i < texts; ++i) {

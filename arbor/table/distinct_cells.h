@@ -1,7 +1,7 @@
 // The distinct cells of a column in a part of a table's rows. Processes that share out the rows send
 // them to each other, and all get those of the whole table.
 //
-//   distinct_cells all = take_distinct(cells, false);
+//   distinct_cells all = distinct_ones(cells, false);
 //   add_later(all, read_distinct_cells(bytes));   // of the rows after those
 #ifndef ARBOR_TABLE_DISTINCT_CELLS_H
 #define ARBOR_TABLE_DISTINCT_CELLS_H
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "arbor/table/column_cells.h"
-#include "arbor/table/plain_number.h"
+#include "arbor/table/number_set.h"
 #include "arbor/table/text_dictionary.h"
 
 namespace arbor::tree {
@@ -20,7 +20,7 @@ namespace arbor::tree {
 struct distinct_cells {
   static constexpr std::uint32_t no_zero = std::numeric_limits<std::uint32_t>::max();
 
-  std::vector<plain_number> numbers;  // in ascending order
+  number_set numbers;
   // The others, and declared values, in the order in which they first occur.
   text_dictionary texts;
   // Of all rows of the part.
@@ -29,26 +29,20 @@ struct distinct_cells {
   // first one becomes the value, and a text may be a negative zero.
   std::uint32_t texts_before_zero = no_zero;
 
-  // How many of the texts have to come before the numbers where each of the cells is a row.
-  unsigned int leading_texts() const {
-    return texts_before_zero == no_zero ? 0 : texts_before_zero;
+  // How many rows these are. One is unknown, if one of the cells is.
+  std::size_t rows() const {
+    return numbers.size() + texts.size() + (counts.unknown > 0 ? 1U : 0U);
   }
 };
 
-// The distinct ones of `cells`, whose keys become the places among them, by row: from 1 on, first
-// those of the numbers and then those of the texts; 0 is the unknown value. `with_numbers` says
-// that the column has plain numbers in this part or another one. Then no text is a plain number.
-distinct_cells take_distinct(column_cells& cells, bool with_numbers);
+// Those of a column's cells. `with_numbers` says that the column has plain numbers in this part or
+// another one. Then no text is a plain number.
+distinct_cells distinct_ones(column_cells& cells, bool with_numbers);
 
 // Adds the cells of later rows.
 void add_later(distinct_cells& cells, const distinct_cells& later);
 
-// By place in `part`, the row of the same cell where each cell of `whole`, which has all of them, is
-// a row: from 1 on, first the leading texts, then the numbers and then the other texts. 0 is 0.
-std::vector<std::uint32_t> rows_in(const distinct_cells& whole, const distinct_cells& part);
-
-// Appends the cells as bytes: of each number the distance to the one before it, of each text the
-// count, the length and the characters.
+// Appends the cells as bytes: of the numbers their bits, of each text its count and characters.
 void append_bytes(const distinct_cells& cells, std::vector<char>& to);
 
 // Reads what append_bytes has written at `next`, and moves `next` behind it. Eight more bytes must

@@ -131,42 +131,25 @@ std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& 
   return merges.count();
 }
 
-std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers) {
+std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers,
+                          std::size_t distinct_rows) {
   std::size_t count = 0;
+  const std::size_t before = distinct_rows > 0 ? 1 : 0;  // cells of each text
   const std::vector<std::size_t> of_texts = cells.counts().texts;
   for (unsigned int code = 1; code <= cells.texts().size(); ++code) {
-    if (is_rounded(cells.texts().text(code), text_numbers[code - 1])) count += of_texts[code];
+    if (is_rounded(cells.texts().text(code), text_numbers[code - 1]))
+      count += of_texts[code] - before;
   }
   cells.numbers().for_each_block([&](const plain_number* entries, std::size_t entry_count) {
-    for (std::size_t i = 0; i < entry_count; ++i) {
+    const std::size_t first = std::min(entry_count, distinct_rows);
+    distinct_rows -= first;
+    for (std::size_t i = first; i < entry_count; ++i) {
       const bool is_number =
           !column_cells::is_unknown(entries[i]) && !column_cells::is_text(entries[i]);
       if (is_number && is_rounded(entries[i])) ++count;
     }
   });
   return count;
-}
-
-std::vector<bool> rounded_rows(column_cells& cells, const std::vector<double>& text_numbers) {
-  cells.keep_as_numbers();
-  std::vector<bool> rounded;
-  const auto is_rounded_text = [&](unsigned int code) {
-    return code != 0 && is_rounded(cells.texts().text(code), text_numbers[code - 1]);
-  };
-  if (cells.kept_as() == column_cells::form::texts) {
-    cells.keys().for_each_block([&](const std::uint32_t* codes, std::size_t count) {
-      for (std::size_t i = 0; i < count; ++i) rounded.push_back(is_rounded_text(codes[i]));
-    });
-    return rounded;
-  }
-  cells.numbers().for_each_block([&](const plain_number* entries, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-      rounded.push_back(column_cells::is_text(entries[i])
-                            ? is_rounded_text(column_cells::text_code(entries[i]))
-                            : !column_cells::is_unknown(entries[i]) && is_rounded(entries[i]));
-    }
-  });
-  return rounded;
 }
 
 std::uint64_t number_identity(plain_number number) {

@@ -23,11 +23,10 @@ std::size_t lost_texts(const text_dictionary& texts, const std::vector<double>& 
                        const std::vector<unsigned int>& codes);
 
 // In how many cells of a column of numbers the nearest float is shown as another number: in its
-// fewest digits it is not what the cell says. `text_numbers` as above.
-std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers);
-
-// The same for each row by itself: whether its cell is such a number.
-std::vector<bool> rounded_rows(column_cells& cells, const std::vector<double>& text_numbers);
+// fewest digits it is not what the cell says. `text_numbers` as above. Leaves out the first rows if
+// they are the distinct cells, so many.
+std::size_t rounded_cells(column_cells& cells, const std::vector<double>& text_numbers,
+                          std::size_t distinct_rows = 0);
 
 // Whether a number other than this one, read as `value`, may be the same float. Numbers of up to
 // six significant digits are different floats, unless they are out of the range of full precision

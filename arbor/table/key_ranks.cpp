@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -110,40 +111,46 @@ void sort_by_key(std::vector<row_key>& rows) {
   }
 }
 
-// For keys that ascend with the rows, unknown ones aside, as numbers of rows do. Empty for others.
-std::vector<key> rank_ascending(cell_blocks<key>& keys) {
-  key last = unknown_key;
-  key distinct = 0;
-  bool ascend = true;
+// What the known keys of some rows range over.
+struct key_range {
+  key least = unknown_key;
+  key greatest = unknown_key;
+
+  bool is_empty() const { return greatest == unknown_key; }
+  bool is_small() const { return greatest - least < rank_table::most_keys; }
+  // With so many keys a row, the bits and counts of all keys still take less memory and time than
+  // sorting the rows.
+  bool is_dense(std::size_t rows) const {
+    constexpr std::size_t keys_per_row = 16;
+    return (greatest - least) / keys_per_row <= rows;
+  }
+};
+
+key_range range_of(cell_blocks<key>& keys) {
+  key least = std::numeric_limits<key>::max();
+  key greatest = unknown_key;
   keys.for_each_block([&](const key* k, std::size_t count) {
-    for (std::size_t i = 0; ascend && i < count; ++i) {
-      if (k[i] == unknown_key) continue;
-      ascend = k[i] > last;
-      last = k[i];
-      ++distinct;
-    }
-  });
-  if (!ascend) return {};
-  std::vector<key> ranked;
-  ranked.reserve(distinct);
-  keys.for_each_block([&](key* k, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-      if (k[i] == unknown_key) continue;
-      ranked.push_back(k[i]);
-      k[i] = static_cast<key>(ranked.size());
+      greatest = std::max(greatest, k[i]);
+      least = std::min(least, k[i] - 1);  // less 1, the unknown key is the greatest number
     }
   });
-  return ranked;
+  return {least + 1, greatest};
 }
 
 template <class Ranks>
-std::vector<key> rank_dense(cell_blocks<key>& keys, key least, key greatest) {
-  Ranks ranks(least, greatest);
+void add_keys(cell_blocks<key>& keys, Ranks& ranks) {
   keys.for_each_block([&](const key* k, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
       if (k[i] != unknown_key) ranks.add(k[i]);
     }
   });
+}
+
+template <class Ranks>
+std::vector<key> rank_dense(cell_blocks<key>& keys, const key_range& range) {
+  Ranks ranks(range.least, range.greatest);
+  add_keys(keys, ranks);
   std::vector<key> distinct = ranks.count();
   keys.for_each_block([&](key* k, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -184,25 +191,29 @@ std::vector<key> rank_sparse(cell_blocks<key>& keys) {
 }  // namespace
 
 std::vector<std::uint32_t> rank_keys(cell_blocks<std::uint32_t>& keys) {
-  std::vector<key> ascending = rank_ascending(keys);
-  if (!ascending.empty()) return ascending;
-  key least = std::numeric_limits<key>::max();
-  key greatest = unknown_key;
+  const key_range range = range_of(keys);
+  if (range.is_empty()) return {};
+  if (!range.is_dense(keys.size())) return rank_sparse(keys);
+  return range.is_small() ? rank_dense<rank_table>(keys, range)
+                          : rank_dense<presence_ranks>(keys, range);
+}
+
+std::vector<std::uint32_t> distinct_keys(cell_blocks<std::uint32_t>& keys) {
+  const key_range range = range_of(keys);
+  if (range.is_empty()) return {};
+  if (range.is_dense(keys.size())) {
+    presence_ranks present(range.least, range.greatest);
+    add_keys(keys, present);
+    return present.count();
+  }
+  std::vector<key> sorted;
+  sorted.reserve(keys.size());
   keys.for_each_block([&](const key* k, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-      greatest = std::max(greatest, k[i]);
-      least = std::min(least, k[i] - 1);  // less 1, the unknown key is the greatest number
-    }
+    std::remove_copy(k, k + count, std::back_inserter(sorted), unknown_key);
   });
-  if (greatest == unknown_key) return {};
-  ++least;
-  // With so many keys a row, the bits and counts of all keys still take less memory and time than
-  // sorting the rows.
-  constexpr std::size_t keys_per_row = 16;
-  if ((greatest - least) / keys_per_row > keys.size()) return rank_sparse(keys);
-  return greatest - least < rank_table::most_keys
-             ? rank_dense<rank_table>(keys, least, greatest)
-             : rank_dense<presence_ranks>(keys, least, greatest);
+  std::sort(sorted.begin(), sorted.end());
+  sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+  return sorted;
 }
 
 }  // namespace arbor::tree

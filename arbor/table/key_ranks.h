@@ -43,6 +43,9 @@ inline float float_of(std::uint32_t key) {
 // Returns the distinct keys in ascending order, without that of the unknown value.
 std::vector<std::uint32_t> rank_keys(cell_blocks<std::uint32_t>& keys);
 
+// The distinct keys in the same order. The keys stay as they are.
+std::vector<std::uint32_t> distinct_keys(cell_blocks<std::uint32_t>& keys);
+
 }  // namespace arbor::tree
 
 #endif

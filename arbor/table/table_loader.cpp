@@ -395,8 +395,8 @@ class loading {
     }
   }
 
-  // So many that the processes do not wait for small messages, and so few that the distinct cells
-  // of all rows, which each process has twice meanwhile, take little memory.
+  // So many that the processes do not wait for small messages, and so few that their distinct cells
+  // take little memory.
   std::size_t columns_to_share() const {
     constexpr std::uint64_t most_cells = 1U << 24U;
     return static_cast<std::size_t>(std::clamp<std::uint64_t>(most_cells / all.rows, 4, 256));
@@ -411,7 +411,7 @@ class loading {
       std::vector<std::exception_ptr> refusals(cells.size());
       pool->for_each(cells.size() + 1, [&](std::size_t i) {
         if (i < cells.size()) {
-          if (sharing != nullptr) loaders[cells[i]]->take_all(std::move(distinct[i]));
+          if (sharing != nullptr) loaders[cells[i]]->take_whole(std::move(distinct[i]));
           refusals[i] = refusal_of(cells[i]);
         } else if (cases != nullptr) {
           make_cases(*cases);
@@ -428,7 +428,7 @@ class loading {
     std::vector<distinct_cells> distinct(cells.size());
     together(sharing, [&] {
       pool->for_each(cells.size(), [&](std::size_t i) {
-        distinct[i] = loaders[cells[i]]->share(all.with_numbers[cells[i]] > 0);
+        distinct[i] = loaders[cells[i]]->distinct(all.with_numbers[cells[i]] > 0);
       });
     });
     sharing->unite(distinct);

@@ -11,8 +11,7 @@ unsigned int text_dictionary::code_of(cell_text text) {
 }
 
 unsigned int text_dictionary::code_of(const std::string& text) {
-  const std::string readable = text + std::string(readable_after_cell, '\0');
-  return code_of(cell_text{readable.c_str(), text.size()});
+  return code_of(readable_copy().of(text));
 }
 
 std::string_view text_dictionary::view(unsigned int code) const {

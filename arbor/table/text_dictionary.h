@@ -16,6 +16,20 @@
 
 namespace arbor::tree {
 
+// A copy of a text, for which it need not be so that bytes after its end are readable.
+class readable_copy {
+ public:
+  // Valid until the next call.
+  cell_text of(std::string_view text) {
+    storage.assign(text);
+    storage.append(readable_after_cell, '\0');
+    return {storage.data(), text.size()};
+  }
+
+ private:
+  std::string storage;
+};
+
 class text_dictionary {
  public:
   // The number of a text, which is added unless it is there.
