@@ -17,7 +17,7 @@ struct file_part {
     unsigned long long line;  // with which it begins, from 1
   };
 
-  std::size_t file;                 // from 0
+  std::size_t file = 0;             // from 0
   std::optional<byte_range> range;  // none: the whole file
 };
 

@@ -52,10 +52,11 @@ std::string file_classifier::unused_name(std::string name) const {
 
 void file_classifier::rows(const std::function<void(const classified_rows&)>& take) {
   thread_pool pool(options.threads == 0 ? machine_threads() : options.threads);
-  ordered_delivery<classified_rows> delivery(2 * pool.size(), [&](const classified_rows& part) {
-    take(part);
-    if (part.error) std::rethrow_exception(part.error);
-  });
+  ordered_delivery<classified_rows> delivery(std::size_t{2} * pool.size(),
+                                             [&](const classified_rows& part) {
+                                               take(part);
+                                               if (part.error) std::rethrow_exception(part.error);
+                                             });
   const block_classifier classifier(file, tree, cells, options, writes_rows);
   pool.for_each(pool.size(),
                 [&](std::size_t /*worker*/) { classify_blocks(classifier, delivery); });

