@@ -1,12 +1,15 @@
 #include "arbor/processes/moved_cases.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
+#include <stdexcept>
+#include <typeinfo>
 #include <utility>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/extract_rows.h"
+#include "arbor/utils/bindevice.h"
+#include "arbor/utils/ibinstream.h"
 
 namespace arbor::tree {
 
@@ -29,39 +32,68 @@ T take_value(const char*& from) {
   return value;
 }
 
-// Calls use(number) with a number of the width that codes of the column are sent in.
+// Calls use(code) with a code of the type that the column stores.
 template <class Use>
-void with_code_width(const impls::column& column, Use use) {
-  const unsigned int codes = column.get_distinct();
-  if (codes <= 1U << 8U) return use(std::uint8_t{});
-  if (codes <= 1U << 16U) return use(std::uint16_t{});
-  use(std::uint32_t{});
+void with_code_type(const impls::column& column, Use use) {
+  const std::type_info& storage = typeid(column);
+  if (storage == typeid(impls::column_typed<unsigned short>)) {
+    use(static_cast<unsigned short>(0));
+  } else if (storage == typeid(impls::column_typed<unsigned int>)) {
+    use(0U);
+  } else if (storage == typeid(impls::column_typed<unsigned long long>)) {
+    use(0ULL);
+  } else {
+    use(static_cast<unsigned char>(0));  // or a bit
+  }
 }
 
+bool is_of_bits(const impls::column& column) {
+  return typeid(column) == typeid(impls::column_bool);
+}
+
+// As the record of the rows, which the column itself can read; bits as bytes.
 void put_codes(bytes& to, const impls::column& column, const impls::w_sequence& cases) {
-  with_code_width(column, [&](auto width) {
-    using code = decltype(width);
+  put(to, static_cast<unsigned int>(cases.size()));
+  with_code_type(column, [&](auto code) {
     std::size_t place = to.size();
-    to.resize(place + cases.size() * sizeof(code));
+    to.resize(place + cases.size() * sizeof code);
     impls::with_codes(column, [&](auto code_of) {
       for (const auto& weighted : cases) {
-        const auto narrow = static_cast<code>(code_of(weighted.first));
-        std::memcpy(to.data() + place, &narrow, sizeof narrow);
-        place += sizeof narrow;
+        const auto stored = static_cast<decltype(code)>(code_of(weighted.first));
+        std::memcpy(to.data() + place, &stored, sizeof stored);
+        place += sizeof stored;
       }
     });
   });
 }
 
-void take_codes(const char*& from, std::size_t count, impls::column& column) {
-  std::array<unsigned int, 1024> codes;  // NOLINT(cppcoreguidelines-pro-type-member-init)
-  with_code_width(column, [&](auto width) {
-    for (std::size_t first = 0; first < count; first += codes.size()) {
-      const std::size_t some = std::min(codes.size(), count - first);
-      for (std::size_t i = 0; i < some; ++i) codes[i] = take_value<decltype(width)>(from);
-      column.append_codes(codes.data(), static_cast<unsigned int>(some));
-    }
-  });
+// Bytes that others own.
+class received_bytes : public strata::inpout::bindevice {
+ public:
+  explicit received_bytes(const char*& from) : next(from) {}
+
+  void write(const void* /*data*/, unsigned int /*count*/) override {
+    throw std::logic_error("received bytes are only read");
+  }
+  void read(void* data, unsigned int count) override {
+    std::memcpy(data, next, count);
+    next += count;
+  }
+
+ private:
+  const char*& next;
+};
+
+void take_codes(const char*& from, impls::column& column) {
+  if (!is_of_bits(column)) {
+    received_bytes device(from);
+    strata::inpout::ibinstream in(device);
+    column.bin_in(in);
+    return;
+  }
+  std::vector<unsigned int> codes(take_value<unsigned int>(from));
+  for (unsigned int& code : codes) code = take_value<unsigned char>(from);
+  column.append_codes(codes.data(), static_cast<unsigned int>(codes.size()));
 }
 
 // Each case has a weight at the node and one in the table. Most often both are 1.
@@ -96,12 +128,15 @@ class arriving_node {
 
   void take_sequence(const char*& from) {
     const auto count = static_cast<std::size_t>(take_value<std::uint64_t>(from));
-    for (const auto& column : columns) take_codes(from, count, *column);
+    for (const auto& column : columns) take_codes(from, *column);
     const bool has_weights = take_value<bool>(from);
-    for (std::size_t i = 0; i < count; ++i) {
-      const auto row = static_cast<unsigned int>(cases.size());
-      cases.push_back({row, has_weights ? take_value<float>(from) : 1.0F});
-      row_weights.push_back({row, has_weights ? take_value<float>(from) : 1.0F});
+    const std::size_t first = cases.size();
+    cases.resize(first + count);
+    row_weights.resize(first + count);
+    for (std::size_t i = first; i < cases.size(); ++i) {
+      const auto row = static_cast<unsigned int>(i);
+      cases[i] = {row, has_weights ? take_value<float>(from) : 1.0F};
+      row_weights[i] = {row, has_weights ? take_value<float>(from) : 1.0F};
     }
   }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <queue>
 #include <utility>
 
@@ -85,12 +86,18 @@ class shared_growth {
     return by_process;
   }
 
-  // Pruned already, so that less is sent: whether a test is pruned depends on what is below it alone.
-  grown_nodes grow_part(node_cases cases) const {
+  // Grows a branch and prunes it, so that less has to be sent; appends the nodes, and the errors to
+  // expect of them, to `words`.
+  void grow_branch(std::size_t number, node_cases cases, std::vector<std::uint32_t>& words) const {
     grown_nodes part = grow_from(std::make_unique<local_node>(std::move(cases), options), options);
-    if (!options.prune) return part;
-    prune(part.nodes, options.confidence);
-    return reachable_nodes(std::move(part));
+    double errors = 0;
+    if (options.prune) {
+      errors = prune(part.nodes, options.confidence);
+      part = reachable_nodes(std::move(part));
+    }
+    put_number(number, words);
+    put_number(errors, words);
+    put_nodes(part, words);
   }
 
   // Moves the branches and grows them; then every process gets all nodes. Most often this takes a
@@ -117,17 +124,18 @@ class shared_growth {
       moved += nodes.size();
       std::vector<node_cases> here = moved_here(group, training, std::move(nodes));
       group.enter("subtrees");
-      for (std::size_t i = 0; i < here.size(); ++i) {
-        words.push_back(static_cast<std::uint32_t>(own[i]->open.node));
-        put_nodes(grow_part(std::move(here[i])), words);
-      }
+      for (std::size_t i = 0; i < here.size(); ++i)
+        grow_branch(own[i]->open.node, std::move(here[i]), words);
     }
     group.enter("gathering the tree");
     const std::vector<std::uint32_t> of_all = group.gathered(words);
+    std::map<std::size_t, double> pruned;
     for (const std::uint32_t* word = of_all.data(); word != of_all.data() + of_all.size();) {
-      const std::size_t number = *word++;
+      const auto number = take_number<std::size_t>(word);
+      pruned[number] = take_number<double>(word);
       grown.graft(number, take_nodes(word));
     }
+    if (options.prune) prune(grown.nodes, options.confidence, pruned);
   }
 
   process_group& group;

@@ -16,7 +16,6 @@ grown_nodes grow_unpruned(const table& training, const impls::w_sequence& cases,
 
 decision_tree finished_tree(const table& training, std::size_t rows, grown_nodes grown,
                             const occurring_codes& occurring, const grow_options& options) {
-  if (options.prune) prune(grown.nodes, options.confidence);
   decision_tree tree = to_tree(training, std::move(grown), occurring);
   tree.origin = {training.name,     rows,          options.min_weight,
                  options.max_depth, options.prune, options.confidence};
@@ -25,8 +24,10 @@ decision_tree finished_tree(const table& training, std::size_t rows, grown_nodes
 
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options) {
-  return finished_tree(training, cases.size(), grow_unpruned(training, cases, options),
-                       codes_among(training, cases), options);
+  grown_nodes grown = grow_unpruned(training, cases, options);
+  if (options.prune) prune(grown.nodes, options.confidence);
+  return finished_tree(training, cases.size(), std::move(grown), codes_among(training, cases),
+                       options);
 }
 
 }  // namespace arbor::tree

@@ -45,8 +45,8 @@ struct grow_options {
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options);
 
-// Prunes the nodes, if the options say so, and makes the tree of them. `rows` is the number of
-// training cases; see to_tree for `occurring`.
+// Makes the tree of nodes that were grown with these options, and pruned if these say so. `rows` is
+// the number of training cases; see to_tree for `occurring`.
 decision_tree finished_tree(const table& training, std::size_t rows, grown_nodes grown,
                             const std::function<std::vector<bool>(std::size_t column)>& occurring,
                             const grow_options& options);

@@ -86,23 +86,36 @@ double errors_as_test(const std::vector<tree_node>& nodes, const tree_node& test
 
 }  // namespace
 
-void prune(std::vector<tree_node>& nodes, float confidence) {
+double prune(std::vector<tree_node>& nodes, float confidence,
+             const std::map<std::size_t, double>& pruned_before) {
+  std::vector<std::size_t> parents_first{0};
+  for (std::size_t i = 0; i < parents_first.size(); ++i) {
+    if (pruned_before.count(parents_first[i]) > 0) continue;
+    const tree_node& node = nodes[parents_first[i]];
+    for (unsigned int child = 0; child < node.child_count; ++child)
+      parents_first.push_back(node.first_child + child);
+  }
   std::vector<double> expected_errors(nodes.size(), 0.0);
-  // Children come after their parents, so going backwards finishes every subtree before its test is
-  // judged.
-  for (std::size_t i = nodes.size(); i-- > 0;) {
-    tree_node& node = nodes[i];
-    expected_errors[i] = errors_as_leaf(weigh(node), confidence);
+  // Every subtree is finished before its test is judged.
+  for (auto i = parents_first.rbegin(); i != parents_first.rend(); ++i) {
+    double& expected = expected_errors[*i];
+    if (const auto known = pruned_before.find(*i); known != pruned_before.end()) {
+      expected = known->second;
+      continue;
+    }
+    tree_node& node = nodes[*i];
+    expected = errors_as_leaf(weigh(node), confidence);
     if (node.is_leaf()) continue;
     const double as_test = errors_as_test(nodes, node, expected_errors);
-    if (expected_errors[i] <= as_test) {
+    if (expected <= as_test) {
       node.attribute = tree_node::no_attribute;
       node.child_count = 0;
       node.split.reset();
     } else {
-      expected_errors[i] = as_test;
+      expected = as_test;
     }
   }
+  return expected_errors.front();
 }
 
 }  // namespace arbor::tree

@@ -7,6 +7,8 @@
 #ifndef ARBOR_TREE_PRUNING_H
 #define ARBOR_TREE_PRUNING_H
 
+#include <cstddef>
+#include <map>
 #include <vector>
 
 #include "arbor/tree/decision_tree.h"
@@ -15,8 +17,13 @@ namespace arbor::tree {
 
 // Turns a test into a leaf where the leaves below it are expected to make at least as many errors.
 // The nodes below such a test stay in the sequence, unreachable. `confidence` is above 0 and at
-// most 0.5; a lower one prunes more. Children must come after their parents.
-void prune(std::vector<tree_node>& nodes, float confidence);
+// most 0.5; a lower one prunes more. The first node is the root.
+//
+// Returns the number of errors to expect of the tree. Whether a test is pruned depends on what is
+// below it alone, so parts of a tree can be pruned before they are put together: `pruned_before` has
+// what this has returned for the nodes that are now their roots, by node.
+double prune(std::vector<tree_node>& nodes, float confidence,
+             const std::map<std::size_t, double>& pruned_before = {});
 
 // The upper confidence limit of a share of errors: with this share (0 to 1), no more than `errors`
 // among `cases` occur with the probability `confidence` (between 0 and 1). See C. J. Clopper and
