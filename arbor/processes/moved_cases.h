@@ -17,9 +17,9 @@ struct moving_node {
   unsigned int to;     // the process
 };
 
-// Collective. Returns the nodes that have moved to this process, in their order, with their cases in
-// the order of one machine. Codes, classes and weights are sent, each code in as few bytes as the
-// domain needs. `training` is the table that the domains are of; it must outlive the result.
+// Collective. Returns the nodes that have moved to this process, in their order, with their cases
+// in the order of one machine. Codes, classes and weights are sent, each code in as few bytes as
+// the domain needs. `training` is the table that the domains are of; it must outlive the result.
 std::vector<node_cases> moved_here(process_group& group, const table& training,
                                    std::vector<moving_node> nodes);
 

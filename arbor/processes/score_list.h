@@ -1,5 +1,5 @@
-// How the classes of a process's cases were predicted, kept until it is its turn to add them up: the
-// sums of an evaluation depend on the order of the cases.
+// How the classes of a process's cases were predicted, kept until it is its turn to add them up:
+// the sums of an evaluation depend on the order of the cases.
 //
 //   score_list scores;
 //   for (...) scores.add(classify(row).score(actual, weight));

@@ -52,8 +52,8 @@ class column_cells {
 
   explicit column_cells(plain may_be_kept);
 
-  // Each distinct cell of a table as a row, and then the rows of a part of the table. The first zero
-  // of the table comes first: before the numbers are the texts that it has before a zero.
+  // Each distinct cell of a table as a row, and then the rows of a part of the table. The first
+  // zero of the table comes first: before the numbers are the texts that it has before a zero.
   column_cells(distinct_cells whole, column_cells part);
 
   // Adds a cell of each row.

@@ -1,5 +1,6 @@
-// bytes of distinct cells: known | unknown | texts before zero + 1 or 0 | words of numbers | for each
-// word: place | bits | texts | for each text: count | length | characters
+// bytes of distinct cells:  known | unknown | texts before zero + 1, or 0 | words of numbers |
+//                           for each word: place | bits | texts | for each text: count | length |
+//                           characters
 // place: less that of the word before, rotated to the right by five bits
 // bits: 0 to 7 | number of each, or 8 | eight bytes
 //

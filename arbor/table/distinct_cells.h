@@ -1,5 +1,5 @@
-// The distinct cells of a column in a part of a table's rows. Processes that share out the rows send
-// them to each other, and all get those of the whole table.
+// The distinct cells of a column in a part of a table's rows. Processes that share out the rows
+// send them to each other, and all get those of the whole table.
 //
 //   distinct_cells all = distinct_ones(cells, false);
 //   add_later(all, read_distinct_cells(bytes));   // of the rows after those

@@ -20,8 +20,8 @@ namespace arbor::tree {
 // most 0.5; a lower one prunes more. The first node is the root.
 //
 // Returns the number of errors to expect of the tree. Whether a test is pruned depends on what is
-// below it alone, so parts of a tree can be pruned before they are put together: `pruned_before` has
-// what this has returned for the nodes that are now their roots, by node.
+// below it alone, so parts of a tree can be pruned before they are put together: `pruned_before`
+// has what this has returned for the nodes that are now their roots, by node.
 double prune(std::vector<tree_node>& nodes, float confidence,
              const std::map<std::size_t, double>& pruned_before = {});
 

@@ -1,9 +1,9 @@
 // Divides the cases of a node at a threshold: both sides at once, in two passes over the cases. The
 // first weighs the sides, the second copies the cases.
 //
-//   const side_weights weights = weigh_sides(node, column_index, threshold, {});
-//   std::array<side_cases, 2> sides =
-//       divide_at_threshold(node, column_index, threshold, weights.known_cases, weights.sides(weight));
+//   const side_weights weights = weigh_sides(node, index, threshold, {});
+//   std::array<side_cases, 2> sides = divide_at_threshold(
+//       node, index, threshold, weights.known_cases, weights.sides(threshold, node_weight));
 #ifndef ARBOR_TREE_GROWING_TWO_SIDES_H
 #define ARBOR_TREE_GROWING_TWO_SIDES_H
 
