@@ -60,8 +60,8 @@ class class_table {
   // The numbers of the table: its cells, row by row from that of the unknown value on, and the
   // rest, totals and unknown weight. A table that has those of another one goes on where that one
   // ended: its cases may come in several parts, which different processes have.
-  static std::size_t cell_count(const strata::util::pair<unsigned int, unsigned int>& range,
-                                unsigned int distinct_classes) {
+  static unsigned long long cell_count(const strata::util::pair<unsigned int, unsigned int>& range,
+                                       unsigned int distinct_classes) {
     return (range.second - range.first + 1ULL) * distinct_classes;
   }
   Weight* all_cells() { return cells.data(); }
