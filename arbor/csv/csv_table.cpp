@@ -123,9 +123,9 @@ column_names csv_table::read_first_rows() {
 void csv_table::read_first_block() {
   blocks->expect(form);
   const bool is_declaration = declared_delimiter(blocks->beginning()).has_value();
-  if (blocks->next(first)) divide_rows(first);
+  has_first = blocks->next(first);
+  if (has_first) divide_rows(first);
   if (is_declaration) drop_first_row();
-  has_first = true;
 }
 
 void csv_table::drop_first_row() {

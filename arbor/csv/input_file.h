@@ -22,7 +22,8 @@ class input_file : public byte_source {
   // Opens the file at `path`; "-" is standard input, from its current position on. Throws
   // table_error when it cannot be opened.
   explicit input_file(const std::string& path);
-  // The bytes from `first` to before `end` of a regular file.
+  // The bytes from `first` to before `end` of a regular file, or to its end if that comes before.
+  // Throws in the same way.
   input_file(const std::string& path, std::uint64_t first, std::uint64_t end);
 
   std::size_t read(char* buffer, std::size_t size) override;

@@ -13,6 +13,13 @@ namespace {
 
 constexpr std::size_t most_cells = std::size_t{1} << 24U;  // on their way at a time: 64 MiB
 
+// How many tables are on their way at a time: whenever MPI looks for what has arrived, it looks at
+// all of them. Each process can still have one.
+std::size_t most_tables(const process_group& group) {
+  constexpr std::size_t least = 64;
+  return std::max<std::size_t>(least, group.size());
+}
+
 void add_cases(impls::class_counts& table, const impls::column& attribute,
                const impls::column& classes, const impls::w_sequence& cases) {
   const impls::even_weight weight(cases);
@@ -52,7 +59,7 @@ class owned_tables {
     std::size_t all = 0;
     for (; next != end; ++next) {
       const std::size_t size = Table::cell_count(next->range, classes.get_distinct());
-      if (all > 0 && all + size > most_cells) break;
+      if (tables.size() == most_tables(group) || (all > 0 && all + size > most_cells)) break;
       const auto least = std::min_element(cells.begin(), cells.end());
       tables.push_back({&*next, static_cast<unsigned int>(least - cells.begin()), size,
                         std::make_unique<Table>(next->range, classes.get_distinct())});

@@ -11,9 +11,10 @@
 
 namespace arbor::tree {
 
-// Collective. Returns and throws in each process what classify_table does in one, what it throws as
-// agreed_failure. The first process writes all rows to its `rows`; in the others it only says
-// whether rows are written, and they keep the texts of theirs in memory until it is their turn.
+// Collective. Returns in each process what classify_table returns for all rows; what that throws is
+// thrown in each as agreed_failure. The first process writes all rows to `rows`. In the others
+// `rows` only says whether rows are written: they keep their texts in memory until it is their
+// turn.
 classification_result classify_shared_table(process_group& group,
                                             const std::vector<std::string>& paths,
                                             const decision_tree& tree,

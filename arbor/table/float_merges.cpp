@@ -89,8 +89,11 @@ bool is_rounded(const char* text, double value) {
 bool is_rounded(plain_number number) {
   if (!may_merge_as_float(number)) return false;
   const plain_number shortest = shortened(number);
-  // No float needs more digits.
-  if (has_more_digits_than(std::numeric_limits<float>::max_digits10, shortest)) return true;
+  // No float is shown with more digits, unless it is an integer.
+  if (plain_decimals(shortest) > 0 &&
+      has_more_digits_than(std::numeric_limits<float>::max_digits10, shortest)) {
+    return true;
+  }
   return is_rounded(text_of(shortest).c_str(), value_of(shortest));
 }
 

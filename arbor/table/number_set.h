@@ -1,5 +1,5 @@
-// A set of plain numbers. Each 64 numbers in a row with the same number of decimals share a word of
-// bits, so that those of a column that are close together take little more than a bit.
+// A set of plain numbers. 64 consecutive numbers with the same number of decimals share a word of
+// bits, so that those of a column that are close together take little more than a bit each.
 //
 //   number_set numbers;
 //   for (int i : {3, 4, 9}) numbers.add(plain_integer(i));

@@ -1,7 +1,7 @@
 // How processes load a table together: each of them reads a part of the rows, and all get the
 // columns' domains. Loading on one machine needs none of this.
 //
-//   table own_rows = load_table(paths, options, &sharing);
+//   table own_rows = load_table(paths, options, sharing);
 #ifndef ARBOR_TABLE_ROW_SHARING_H
 #define ARBOR_TABLE_ROW_SHARING_H
 

@@ -166,6 +166,8 @@ def faults():
     write("weight.csv", [good.replace("humidity", "w") + "sunny,1,many,no,no"])
     write("stray.csv", [good + "sunny,1,much,no,no"])
     write("other.csv", ["a,b", "1,2"])
+    with open("mark.csv", "w", encoding="utf-8") as file:
+        file.write("\ufeff")
     subprocess.run(["arbor", "grow", golf, "--no-pruning", "--model", "golf.model"], capture_output=True)
     return [
         (3, ["grow", "none.csv"], "--model"),
@@ -184,6 +186,7 @@ def faults():
         (3, ["classify", "golf.model", "stray.csv", "--strict"], None),
         (3, ["classify", "golf.model", golf, "cells.csv"], "--output"),
         (2, ["classify", golf, golf], None),
+        (5, ["classify", "golf.model", golf, "mark.csv", golf], None),
     ]
 
 
