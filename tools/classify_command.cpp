@@ -1,7 +1,9 @@
 #include "tools/classify_command.h"
 
+#include <filesystem>
 #include <iostream>
 #include <optional>
+#include <system_error>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/report/evaluation_report.h"
@@ -105,8 +107,11 @@ void classify_command::run() {
 void classify_command::check_combination() const {
   refuse_if(model_path.empty() || table_paths.empty(), "name a model and a table");
   check_tables(table_paths);
-  refuse_if(model_path == "-" && place.is_shared(),
-            "all processes read the model, and only the first has standard input; name a file");
+  std::error_code ignored;
+  refuse_if(
+      place.is_shared() && (model_path == "-" || std::filesystem::is_fifo(model_path, ignored)),
+      "all processes read the model, which neither standard input nor a pipe lets them; name "
+      "a file");
   refuse_if(output_path.empty(), "--output: the name of the file is empty");
   for (const std::string option : {"--output", "--probability"})
     refuse_if(quiet && given(option), option + " does not go with --quiet, which prints no rows");

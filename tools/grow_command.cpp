@@ -211,6 +211,8 @@ void grow_command::check_test(const std::string& path, const tree::input_options
   refuse_if(path == "-" && is_table, "--test: standard input is the table already");
   std::error_code ignored;
   const bool opens_once = path == "-" || std::filesystem::is_fifo(path, ignored);
+  refuse_if(opens_once && place.is_shared(),
+            "--test: several processes cannot share standard input or a pipe; name a file");
   if (!opens_once) static_cast<void>(tree::open_table_file(path, input));
 }
 
