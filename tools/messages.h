@@ -6,9 +6,9 @@
 
 namespace arbor::tools {
 
-// Writes the name of the program and the message in one line. All messages come through here: what a file or an
-// argument has put into one cannot reach the terminal but as shown_text.h shows it, and of a long
-// one at most 1000 columns do.
+// Writes the name of the program and the message in one line. All messages come through here: what
+// a file or an argument has put into one cannot reach the terminal but as shown_text.h shows it,
+// and of a long one at most 1000 columns do.
 void complain(const std::string& message);
 
 // Writes that memory is short, without using any.

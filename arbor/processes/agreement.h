@@ -27,8 +27,8 @@ unsigned int first_failed(process_group& group, const std::exception_ptr& own_fa
 // Collective. Returns if `own_failure` is null in every process; throws agreed_failure otherwise.
 void agree(process_group& group, const std::exception_ptr& own_failure);
 
-// Collective. Calls `work`, which does not send or receive anything, and throws agreed_failure if it
-// throws in any process. Returns what it returns.
+// Collective. Calls `work`, which does not send or receive anything, and throws agreed_failure if
+// it throws in any process. Returns what it returns.
 template <class Work>
 auto agreed(process_group& group, Work work) -> decltype(work()) {
   if constexpr (std::is_void_v<decltype(work())>) {

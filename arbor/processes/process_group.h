@@ -68,8 +68,8 @@ class process_group : private strata::util::nocopy {
   void take_least(std::vector<std::uint32_t>& values);
   void take_greatest(std::vector<std::uint32_t>& values);
 
-  // Makes each of `count` values the sum of those of all processes in the process `owner`. Elsewhere
-  // they lose their meaning. It is done when settle() returns.
+  // Makes each of `count` values the sum of those of all processes in the process `owner`.
+  // Elsewhere they lose their meaning. It is done when settle() returns.
   void add_up_at(std::uint32_t* values, std::size_t count, unsigned int owner);
 
   // Passes values from process to process, in each of which `use()` changes them in their turn, and

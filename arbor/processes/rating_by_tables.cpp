@@ -81,9 +81,9 @@ class owned_tables {
     group.settle();
   }
 
-  // The order of float sums is that of the cases, so the tables go from process to process. The last
-  // one sends them to their owners or, if there is another sequence of cases, to the first one; it
-  // does not wait, since the first one may be waiting for it.
+  // The order of float sums is that of the cases, so the tables go from process to process. The
+  // last one sends them to their owners or, if there is another sequence of cases, to the first
+  // one; it does not wait, since the first one may be waiting for it.
   void add_in_order() {
     const unsigned int last = group.size() - 1;
     for (std::size_t i = 0; i < node.sequences.size(); ++i) {
@@ -140,8 +140,8 @@ class owned_tables {
     owned.table->take_rest(owned.rest.data());
   }
 
-  // Only the last process goes on without waiting: then these numbers do not change until all others
-  // have received them.
+  // Only the last process goes on without waiting: then these numbers do not change until all
+  // others have received them.
   void send(owned_table& owned, unsigned int to) {
     owned.rest.resize(owned.table->rest_count());
     owned.table->put_rest(owned.rest.data());

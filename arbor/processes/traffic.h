@@ -9,9 +9,9 @@
 
 namespace arbor::tree {
 
-// Of a call that all processes take part in, what counts is what a process has to send if each value
-// goes straight to where it is needed, and each sum is formed in parts, one in each process. The
-// implementation of MPI may send more in fewer messages.
+// Of a call that all processes take part in, what counts is what a process has to send if each
+// value goes straight to where it is needed, and each sum is formed in parts, one in each process.
+// The implementation of MPI may send more in fewer messages.
 struct phase_traffic {
   std::string phase;
   double seconds = 0;            // that passed

@@ -57,9 +57,9 @@ class class_table {
   const Weight* totals() const { return class_totals.data() + 1; }
   Weight unknown_weight() const { return unknown; }
 
-  // The numbers of the table: its cells, row by row from that of the unknown value on, and the rest,
-  // totals and unknown weight. A table that has those of another one goes on where that one ended:
-  // its cases may come in several parts, which different processes have.
+  // The numbers of the table: its cells, row by row from that of the unknown value on, and the
+  // rest, totals and unknown weight. A table that has those of another one goes on where that one
+  // ended: its cases may come in several parts, which different processes have.
   static std::size_t cell_count(const strata::util::pair<unsigned int, unsigned int>& range,
                                 unsigned int distinct_classes) {
     return (range.second - range.first + 1ULL) * distinct_classes;

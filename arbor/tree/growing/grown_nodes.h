@@ -35,7 +35,8 @@ using occurring_codes = std::function<std::vector<bool>(std::size_t column)>;
 
 // Makes the tree of the reachable nodes, with the texts of their thresholds and the columns that
 // some node tests. Only values of training cases become thresholds, so that held-back cases do not
-// shape the tree that they evaluate. `occurring` is null if all rows are training cases; it is asked once for a column.
+// shape the tree that they evaluate. `occurring` is null if all rows are training cases; it is
+// asked once for a column.
 decision_tree to_tree(const table& training, grown_nodes grown, const occurring_codes& occurring);
 
 // The codes that occur among some cases of a table, both of which must outlive the result; null if

@@ -3,7 +3,8 @@
 //
 //   const side_weights weights = weigh_sides(node, column_index, threshold, {});
 //   std::array<side_cases, 2> sides =
-//       divide_at_threshold(node, column_index, threshold, weights.known_cases, weights.sides(weight));
+//       divide_at_threshold(node, column_index, threshold, weights.known_cases,
+//                           weights.sides(threshold, node_weight));
 #ifndef ARBOR_TREE_GROWING_TWO_SIDES_H
 #define ARBOR_TREE_GROWING_TWO_SIDES_H
 
