@@ -1,8 +1,8 @@
 """Measures what it costs to rate and grow over several processes, and predicts what it would cost on a cluster.
 
-Each run grows an unpruned tree on a synthetic table (function 7, 5% noise) and reads what --statistics prints. A model of
-the cost, whose constants come from these runs, says what is to be expected in each of them and on larger clusters. Times
-are processor time: the processes of a run share the cores of this machine.
+Each run grows an unpruned tree on a synthetic table (function 7, 5% noise) and reads what --statistics prints. A model
+of the cost, whose constants come from these runs, says what is to be expected in each of them and on larger clusters.
+Times are processor time: the processes of a run share the cores of this machine.
 """
 
 import argparse
@@ -183,6 +183,8 @@ def main():
     parser.add_argument("--processes", type=lambda text: [int(part) for part in text.split(",")], default=[1, 2, 4, 8])
     parser.add_argument("--repetitions", type=int, default=3, help="the run of the least processor time counts")
     options = parser.parse_args()
+    if min(options.processes) != 1 or max(options.processes) == 1:
+        parser.error("--processes: the cost is compared with that of 1 process, so name 1 and a greater number")
     print(f"{platform.processor() or platform.machine()}, {os.cpu_count()} cores, {datetime.date.today()}")
     with tempfile.TemporaryDirectory() as folder:
         folder = pathlib.Path(folder)

@@ -50,32 +50,24 @@ void in_parts(std::size_t size, Use use) {
 }
 
 template <class T>
-MPI_Datatype type_of(const T* /*values*/);
-template <>
-MPI_Datatype type_of(const std::uint32_t* /*values*/) {
-  return MPI_UINT32_T;
-}
-template <>
-MPI_Datatype type_of(const std::uint64_t* /*values*/) {
-  return MPI_UINT64_T;
-}
-template <>
-MPI_Datatype type_of(const float* /*values*/) {
-  return MPI_FLOAT;
-}
-template <>
-MPI_Datatype type_of(const double* /*values*/) {
-  return MPI_DOUBLE;
-}
-
-template <class T>
-void combine(std::vector<T>& values, MPI_Op operation) {
+void combine(std::vector<T>& values, MPI_Datatype type, MPI_Op operation) {
   in_parts(values.size(), [&](std::size_t first, int count) {
     MPI_Request request{};
-    MPI_Iallreduce(MPI_IN_PLACE, values.data() + first, count, type_of(values.data()), operation,
-                   MPI_COMM_WORLD, &request);
+    MPI_Iallreduce(MPI_IN_PLACE, values.data() + first, count, type, operation, MPI_COMM_WORLD,
+                   &request);
     wait_for(request);
   });
+}
+
+// MPICH 4.0 compares unsigned numbers as if they were signed. With the other top bit, signed
+// numbers have the order of the unsigned ones.
+void combine_by_order(std::vector<std::uint32_t>& values, MPI_Op operation) {
+  const auto turn_top_bits = [&] {
+    for (std::uint32_t& value : values) value ^= std::uint32_t{1} << 31U;
+  };
+  turn_top_bits();
+  combine(values, MPI_INT32_T, operation);
+  turn_top_bits();
 }
 
 int rank_number(unsigned int process) {
@@ -124,27 +116,27 @@ void process_group::abort(int status) noexcept {
 }
 
 void process_group::add_up(std::vector<std::uint32_t>& values) {
-  combine(values, MPI_SUM);
+  combine(values, MPI_UINT32_T, MPI_SUM);
   count_combined(values.size() * sizeof values.front());
 }
 void process_group::add_up(std::vector<std::uint64_t>& values) {
-  combine(values, MPI_SUM);
+  combine(values, MPI_UINT64_T, MPI_SUM);
   count_combined(values.size() * sizeof values.front());
 }
 void process_group::add_up(std::vector<float>& values) {
-  combine(values, MPI_SUM);
+  combine(values, MPI_FLOAT, MPI_SUM);
   count_combined(values.size() * sizeof values.front());
 }
 void process_group::add_up(std::vector<double>& values) {
-  combine(values, MPI_SUM);
+  combine(values, MPI_DOUBLE, MPI_SUM);
   count_combined(values.size() * sizeof values.front());
 }
 void process_group::take_least(std::vector<std::uint32_t>& values) {
-  combine(values, MPI_MIN);
+  combine_by_order(values, MPI_MIN);
   count_combined(values.size() * sizeof values.front());
 }
 void process_group::take_greatest(std::vector<std::uint32_t>& values) {
-  combine(values, MPI_MAX);
+  combine_by_order(values, MPI_MAX);
   count_combined(values.size() * sizeof values.front());
 }
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "arbor/model/code_readers.h"
 #include "arbor/model/extract_rows.h"
@@ -59,12 +60,15 @@ class received_cases {
     cases.reserve(node.all);
   }
 
-  // `parts` are those that the processes have packed.
-  judged_split rate(const std::vector<words>& parts, code_range range, const rated_node& known) {
+  // `parts` are those that the processes have packed. Each is released once its cases are here.
+  judged_split rate(std::vector<words> parts, code_range range, const rated_node& known) {
     std::vector<const std::uint32_t*> next;
     for (const words& part : parts) next.push_back(part.data());
     for (std::size_t i = 0; i < node.sequences.size(); ++i) {
-      for (const std::uint32_t*& of_process : next) of_process = add_sequence(of_process);
+      for (std::size_t p = 0; p < parts.size(); ++p) {
+        next[p] = add_sequence(next[p]);
+        if (i + 1 == node.sequences.size()) parts[p] = words();
+      }
     }
     return rate_split(*attribute, range, {cases, *classes, known});
   }
@@ -107,11 +111,11 @@ std::vector<shared_result> rate_by_cases(process_group& group, const shared_case
     std::vector<words> outgoing(group.size());
     for (std::size_t i = 0; i < count; ++i)
       outgoing[i] = packed_cases(node, *attributes[first + i].column);
-    const std::vector<words> incoming = group.exchanged(std::move(outgoing));
+    std::vector<words> incoming = group.exchanged(std::move(outgoing));
     if (group.rank() >= count) continue;
     const shared_attribute& own = attributes[first + group.rank()];
     received_cases all(node, *own.column);
-    results.push_back(shared_result::of(own, all.rate(incoming, own.range, known)));
+    results.push_back(shared_result::of(own, all.rate(std::move(incoming), own.range, known)));
   }
   return results;
 }

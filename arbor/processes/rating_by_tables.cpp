@@ -90,7 +90,7 @@ class owned_tables {
 
   // The order of float sums is that of the cases, so the tables go from process to process. The
   // last one sends them to their owners or, if there is another sequence of cases, to the first
-  // one; it does not wait, since the first one may be waiting for it.
+  // one. It does not wait then, since the first one may be waiting for it, so it sends a copy.
   void add_in_order() {
     const unsigned int last = group.size() - 1;
     for (std::size_t i = 0; i < node.sequences.size(); ++i) {
@@ -105,7 +105,7 @@ class owned_tables {
         if (!group.is_last()) {
           send(owned, group.rank() + 1);
         } else if (last > 0 && (owned.owner != last || !is_end)) {
-          send(owned, is_end ? owned.owner : 0);
+          send_copy(owned, is_end ? owned.owner : 0);
         }
       }
     }
@@ -113,6 +113,7 @@ class owned_tables {
       if (owned.owner == group.rank() && !group.is_last()) receive(owned, last);
     }
     group.settle();
+    copies.clear();
   }
 
   // Rates those of this process.
@@ -128,39 +129,46 @@ class owned_tables {
   }
 
  private:
+  using numbers = std::vector<typename Table::weight_type>;
+
   struct owned_table {
     const shared_attribute* attribute;
     unsigned int owner;
     std::size_t cells;
     std::unique_ptr<Table> table;
-    std::vector<typename Table::weight_type> rest = {};  // on its way
   };
 
   void add(owned_table& to, const impls::w_sequence& cases) const {
     add_cases(*to.table, *to.attribute->column, classes, cases);
   }
 
-  void receive(owned_table& owned, unsigned int from) {
-    owned.rest.resize(owned.table->rest_count());
-    group.receive(owned.table->all_cells(), owned.cells, from);
-    group.receive(owned.rest, from);
-    owned.table->take_rest(owned.rest.data());
+  // The cells of a table, and the rest of its numbers.
+  numbers copy_of(owned_table& owned) const {
+    numbers copy(owned.cells + owned.table->rest_count());
+    std::copy_n(owned.table->all_cells(), owned.cells, copy.data());
+    owned.table->put_rest(copy.data() + owned.cells);
+    return copy;
   }
 
-  // Only the last process goes on without waiting: then these numbers do not change until all
-  // others have received them.
-  void send(owned_table& owned, unsigned int to) {
-    owned.rest.resize(owned.table->rest_count());
-    owned.table->put_rest(owned.rest.data());
-    group.send_later(owned.table->all_cells(), owned.cells, to);
-    group.send_later(owned.rest.data(), owned.rest.size(), to);
-    if (!group.is_last()) group.settle();
+  void send(owned_table& owned, unsigned int to) { group.send(copy_of(owned), to); }
+
+  void send_copy(owned_table& owned, unsigned int to) {
+    copies.push_back(copy_of(owned));
+    group.send_later(copies.back().data(), copies.back().size(), to);
+  }
+
+  void receive(owned_table& owned, unsigned int from) {
+    numbers received(owned.cells + owned.table->rest_count());
+    group.receive(received, from);
+    std::copy_n(received.data(), owned.cells, owned.table->all_cells());
+    owned.table->take_rest(received.data() + owned.cells);
   }
 
   process_group& group;
   const shared_cases& node;
   const impls::column& classes;
   std::vector<owned_table> tables;
+  std::vector<numbers> copies;  // on their way
 };
 
 }  // namespace

@@ -28,7 +28,7 @@ struct waiting_branch {
   open_branch open;
   std::uint64_t cases;  // at most: unknown ones may be left out
 
-  shared_cases own_cases() const {
+  shared_cases take_cases() const {
     return static_cast<shared_split&>(*open.parent).take_own(open.branch);
   }
 };
@@ -88,8 +88,17 @@ class shared_growth {
 
   // Grows a branch and prunes it, so that less has to be sent; appends the nodes, and the errors to
   // expect of them, to `words`.
-  void grow_branch(std::size_t number, node_cases cases, std::vector<std::uint32_t>& words) const {
-    grown_nodes part = grow_from(std::make_unique<local_node>(std::move(cases), options), options);
+  void grow_branch(std::size_t number, node_cases cases, std::vector<std::uint32_t>& words) {
+    const double before = grown_cases;
+    grown_cases += static_cast<double>(cases.cases->size());
+    grow_options of_branch = options;
+    if (options.progress) {
+      of_branch.progress = [&](double settled) {
+        options.progress((before + settled * (grown_cases - before)) / own_cases);
+      };
+    }
+    grown_nodes part =
+        grow_from(std::make_unique<local_node>(std::move(cases), of_branch), of_branch);
     double errors = 0;
     if (options.prune) {
       errors = prune(part.nodes, options.confidence);
@@ -104,6 +113,8 @@ class shared_growth {
   // single round. It takes more if a process would have more moved cases than two shares.
   void grow_waiting() {
     const std::vector<std::vector<const waiting_branch*>> by_process = dealt_out();
+    for (const waiting_branch* branch : by_process[group.rank()])
+      own_cases += static_cast<double>(branch->cases);
     std::vector<std::size_t> next(group.size(), 0);
     const auto is_left = [&](unsigned int p) { return next[p] < by_process[p].size(); };
     std::vector<std::uint32_t> words;
@@ -117,7 +128,7 @@ class shared_growth {
         while (is_left(p) && (cases == 0 || cases + by_process[p][next[p]]->cases <= 2 * share)) {
           const waiting_branch* const branch = by_process[p][next[p]++];
           cases += branch->cases;
-          nodes.push_back({branch->own_cases(), p});
+          nodes.push_back({branch->take_cases(), p});
           if (p == group.rank()) own.push_back(branch);
         }
       }
@@ -142,6 +153,8 @@ class shared_growth {
   const table& training;
   grow_options options;
   std::uint64_t share = 0;  // cases
+  double own_cases = 0;     // of the branches that this process grows
+  double grown_cases = 0;   // of those that it has begun
   grown_nodes grown;
   std::vector<open_branch> open;
   std::vector<waiting_branch> waiting;

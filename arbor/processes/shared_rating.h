@@ -26,9 +26,10 @@ void narrow_ranges(process_group& group, shared_cases& node,
 
 // Rates these columns, given by their indices in the table.
 //
-// In a process at most 64 MiB of tables are on their way, or the table of one attribute, or for
-// each process one attribute's cases. Throws agreed_failure if 4294967296 cases or more would have
-// to come to one process.
+// In a process at most 64 MiB of tables are on their way, or the table of one attribute. Of
+// attributes that are rated by their cases, as many as there are processes are on their way at a
+// time; see rating_by_cases.h. Throws agreed_failure if 4294967296 cases or more would have to come
+// to one process.
 std::vector<judged_split> rate_shared(process_group& group, const shared_cases& node,
                                       const std::vector<std::size_t>& columns,
                                       const rated_node& known);

@@ -212,7 +212,7 @@ def check_killing(moments, table):
             time.sleep(0.01)
         pids = [int(content(name)) for name in pids]
         victim = moment % 4
-        delay = choice.random() * (length - 0.3)  # less what the launcher takes before it starts them
+        delay = choice.random() * max(0, length - 0.3)  # less what the launcher takes before it starts them
         time.sleep(delay)
         killed = time.monotonic()
         too_late = launcher.poll() is not None or not all(map(is_running, pids))
