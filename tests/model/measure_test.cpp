@@ -6,7 +6,9 @@
 #include <cmath>
 #include <limits>
 #include <tuple>
+#include <type_traits>
 
+#include "arbor/model/measure/rainforest_quality.h"
 #include "tests/support/oracle.h"
 
 namespace arbor::tests {
@@ -241,6 +243,61 @@ TEST(AnyMeasure, RatesCasesOfWhichALateOneWeighsOtherwise) {
     EXPECT_EQ(told(rate(by::table, n)), told(expected_cut(n, true))) << classes;
     EXPECT_EQ(told(rate(by::sorting, n)), told(expected_cut(n, false))) << classes;
   }
+}
+
+// Rates a node by value and by table, from the last of the class tables of its cases' parts: each
+// goes on from the numbers of the one before.
+template <class Table>
+std::string told_in_parts(const node& n, const column& x, const column& classes,
+                          const std::vector<w_sequence>& parts) {
+  constexpr bool is_counted = std::is_same_v<Table, impls::class_counts>;
+  const auto size = static_cast<std::size_t>(Table::cell_count(n.range, classes.get_distinct()));
+  auto table = std::make_unique<Table>(n.range, classes.get_distinct());
+  for (const w_sequence& part : parts) {
+    const auto before =
+        std::exchange(table, std::make_unique<Table>(n.range, classes.get_distinct()));
+    std::vector<typename Table::weight_type> rest(before->rest_count());
+    before->put_rest(rest.data());
+    table->take_rest(rest.data());
+    std::copy_n(before->all_cells(), size, table->all_cells());
+    impls::with_codes(x, [&](auto code_of) {
+      impls::with_codes(classes, [&](auto class_of) {
+        if constexpr (is_counted) table->count(code_of, class_of, part, impls::even_weight(part));
+        if constexpr (!is_counted) table->add(code_of, class_of, part);
+      });
+    });
+  }
+  if constexpr (is_counted) table->finish(impls::even_weight(parts[0]).value());
+  options opts{n.penalty_by_case_count};
+  rating by_value = unrated, by_table = unrated;
+  impls::rate_discrete(*table, n.total_weight, n.min_weight, by_value);
+  impls::rate_rainforest(*table, n.range.first, n.total_weight, n.cases.size(), n.min_weight, &opts,
+                         by_table);
+  by_value.branches = n.known_values;  // as a column sets them
+  by_table.branches = 2;
+  return told(by_value) + told(by_table);
+}
+
+TEST(ClassTable, GoesOnFromThatOfTheCasesBefore) {
+  dice roll{5};
+  unsigned int even_nodes = 0;
+  for (int i = 0; i < 600; ++i) {
+    const node n = random_node(roll, 255, i % 2 == 0 ? weighing::even : weighing::uneven);
+    const auto x = code_column<unsigned char>(n, column::CONTINUOUS);
+    const auto classes = class_column(n, roll(60));
+    w_sequence cases = sequence_of(n);
+    const auto first = cases.begin(), end = cases.end(),
+               cut = first + 1 + roll(static_cast<unsigned int>(cases.size()));
+    const std::vector<w_sequence> parts{{first, cut}, {}, {cut, end}};
+    const std::string whole = told(rate(by::value, *x, n, *classes, cases)) +
+                              told(rate(by::table, *x, n, *classes, cases));
+    EXPECT_EQ(told_in_parts<impls::class_sums>(n, *x, *classes, parts), whole) << i;
+    const impls::even_weight weight(cases);
+    if (!weight.likely() || !weight.is_of_all(cases)) continue;
+    EXPECT_EQ(told_in_parts<impls::class_counts>(n, *x, *classes, parts), whole) << i;
+    ++even_nodes;
+  }
+  EXPECT_GT(even_nodes, 50U);
 }
 
 TEST(EightByteColumn, ReturnsThirtyTwoBitsOfTheCodesThatItOrdersInFull) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <numeric>
 #include <optional>
 #include <random>
 #include <regex>
@@ -11,6 +13,10 @@
 #include "arbor/table/decimal_domain.h"
 #include "arbor/table/secret_hash.h"
 #include "arbor/table/value_text.h"
+#include "tests/support/byte_sources.h"
+#include "tests/support/cells.h"
+#include "tests/support/rows.h"
+#include "tests/support/sharing_threads.h"
 #include "tests/support/tables.h"
 
 namespace arbor::tests {
@@ -32,17 +38,22 @@ std::string described(const column& source) {
   return text;
 }
 
-// What becomes of a file of these lines, between which "/" stands, with "%" for a line break in a
-// cell: its message if it is refused, else the columns but the class, and the remarks with the
-// texts to declare. The class is added.
-std::string outcome(const std::string& lines, const std::string& options) {
+// A file of these lines, between which "/" stands, with "%" for a line break in a cell. The class
+// is added.
+std::string csv_of(const std::string& lines) {
   std::string csv;
   std::istringstream in(lines);
   for (std::string line; std::getline(in, line, '/');)
     csv += line + (csv.empty() ? ",c\n" : csv.find(",x\n") == std::string::npos ? ",x\n" : ",y\n");
   std::replace(csv.begin(), csv.end(), '%', '\n');
+  return csv;
+}
+
+// What becomes of such a file: its message if it is refused, else the columns but the class, and
+// the remarks with the texts to declare.
+std::string outcome(const std::string& lines, const std::string& options) {
   std::string result;
-  const std::string refused = refusal(csv, [&](const std::string& path) {
+  const std::string refused = refusal(csv_of(lines), [&](const std::string& path) {
     const table loaded = tree::load_table(path, options_of(options));
     for (const auto& column : loaded.columns)
       result += column->is_class() ? "" : described(*column) + "; ";
@@ -68,8 +79,9 @@ a/0.1/1e-45/-3e-45/inf/3.4028235e38/-1e99 | => float continuous: 0.1 1e-45 -3e-4
  # column "a" is rounded to float, which changes the numbers in 1 cell
 z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/0,-1,?,? | => decimal continuous: 1.5 0 0 0;
  decimal continuous: 1.5 0 0 -1; decimal continuous: 1 0 0 ?; integer continuous: 0 0 ? ?;
-z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/inf,-inf,inf,? | => float continuous: 1.5 0 0 inf;
- float continuous: 1.5 -0 -0 -inf; float continuous: 1 -0 -0 inf; integer continuous: 0 0 ? ?;
+z,y,x,w/1.5,1.5,+1,-0/0,-0.0,-0.0,0/-0.0,0,0,?/inf,-inf,inf,?/0,0,0,? | =>
+ float continuous: 1.5 0 0 inf 0; float continuous: 1.5 -0 -0 -inf -0;
+ float continuous: 1 -0 -0 inf -0; integer continuous: 0 0 ? ? ?;
 a,b,d/1.50,-7,0/15e-1,3000000000,4294967295/ 1.5,+3,1 | => decimal continuous: 1.5 1.5 1.5;
  decimal continuous: -7 3000000000 3; uinteger continuous: 0 4294967295 1;
 a,b/0.5,0.5/4294967295.5,4294967296.5/1.5,1.5 | => decimal continuous: 0.5 4294967295.5 1.5;
@@ -199,6 +211,151 @@ TEST(Table, HasTheWeightsAndCodesOfItsRows) {
   EXPECT_EQ(tree::occurring_range(*loaded.columns[0], {{1, 1}}).second, 0U);
   for (const std::string weight : {"-1", "x", "?", "1e39", "inf", "nan"})
     EXPECT_NE(outcome("w,a/1,1/" + weight + ",1", "weights w"), "") << weight;
+}
+
+// Returns all of a table but its rows, or what it is refused with, and puts its rows into `rows`.
+template <class Load>
+std::string told(Load load, std::string& rows) {
+  std::ostringstream text, cells;
+  const std::string refused = message_of([&] {
+    const table loaded = load();
+    text << std::hexfloat << loaded.class_index << " " << loaded.total_weight << "\n";
+    for (const auto& column : loaded.columns)
+      text << column->get_name() << column->get_type() << record_of(column->get_o_set()) << "\n";
+    for (const auto& remark : loaded.remarks) text << "# " << remark.text << "\n";
+    for (const auto& remark : loaded.input_remarks) text << "# " << remark.text << "\n";
+    for (const auto& [row, weight] : loaded.cases) {
+      for (const auto& column : loaded.columns) cells << column->get_row_index(row) << " ";
+      cells << std::hexfloat << weight << "\n";
+    }
+  });
+  rows = cells.str();
+  return refused.empty() ? text.str() : refused;
+}
+
+void expect_same_in_parts(const texts& paths, const tree::load_options& options) {
+  std::string whole_rows;
+  const std::string whole = told([&] { return tree::load_table(paths, options); }, whole_rows);
+  for (const std::size_t parts : {1U, 2U, 3U, 5U}) {
+    texts of_parts(parts), rows(parts);
+    share_rows(parts, [&](std::size_t part, tree::row_sharing& sharing) {
+      const auto load = [&] { return tree::load_table(paths, options, sharing); };
+      of_parts[part] = told(load, rows[part]);
+    });
+    EXPECT_THAT(of_parts, testing::Each(whole)) << parts;
+    EXPECT_EQ(std::accumulate(rows.begin(), rows.end(), std::string()), whole_rows) << parts;
+  }
+}
+
+TEST(TableInParts, IsTheWholeTable) {
+  std::istringstream in(std::regex_replace(files_and_outcomes, std::regex("\n "), " "));
+  for (std::string line; std::getline(in, line);) {
+    SCOPED_TRACE(line);
+    const std::size_t options = line.find(" | ") + 3;
+    const temporary_file csv(csv_of(line.substr(0, options - 3)));
+    expect_same_in_parts({csv.path()},
+                         options_of(line.substr(options, line.find("=> ") - options)));
+  }
+}
+
+// Cells of one sort, with a few odd ones among them.
+texts random_cells(std::mt19937& random, std::size_t rows) {
+  const texts odd = listed(
+      "?,0,-0,-0.0,0.00,7,-7,2.50,1e3,1e-45,+16777216,16777217,4294967296,-99999999999999999,"
+      "12345678901234567,0.0000001,inf,+5,007,x");
+  const auto draw = [&](std::size_t end) { return random() % end; };
+  const std::size_t sort = draw(4), range = std::array{5, 90, 70000, 100000000}[draw(4)];
+  const std::size_t first_odd = draw(odd.size()), odd_in = 1 + draw(60);
+  texts cells(rows);
+  for (std::string& cell : cells) {
+    const std::string number = std::to_string(draw(range));
+    cell = texts{number, "-1" + number, number + ".5", "t" + number}[sort];
+    if (draw(odd_in) == 0) cell = odd[(first_odd + draw(4)) % odd.size()];
+  }
+  return cells;
+}
+
+// Of one to three files with any ends of lines.
+TEST(TableInParts, IsTheWholeTableOfRandomCells) {
+  const texts choices = listed(
+      ",kind a discrete,type a float type b float,unknown x unknown 7 type b float,type a string");
+  std::mt19937 random(11);
+  const auto draw = [&](std::size_t end) { return random() % end; };
+  for (int round = 0; round < 100; ++round) {
+    SCOPED_TRACE(round);
+    const std::string end = texts{"\n", "\r\n", "\r", "\n\n \n"}[draw(4)];
+    const std::size_t unclassed_in = 1 + draw(400);
+    std::vector<std::unique_ptr<temporary_file>> files;
+    texts paths;
+    for (std::size_t left = 1 + draw(2) * draw(3); left > 0; --left) {
+      const std::size_t rows = 1 + draw(draw(2) == 0 ? 9 : 400);
+      const texts a = random_cells(random, rows), b = random_cells(random, rows);
+      std::string csv = "a,b,w,c" + end;
+      for (std::size_t row = 0; row < rows; ++row) {
+        csv += a[row] + "," + b[row] + "," + texts{"0", "1", "0.3", "1e-3"}[draw(4)] + ",";
+        csv += (draw(unclassed_in) == 0 ? "?" : texts{"p", "\"q\n\"\"\""}[draw(2)]) + end;
+      }
+      csv.resize(csv.size() - draw(2));
+      paths.push_back(files.emplace_back(std::make_unique<temporary_file>(csv))->path());
+    }
+    tree::load_options options =
+        options_of(choices[draw(choices.size())] + (draw(2) == 0 ? "" : " weights w class c"));
+    options.skips_unknown_class = draw(2) == 0;
+    if (draw(9) == 0) options.input.comment = "t7";
+    if (draw(4) == 0) options.declared.columns = {{"b", "", "", texts{"0", "7", "x", "1", "2"}}};
+    expect_same_in_parts(paths, options);
+  }
+}
+
+// How many cells there are of each text. Each plain number counts once.
+using cell_count = std::map<std::string, std::size_t>;
+
+cell_count counted(const tree::distinct_cells& cells) {
+  cell_count counts{{"?", cells.counts.unknown}, {"known", cells.counts.known}};
+  cells.numbers.for_each([&](tree::plain_number number) { ++counts[std::to_string(number)]; });
+  for (unsigned int code = 1; code <= cells.texts.size(); ++code)
+    counts[std::string(cells.texts.view(code))] += cells.counts.texts[code];
+  return counts;
+}
+
+cell_count counted(const texts& cells) {
+  cell_count counts{{"?", 0}, {"known", 0}};
+  for (std::string cell : cells) {
+    const tree::plain_number number = tree::read_plain_number(as_cell(cell));
+    ++counts[cell == "?" ? "?" : "known"];
+    if (number != tree::no_plain_number) counts[std::to_string(number)] = 1;
+    if (number == tree::no_plain_number && cell != "?") ++counts[cell];
+  }
+  return counts;
+}
+
+tree::distinct_cells distinct_ones(const texts& column) {
+  std::string csv;
+  for (const std::string& cell : column) csv += cell + "\n";
+  text_source source(csv);
+  tree::block_reader blocks(source);
+  tree::column_cells cells(tree::column_cells::plain::all);
+  for (tree::csv_block block; blocks.next(block);) {
+    tree::divide_rows(block);
+    cells.add(block, 0, tree::unknown_texts({}));
+  }
+  return tree::distinct_ones(cells, true);
+}
+
+TEST(DistinctCells, OfPartsAreThoseOfAllCells) {
+  std::mt19937 random(4);
+  for (int round = 0; round < 300; ++round) {
+    texts whole;
+    tree::distinct_cells united;
+    for (const std::size_t most : {300U, 2U, 900U}) {
+      const texts part = random_cells(random, random() % most);
+      const tree::distinct_cells later = sent(distinct_ones(part));
+      EXPECT_EQ(counted(later), counted(part)) << round;
+      add_later(united, later);
+      whole.insert(whole.end(), part.begin(), part.end());
+    }
+    EXPECT_EQ(counted(sent(united)), counted(whole)) << round;
+  }
 }
 
 // Whether a cell is of a data type; of numbers, what equals no number is not.

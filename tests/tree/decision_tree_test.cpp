@@ -10,12 +10,15 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 #include "arbor/table/thread_pool.h"
 #include "arbor/tree/classification.h"
 #include "arbor/tree/growing/gain_by_chance.h"
 #include "arbor/tree/growing/node_cases.h"
+#include "arbor/tree/growing/two_sides.h"
+#include "arbor/tree/growing/value_groups.h"
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/rating.h"
 #include "arbor/tree/table_classification.h"
@@ -148,6 +151,74 @@ TEST(NodeCases, CopiesRowsOfACopyWithTheirValuesAndWeights) {
   EXPECT_EQ(values.str(), "by2 dy4 ?x3 ");
 }
 
+// Weights in thirds are rounded, those in quarters are not, and one is very light.
+table random_table(dice& roll, double fraction) {
+  std::string csv = "n,t,w,c\n40,rare,0.0078125,x\n";
+  for (int row = 1; row < 300; ++row) {
+    const unsigned int n = roll(40), t = roll(6);
+    csv += (roll(9) == 0 ? "?" : std::to_string(n)) +
+           (roll(9) == 0 ? ",?," : ",t" + std::to_string(t) + ",");
+    csv += std::to_string((1 + roll(9)) / fraction);
+    csv += (roll(4) == 0) != ((n > 12) == (t < 3)) ? ",x\n" : ",y\n";
+  }
+  return load_csv(csv, options_of("weights w"));
+}
+
+std::string told(const w_sequence& cases) {
+  std::ostringstream text;
+  for (const auto& [row, weight] : cases) text << std::hexfloat << row << "*" << weight << " ";
+  return text.str();
+}
+
+auto numbers_of(const tree::side_weights& w) {
+  return std::tie(w.known_cases, w.known_weight, w.exact_weight, w.unknown_cases, w.unknown_weight,
+                  w.before_least_code, w.greatest_code);
+}
+
+TEST(NodeCases, AreDividedInPartsAsAllAtOnce) {
+  dice roll{2};
+  for (const double fraction : {3.0, 4.0}) {
+    const table rows = random_table(roll, fraction);
+    const tree::node_cases whole = tree::root_cases(rows, rows.cases);
+    tree::node_cases before = whole, later = whole;
+    const auto middle = rows.cases.begin() + 1 + roll(299);
+    before.cases = std::make_shared<const w_sequence>(rows.cases.begin(), middle);
+    later.cases = std::make_shared<const w_sequence>(middle, rows.cases.end());
+    for (unsigned int threshold = 1; threshold < rows.columns[0]->get_distinct(); ++threshold) {
+      const auto all = tree::weigh_sides(whole, 0, threshold, {});
+      const auto first = tree::weigh_sides(before, 0, threshold, {});
+      const auto second = tree::weigh_sides(later, 0, threshold, {});
+      tree::side_weights sum = tree::weigh_sides(later, 0, threshold, first);
+      EXPECT_EQ(numbers_of(sum), numbers_of(all));
+      sum = first;
+      sum.add(second);
+      EXPECT_TRUE(fraction == 3 || numbers_of(sum) == numbers_of(all)) << threshold;
+      const auto sides = [&](const tree::node_cases& node, const tree::side_weights& weights) {
+        return tree::divide_at_threshold(node, 0, threshold, weights.known_cases,
+                                         all.sides(threshold, rows.total_weight));
+      };
+      const auto expected = sides(whole, all), a = sides(before, first), b = sides(later, second);
+      for (const std::size_t i : {0U, 1U})
+        EXPECT_EQ(told(*a[i].cases) + told(*b[i].cases), told(*expected[i].cases));
+    }
+    const tree::value_groups groups(whole, 1), a(before, 1), b(later, 1);
+    std::vector<float> weights(groups.values()), in_turn = weights;
+    groups.add_weights(weights);
+    for (const tree::value_groups* part : {&a, &b}) part->add_weights(in_turn);
+    EXPECT_EQ(in_turn, weights);
+    for (std::size_t value = 0; value < groups.values(); ++value) {
+      EXPECT_EQ(a.counts()[value] + b.counts()[value], groups.counts()[value]);
+      const float share = weights[value] / rows.total_weight;
+      w_sequence expected, joined;
+      groups.add_known(value, expected);
+      for (const tree::value_groups* part : {&a, &b}) part->add_known(value, joined);
+      groups.add_unknown(share, expected);
+      for (const tree::value_groups* part : {&a, &b}) part->add_unknown(share, joined);
+      EXPECT_EQ(told(joined), told(expected));
+    }
+  }
+}
+
 TEST(ThreadPool, DoesEachPieceOnceAndRethrowsWhatOneThrows) {
   for (unsigned int threads : {1U, 4U}) {
     tree::thread_pool pool(threads);
@@ -223,6 +294,36 @@ TEST(Pruning, UsesTheExactLimitOfTheBinomialDistribution) {
     EXPECT_NEAR(up_to, 0.25, 1e-9) << errors << " of " << cases;
   }
   EXPECT_EQ(tree::binomial_upper_limit(5, 5, 0.25), 1);
+}
+
+// While the rest is pruned, a leaf stands where a part belongs.
+TEST(Pruning, OfPartsBeforeTheRestIsThatOfTheWholeTree) {
+  dice roll{8};
+  std::size_t pruned_roots = 0;
+  for (int i = 0; i < 80; ++i) {
+    decision_tree t = grown(random_table(roll, 4), 1);
+    auto nodes = t.nodes;
+    std::map<std::size_t, double> errors;
+    std::map<std::size_t, tree::tree_node> roots;
+    const std::vector<std::size_t> parents = tree::node_parents(t);
+    std::vector<bool> is_done(nodes.size());
+    for (std::size_t part = 1; part < nodes.size(); ++part) {
+      is_done[part] = is_done[parents[part]] || roll(4) == 0;
+      if (!is_done[part] || is_done[parents[part]]) continue;
+      std::swap(nodes[0], nodes[part]);
+      errors[part] = tree::prune(nodes, 0.25F);
+      std::swap(nodes[0], nodes[part]);
+      pruned_roots += nodes[part].is_leaf() && !t.nodes[part].is_leaf() ? 1 : 0;
+      roots[part] = std::exchange(nodes[part], {});
+      nodes[part].class_weights = roots[part].class_weights;
+    }
+    EXPECT_EQ(tree::prune(nodes, 0.25F, errors), tree::prune(t.nodes, 0.25F));
+    const std::string expected = text_of(t);
+    for (const auto& [part, root] : roots) nodes[part] = root;
+    t.nodes = nodes;
+    EXPECT_EQ(text_of(t), expected);
+  }
+  EXPECT_GT(pruned_roots, 8U);
 }
 
 // In tables with unknown values, many values and noise: rows, their texts and the training cases

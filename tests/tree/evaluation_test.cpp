@@ -49,6 +49,41 @@ TEST(Evaluation, CountsWeightsAndStaysFinite) {
   EXPECT_EQ(twice.mean_of(2).matrix().pairs(), sums.matrix().pairs());
 }
 
+TEST(Evaluation, GoesOnFromTheSumsOfTheCasesBefore) {
+  std::mt19937 random(1);
+  const auto share = [&] { return static_cast<double>(random() % 10) / 9; };
+  evaluation whole, in_turn = evaluation::with_sums({});
+  for (int i = 0; i < 300; ++i) {
+    const auto added = tree::scored(random() % 5, {share(), share(), share()}, share() + 0.1);
+    whole.add(added);
+    in_turn = evaluation::with_sums(in_turn.sums());
+    in_turn.add(added);
+  }
+  for (const auto figure : {&evaluation::accuracy, &evaluation::accuracy_error,
+                            &evaluation::log_loss, &evaluation::brier_score})
+    EXPECT_EQ((in_turn.*figure)(), (whole.*figure)());
+  EXPECT_EQ(in_turn.matrix().pairs(), whole.matrix().pairs());
+}
+
+TEST(HoldOut, OfPartsIsThatOfTheWhole) {
+  impls::w_sequence cases(100);
+  for (unsigned int row = 0; row < 100; ++row) cases[row] = {row, 1};
+  for (std::size_t seed = 0; seed <= 100; ++seed) {
+    const std::size_t bounds[] = {0, seed / 3, seed, 100};
+    std::vector<unsigned int> whole, in_turn;
+    const auto add = [](std::vector<unsigned int>& rows, const tree::divided_cases& divided) {
+      for (const auto& weighted : divided.held_back) rows.push_back(weighted.first);
+    };
+    add(whole, tree::hold_out(cases, static_cast<double>(seed) / 100, seed));
+    for (const int i : {0, 1, 2}) {
+      const impls::w_sequence part(cases.data() + bounds[i], cases.data() + bounds[i + 1]);
+      add(in_turn, tree::hold_out(part, static_cast<double>(seed) / 100, seed, bounds[i],
+                                  100 - bounds[i + 1]));
+    }
+    EXPECT_EQ(in_turn, whole);
+  }
+}
+
 // Classes of 11, 5 and 1 cases in 4 folds.
 TEST(Folds, HaveEachClassAsEvenlyAsPossible) {
   const table rows = load_csv(
