@@ -2,9 +2,8 @@
 # A folder includes only folders that stand before it in this list, and the rooms know nothing of the program: no options of
 # its command line, no standard output. Run from the root of the sources.
 set -uo pipefail
-layers=(arbor/utils arbor/model arbor/model/measure arbor/csv arbor/formats arbor/table arbor/tree
-        arbor/tree/growing arbor/tree/validation arbor/store arbor/report
-        arbor/processes tools)
+layers=(arbor/utils arbor/model arbor/model/measure arbor/csv arbor/formats arbor/table arbor/table/cells arbor/tree
+        arbor/tree/growing arbor/tree/validation arbor/store arbor/report arbor/processes tools)
 found=0
 # Prints the lines, comments aside, that match a pattern.
 forbid() { # WHAT PATTERN FILE...
@@ -15,7 +14,7 @@ for i in "${!layers[@]}"; do
   sources=("$folder"/*.h "$folder"/*.cpp)
   [ -f "${sources[0]}" ] || found=1
   for above in "${layers[@]:i+1}"; do
-    [[ "$above" = "$folder"/@(measure|growing) ]] || # both folders are one room
+    [[ "$above" = "$folder"/@(measure|cells|growing) ]] || # both folders are one room
       forbid "$folder stands below $above" "#include \"$above/[^/]*\"" "${sources[@]}"
   done
   [ "$folder" = tools ] && continue

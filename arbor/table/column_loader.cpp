@@ -12,11 +12,11 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/unknown_texts.h"
-#include "arbor/table/decimal_codes.h"
-#include "arbor/table/float_merges.h"
-#include "arbor/table/number_codes.h"
-#include "arbor/table/text_codes.h"
-#include "arbor/table/unusual_numbers.h"
+#include "arbor/table/cells/decimal_codes.h"
+#include "arbor/table/cells/float_merges.h"
+#include "arbor/table/cells/number_codes.h"
+#include "arbor/table/cells/text_codes.h"
+#include "arbor/table/cells/unusual_numbers.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {

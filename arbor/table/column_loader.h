@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "arbor/model/column.h"
-#include "arbor/table/column_cells.h"
-#include "arbor/table/column_survey.h"
-#include "arbor/table/distinct_cells.h"
+#include "arbor/table/cells/column_cells.h"
+#include "arbor/table/cells/column_survey.h"
+#include "arbor/table/cells/distinct_cells.h"
 #include "arbor/table/table.h"
 #include "arbor/table/text_remarks.h"
 

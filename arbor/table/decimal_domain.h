@@ -16,8 +16,8 @@
 
 #include "arbor/model/column.h"
 #include "arbor/model/o_set_typed.h"
+#include "arbor/table/cells/plain_number.h"
 #include "arbor/table/decimal.h"
-#include "arbor/table/plain_number.h"
 
 namespace arbor::tree {
 

@@ -12,7 +12,7 @@
 #include "arbor/csv/csv_table.h"
 #include "arbor/csv/file_part.h"
 #include "arbor/model/w_sequence.h"
-#include "arbor/table/distinct_cells.h"
+#include "arbor/table/cells/distinct_cells.h"
 
 namespace arbor::tree {
 

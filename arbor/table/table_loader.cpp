@@ -21,7 +21,7 @@
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/formats/open_table.h"
-#include "arbor/table/cell_blocks.h"
+#include "arbor/table/cells/cell_blocks.h"
 #include "arbor/table/column_loader.h"
 #include "arbor/table/row_sharing.h"
 #include "arbor/table/thread_pool.h"

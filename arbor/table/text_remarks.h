@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "arbor/csv/number_form.h"
-#include "arbor/table/column_survey.h"
+#include "arbor/table/cells/column_survey.h"
 #include "arbor/table/table.h"
 
 namespace arbor::tree {

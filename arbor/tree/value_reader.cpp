@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "arbor/table/plain_number.h"
+#include "arbor/table/cells/plain_number.h"
 #include "arbor/table/value_text.h"
 #include "arbor/tree/class_distribution.h"
 

@@ -12,8 +12,8 @@
 #include "arbor/csv/cell_text.h"
 #include "arbor/csv/number_form.h"
 #include "arbor/model/column.h"
+#include "arbor/table/cells/text_dictionary.h"
 #include "arbor/table/decimal_domain.h"
-#include "arbor/table/text_dictionary.h"
 
 namespace arbor::tree {
 

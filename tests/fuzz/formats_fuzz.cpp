@@ -1,11 +1,11 @@
 // A file of another format, compressed or not: it is refused with a message, or becomes a line for
 // each of its lines and rows of as many cells as it declares.
 #include "arbor/csv/line_ends.h"
-#include "arbor/formats/open_file.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/formats/arff_source.h"
 #include "arbor/formats/names_file.h"
 #include "arbor/formats/names_source.h"
+#include "arbor/formats/open_file.h"
 #include "tests/fuzz/fuzz.h"
 #include "tests/support/byte_sources.h"
 #include "tests/support/rows.h"

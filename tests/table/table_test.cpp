@@ -10,8 +10,8 @@
 #include <set>
 #include <utility>
 
+#include "arbor/table/cells/secret_hash.h"
 #include "arbor/table/decimal_domain.h"
-#include "arbor/table/secret_hash.h"
 #include "arbor/table/value_text.h"
 #include "tests/support/byte_sources.h"
 #include "tests/support/cells.h"

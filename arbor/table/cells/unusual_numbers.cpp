@@ -1,4 +1,4 @@
-#include "arbor/table/unusual_numbers.h"
+#include "arbor/table/cells/unusual_numbers.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "arbor/table/key_ranks.h"
+#include "arbor/table/cells/key_ranks.h"
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 //   text_dictionary texts;
 //   unsigned int code = texts.code_of(row.cell(0));
 //   const char* text = texts.text(code);
-#ifndef ARBOR_TABLE_TEXT_DICTIONARY_H
-#define ARBOR_TABLE_TEXT_DICTIONARY_H
+#ifndef ARBOR_TABLE_CELLS_TEXT_DICTIONARY_H
+#define ARBOR_TABLE_CELLS_TEXT_DICTIONARY_H
 
 #include <cstdint>
 #include <string>
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "arbor/csv/cell_text.h"
-#include "arbor/table/secret_hash.h"
+#include "arbor/table/cells/secret_hash.h"
 
 namespace arbor::tree {
 

@@ -1,11 +1,11 @@
-#include "arbor/table/column_survey.h"
+#include "arbor/table/cells/column_survey.h"
 
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <optional>
 
-#include "arbor/table/decimal_codes.h"
+#include "arbor/table/cells/decimal_codes.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {

@@ -1,4 +1,4 @@
-#include "arbor/table/text_codes.h"
+#include "arbor/table/cells/text_codes.h"
 
 #include <algorithm>
 #include <string>

@@ -1,4 +1,4 @@
-#include "arbor/table/number_set.h"
+#include "arbor/table/cells/number_set.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "arbor/table/float_merges.h"
+#include "arbor/table/cells/float_merges.h"
 
 #include <fmt/format.h>
 
@@ -8,8 +8,8 @@
 #include <string>
 #include <unordered_set>
 
+#include "arbor/table/cells/secret_hash.h"
 #include "arbor/table/decimal.h"
-#include "arbor/table/secret_hash.h"
 #include "arbor/table/value_text.h"
 
 namespace arbor::tree {

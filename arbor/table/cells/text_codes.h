@@ -1,9 +1,9 @@
 // Turns the cells of a column of texts into the values of its domain and the codes of its rows.
-#ifndef ARBOR_TABLE_TEXT_CODES_H
-#define ARBOR_TABLE_TEXT_CODES_H
+#ifndef ARBOR_TABLE_CELLS_TEXT_CODES_H
+#define ARBOR_TABLE_CELLS_TEXT_CODES_H
 
 #include "arbor/model/o_set.h"
-#include "arbor/table/column_cells.h"
+#include "arbor/table/cells/column_cells.h"
 
 namespace arbor::tree {
 

@@ -2,12 +2,12 @@
 //
 //   const std::optional<decimal_scale> scale = common_scale(cells);
 //   if (scale) code_steps(cells, *scale, domain);
-#ifndef ARBOR_TABLE_DECIMAL_CODES_H
-#define ARBOR_TABLE_DECIMAL_CODES_H
+#ifndef ARBOR_TABLE_CELLS_DECIMAL_CODES_H
+#define ARBOR_TABLE_CELLS_DECIMAL_CODES_H
 
 #include <optional>
 
-#include "arbor/table/column_cells.h"
+#include "arbor/table/cells/column_cells.h"
 #include "arbor/table/decimal_domain.h"
 
 namespace arbor::tree {

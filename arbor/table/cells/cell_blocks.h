@@ -4,8 +4,8 @@
 //   cell_blocks<unsigned int> codes;
 //   codes.push_back(7);
 //   codes.for_each_block([](unsigned int* first, std::size_t count) { ... });
-#ifndef ARBOR_TABLE_CELL_BLOCKS_H
-#define ARBOR_TABLE_CELL_BLOCKS_H
+#ifndef ARBOR_TABLE_CELLS_CELL_BLOCKS_H
+#define ARBOR_TABLE_CELLS_CELL_BLOCKS_H
 
 #include <algorithm>
 #include <memory>

@@ -12,8 +12,8 @@
 //   texts     codes in the dictionary, four bytes a row
 //
 // In each form the text of every cell is still known.
-#ifndef ARBOR_TABLE_COLUMN_CELLS_H
-#define ARBOR_TABLE_COLUMN_CELLS_H
+#ifndef ARBOR_TABLE_CELLS_COLUMN_CELLS_H
+#define ARBOR_TABLE_CELLS_COLUMN_CELLS_H
 
 #include <cstdint>
 #include <functional>
@@ -22,10 +22,10 @@
 
 #include "arbor/csv/csv_block.h"
 #include "arbor/csv/unknown_texts.h"
-#include "arbor/table/cell_blocks.h"
-#include "arbor/table/key_ranks.h"
-#include "arbor/table/plain_number.h"
-#include "arbor/table/text_dictionary.h"
+#include "arbor/table/cells/cell_blocks.h"
+#include "arbor/table/cells/key_ranks.h"
+#include "arbor/table/cells/plain_number.h"
+#include "arbor/table/cells/text_dictionary.h"
 
 namespace arbor::tree {
 

@@ -1,4 +1,4 @@
-#include "arbor/table/number_codes.h"
+#include "arbor/table/cells/number_codes.h"
 
 #include <algorithm>
 #include <numeric>
@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "arbor/model/o_set_typed.h"
-#include "arbor/table/decimal_codes.h"
-#include "arbor/table/float_merges.h"
-#include "arbor/table/key_ranks.h"
+#include "arbor/table/cells/decimal_codes.h"
+#include "arbor/table/cells/float_merges.h"
+#include "arbor/table/cells/key_ranks.h"
 
 namespace arbor::tree {
 

@@ -8,15 +8,15 @@
 // but the last one have the highest bit set. The rotation removes the five bits that say how many
 // decimals there are, which is the same for most numbers of a column.
 
-#include "arbor/table/distinct_cells.h"
+#include "arbor/table/cells/distinct_cells.h"
 
 #include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "arbor/table/key_ranks.h"
-#include "arbor/table/secret_hash.h"
+#include "arbor/table/cells/key_ranks.h"
+#include "arbor/table/cells/secret_hash.h"
 
 namespace arbor::tree {
 

@@ -4,8 +4,8 @@
 //
 //   std::unordered_set<std::uint64_t, secret_hash> numbers;
 //   std::uint64_t hash = secret_hash()(text);
-#ifndef ARBOR_TABLE_SECRET_HASH_H
-#define ARBOR_TABLE_SECRET_HASH_H
+#ifndef ARBOR_TABLE_CELLS_SECRET_HASH_H
+#define ARBOR_TABLE_CELLS_SECRET_HASH_H
 
 #include <cstdint>
 

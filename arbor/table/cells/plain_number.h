@@ -4,8 +4,8 @@
 // A plain number and its text can each be made from the other; 1.50 and 1.5 are different ones. The
 // cells of a column can therefore be kept as numbers while they are plain: if a later cell is a
 // text, and the column becomes one of texts, the texts of the cells before it are still known.
-#ifndef ARBOR_TABLE_PLAIN_NUMBER_H
-#define ARBOR_TABLE_PLAIN_NUMBER_H
+#ifndef ARBOR_TABLE_CELLS_PLAIN_NUMBER_H
+#define ARBOR_TABLE_CELLS_PLAIN_NUMBER_H
 
 #include <cstdint>
 #include <limits>

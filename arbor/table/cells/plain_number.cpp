@@ -1,4 +1,4 @@
-#include "arbor/table/plain_number.h"
+#include "arbor/table/cells/plain_number.h"
 
 #include <algorithm>
 #include <charconv>

@@ -3,17 +3,17 @@
 //
 //   distinct_cells all = distinct_ones(cells, false);
 //   add_later(all, read_distinct_cells(bytes));   // of the rows after those
-#ifndef ARBOR_TABLE_DISTINCT_CELLS_H
-#define ARBOR_TABLE_DISTINCT_CELLS_H
+#ifndef ARBOR_TABLE_CELLS_DISTINCT_CELLS_H
+#define ARBOR_TABLE_CELLS_DISTINCT_CELLS_H
 
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <vector>
 
-#include "arbor/table/column_cells.h"
-#include "arbor/table/number_set.h"
-#include "arbor/table/text_dictionary.h"
+#include "arbor/table/cells/column_cells.h"
+#include "arbor/table/cells/number_set.h"
+#include "arbor/table/cells/text_dictionary.h"
 
 namespace arbor::tree {
 

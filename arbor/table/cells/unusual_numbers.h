@@ -2,14 +2,14 @@
 // in use: with "%", a currency, groups of digits or a decimal comma.
 //
 //   for (const number_form& form : unusual_forms(cells, "$1,234.50", options.numbers)) ...
-#ifndef ARBOR_TABLE_UNUSUAL_NUMBERS_H
-#define ARBOR_TABLE_UNUSUAL_NUMBERS_H
+#ifndef ARBOR_TABLE_CELLS_UNUSUAL_NUMBERS_H
+#define ARBOR_TABLE_CELLS_UNUSUAL_NUMBERS_H
 
 #include <string>
 #include <vector>
 
 #include "arbor/csv/number_form.h"
-#include "arbor/table/column_cells.h"
+#include "arbor/table/cells/column_cells.h"
 
 namespace arbor::tree {
 

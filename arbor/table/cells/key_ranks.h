@@ -2,14 +2,14 @@
 //
 //   cell_blocks<std::uint32_t> keys;   // of 7.5, the unknown value and 3
 //   std::vector<std::uint32_t> distinct = rank_keys(keys);   // keys are 2, 0, 1 now
-#ifndef ARBOR_TABLE_KEY_RANKS_H
-#define ARBOR_TABLE_KEY_RANKS_H
+#ifndef ARBOR_TABLE_CELLS_KEY_RANKS_H
+#define ARBOR_TABLE_CELLS_KEY_RANKS_H
 
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
-#include "arbor/table/cell_blocks.h"
+#include "arbor/table/cells/cell_blocks.h"
 
 namespace arbor::tree {
 

@@ -5,15 +5,15 @@
 //   for (int i : {3, 4, 9}) numbers.add(plain_integer(i));
 //   numbers.unite(others);
 //   numbers.for_each([](plain_number number) { ... });
-#ifndef ARBOR_TABLE_NUMBER_SET_H
-#define ARBOR_TABLE_NUMBER_SET_H
+#ifndef ARBOR_TABLE_CELLS_NUMBER_SET_H
+#define ARBOR_TABLE_CELLS_NUMBER_SET_H
 
 #include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
-#include "arbor/table/plain_number.h"
+#include "arbor/table/cells/plain_number.h"
 
 namespace arbor::tree {
 

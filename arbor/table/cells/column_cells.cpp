@@ -1,10 +1,10 @@
-#include "arbor/table/column_cells.h"
+#include "arbor/table/cells/column_cells.h"
 
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
-#include "arbor/table/distinct_cells.h"
+#include "arbor/table/cells/distinct_cells.h"
 #include "arbor/utils/number_text.h"
 
 namespace arbor::tree {

@@ -1,4 +1,4 @@
-#include "arbor/table/secret_hash.h"
+#include "arbor/table/cells/secret_hash.h"
 
 #include <unistd.h>
 

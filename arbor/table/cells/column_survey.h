@@ -2,15 +2,15 @@
 //
 //   const column_survey survey = surveyed(cells, cells.counts(), {});
 //   use(survey.data_type);   // "decimal"
-#ifndef ARBOR_TABLE_COLUMN_SURVEY_H
-#define ARBOR_TABLE_COLUMN_SURVEY_H
+#ifndef ARBOR_TABLE_CELLS_COLUMN_SURVEY_H
+#define ARBOR_TABLE_CELLS_COLUMN_SURVEY_H
 
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "arbor/csv/number_form.h"
-#include "arbor/table/column_cells.h"
+#include "arbor/table/cells/column_cells.h"
 #include "arbor/table/decimal_domain.h"
 
 namespace arbor::tree {

@@ -1,14 +1,14 @@
 // What becomes of the numbers of a file in a float column: counts the cells whose numbers are
 // rounded to others, and the distinct numbers that are lost because they are equal as float.
-#ifndef ARBOR_TABLE_FLOAT_MERGES_H
-#define ARBOR_TABLE_FLOAT_MERGES_H
+#ifndef ARBOR_TABLE_CELLS_FLOAT_MERGES_H
+#define ARBOR_TABLE_CELLS_FLOAT_MERGES_H
 
 #include <cstdint>
 #include <vector>
 
-#include "arbor/table/column_cells.h"
-#include "arbor/table/plain_number.h"
-#include "arbor/table/text_dictionary.h"
+#include "arbor/table/cells/column_cells.h"
+#include "arbor/table/cells/plain_number.h"
+#include "arbor/table/cells/text_dictionary.h"
 
 namespace arbor::tree {
 

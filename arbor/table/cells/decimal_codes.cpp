@@ -1,4 +1,4 @@
-#include "arbor/table/decimal_codes.h"
+#include "arbor/table/cells/decimal_codes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "arbor/table/key_ranks.h"
+#include "arbor/table/cells/key_ranks.h"
 
 namespace arbor::tree {
 

@@ -1,4 +1,4 @@
-#include "arbor/table/text_dictionary.h"
+#include "arbor/table/cells/text_dictionary.h"
 
 #include <cstring>
 
