@@ -123,48 +123,65 @@ def report(options, size, single, runs):
 
 
 def constants(options, runs):
+    """Seconds of processor time for a row, a distinct value, and a byte of a table in each process."""
     rows = options.rows
-    one = runs[min(runs)]
-    many = runs[max(runs)]
+    one, few, many = runs[min(runs)], runs[sorted(runs)[1]], runs[max(runs)]
+    distinct = sum(expected_values(values, rows) for values in DOMAINS.values())
+    few_processes = sorted(runs)[1]
+    table = ((many.phases["level 0"][0] - few.phases["level 0"][0]) / (max(runs) - few_processes)
+             / level_bytes(rows)[0]) if max(runs) > few_processes else 0.0
     return {
-        "read": one.seconds("reading", "domains", "start") / rows,
+        "read": one.seconds("reading", "start") / rows,
+        "domain": many.seconds("domains") / max(runs) / distinct,
         "grow": one.seconds("subtrees") / rows,
-        "level": many.phases["level 0"][0] / rows,  # tables that are rated and summed up come on top of the cases
-        "move": many.seconds("moving") / rows,
+        "level": few.phases["level 0"][0] / rows - few_processes * table * level_bytes(rows)[0] / rows,
+        "table": max(table, 0.0),
+        "move": few.seconds("moving") / rows,
     }
+
+
+def levels_of(processes):
+    """How many levels have nodes for all processes: branches are uneven, as measured with 4 and 8."""
+    return math.ceil(math.log2(processes)) + 3
+
+
+def work(cost, rows, processes):
+    """Processor seconds of all processes together, to load and to grow."""
+    distinct = sum(expected_values(values, rows) for values in DOMAINS.values())
+    load = rows * cost["read"] + processes * distinct * cost["domain"]
+    if processes == 1:
+        return load, rows * cost["grow"]
+    levels = levels_of(processes)
+    tables = sum(level_bytes(rows, 2 ** level)[0] for level in range(levels))
+    below = max(0.3 * cost["grow"], cost["grow"] - math.log2(processes) * cost["level"])
+    return load, (rows * (levels * cost["level"] * 0.7 + cost["move"] + below) +  # 0.7: some nodes have moved by then
+                  processes * tables * cost["table"])
 
 
 def predict(cost, rows, processes, gigabits):
     """Seconds to load and to grow, and the GB that a process sends."""
     bandwidth = gigabits * 1e9 / 8
     latency = 20e-6
-    share = rows / processes
-    domains = sum(min(values, rows) for values in DOMAINS.values())
     steps = math.ceil(math.log2(processes))
-    load = share * cost["read"] + 2 * steps * 3 * domains / bandwidth + domains * 1e-7
-    sent = 3 * domains * 2
-    levels = steps + 3  # branches are uneven: measured with 4 and 8 processes
-    growing = 0.0
-    for level in range(levels):
+    load, growing = (seconds / processes for seconds in work(cost, rows, processes))
+    cells = 10 / 64 * sum(DOMAINS.values())  # bytes: neighbouring numbers are sent as bits
+    load += 2 * steps * cells / bandwidth
+    sent = 2 * cells
+    for level in range(levels_of(processes)):
         nodes = 2 ** level
         tables, cases = level_bytes(rows, nodes)
-        growing += share * cost["level"]
         if rows / nodes > EXACT:  # float sums pass from process to process, attribute after attribute
             growing += (processes + ATTRIBUTES * nodes) * (tables / ATTRIBUTES / nodes / bandwidth + latency)
         else:
             growing += 2 * tables / bandwidth
-        growing += cases / processes / bandwidth * min(processes, ATTRIBUTES) + nodes * 8 * steps * latency
+        growing += cases / bandwidth + nodes * 10 * steps * latency
         sent += tables + cases / processes
-    moved = share * MOVED_BYTES
-    growing += 2 * moved / bandwidth + share * cost["move"]
-    deeper = max(0.0, cost["grow"] - levels * cost["level"] / 2)  # per row, on nodes that have moved
-    growing += share * deeper
-    return load, growing, (sent + moved) / 1e9
+    moved = rows / processes * MOVED_BYTES
+    return load, growing + 2 * moved / bandwidth, (sent + moved) / 1e9
 
 
 def print_predictions(cost):
-    print("\nconstants, ns of processor time for a row: " +
-          ", ".join(f"{name} {value * 1e9:.0f}" for name, value in cost.items()))
+    print("\nconstants in ns: " + ", ".join(f"{name} {value * 1e9:.3g}" for name, value in cost.items()))
     print("\npredicted          processes  Gbit/s  load s   grow s  GB sent by a process  GB of memory in each")
     for rows in (10 ** 9, 10 ** 10):
         for processes in (10, 100, 1000):
@@ -194,7 +211,11 @@ def main():
                             "--noise", "0.05"], check=True, stdout=out)
         single, runs = measure(options, table, folder)
         report(options, table.stat().st_size, single, runs)
-        print_predictions(constants(options, runs))
+        cost = constants(options, runs)
+        print("\nprocessor s to load and grow, expected and measured: " +
+              ", ".join(f"{processes} processes {sum(work(cost, options.rows, processes)):.2f} "
+                        f"{run.seconds() - run.seconds('evaluation'):.2f}" for processes, run in runs.items()))
+        print_predictions(cost)
 
 
 main()

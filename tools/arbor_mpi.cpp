@@ -2,7 +2,10 @@
 //
 // All processes run the same command. The first one alone prints and saves.
 
+#include <malloc.h>
+
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
@@ -88,6 +91,14 @@ int run(tree::process_group& group, int argc, const char* const* argv) {
   return failure;
 }
 
+// The tables of a node are as large as those of the next, and are all freed in between. To give
+// their memory back to the system each time, and to get it again, takes a twentieth of the time.
+void keep_freed_memory() {
+  constexpr int any_size = std::numeric_limits<int>::max();
+  mallopt(M_MMAP_THRESHOLD, any_size);
+  mallopt(M_TRIM_THRESHOLD, any_size);
+}
+
 }  // namespace
 
 const std::string_view program_name = "arbor-mpi";
@@ -99,6 +110,7 @@ void end_program(int status) noexcept {
 }  // namespace arbor::tools
 
 int main(int argc, char** argv) {
+  arbor::tools::keep_freed_memory();
   arbor::tree::process_group group(argc, argv);
   try {
     return arbor::tools::run(group, argc, argv);
