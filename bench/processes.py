@@ -17,7 +17,7 @@ import tempfile
 from collections import OrderedDict
 
 # Of the synthetic table: the number of distinct values of each attribute, at most, and the bytes of its code.
-DOMAINS = {"salary": 130001, "commission": 65002, "age": 61, "elevel": 5, "car": 20, "zipcode": 9, "hvalue": 1300001,
+DOMAINS = {"salary": 130001, "commission": 65002, "age": 61, "elevel": 5, "car": 20, "zipcode": 9, "hvalue": 625472,
            "hyears": 30, "loan": 500001}
 ATTRIBUTES = len(DOMAINS)
 CLASS_CODES = 3  # two classes, and the unknown one
