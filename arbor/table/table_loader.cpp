@@ -116,7 +116,7 @@ class loading {
     if (sharing == nullptr) return;
     std::vector<std::uint64_t> numbers{all.rows, all.rows_read, all.unclassed_rows,
                                        all.skipped_lines};
-    const std::size_t first = numbers.size();
+    const auto first = static_cast<std::ptrdiff_t>(numbers.size());
     for (const auto& loader : loaders) numbers.push_back(loader->has_numbers() ? 1 : 0);
     sharing->add_up(numbers);
     all = {
