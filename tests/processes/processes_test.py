@@ -125,6 +125,7 @@ def tables():
     result += [
         (write("unknown.csv", rows(600, 1, unknown_or_digit)), ["--kind", "w=ignore"]),
         (write("weights.csv", rows(600, 2, unknown_or_digit)), ["--weights", "w"]),
+        (write("whole.csv", rows(400, 10, digit)), ["--weights", "a0"]),
         (write("wide.csv", rows(30, 3, digit, 300)), []),
         (write("lines.csv", rows(100, 4, text_of_lines)), []),
         (write("few.csv", rows(3, 6, digit)), ["--min-weight", "1"]),
