@@ -13,6 +13,7 @@ namespace arbor::tools {
 program::program(const std::string& name, const char* description, const char* help)
     : app(description, name) {
   app.formatter(std::make_shared<help_format>());
+  app.require_subcommand(0, 1);
   app.set_version_flag("-V,--version", name + " " ARBOR_VERSION);
   app.footer(help + std::string("\n\n") + exit_status_help);
 }
