@@ -1,15 +1,30 @@
-# `cmake --install` gives a copy that find_package(arbor) finds: the library and the headers that explain it. The headers
-# of the measures' insides stay behind.
+# `cmake --install` gives a copy that find_package(arbor) and pkg-config find: the libraries and the headers that explain
+# them; what these do not include stays behind. A shared and a static copy may share a prefix.
 include(CMakePackageConfigHelpers)
 
-set_target_properties(arbor PROPERTIES EXPORT_NAME arbor)
-install(TARGETS arbor EXPORT arbor_targets)
-install(EXPORT arbor_targets FILE arbor-config.cmake NAMESPACE arbor:: DESTINATION lib/cmake/arbor)
-write_basic_package_version_file(arbor-config-version.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/arbor-config-version.cmake DESTINATION lib/cmake/arbor)
+set(form static)
+if(BUILD_SHARED_LIBS)
+  set(form shared)
+endif()
+file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+set(config ${CMAKE_INSTALL_LIBDIR}/cmake/arbor)
 
-install(DIRECTORY arbor/utils DESTINATION include/arbor FILES_MATCHING PATTERN "*.h")
-install(
-  FILES arbor/model/column.h arbor/model/column_bool.h arbor/model/column_typed.h arbor/model/o_set.h
-        arbor/model/o_set_typed.h arbor/model/options.h arbor/model/w_sequence.h arbor/model/weight_type.h
-  DESTINATION include/arbor/model)
+# A library, its headers, and the files that find it: arbor-COMPONENT-shared.cmake or -static.cmake, and NAME.pc.
+function(arbor_install component target name)
+  install(TARGETS ${target} EXPORT arbor_${component} FILE_SET HEADERS)
+  install(EXPORT arbor_${component} FILE arbor-${component}-${form}.cmake NAMESPACE arbor:: DESTINATION ${config})
+  configure_file(cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
+arbor_install(core arbor arbor)
+if(ARBOR_TREE)
+  arbor_install(tree arbor_tree arbor-tree)
+endif()
+
+configure_package_config_file(cmake/arbor-config.cmake.in ${PROJECT_BINARY_DIR}/arbor-config.cmake
+  INSTALL_DESTINATION ${config} NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/arbor-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/arbor-config.cmake ${PROJECT_BINARY_DIR}/arbor-config-version.cmake
+  DESTINATION ${config})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "arbor/csv/byte_source.h"
 #include "arbor/csv/table_error.h"
 
 namespace arbor::tree {

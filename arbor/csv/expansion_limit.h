@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "arbor/csv/byte_source.h"
-
 namespace arbor::tree {
+
+class byte_source;
 
 struct expansion_limit {
   // 0: the larger of 1 GiB and 100 times the bytes of the file that have been read. Tables that

@@ -92,6 +92,10 @@ class o_set : private strata::util::nocopy {
   bool is_dt_null() const { return type_name == "null"; }
   bool is_dt_numeric() const;  // "integer", "uinteger" or "float", not "double"
 
+  // Makes the domain, and every clone of it from now on, release its known values when it is
+  // destroyed. Otherwise they stay until the process ends, see o_set_typed.h.
+  void release_values_at_end() { releases_values = true; }
+
  protected:
   bool is_null(const char* value) const;
   void insert_null();
@@ -100,6 +104,7 @@ class o_set : private strata::util::nocopy {
 
   bool contains_null_ = false;
   bool admits_null_;
+  bool releases_values = false;
   std::unique_ptr<char[]> null_value;  // NUL-terminated
   std::string type_name;
 };

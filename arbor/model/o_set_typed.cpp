@@ -134,8 +134,8 @@ std::size_t position_of(const char* key, const std::vector<datatype<std::string>
   return static_cast<std::size_t>(found - values.begin());
 }
 
-// The one allocation that is never released. It has a function of its own so that a leak checker
-// can suppress it by name and nothing else.
+// The one allocation that is not always released. It has a function of its own so that a leak
+// checker can suppress it by name and nothing else.
 template <class T>
 [[gnu::noinline]] std::unique_ptr<std::vector<T>> make_unreleased_values() {
   return std::make_unique<std::vector<T>>();
@@ -152,6 +152,11 @@ template <class T>
 o_set_typed<T>::o_set_typed(const std::string& data_type, bool admits_null,
                             const std::string& null_text)
     : o_set(data_type, admits_null, null_text) {}
+
+template <class T>
+o_set_typed<T>::~o_set_typed() {
+  if (releases_values) delete known_values;
+}
 
 template <class T>
 const std::vector<T>& o_set_typed<T>::frozen_values() {
@@ -223,6 +228,7 @@ o_set* o_set_typed<T>::clone() {
   freeze();
   auto copy = std::make_unique<o_set_typed<T>>(type_name, admits_null_, get_null());
   copy->contains_null_ = contains_null_;
+  copy->releases_values = releases_values;
   if (known_values != nullptr) {
     std::unique_ptr<std::vector<T>> values = make_unreleased_values<T>();
     *values = *known_values;

@@ -27,11 +27,13 @@ namespace arbor::impls {
 //                       found.
 //
 // A frozen domain does not release its vector of known values when it is destroyed: by design that
-// vector lives as long as the process. (An insertion, which thaws the domain, does release it.)
+// vector lives as long as the process, unless release_values_at_end was called. (An insertion, which
+// thaws the domain, does release it.)
 template <class T>
 class o_set_typed : public o_set {
  public:
   o_set_typed(const std::string& data_type, bool admits_null, const std::string& null_text);
+  ~o_set_typed() override;
 
   void insert(const char* value) override;
   // Adds known values, as if the text of each was inserted in this order. Fastest into a domain

@@ -14,7 +14,7 @@
 #include "arbor/processes/moved_cases.h"
 #include "arbor/processes/node_words.h"
 #include "arbor/processes/shared_node.h"
-#include "arbor/tree/growing/grown_nodes.h"
+#include "arbor/tree/growing/growth.h"
 #include "arbor/tree/growing/local_node.h"
 #include "arbor/tree/growing/subtree.h"
 #include "arbor/tree/pruning.h"

@@ -7,6 +7,7 @@
 
 #include "arbor/processes/rating_by_cases.h"
 #include "arbor/processes/rating_by_tables.h"
+#include "arbor/tree/growing/rating_of_splits.h"
 
 namespace arbor::tree {
 

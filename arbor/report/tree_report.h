@@ -17,7 +17,10 @@
 namespace arbor::tree {
 
 // The depth that shows a tree of any size.
-constexpr std::size_t whole_depth = std::numeric_limits<std::size_t>::max();
+inline constexpr std::size_t whole_depth = std::numeric_limits<std::size_t>::max();
+
+// The width that names and values are shortened to where nothing asks for another one.
+inline constexpr std::size_t usual_width = 60;
 
 // How much of a tree is written.
 struct tree_excerpt {
@@ -42,8 +45,8 @@ tree_excerpt excerpt_of_lines(const decision_tree& tree, std::size_t lines);
 //   |   humidity > 70: no (3/1)
 //
 // Lines more than forty levels deep give their depth instead of being indented further.
-void write_tree_text(std::ostream& out, const decision_tree& tree, const tree_excerpt& excerpt,
-                     std::size_t width);
+void write_tree_text(std::ostream& out, const decision_tree& tree, const tree_excerpt& excerpt = {},
+                     std::size_t width = usual_width);
 
 // "17 nodes, 9 leaves, depth 4"
 std::string size_line(const decision_tree& tree);

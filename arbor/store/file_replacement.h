@@ -11,19 +11,9 @@
 #include <cstddef>
 #include <string>
 
-#include "arbor/csv/table_error.h"
+#include "arbor/store/ownership.h"
 
 namespace arbor::tree {
-
-// Whether the owner and the group of a file must be those of the file that replaces it, or may
-// become those of this process where the system does not allow that.
-enum class ownership { kept, may_change };
-
-// The new file cannot have the owner and the group of the present one, which must be kept.
-class ownership_error : public table_error {
- public:
-  using table_error::table_error;
-};
 
 // Until `commit` has returned, the present file stays as it is, whatever happens. The temporary
 // file in its folder, NAME.XXXXXX, is removed with this object, and also when a signal ends the

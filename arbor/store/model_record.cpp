@@ -25,6 +25,7 @@
 #include <string>
 #include <utility>
 
+#include "arbor/model/make_column.h"
 #include "arbor/store/model_check.h"
 #include "arbor/table/decimal_domain.h"
 #include "arbor/utils/ibinstream.h"
@@ -45,11 +46,9 @@ using strata::inpout::obinstream;
 constexpr unsigned int least_node_bytes = 5 * 4 + 5 + 4;
 
 std::unique_ptr<column> read_column_record(ibinstream& in) {
-  column* loaded = nullptr;
-  std::string error;
-  impls::read_column(in, loaded, error);
+  std::unique_ptr<column> loaded = impls::read_column(in);
   if (loaded == nullptr) throw std::runtime_error("it lacks a column");
-  return std::unique_ptr<column>(loaded);
+  return loaded;
 }
 
 void read_columns(ibinstream& in, decision_tree& tree) {
@@ -132,16 +131,8 @@ decimal_scale read_scale(ibinstream& in) {
 void put_on_scale(std::unique_ptr<column>& steps, const decimal_scale& scale) {
   impls::o_set& domain = *steps->get_o_set();
   check_scale(domain, scale);
-  auto decimals = std::make_unique<decimal_domain>(scale, domain);
-  std::string error;
-  std::unique_ptr<column> made(
-      column::NEW_COLUMN(decimals.get(), steps->get_name(), steps->get_type(), error));
-  if (made == nullptr) throw std::runtime_error(error);
-  decimals.release();  // the column has adopted it
-  // A domain that takes values releases those that it has.
-  static_cast<impls::o_set_typed<strata::data_types::datatype<unsigned int>>&>(domain)
-      .insert_values({});
-  steps = std::move(made);
+  steps = impls::make_column(std::make_unique<decimal_domain>(scale, domain), steps->get_name(),
+                             steps->get_type());
 }
 
 void read_scales(ibinstream& in, decision_tree& tree) {

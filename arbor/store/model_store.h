@@ -8,12 +8,12 @@
 #include <string>
 #include <string_view>
 
-#include "arbor/store/file_replacement.h"
+#include "arbor/store/ownership.h"
 #include "arbor/tree/decision_tree.h"
 
 namespace arbor::tree {
 
-// Replaces the file as a whole, as file_replacement says. Throws table_error, ownership_error as
+// Replaces the file as a whole, as file_replacement.h says. Throws table_error, ownership_error as
 // one of them, or std::bad_alloc; a file that was there is then unchanged. The same tree always
 // gives the same bytes.
 void save_model(const std::string& path, const decision_tree& tree,

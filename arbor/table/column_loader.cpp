@@ -12,6 +12,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/unknown_texts.h"
+#include "arbor/model/make_column.h"
 #include "arbor/table/cells/decimal_codes.h"
 #include "arbor/table/cells/float_merges.h"
 #include "arbor/table/cells/number_codes.h"
@@ -173,7 +174,7 @@ std::unique_ptr<decimal_scale> column_loader::scale_of_decimals() {
 // A domain without values.
 std::unique_ptr<impls::o_set> column_loader::new_domain(const std::string& null_text) const {
   if (survey.scale) return std::make_unique<decimal_domain>(*survey.scale, true, null_text);
-  return std::unique_ptr<impls::o_set>(impls::o_set::NEW_O_SET(survey.data_type, true, null_text));
+  return impls::make_domain(survey.data_type, true, null_text);
 }
 
 // The domain of the cells, whose keys become codes.

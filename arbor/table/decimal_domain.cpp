@@ -77,7 +77,9 @@ bool is_sound(const decimal_scale& scale, unsigned int greatest_step) {
 
 decimal_domain::decimal_domain(const decimal_scale& of_values, bool admits_null,
                                const std::string& null_text)
-    : step_domain("uinteger", admits_null, null_text), scale_(of_values) {}
+    : step_domain("uinteger", admits_null, null_text), scale_(of_values) {
+  release_values_at_end();
+}
 
 decimal_domain::decimal_domain(const decimal_scale& of_values, o_set& steps)
     : decimal_domain(of_values, steps.admits_null(), steps.get_null()) {

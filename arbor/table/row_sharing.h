@@ -7,12 +7,14 @@
 
 #include <cstdint>
 #include <exception>
+#include <string>
 #include <vector>
 
 #include "arbor/csv/csv_table.h"
 #include "arbor/csv/file_part.h"
 #include "arbor/model/w_sequence.h"
 #include "arbor/table/cells/distinct_cells.h"
+#include "arbor/table/table_loader.h"
 
 namespace arbor::tree {
 
@@ -37,6 +39,13 @@ class row_sharing {
   // The weight of the cases of all processes, added up like that of the cases of one.
   virtual float total_weight(const impls::w_sequence& cases) = 0;
 };
+
+// Reads the files as load_table does; called by all of the processes that load the table together.
+// Each gets the rows that `sharing` gives it; domains, remarks and total weight are those of the
+// whole table. Throws what `sharing` throws if loading fails in any process. `progress` is called
+// with the rows that this one has read.
+table load_table(const std::vector<std::string>& paths, const load_options& options,
+                 row_sharing& sharing);
 
 }  // namespace arbor::tree
 

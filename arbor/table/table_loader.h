@@ -26,8 +26,6 @@
 
 namespace arbor::tree {
 
-class row_sharing;
-
 struct load_options {
   input_options input;
   // Empty: the declared one, or else the last column but those of the weights and the identifiers.
@@ -85,16 +83,8 @@ const std::vector<std::string>& data_types();
 //
 // Throws table_error when a file cannot be read, is not such a table, or contradicts the options,
 // and std::bad_alloc when memory is short.
-table load_table(const std::vector<std::string>& paths, const load_options& options);
-
-// The same for one of several processes that load the table together, called by all of them. Each
-// gets the rows that `sharing` gives it; domains, remarks and total weight are those of the whole
-// table. Throws what `sharing` throws if loading fails in any process. `progress` is called with
-// the rows that this one has read.
-table load_table(const std::vector<std::string>& paths, const load_options& options,
-                 row_sharing& sharing);
-
-inline table load_table(const std::string& path, const load_options& options) {
+table load_table(const std::vector<std::string>& paths, const load_options& options = {});
+inline table load_table(const std::string& path, const load_options& options = {}) {
   return load_table(std::vector<std::string>{path}, options);
 }
 

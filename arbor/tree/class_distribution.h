@@ -22,7 +22,7 @@ namespace arbor::tree {
 
 // A value as a test compares it: of a continuous attribute a number, of a discrete one the code in
 // the tree's domain. The unknown value is not a number, and equals nothing.
-constexpr double unknown_value = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double unknown_value = std::numeric_limits<double>::quiet_NaN();
 
 // Which probabilities a leaf gives.
 enum class leaf_estimate {

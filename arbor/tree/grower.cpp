@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "arbor/tree/growing/grown_nodes.h"
+#include "arbor/tree/growing/growth.h"
 #include "arbor/tree/growing/local_node.h"
 #include "arbor/tree/growing/subtree.h"
 #include "arbor/tree/pruning.h"

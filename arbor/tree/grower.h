@@ -2,24 +2,20 @@
 //
 //   grow_options options;
 //   options.min_weight = 5;
-//   decision_tree tree = grow_tree(golf, golf.cases, options);
+//   decision_tree tree = grow_tree(golf, options);
 //
 // Top-down induction by gain ratio: J. R. Quinlan, "Induction of decision trees", Machine Learning
 // 1 (1986). test_choice.h describes which attribute a node tests, pruning.h which tests are kept.
 #ifndef ARBOR_TREE_GROWER_H
 #define ARBOR_TREE_GROWER_H
 
-#include <cstddef>
 #include <functional>
 #include <limits>
-#include <vector>
 
 #include "arbor/table/table.h"
 #include "arbor/tree/decision_tree.h"
 
 namespace arbor::tree {
-
-struct grown_nodes;
 
 struct grow_options {
   // The least weight of two branches of a discrete split, or of both sides of a threshold.
@@ -45,16 +41,10 @@ struct grow_options {
 decision_tree grow_tree(const table& training, const impls::w_sequence& cases,
                         const grow_options& options);
 
-// Makes the tree of nodes that were grown with these options, and pruned if these say so. `rows` is
-// the number of training cases; see to_tree for `occurring`.
-decision_tree finished_tree(const table& training, std::size_t rows, grown_nodes grown,
-                            const std::function<std::vector<bool>(std::size_t column)>& occurring,
-                            const grow_options& options);
-
-// The nodes of that tree before it is pruned, so that it can be pruned in several ways. prune (see
-// pruning.h) and to_tree (see grown_nodes.h) make the tree of them.
-grown_nodes grow_unpruned(const table& training, const impls::w_sequence& cases,
-                          const grow_options& options);
+// The same on all cases of the table.
+inline decision_tree grow_tree(const table& training, const grow_options& options = {}) {
+  return grow_tree(training, training.cases, options);
+}
 
 }  // namespace arbor::tree
 

@@ -6,6 +6,7 @@
 
 #include "arbor/table/decimal_domain.h"
 #include "arbor/table/value_text.h"
+#include "arbor/tree/growing/rating_of_splits.h"
 #include "arbor/tree/growing/test_choice.h"
 #include "arbor/tree/growing/threshold.h"
 

@@ -44,12 +44,6 @@ struct table_rating {
 // sides of a threshold.
 table_rating rate_attributes(const table& rated, const impls::w_sequence& cases, float min_weight);
 
-// The same from the splits of the attributes and the numbers of their unknown cells, which may come
-// from elsewhere; both in the order of the attributes.
-struct judged_split;
-table_rating rating_of_splits(const table& rated, const std::vector<judged_split>& splits,
-                              const std::vector<std::size_t>& unknown_cells);
-
 enum class rating_order { ratio, gain, name };
 
 // Sorts ratings for a reader: by name, or the greatest ratio or gain first and attributes without a

@@ -18,7 +18,7 @@
 namespace arbor::tree {
 
 // The name of the first column that is added to a table; more of them follow it if it is taken.
-constexpr const char* predicted_column = "predicted";
+inline constexpr const char* predicted_column = "predicted";
 
 struct classification_options {
   // The column of the actual classes, which the table must have. Empty: the column with the name of

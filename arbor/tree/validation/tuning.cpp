@@ -8,7 +8,7 @@
 
 #include "arbor/tree/classification.h"
 #include "arbor/tree/evaluation.h"
-#include "arbor/tree/growing/grown_nodes.h"
+#include "arbor/tree/growing/growth.h"
 #include "arbor/tree/pruning.h"
 #include "arbor/tree/validation/folds.h"
 #include "arbor/tree/validation/side_by_side.h"
