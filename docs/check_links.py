@@ -36,8 +36,7 @@ for path, page in pages.items():
             if loaded and parts.scheme != "data":
                 faults.append(f"{path}: loads {link}")
             continue
-        target = path if not parts.path else folder / parts.path[1:] if parts.path[0] == "/" else path.parent / parts.path
-        target = pathlib.Path(urllib.parse.unquote(str(target))).resolve()
+        target = (path.parent / urllib.parse.unquote(parts.path)).resolve() if parts.path else path
         if target.is_dir():
             target /= "index.html"
         anchor = urllib.parse.unquote(parts.fragment)

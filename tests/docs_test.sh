@@ -9,7 +9,19 @@ mkdir -p build
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-blocks() { awk -v start='```'"$1" '$0 == start { inside = 1; next } $0 == "```" && inside { inside = 0; print "\f" } inside' "$2"; }
+blocks() { # LANGUAGE PAGE; each ends with a form feed
+  awk -v start='```'"$1" '
+    $0 == start { inside = 1; next }
+    $0 == "```" && inside { inside = 0; print "\f" }
+    inside' "$2"
+}
+
+run_commands() {
+  sed -n 's/^\$ //p' | while IFS= read -r line; do
+    echo "\$ $line"
+    bash -c "${line//build\/program\/bin\/arbor/arbor}" 2>&1
+  done
+}
 
 is_example() {
   for example in examples/*.cpp; do cmp -s "$1" "$example" && return; done
@@ -22,10 +34,8 @@ for page in README.md docs/*.md; do
     rm -f "$block"
   done
 
-  diff <(blocks console "$page" | sed '/^\f$/d') <(blocks console "$page" | sed -n 's/^\$ //p' | while IFS= read -r line; do
-    echo "\$ $line"
-    bash -c "${line//build\/program\/bin\/arbor/arbor}" 2>&1
-  done) || { echo "^ $page"; exit 1; }
+  diff <(blocks console "$page" | sed '/^\f$/d') <(blocks console "$page" | run_commands) ||
+    { echo "^ $page"; exit 1; }
 
   [ -z "$module" ] || blocks python "$page" | tr -d '\f' | PYTHONPATH=$module /usr/bin/python3 -
 done

@@ -21,7 +21,8 @@ def words(text):
 
 
 def words_of_page(page):
-    made = subprocess.run(["groff", "-man", "-ww", "-Tascii", "-P-cbou", "-rLL=2000n", page], capture_output=True, text=True)
+    made = subprocess.run(
+        ["groff", "-man", "-ww", "-Tascii", "-P-cbou", "-rLL=2000n", page], capture_output=True, text=True)
     assert made.stderr == "", made.stderr
     text = "\n".join(made.stdout.strip().split("\n")[1:-1]).split("\nSEE ALSO\n")[0]
     text = re.sub(r"^\s*NAME\n +\S+ - (.*)\nSYNOPSIS\n", r"\1 Usage: ", text.replace("\n\n", "\n"))
@@ -61,14 +62,17 @@ class Shell:
 with tempfile.TemporaryDirectory() as folder:
     pathlib.Path(folder, "two words.csv").touch()
     shell = Shell(folder)
-    shell.typed(f"source {share.resolve()}/bash-completion/completions/arbor; arbor() {{ printf '<%s>' \"$@\"; echo; }}")
+    shell.typed(f"source {share.resolve()}/bash-completion/completions/arbor")
+    shell.typed("arbor() { printf '<%s>' \"$@\"; echo; }")
     for keys, arguments in [
             ("gr\t --mod\ttw\t", ["grow", "--model", "two words.csv"]),
             ("rate --format j\t--format=j\t", ["rate", "--format", "json", "--format=json"]),
             ("rate --kind a=dis\t--kind='a b'=ig\t--kind=c=co\t",
              ["rate", "--kind", "a=discrete", "--kind=a b=ignore", "--kind=c=continuous"]),
             ("classify --id tw\t", ["classify", "--id", "tw"]),
-            ("classify tw\t--strict tw\t-- tw\t", ["classify", "two words.csv", "--strict", "two words.csv", "--", "two words.csv"]),
+            ("classify tw\t--strict -- tw\t", ["classify", "two words.csv", "--strict", "--", "two words.csv"]),
+            ("show --force tw\t", ["show", "--force", "two words.csv"]),
             ("help va\t", ["help", "validate"]),
             ("-\tve\t", ["--version"])]:
-        assert "\n" + "".join(f"<{text}>" for text in arguments) + "\r\n" in (done := shell.typed("arbor " + keys)), done
+        printed = shell.typed("arbor " + keys)
+        assert "\n" + "".join(f"<{text}>" for text in arguments) + "\r\n" in printed, printed
