@@ -6,7 +6,6 @@
 
 #include <iostream>
 #include <limits>
-#include <memory>
 #include <new>
 #include <optional>
 #include <streambuf>
@@ -14,26 +13,13 @@
 #include "arbor/processes/agreement.h"
 #include "arbor/processes/process_group.h"
 #include "arbor/processes/statistics_report.h"
-#include "tools/classify_command.h"
-#include "tools/grow_command.h"
+#include "tools/arbor_mpi_program.h"
 #include "tools/many_processes.h"
 #include "tools/messages.h"
-#include "tools/program.h"
-#include "tools/rate_command.h"
 
 namespace arbor::tools {
 
 namespace {
-
-constexpr const char* program_help =
-    R"("arbor-mpi COMMAND --help" describes a command. Each takes the options of arbor,
-and prints and saves the same. The rows of a table are shared out among the
-processes, so that it need not fit into the memory of one machine.
-
-Examples:
-  mpirun -n 4 arbor-mpi grow big.csv --model big.model
-  mpirun -n 4 arbor-mpi rate part-*.csv --statistics
-  mpirun -n 4 arbor-mpi classify big.model new.csv --output predicted.csv)";
 
 class null_buffer : public std::streambuf {
  protected:
@@ -62,18 +48,9 @@ struct muted_streams {
 
 int run_command(tree::process_group& group, int argc, const char* const* argv) {
   const many_processes place(group);
-  program arbor_mpi("Decision trees from tables, grown by several processes.", program_help);
-  arbor_mpi.add(std::make_unique<rate_command>(arbor_mpi.parser(), place));
-  arbor_mpi.add(std::make_unique<grow_command>(arbor_mpi.parser(), place));
-  arbor_mpi.add(std::make_unique<classify_command>(arbor_mpi.parser(), place));
-  bool statistics = false;
-  for (CLI::App* command : arbor_mpi.parser().get_subcommands({})) {
-    command->add_flag("--statistics", statistics,
-                      "Print at the end, on standard error, how long each phase took in each "
-                      "process, and what it sent");
-  }
+  arbor_mpi_program arbor_mpi(place);
   const int status = arbor_mpi.run(argc, argv);
-  if (statistics) tree::write_statistics(std::cerr, group);
+  if (arbor_mpi.wants_statistics()) tree::write_statistics(std::cerr, group);
   return status;
 }
 

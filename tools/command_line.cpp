@@ -50,16 +50,7 @@ void refuse_unknown_option(const CLI::App& chosen, const std::vector<std::string
 void refuse_unknown_command(const CLI::App& app, const std::vector<std::string>& extras) {
   if (extras.empty())
     throw usage_error("no command; \"" + app.get_name() + " --help\" lists the commands");
-  throw usage_error("there is no command " + in_quotes(extras.front()) +
-                    did_you_mean(extras.front(), command_names(app)));
-}
-
-// Without memory the parser leaves out a part of its help and does not say so. A second attempt is
-// not cut off at the same place.
-std::string help_of(const CLI::App& app) {
-  std::string help = app.help();
-  if (help != app.help()) throw std::bad_alloc();
-  return help;
+  static_cast<void>(command_named(app, extras.front()));  // throws
 }
 
 // An unknown option is the likeliest cause of any other extra argument, so it is reported first.
@@ -77,13 +68,38 @@ void refuse_if(bool wrong, const std::string& message) {
   if (wrong) throw usage_error(message);
 }
 
+std::string full_name(const CLI::App& app) {
+  const CLI::App* const program = app.get_parent();
+  return program == nullptr ? app.get_name() : program->get_name() + " " + app.get_name();
+}
+
+const CLI::App& command_named(const CLI::App& app, const std::string& name) {
+  for (const CLI::App* command : app.get_subcommands({})) {
+    if (command->get_name() == name) return *command;
+  }
+  throw usage_error("there is no command " + in_quotes(name) +
+                    did_you_mean(name, command_names(app)));
+}
+
+// Without memory the parser leaves out a part of its help and does not say so. A second attempt is
+// not cut off at the same place.
+void print_help(const CLI::App& app) {
+  const auto make_help = [&] {
+    return app.get_formatter()->make_help(&app, full_name(app), CLI::AppFormatMode::Normal);
+  };
+  const std::string help = make_help();
+  if (help != make_help()) throw std::bad_alloc();
+  std::cout << help;
+}
+
 bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
   app.allow_extras();
   for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
-    std::cout << help_of(app);
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    print_help(chosen.empty() ? app : *chosen.front());
     return false;
   } catch (const CLI::Success& asked) {
     app.exit(asked, std::cout, std::cerr);
@@ -101,8 +117,7 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv) {
 command::command(CLI::App& app, const char* name, const char* description, const char* help)
     : parser(*app.add_subcommand(name, description)) {
   parser.group("Commands");
-  parser.footer(help + std::string("\n\nExit status: 0, or 2 after an error, which standard error "
-                                   "describes in one line."));
+  parser.footer(help + std::string("\n\n") + exit_status_help);
 }
 
 }  // namespace arbor::tools

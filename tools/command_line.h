@@ -17,6 +17,19 @@ class usage_error : public std::runtime_error {
 // Throws usage_error with the message if `wrong` is true.
 void refuse_if(bool wrong, const std::string& message);
 
+// The last words of every help.
+constexpr const char* exit_status_help =
+    "Exit status: 0, or 2 after an error, which standard error describes in one line.";
+
+// "arbor" or "arbor grow"
+std::string full_name(const CLI::App& app);
+
+// Throws usage_error if `app` has no such command, naming the nearest one.
+const CLI::App& command_named(const CLI::App& app, const std::string& name);
+
+// Prints the help of the program or of a command on standard output.
+void print_help(const CLI::App& app);
+
 // Parses the arguments into the options of `app` and its commands. Returns false when help or the
 // version was asked for; it has been printed on standard output then. Throws usage_error for an
 // unknown command or option, naming the nearest one, for too many arguments, and for an option
@@ -27,7 +40,9 @@ bool parse_command_line(CLI::App& app, int argc, const char* const* argv);
 class command {
  public:
   // Adds a command to `app`, which must outlive it. `description` is one line; `help` is shown
-  // below the options. Neither may be wider than 80 columns.
+  // below the options. Neither may be wider than 80 columns. The manual page has the same texts: a
+  // paragraph of `help` that begins with "Title: " becomes a section, and lines that are indented
+  // stay as they are.
   command(CLI::App& app, const char* name, const char* description, const char* help);
   virtual ~command() = default;
   command(const command&) = delete;

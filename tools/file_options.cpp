@@ -6,6 +6,7 @@
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
 #include "tools/command_line.h"
+#include "tools/offered_values.h"
 #include "tools/table_options.h"
 
 namespace arbor::tools {
@@ -70,14 +71,16 @@ tree::number_form number_form_of(const std::string& mark,
 
 void file_options::add_to(CLI::App& to) {
   parser = &to;
-  to.add_option("--input", format,
-                "The format of the files: csv, arff or names (default: by the ending of the name, "
-                ".arff, .names, .data or .test, else csv)")
+  offer(to.add_option("--input", format,
+                      "The format of the files: csv, arff or names (default: by the ending of the "
+                      "name, .arff, .names, .data or .test, else csv)"),
+        {"csv", "arff", "names"})
       ->type_name("FORMAT")
       ->group(group);
-  to.add_option("--delimiter", delimiter,
-                "The character between cells: comma, semicolon, tab, bar, space or another sign "
-                "(default: found from the first lines)")
+  offer(to.add_option("--delimiter", delimiter,
+                      "The character between cells: comma, semicolon, tab, bar, space or another "
+                      "sign (default: found from the first lines)"),
+        {"comma", "semicolon", "tab", "bar", "space"})
       ->type_name("CHAR")
       ->group(group);
   to.add_flag("--no-header", no_header,
@@ -118,7 +121,7 @@ void file_options::add_to(CLI::App& to) {
 tree::input_options file_options::chosen() const {
   tree::input_options options;
   const auto given = [&](const char* option) { return parser->count(option) > 0; };
-  if (given("--input")) tree::check_choice("--input: ", format, {"csv", "arff", "names"});
+  check_offered(*parser, "--input");
   options.format = format;
   if (given("--delimiter")) options.delimiter = delimiter_value(delimiter);
   options.has_names = !no_header;

@@ -10,11 +10,12 @@
 
 namespace arbor::tools {
 
-program::program(const char* description, const char* help)
-    : app(description, std::string(program_name)) {
+program::program(const std::string& name, const char* description, const char* help)
+    : app(description, name) {
   app.formatter(std::make_shared<help_format>());
-  app.set_version_flag("--version", std::string(program_name) + " " ARBOR_VERSION);
-  app.footer(help);
+  app.require_subcommand(0, 1);
+  app.set_version_flag("-V,--version", name + " " ARBOR_VERSION);
+  app.footer(help + std::string("\n\n") + exit_status_help);
 }
 
 int program::run(int argc, const char* const* argv) {

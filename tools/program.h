@@ -1,12 +1,13 @@
 // A program of several commands, and what differs between the programs that share them.
 //
-//   arbor::tools::program arbor("Decision trees from tables.", "Examples:\n  arbor rate golf.csv");
+//   arbor::tools::program arbor("arbor", "Decision trees from tables.", "Examples:\n  arbor rate golf.csv");
 //   arbor.add(std::make_unique<arbor::tools::show_command>(arbor.parser()));
 //   return arbor.run(argc, argv);
 #ifndef ARBOR_TOOLS_PROGRAM_H
 #define ARBOR_TOOLS_PROGRAM_H
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,8 +27,8 @@ extern const std::string_view program_name;
 
 class program {
  public:
-  // `description` is one line; `help` is shown below the commands.
-  program(const char* description, const char* help);
+  // `description` is one line; `help` is shown below the commands, and is as for a command.
+  program(const std::string& name, const char* description, const char* help);
 
   // To construct commands with.
   CLI::App& parser() { return app; }

@@ -1,7 +1,7 @@
 #include "tools/rate_command.h"
 
-#include "arbor/csv/message_text.h"
 #include "arbor/tree/rating.h"
+#include "tools/offered_values.h"
 #include "tools/output_file.h"
 #include "tools/print_ratings.h"
 #include "tools/thread_option.h"
@@ -48,10 +48,12 @@ rate_command::rate_command(CLI::App& app, const workplace& at)
                   "Minimum weight of both sides of a threshold, or of two branches of a discrete "
                   "split (default: 2)")
       ->type_name("W");
-  parser.add_option("--format", format, "text, csv or json (default: text)")->type_name("FORMAT");
-  parser
-      .add_option("--sort", sort,
-                  "Order of the attributes: by ratio, gain or name (default: ratio)")
+  offer(parser.add_option("--format", format, "text, csv or json (default: text)"),
+        {"text", "csv", "json"})
+      ->type_name("FORMAT");
+  offer(parser.add_option("--sort", sort,
+                          "Order of the attributes: by ratio, gain or name (default: ratio)"),
+        {"ratio", "gain", "name"})
       ->type_name("ORDER");
   add_threads(parser, threads);
   add_force(parser, "--save-types", force);
@@ -60,8 +62,8 @@ rate_command::rate_command(CLI::App& app, const workplace& at)
 void rate_command::run() {
   tree::load_options load;
   place.in_all([&] {
-    tree::check_choice("--format: ", format, {"text", "csv", "json"});
-    tree::check_choice("--sort: ", sort, {"ratio", "gain", "name"});
+    check_offered(parser, "--format");
+    check_offered(parser, "--sort");
     load = table.chosen();
   });
   load.threads = thread_count(threads);

@@ -3,7 +3,6 @@
 #include <iostream>
 #include <sstream>
 
-#include "arbor/csv/message_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/picture.h"
 #include "arbor/report/tree_graph.h"
@@ -15,6 +14,7 @@
 #include "arbor/tree/classification.h"
 #include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
+#include "tools/offered_values.h"
 #include "tools/one_machine.h"
 #include "tools/output_file.h"
 #include "tools/print_ratings.h"
@@ -52,10 +52,10 @@ void print_text(const tree::decision_tree& model, std::size_t depth) {
 show_command::show_command(CLI::App& app)
     : command(app, "show", "Show a saved tree as text, graph, JSON or picture", show_help) {
   parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
-  parser
-      .add_option(
-          "--format", format,
-          "text, dot (for Graphviz) or json; with --rate: text, csv or json (default: text)")
+  offer(parser.add_option(
+            "--format", format,
+            "text, dot (for Graphviz) or json; with --rate: text, csv or json (default: text)"),
+        {"text", "dot", "json", "csv"})
       ->type_name("FORMAT");
   parser.add_option("--depth", depth, "How many levels of tests to show (default: all)")
       ->type_name("N");
@@ -82,7 +82,7 @@ show_command::show_command(CLI::App& app)
 }
 
 void show_command::run() {
-  tree::check_choice("--format: ", format, {"text", "dot", "json", "csv"});
+  check_offered(parser, "--format");
   const std::size_t shown_depth = depth.empty() ? tree::whole_depth : whole_value("--depth", depth);
   check_combination();
   const tree::decision_tree model = tree::load_model(model_path);

@@ -14,6 +14,7 @@
 #include "arbor/utils/string_util.h"
 #include "tools/command_line.h"
 #include "tools/messages.h"
+#include "tools/offered_values.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
 #include "tools/terminal.h"
@@ -131,9 +132,10 @@ void table_options::add_to(CLI::App& to) {
   to.add_flag("--skip-unknown-class", skips_unknown_class,
               "Leave out the rows whose class is unknown")
       ->group(column_group);
-  to.add_option("--type", types,
-                "A column's data type: integer, uinteger, decimal, float, double or string; "
-                "repeatable")
+  offer(to.add_option("--type", types,
+                      "A column's data type: integer, uinteger, decimal, float, double or string; "
+                      "repeatable"),
+        {"integer", "uinteger", "decimal", "float", "double", "string"})
       ->type_name("NAME=TYPE")
       ->take_all()
       ->allow_extra_args(false)
@@ -153,7 +155,9 @@ void table_options::add_to(CLI::App& to) {
 }
 
 void table_options::add_kinds_to(CLI::App& to) {
-  to.add_option("--kind", kinds, "An attribute's kind: discrete, continuous or ignore; repeatable")
+  offer(to.add_option("--kind", kinds,
+                      "An attribute's kind: discrete, continuous or ignore; repeatable"),
+        {"discrete", "continuous", "ignore"})
       ->type_name("NAME=KIND")
       ->take_all()
       ->allow_extra_args(false)

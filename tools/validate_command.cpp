@@ -10,6 +10,7 @@
 #include "arbor/report/rating_report.h"
 #include "arbor/report/validation_json.h"
 #include "arbor/report/validation_report.h"
+#include "tools/offered_values.h"
 #include "tools/one_machine.h"
 #include "tools/output_file.h"
 #include "tools/progress_line.h"
@@ -72,14 +73,15 @@ validate_command::validate_command(CLI::App& app)
   parser.add_flag("--importance", importance,
                   "Also print how much worse the predictions are when the values of an attribute "
                   "are permuted among the rows of a fold");
-  parser
-      .add_option("--format", format, "text, json, or csv with a row for each fold (default: text)")
+  offer(parser.add_option("--format", format,
+                          "text, json, or csv with a row for each fold (default: text)"),
+        {"text", "csv", "json"})
       ->type_name("FORMAT");
   add_force(parser, "--save-types", force);
 }
 
 void validate_command::run() {
-  tree::check_choice("--format: ", format, {"text", "csv", "json"});
+  check_offered(parser, "--format");
   tree::load_options load = table.chosen();
   const tree::validation_options options = chosen_options();
   load.threads = options.grow.threads;

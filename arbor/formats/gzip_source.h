@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "arbor/csv/byte_source.h"
 #include "arbor/csv/expansion_limit.h"
 
 namespace arbor::tree {
