@@ -9,6 +9,7 @@ installed=$work/installed
 
 cmake --install "$build" --prefix "$installed" >/dev/null
 cp examples/*.cpp "$work"
+sed 's/"85"/"8O"/' examples/rate_a_split.cpp >"$work/wrong_number.cpp"
 ln -s "$PWD/data" "$work/data"
 sources=$PWD
 cd "$work"
@@ -22,6 +23,9 @@ run_consumers() { # FOLDER
   "$1/rate_a_split" | grep -q '^gain 0.6541'
   "$1/grow_and_classify" | grep -q 'errors on the 14 training cases: 0'
   rm golf.model
+  local status=0
+  "$1/wrong_number" 2>error || status=$?
+  [ "$status: $(cat error)" = "2: 8O: _not an int" ] || { cat error; return 1; }
 }
 
 echo "== find_package, $form"
@@ -32,6 +36,8 @@ find_package(arbor 0.1 REQUIRED COMPONENTS core tree)
 add_executable(rate_a_split rate_a_split.cpp)
 target_compile_options(rate_a_split PRIVATE "SHELL:-include arbor/model/column_typed.h")
 target_link_libraries(rate_a_split PRIVATE arbor::arbor)
+add_executable(wrong_number wrong_number.cpp)
+target_link_libraries(wrong_number PRIVATE arbor::arbor)
 add_executable(grow_and_classify grow_and_classify.cpp)
 target_link_libraries(grow_and_classify PRIVATE arbor::tree)
 END
@@ -44,7 +50,7 @@ export PKG_CONFIG_PATH=$installed/lib/pkgconfig
 mkdir packaged
 static=()
 [ "$form" = shared ] || static=(--static)
-for example in rate_a_split:arbor grow_and_classify:arbor-tree; do
+for example in rate_a_split:arbor wrong_number:arbor grow_and_classify:arbor-tree; do
   # shellcheck disable=SC2046,SC2086  # lists of options
   c++ -std=c++17 $flags "${example%:*}.cpp" -o "packaged/${example%:*}" \
     $(pkg-config --cflags --libs "${static[@]}" "${example#*:}")

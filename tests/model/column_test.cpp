@@ -1,8 +1,9 @@
 #include "arbor/model/column.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "arbor/model/extract_rows.h"
+#include "arbor/model/make_column.h"
 #include "arbor/model/o_set_typed.h"
 #include "tests/support/oracle.h"
 
@@ -114,7 +115,11 @@ TEST(NewColumn, TakesTheNarrowestStorageThatHoldsTheCodesOrSaysWhyThereIsNone) {
     const std::unique_ptr<column> c(column::NEW_COLUMN(domain.get(), "x", kind, error));
     EXPECT_EQ(c == nullptr ? error : storage_of(*c) + error, answer) << line;
     EXPECT_EQ(domain->get_datatype(), data_type);
-    if (c == nullptr) continue;
+    if (c == nullptr) {
+      EXPECT_THAT([&] { arbor::impls::make_column(std::move(domain), "x", kind); },
+                  testing::ThrowsMessage<std::runtime_error>(answer));
+      continue;
+    }
     EXPECT_EQ(c->get_o_set(), domain.release());
     EXPECT_EQ(c->get_type() + c->get_name() + std::to_string(c->size()), kind + "x0");
   }
