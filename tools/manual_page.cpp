@@ -152,7 +152,8 @@ std::string page_name(const CLI::App& app) {
 
 std::string manual_page(const CLI::App& app, const std::string& version) {
   const page_format format;
-  std::string description, sections;
+  std::string description;
+  std::string sections;
   for (const std::string& paragraph : paragraphs(app.get_footer())) {
     const std::size_t title = title_size(paragraph);
     if (title == 0) {
