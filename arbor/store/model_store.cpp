@@ -18,6 +18,7 @@
 #include "arbor/csv/input_file.h"
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
+#include "arbor/store/file_replacement.h"
 #include "arbor/store/model_record.h"
 #include "arbor/utils/ibinstream.h"
 #include "arbor/utils/memory_device.h"
