@@ -8,7 +8,7 @@
 
 namespace arbor::tree {
 
-// Writes one object {"class", "classes": [text], "origin": {"table", "rows", "min_weight",
+// Writes one object {"format", "version", "class", "classes": [text], "origin": {"table", "rows", "min_weight",
 // "max_depth", "confidence"}, "attributes": [{"name", "kind", "type", "importance"}], "nodes":
 // [{"node", "weights": [number by class], "class", "parent", "branch", "share", "attribute",
 // "threshold", "children": [node]}]}. The root is node 0. "class" of a node is the one that is

@@ -8,7 +8,7 @@
 
 namespace arbor::tree {
 
-// Writes one object {"table", "rows", "class", "options": {"folds", "repeats", "seed", "tune",
+// Writes one object {"format", "version", "table", "rows", "class", "options": {"folds", "repeats", "seed", "tune",
 // "min_weight", "max_depth", "confidence"}, "seconds", "cases", "accuracy", "accuracy_error",
 // "log_loss", "brier", "commonest_class_error", "leaves", "depth", "classes": [{"class", "cases",
 // "predicted", "precision", "recall", "f1"}], "confusion_matrix": [{"actual", "predicted",

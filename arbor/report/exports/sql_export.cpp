@@ -108,7 +108,7 @@ void write_known(std::ostream& out, const decision_tree& tree) {
   while (!open.empty()) close();
 }
 
-// Writes the rows of a table of constants: write_row(write_comma) for each of them.
+// Begins each row of a table of constants on a line of its own.
 class row_separator {
  public:
   explicit row_separator(std::ostream& to) : out(to) {}
@@ -123,8 +123,10 @@ class row_separator {
   bool is_first = true;
 };
 
+// For each test the child that a row takes, NULL for all of them. It is a table of its own: those
+// of constants are made once for all rows.
 void write_tests(std::ostream& out, const decision_tree& tree) {
-  out << "    test(node, next) AS (VALUES  -- the branch that the row takes; NULL for all of them";
+  out << "    test(number, next) AS (VALUES";
   row_separator rows(out);
   for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
     const tree_node& test = tree.nodes[i];
@@ -140,14 +142,14 @@ void write_tests(std::ostream& out, const decision_tree& tree) {
 
 void write_nodes(std::ostream& out, const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
-  out << "    node(number, parent, share, cases, above) AS (VALUES";
+  out << "    node(number, parent, share, cases, above, leaf) AS (VALUES";
   row_separator rows(out);
   for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
     const tree_node& node = tree.nodes[i];
-    rows.next() << fmt::format("({}, {}, {}, {}, {})", i,
-                               i == 0 ? "NULL" : std::to_string(parents[i]),
-                               double_text(static_cast<double>(node.share)),
-                               double_text(weigh(node).cases), i == 0 ? 0 : parent_weight);
+    rows.next() << fmt::format(
+        "({}, {}, {}, {}, {}, {})", i, i == 0 ? "NULL" : std::to_string(parents[i]),
+        double_text(static_cast<double>(node.share)), double_text(weigh(node).cases),
+        i == 0 ? 0 : parent_weight, node.is_leaf() ? 1 : 0);
   }
   out << "),\n    occurring(number, class, weight) AS (VALUES";
   row_separator weights(out);
@@ -164,14 +166,15 @@ void write_nodes(std::ostream& out, const decision_tree& tree) {
 
 // Down: the share of the row that comes to each node. Up: the part of it that the estimate of each
 // node has in the probabilities at the leaves.
-constexpr const char* shares = R"(    down(number, share) AS (
-      SELECT 0, CAST(1 AS DOUBLE PRECISION)
+constexpr const char* shares = R"(    down(number, share, leaf) AS (
+      SELECT 0, CAST(1 AS DOUBLE PRECISION), 0
       UNION ALL
-      SELECT node.number, down.share * CASE WHEN test.next IS NULL THEN node.share ELSE 1 END
-      FROM down JOIN test ON test.node = down.number JOIN node ON node.parent = down.number
+      SELECT node.number, down.share * CASE WHEN test.next IS NULL THEN node.share ELSE 1 END,
+             node.leaf
+      FROM down JOIN test ON test.number = down.number JOIN node ON node.parent = down.number
       WHERE test.next IS NULL OR test.next = node.number),
     up(number, share) AS (
-      SELECT number, share FROM down WHERE number NOT IN (SELECT node FROM test)
+      SELECT number, share FROM down WHERE leaf = 1
       UNION ALL
       SELECT node.parent, up.share * node.above / (node.cases + node.above)
       FROM up JOIN node ON node.number = up.number
