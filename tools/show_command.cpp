@@ -36,8 +36,8 @@ square brackets. --rate with --node N rates all attributes on those rows of a
 table that reach test N. Give options of the table as for growing;
 the model has the types and the kinds of the attributes that it tests.
 
-rules, sql, c, python and pmml are forms in which other programs can apply the
-tree, with the predictions of arbor classify; docs/exports.md shows each of them.
+The formats rules, sql, c, python and pmml are for people and programs that
+apply the tree without arbor; docs/exports.md shows each of them.
 
 Examples:
   arbor show golf.model
