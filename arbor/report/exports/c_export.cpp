@@ -125,8 +125,8 @@ std::string c_text(const std::string& text) {
 
 // The texts of a table. C99 promises to take literals of 4095 characters; longer ones are tables of
 // characters, which stand before it.
-void write_texts(std::ostream& out, const std::string& declared, const column& values,
-                 unsigned int count) {
+void write_texts(std::ostream& out, const char* storage, const std::string& declared,
+                 const column& values, unsigned int count) {
   constexpr std::size_t most = 4095;
   for (unsigned int code = 1; code <= count; ++code) {
     const std::string text = value_text(values, code);
@@ -138,7 +138,7 @@ void write_texts(std::ostream& out, const std::string& declared, const column& v
     }
     out << "'\\0'};\n";
   }
-  out << fmt::format("const char *const {}[{}] = {{\n", declared, count);
+  out << fmt::format("{}const char *const {}[{}] = {{\n", storage, declared, count);
   for (unsigned int code = 1; code <= count; ++code) {
     const std::string text = value_text(values, code);
     const bool is_long = text.size() > most;
@@ -332,19 +332,19 @@ void c_writer::write_declarations() {
 
 // The classes, and of each discrete attribute its values, by code.
 void c_writer::write_values() {
-  write_texts(out, name + "_classes", *tree.class_column,
+  write_texts(out, "", name + "_classes", *tree.class_column,
               static_cast<unsigned int>(tree.class_count()));
   for (std::size_t i = 0; i < tree.attributes.size(); ++i) {
     const column& attribute = *tree.attributes[i];
     if (attribute.is_continuous()) continue;
     const std::string table = fmt::format("{}_values_{}", name, i);
     const unsigned int count = attribute.get_o_set()->size_of_known();
-    out << "\n/* " << comment_text(in_quotes(attribute.get_name())) << " */\nstatic ";
+    out << "\n/* " << comment_text(in_quotes(attribute.get_name())) << " */\n";
     if (form_of(attribute) == value_form::text) {
-      write_texts(out, table, attribute, count);
+      write_texts(out, "static ", table, attribute, count);
       continue;
     }
-    out << fmt::format("const double {}[{}] = {{\n", table, count);
+    out << fmt::format("static const double {}[{}] = {{\n", table, count);
     for (unsigned int code = 1; code <= count; ++code)
       out << "  " << c_number(attribute, shortest_value(attribute, code)) << ",\n";
     out << "};\n";
