@@ -203,7 +203,7 @@ static int find_side(const struct @_node *test, double number) {
 }
 )";
 
-constexpr const char* predict = R"(
+constexpr const char* predict_in_c = R"(
 int predict_@(const struct @_case *values, double *probabilities, struct @_visit *work) {
   int visits = 1, predicted = 0, place, i;
   double greatest = 0, sum = 0;
@@ -439,7 +439,7 @@ void c_writer::write() {
   if (have_attribute([](const column& a) { return !a.is_continuous(); })) code(find_branch);
   if (have_attribute([](const column& a) { return a.is_continuous(); })) code(find_side);
   write_child();
-  code(predict);
+  code(predict_in_c);
 }
 
 }  // namespace

@@ -82,7 +82,7 @@ def _single_number(value):
 
 )";
 
-constexpr const char* predict = R"(
+constexpr const char* predict_in_python = R"(
 for _i, _node in enumerate(_NODES):
     if _node[1] is not None:
         _NODES[_i] = (_node[0], _ATTRIBUTES[_node[0]][1](_node[1])) + _node[2:]
@@ -198,7 +198,7 @@ void write_attributes(std::ostream& out, const decision_tree& tree) {
   }
 }
 
-void write_nodes(std::ostream& out, const decision_tree& tree) {
+void write_python_nodes(std::ostream& out, const decision_tree& tree) {
   out << "\n# By node: the attribute that is tested, the threshold, the first child and how many\n"
          "# there are, the branch of the parent and its share of the cases, the weight of the\n"
          "# training cases, and the classes among them with their weights.\n_NODES = [\n";
@@ -230,8 +230,8 @@ void write_python(std::ostream& out, const decision_tree& tree) {
   write_codes(out, *tree.class_column, static_cast<unsigned int>(tree.class_count()));
   out << "\n\n";
   write_attributes(out, tree);
-  write_nodes(out, tree);
-  write_code(out, predict);
+  write_python_nodes(out, tree);
+  write_code(out, predict_in_python);
 }
 
 }  // namespace arbor::tree

@@ -140,7 +140,7 @@ void write_tests(std::ostream& out, const decision_tree& tree) {
   out << "),\n";
 }
 
-void write_nodes(std::ostream& out, const decision_tree& tree) {
+void write_sql_nodes(std::ostream& out, const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
   out << "    node(number, parent, share, cases, above, leaf) AS (VALUES";
   row_separator rows(out);
@@ -213,7 +213,7 @@ void write_sql(std::ostream& out, const decision_tree& tree) {
   write_known(out, tree);
   out << "  ,\n  (WITH RECURSIVE\n";
   write_tests(out, tree);
-  write_nodes(out, tree);
+  write_sql_nodes(out, tree);
   out << shares << ")\n";
 }
 
