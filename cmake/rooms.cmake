@@ -17,7 +17,7 @@ target_link_libraries(arbor_tree
   PUBLIC arbor::arbor
   PRIVATE ${CSV_LIBRARY} ${UTF8PROC_LIBRARY} fmt::fmt nlohmann_json::nlohmann_json Threads::Threads
     ZLIB::ZLIB ${ZSTD_LIBRARY} arbor_numerics)
-foreach(room csv formats table tree store report)
+foreach(room csv formats table tree store report report/page)
   add_subdirectory(arbor/${room})
 endforeach()
 

@@ -12,6 +12,7 @@
 #include "tools/one_machine.h"
 #include "tools/program.h"
 #include "tools/rate_command.h"
+#include "tools/report_command.h"
 #include "tools/show_command.h"
 #include "tools/terminal.h"
 #include "tools/validate_command.h"
@@ -27,6 +28,7 @@ Examples:
   arbor grow golf.csv --model golf.model
   arbor validate golf.csv
   arbor show golf.model
+  arbor report golf.model golf.csv --output golf.html
   arbor classify golf.model tomorrow.csv)";
 
 int run(int argc, const char* const* argv) {
@@ -37,6 +39,7 @@ int run(int argc, const char* const* argv) {
   arbor.add(std::make_unique<grow_command>(arbor.parser(), place));
   arbor.add(std::make_unique<validate_command>(arbor.parser()));
   arbor.add(std::make_unique<show_command>(arbor.parser()));
+  arbor.add(std::make_unique<report_command>(arbor.parser()));
   arbor.add(std::make_unique<classify_command>(arbor.parser(), place));
   return arbor.run(argc, argv);
 }
