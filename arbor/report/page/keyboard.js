@@ -30,7 +30,7 @@ function listenToKeys() {
       goTo(node, true);
     } else if (key === "+" || key === "=") zoomBy(1.25);
     else if (key === "-") zoomBy(0.8);
-    else if (key === "0") fit();
+    else if (key === "0") fit(farScale);
     else return false;
     return true;
   };

@@ -7,6 +7,7 @@ const cardWidth = 190;
 const cardHeight = 60;
 const leastScale = 0.2;
 const mostScale = 2;
+const readableScale = 0.72;
 const farScale = 0.45;  // below it, texts are too small to be read
 
 const isOpen = new Uint8Array(nodeCount);
@@ -251,13 +252,13 @@ function zoomBy(factor, x, y) {  // around a point of the picture, or its middle
   drawSoon();
 }
 
-// Shows all that is unfolded or, if that would be too small, what is around the root.
-function fit() {
+// Shows all that is unfolded or, if that would be smaller than `least`, what is around the root.
+function fit(least) {
   const {width, height} = pictureSize();
   const margin = 28;
   const treeWidth = (levels.length - 1) * columnWidth + cardWidth + 30;
   const treeHeight = extent.bottom - extent.top;
-  view.scale = Math.min(Math.max(Math.min((width - 2 * margin) / treeWidth, (height - 2 * margin) / treeHeight), farScale), 1);
+  view.scale = Math.min(Math.max(Math.min((width - 2 * margin) / treeWidth, (height - 2 * margin) / treeHeight), least), 1);
   const fitsX = treeWidth * view.scale <= width;
   const fitsY = treeHeight * view.scale <= height;
   view.x = fitsX ? (treeWidth - width / view.scale) / 2 : -margin / view.scale;
@@ -299,12 +300,12 @@ function setAllOpen(open) {
   for (let node = 0; node < nodeCount; ++node) isOpen[node] = open && !isLeaf(node) ? 1 : 0;
   layOut();
   if (places[selected] < 0) select(0);
-  fit();
+  fit(farScale);
 }
 
 // Unfolds whole levels while they fit into a first look; some root may have more branches.
 function openFirstLevels() {
-  const most = 40;
+  const most = 24;
   const atDepth = [];
   for (let node = 0; node < nodeCount; ++node) atDepth[depths[node]] = (atDepth[depths[node]] ?? 0) + 1;
   let depth = Math.min(1, atDepth.length - 1);
@@ -337,7 +338,10 @@ function select(node) {
 function goTo(node, focus) {
   const jumps = openPathTo(node) || !cards.has(node);
   select(node);
-  if (jumps) bringToMiddle(node);
+  if (jumps) {
+    view.scale = Math.max(view.scale, readableScale);
+    bringToMiddle(node);
+  }
   bringIntoSight(node);
   redraw();
   if (focus) cards.get(node).focus({preventScroll: true});

@@ -44,7 +44,7 @@ function start() {
   showTables();
   openFirstLevels();
   select(0);
-  fit();
+  fit(readableScale);
   listenToPointers();
   listenToKeys();
   listenToSearch();
@@ -54,7 +54,7 @@ function start() {
   byId("fold").addEventListener("click", () => setAllOpen(false));
   byId("zoom-in").addEventListener("click", () => zoomBy(1.25));
   byId("zoom-out").addEventListener("click", () => zoomBy(0.8));
-  byId("fit").addEventListener("click", fit);
+  byId("fit").addEventListener("click", () => fit(farScale));
   addEventListener("hashchange", goToHash);
   goToHash();
 }

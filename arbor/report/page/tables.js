@@ -48,20 +48,20 @@ function showConfusion({matrix, classes}) {
     head.append(cell);
   }
   const body = element("tbody");
-  const narrow = size > 12 ? "narrow" : "";
   cells.forEach((row, actual) => {
     const sum = row.reduce((a, b) => a + b, 0);
     const line = element("tr", "", nameCell(title(actual), ""));
     row.forEach((weight, predicted) => {
-      const cell = element("td", weight === 0 ? narrow + " none" : narrow, weight === 0 ? "0" : weightText(weight));
+      const cell = element("td", weight === 0 ? "none" : "", weight === 0 ? "0" : weightText(weight));
       if (weight > 0) heat(cell, weight / sum, actual === predicted);
       cell.title = `${shortened(title(actual))} predicted as ${shortened(title(predicted))}: ${weightText(weight)}`;
       line.append(cell);
     });
     body.append(line);
   });
+  byId("confusion").classList.toggle("upright", size > 6);
   byId("confusion").replaceChildren(element("thead", "", head), body);
-  byId("confusion-note").textContent = "The darker a cell, the larger its share of the actual class." +
+  byId("confusion-note").textContent = "The stronger its colour, the larger a cell's share of the actual class." +
     (others > 0 ? ` The ${wholeNumber.format(shown.length)} heaviest classes have a row each; among the others,` +
       ` ${weightText(wrongAmongOthers)} are taken for one another.` : "");
 }
