@@ -55,8 +55,9 @@ function measure(share) {
   return element("span", "measure", bar);
 }
 
-// Fills the body of a table with the first rows, and the others when that is asked for.
-function fillTable(table, head, rows, make, first) {
+// Fills the body of a table with about the first `few` rows, and the others when that is asked for.
+function fillTable(table, head, rows, make, few) {
+  const first = rows.length <= 1.5 * few ? rows.length : few;
   const body = element("tbody");
   body.append(...rows.slice(0, first).map(make));
   table.replaceChildren(head, body);

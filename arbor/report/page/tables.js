@@ -13,6 +13,8 @@ function showFigures({name, rows, total, errors, accuracy, accuracy_error, log_l
   byId("quality-of").append(named(name), `, ${count(rows, "row")}` +
     (total === rows ? "" : ` of weight ${weightText(total)}`) +
     `. Always predicting the commonest class would be right for ${percent(1 - commonest_class_error)}.`);
+  if (model.origin?.table === name && model.origin.rows === rows)
+    byId("quality-of").append(" The tree was grown on these rows; it predicts new ones less well.");
   byId("quality-figures").append(
     figure("accuracy", percent(accuracy, 2), `\u00b1 ${percent(accuracy_error, 2)}`),
     figure("errors", weightText(errors), `of ${weightText(total)}`),
