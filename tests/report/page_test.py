@@ -108,6 +108,19 @@ class Page:
         check(accuracy == f"{100 * right / len(rows):.2f}%", accuracy)
 
 
+def check_policy(browser):
+    """Whatever came into the page, it could not run, nor load or send anything."""
+    browser.run("""
+        const script = document.createElement('script');
+        script.textContent = 'window.__hit = 1';
+        document.body.append(script);
+        document.body.insertAdjacentHTML('beforeend', '<img src=x onerror="window.__hit=2"><style>body{color:red}</style>');
+        fetch('http://127.0.0.1:9/').catch(() => { window.refused = true; });""")
+    wait_for(browser, "window.refused")
+    check(browser.run("return window.__hit === undefined && getComputedStyle(document.body).color !== 'rgb(255, 0, 0)'"),
+          "the content security policy does not hold")
+
+
 def wait_for(browser, condition):
     deadline = time.monotonic() + 20
     while not browser.run(f"return {condition}"):
@@ -203,6 +216,7 @@ def main():
             check(shown(name)[:30] in text, repr(name), "is not shown literally")
         check(browser.run("return document.querySelector('h1').textContent") == HOSTILE[2], "the class has another name")
         hostile.check_quiet()
+        check_policy(browser)
         large = Page(folder, browser, "large", many_rows(), ["--no-pruning", "--min-weight", "1"])
         check_large(large)
         large.check_quiet()

@@ -45,7 +45,7 @@ function showLegend() {
   const others = nodes.sizes[0] - heaviestClasses.length;
   if (others > 0) {
     byId("legend").append(element("li", "", element("i", "swatch " + othersColour),
-      count(others, "other class", "other classes"),
+      named(count(others, "other class", "other classes")),
       element("span", "share", percent(weights[ownColours] / nodeWeights[0]))));
   }
 }

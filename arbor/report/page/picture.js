@@ -7,7 +7,7 @@ const cardWidth = 190;
 const cardHeight = 60;
 const leastScale = 0.2;
 const mostScale = 2;
-const readableScale = 0.72;
+const readableScale = 0.7;
 const farScale = 0.45;  // below it, texts are too small to be read
 
 const isOpen = new Uint8Array(nodeCount);
@@ -151,15 +151,16 @@ function makeCard(node) {
   card.setAttribute("aria-level", depths[node] + 1);
   card.setAttribute("aria-setsize", node === 0 ? 1 : nodes.count[parents[node]]);
   card.setAttribute("aria-posinset", node === 0 ? 1 : node - nodes.first[parents[node]] + 1);
-  const branch = element("bdi", "branch");
+  const branch = element("div", "line branch");
   if (node === 0) {
-    branch.textContent = "all cases";
+    branch.append("all cases");
   } else {
     const {sign, value} = branchOf(node);
-    branch.textContent = `${{"<=": "\u2264", ">": ">", "=": "="}[sign]} ${shortened(value, 40)}`;
+    branch.append(element("span", "", sign.replace("<=", "\u2264")), named(value));
     branch.title = shortened(conditionText(node), 2000);
   }
-  card.append(element("div", "line", branch, element("span", "weight", weightText(nodeWeights[node]))));
+  branch.append(element("span", "weight", weightText(nodeWeights[node])));
+  card.append(branch);
   const what = element("div", "line what");
   if (isLeaf(node)) what.append(swatch(nodes.predicted[node]), named(className(nodes.predicted[node])));
   else what.append(named(testedAttribute(node).name + " ?"));
@@ -255,7 +256,7 @@ function zoomBy(factor, x, y) {  // around a point of the picture, or its middle
 // Shows all that is unfolded or, if that would be smaller than `least`, what is around the root.
 function fit(least) {
   const {width, height} = pictureSize();
-  const margin = 28;
+  const margin = width < 600 ? 10 : 28;
   const treeWidth = (levels.length - 1) * columnWidth + cardWidth + 30;
   const treeHeight = extent.bottom - extent.top;
   view.scale = Math.min(Math.max(Math.min((width - 2 * margin) / treeWidth, (height - 2 * margin) / treeHeight), least), 1);

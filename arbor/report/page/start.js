@@ -38,7 +38,7 @@ function goToHash() {
 }
 
 function start() {
-  document.querySelector("main").hidden = false;
+  for (const part of ["header", "main"]) document.querySelector(part).hidden = false;
   showHeader();
   showLegend();
   showTables();
