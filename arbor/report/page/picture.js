@@ -357,6 +357,10 @@ function listenToPointers() {
     const [a, b] = [...pointers.values()];
     return {distance: Math.hypot(a.x - b.x, a.y - b.y), x: (a.x + b.x) / 2, y: (a.y + b.y) / 2};
   };
+  const release = (event) => {
+    pointers.delete(event.pointerId);
+    picture.classList.remove("dragged");
+  };
   picture.addEventListener("pointerdown", (event) => {
     if (event.button !== 0) return;
     if (pointers.size === 0) travelled = 0;
@@ -364,7 +368,8 @@ function listenToPointers() {
   });
   picture.addEventListener("pointermove", (event) => {
     const last = pointers.get(event.pointerId);
-    if (!last || pointers.size > 2) return;
+    if (last && event.buttons === 0) release(event);  // it was let go elsewhere
+    if (!last || event.buttons === 0 || pointers.size > 2) return;
     const now = {x: event.clientX, y: event.clientY};
     if (pointers.size === 2) {
       const before = spread();
@@ -383,10 +388,6 @@ function listenToPointers() {
     moveBy(last.x - now.x, last.y - now.y);
     pointers.set(event.pointerId, now);
   });
-  const release = (event) => {
-    pointers.delete(event.pointerId);
-    picture.classList.remove("dragged");
-  };
   picture.addEventListener("pointerup", release);
   picture.addEventListener("pointercancel", release);
   picture.addEventListener("click", (event) => {

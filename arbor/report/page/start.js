@@ -56,6 +56,9 @@ function start() {
   byId("zoom-out").addEventListener("click", () => zoomBy(0.8));
   byId("fit").addEventListener("click", () => fit(farScale));
   addEventListener("hashchange", goToHash);
+  document.addEventListener("click", (event) => {  // a link to where the address already points
+    if (event.target.closest("a")?.hash === location.hash) goToHash();
+  });
   goToHash();
 }
 start();
