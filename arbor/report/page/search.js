@@ -11,7 +11,7 @@ function nodesThatMatch(text) {
   const matches = (candidate) => candidate.toLowerCase().includes(wanted);
   const classMatches = model.classes.map(matches);
   const nameMatches = model.attributes.map(({name}) => matches(name));
-  // Of each value of an attribute with few branches: whether its condition matches.
+  // By discrete attribute and value; other conditions are as many as nodes.
   const conditionMatches = model.attributes.map(({name, values}) => values.map((value) => matches(`${name} = ${value}`)));
   const branchMatches = (node) => {
     const attribute = nodes.attribute[parents[node]];
@@ -24,12 +24,6 @@ function nodesThatMatch(text) {
     const itself = isLeaf(node) ? classMatches[nodes.predicted[node]] : nameMatches[nodes.attribute[node]];
     if (itself || (node !== 0 && branchMatches(node))) result.push(node);
   });
-  // A whole condition with the name in it: "outlook = sunny".
-  if (result.length === 0 && /[=<>\u2264]/.test(wanted)) {
-    for (let node = 1; node < nodeCount; ++node) {
-      if (matches(conditionText(node))) result.push(node);
-    }
-  }
   return result;
 }
 
