@@ -31,7 +31,7 @@ class memory_loading {
     check_columns();
     for (const memory_column& column : from.columns) {
       loaders.push_back(std::make_unique<column_loader>(column_loader::settings{
-          column.name, kind_of(column), true, any_type, null_value, usual_numbers, nullptr}));
+          column.name, kind_of(column), false, any_type, null_value, usual_numbers, nullptr}));
     }
   }
 

@@ -28,7 +28,7 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
     prune : bool, default=True
         Whether tests whose branches are not expected to make fewer errors are replaced by leaves.
     confidence : float, default=0.1
-        Of pruning, from 0 to 1: the lower, the smaller the tree.
+        Of pruning, above 0 and up to 0.5: the lower, the smaller the tree.
     kinds : dict of str to {"discrete", "continuous", "ignore"}, default=None
         The kinds of some attributes, by name, where the values would give another one: numbers are continuous, texts
         discrete. The attributes of an array are called x0, x1 and so on.
@@ -125,8 +125,8 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         depth = MOST_DEPTH if self.max_depth is None else self.max_depth
         if not (isinstance(depth, (int, numpy.integer)) and 0 <= depth <= MOST_DEPTH):
             raise ValueError(f"max_depth: {depth!r} is neither None nor an integer from 0 to {MOST_DEPTH}")
-        if not 0 <= self.confidence <= 1:
-            raise ValueError(f"confidence: {self.confidence!r} is not a number from 0 to 1")
+        if not 0 < self.confidence <= 0.5:
+            raise ValueError(f"confidence: {self.confidence!r} is not above 0 and up to 0.5")
         return {"min_weight": _training.least_weight(self.min_weight), "max_depth": int(depth),
                 "prune": bool(self.prune), "confidence": float(self.confidence), "name": str(self.table_name),
                 "kinds": _training.kinds_by_name(self.kinds), "threads": _training.thread_count(self.n_jobs)}

@@ -51,8 +51,7 @@ def add_column(columns, name, values):
     if isinstance(dtype, numpy.dtype):
         return _add_array(columns, name, values.to_numpy() if isinstance(values, pandas.Series) else values)
     if types.is_categorical_dtype(dtype):
-        codes = values.cat.codes.to_numpy()
-        columns.add_texts(name, codes, _texts_of_categories(values.cat.categories, codes))
+        columns.add_texts(name, values.cat.codes.to_numpy(), _texts_of_categories(values.cat.categories))
     elif types.is_sparse(dtype):
         add_column(columns, name, values.sparse.to_dense())
     elif types.is_bool_dtype(dtype):
@@ -89,11 +88,9 @@ def _add_objects(columns, name, values):
     columns.add_objects(name, values, UNKNOWNS, types.is_scalar)
 
 
-def _texts_of_categories(categories, codes):
+def _texts_of_categories(categories):
     if types.infer_dtype(categories, skipna=False) == "string":
         return list(categories)
-    if types.is_integer_dtype(categories.dtype) and len(codes) and codes.min() < 0:
-        categories = categories.astype(numpy.float64)  # as a column of integers with unknown values is
     return _file_texts(categories.to_series()).tolist()
 
 
