@@ -270,6 +270,8 @@ PYBIND11_MODULE(_core, module) {
   py::register_exception_translator([](std::exception_ptr thrown) {
     try {
       if (thrown) std::rethrow_exception(thrown);
+    } catch (const py::builtin_exception& error) {
+      error.set_error();
     } catch (const std::runtime_error& error) {
       PyErr_SetString(PyExc_ValueError, error.what());
     }
