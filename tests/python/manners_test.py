@@ -119,7 +119,6 @@ def test_refusals_name_the_column():
     with pytest.raises(ValueError, match="lacks columns that fit had: 'windy'"):
         ArborClassifier().fit(X, Y).predict(X.drop(columns="windy"))
     with pytest.raises(NotFittedError):
-        ArborClassifier().tree_
         ArborClassifier().predict(X)
 
 
