@@ -30,6 +30,7 @@ target_sources(arbor_tree PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR
   arbor/csv/number_form.h
   arbor/csv/table_error.h
   arbor/report/evaluation_report.h
+  arbor/report/page/page.h
   arbor/report/rating_report.h
   arbor/report/tree_graph.h
   arbor/report/tree_json.h
