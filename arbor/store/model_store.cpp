@@ -64,7 +64,9 @@ std::vector<unsigned char> read_file(input_file& file) {
 // Checks the head of a file's bytes and removes it; the record is left. Returns its version. Throws
 // std::runtime_error.
 unsigned int check_head(std::vector<unsigned char>& bytes) {
-  if (bytes.size() < magic.size()) throw std::runtime_error("not a model of arbor grow");
+  const bool is_model =
+      bytes.size() >= magic.size() && std::equal(magic.begin(), magic.end(), bytes.begin());
+  if (!is_model) throw std::runtime_error("not a model of arbor grow");
   if (bytes.size() < head_bytes) throw std::runtime_error("damaged: it ends too early");
   memory_device device({bytes.begin() + magic.size(), bytes.begin() + head_bytes});
   ibinstream in(device);
@@ -88,29 +90,37 @@ unsigned int check_head(std::vector<unsigned char>& bytes) {
 }  // namespace
 
 void save_model(const std::string& path, const decision_tree& tree, ownership of_new_file) {
-  const std::vector<unsigned char> record = model_record(tree);
-  const std::vector<unsigned char> head = head_of(record);
+  const std::vector<unsigned char> bytes = model_bytes(tree);
   file_replacement file(path, of_new_file);
-  file.write(head.data(), head.size());
-  file.write(record.data(), record.size());
+  file.write(bytes.data(), bytes.size());
   file.commit();
 }
 
 decision_tree load_model(const std::string& path) {
   input_file file(path);
-  std::vector<unsigned char> bytes = read_file(file);
+  return model_of(read_file(file), file.name());
+}
+
+std::vector<unsigned char> model_bytes(const decision_tree& tree) {
+  const std::vector<unsigned char> record = model_record(tree);
+  std::vector<unsigned char> bytes = head_of(record);
+  bytes.insert(bytes.end(), record.begin(), record.end());
+  return bytes;
+}
+
+decision_tree model_of(std::vector<unsigned char> bytes, const std::string& name) {
   unsigned int version = 0;
   try {
     version = check_head(bytes);
   } catch (const std::runtime_error& failure) {
-    throw table_error(file.name() + ": " + failure.what());
+    throw table_error(name + ": " + failure.what());
   }
   try {
     return read_model_record(std::move(bytes), version);
   } catch (const strata::util::no_storage&) {
     throw std::bad_alloc();  // no fault of the file
   } catch (const std::runtime_error& failure) {
-    throw table_error(file.name() + ": damaged: " + printable(failure.what()));
+    throw table_error(name + ": damaged: " + printable(failure.what()));
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "arbor/store/ownership.h"
 #include "arbor/tree/decision_tree.h"
@@ -24,6 +25,11 @@ void save_model(const std::string& path, const decision_tree& tree,
 // file. A tree that is returned is sound:
 // every index, code and number in it may be used without a check.
 decision_tree load_model(const std::string& path);
+
+// The bytes of the model file, and the tree of such bytes; `name` is what messages call them. The
+// exceptions are the same.
+std::vector<unsigned char> model_bytes(const decision_tree& tree);
+decision_tree model_of(std::vector<unsigned char> bytes, const std::string& name);
 
 // Whether a file with this beginning is a model, of any format version.
 bool begins_like_model(std::string_view beginning);

@@ -78,13 +78,29 @@ std::size_t column_loader::add(const csv_block& rows, std::size_t cell,
                                const unknown_texts& unknowns) {
   const unsigned int texts_before = cells.texts().size();
   cells.add(rows, cell, unknowns);
-  if (chosen.data_type.empty() && chosen.kind != "continuous") return rows.rows();
-  // Plain numbers are kept as such only if the column may have them, and any other text has to be
-  // read only once.
+  const unsigned int refused = refused_after(texts_before);
+  return refused == 0 ? rows.rows()
+                      : first_row_of(cells.texts().view(refused), rows, cell, unknowns);
+}
+
+std::optional<std::string> column_loader::add(memory_cells& source, std::size_t first,
+                                              std::size_t end) {
+  const unsigned int texts_before = cells.texts().size();
+  source.add_to(cells, first, end);
+  const unsigned int refused = refused_after(texts_before);
+  if (refused == 0) return std::nullopt;
+  return std::string(cells.texts().view(refused));
+}
+
+// The code of the first text after the first ones that the column may not have, 0 if there is none.
+// Plain numbers are kept as such only if the column may have them, and any other text has to be
+// read only once.
+unsigned int column_loader::refused_after(unsigned int texts_before) const {
+  if (chosen.data_type.empty() && chosen.kind != "continuous") return 0;
   for (unsigned int code = texts_before + 1; code <= cells.texts().size(); ++code) {
-    if (!take_text(code)) return first_row_of(cells.texts().view(code), rows, cell, unknowns);
+    if (!take_text(code)) return code;
   }
-  return rows.rows();
+  return 0;
 }
 
 // Whether a new text of the dictionary is what the column may have.

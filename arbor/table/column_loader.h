@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -17,6 +18,7 @@
 #include "arbor/table/cells/column_cells.h"
 #include "arbor/table/cells/column_survey.h"
 #include "arbor/table/cells/distinct_cells.h"
+#include "arbor/table/cells/memory_cells.h"
 #include "arbor/table/table.h"
 #include "arbor/table/text_remarks.h"
 
@@ -47,6 +49,10 @@ class column_loader {
   // chosen data type, no number in a column that was chosen to be continuous, or not one of the
   // declared values.
   std::size_t add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
+
+  // The same for rows of a column in memory, from `first` to before `end`. Returns the first text
+  // that is refused, if there is one.
+  std::optional<std::string> add(memory_cells& source, std::size_t first, std::size_t end);
 
   // What a text that add() has refused is not: "of the type ...".
   std::string what_is_expected(const std::string& refused) const;
@@ -83,6 +89,7 @@ class column_loader {
 
  private:
   void add_declared_values();
+  unsigned int refused_after(unsigned int texts_before) const;
   bool take_text(unsigned int code) const;
   std::uint64_t identity_of(const char* number) const;
   void find_near_numbers();

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <exception>
 #include <limits>
@@ -24,6 +23,7 @@
 #include "arbor/table/cells/cell_blocks.h"
 #include "arbor/table/column_loader.h"
 #include "arbor/table/row_sharing.h"
+#include "arbor/table/table_checks.h"
 #include "arbor/table/thread_pool.h"
 #include "arbor/table/value_text.h"
 #include "arbor/utils/no_storage.h"
@@ -86,7 +86,7 @@ class loading {
     result.name = file.name();
     result.class_index = class_cell;
     make_columns_and(result.cases);
-    result.remarks = remarks_on_columns();
+    result.remarks = remarks();
     for (const auto& loader : loaders) result.columns.push_back(loader->take(result.remarks));
     result.input_remarks = file.remarks(all.skipped_lines);
     if (all.unclassed_rows > 0) {
@@ -97,7 +97,11 @@ class loading {
     }
     result.total_weight =
         sharing == nullptr ? total_weight(result.cases) : sharing->total_weight(result.cases);
-    together(sharing, [&] { check_total(result.total_weight); });
+    together(sharing, [&] {
+      check_total_weight(
+          result.total_weight,
+          file.name() + ": column " + in_quotes(options.weights_name) + ": the weights");
+    });
     return result;
   }
 
@@ -123,25 +127,11 @@ class loading {
         numbers[0], numbers[1], numbers[2], numbers[3], {numbers.begin() + first, numbers.end()}};
   }
 
-  // Those that are made for all columns together.
-  std::vector<table_remark> remarks_on_columns() const {
-    std::vector<near_numbers> texts;
+  std::vector<table_remark> remarks() const {
     std::vector<std::uint64_t> rounded_cells;
-    for (const auto& loader : loaders) {
-      loader->add_near_numbers(texts);
-      rounded_cells.push_back(loader->rounded_cells());
-    }
+    for (const auto& loader : loaders) rounded_cells.push_back(loader->rounded_cells());
     if (sharing != nullptr) sharing->add_up(rounded_cells);
-    std::vector<std::string> rounded;
-    for (std::size_t cell = 0; cell < loaders.size(); ++cell) {
-      if (rounded_cells[cell] > 0) rounded.push_back(loaders[cell]->name());
-    }
-    std::vector<table_remark> remarks = remarks_on_texts(texts, file.unknowns().texts());
-    if (!rounded.empty()) {
-      remarks.push_back(remark_on_rounded(
-          rounded, std::accumulate(rounded_cells.begin(), rounded_cells.end(), std::size_t{0})));
-    }
-    return remarks;
+    return remarks_on_columns(loaders, rounded_cells, file.unknowns().texts());
   }
 
   std::string why_no_rows() const {
@@ -365,19 +355,6 @@ class loading {
       file.fail("more than 4294967295 rows");
     rows += static_cast<unsigned int>(block.cells.rows());
     for (const float weight : block.weights) weights.push_back(weight);
-  }
-
-  // Gain and split information are made of float sums of w log2 w. For weights that add up to S no
-  // such sum exceeds S log2 S, which for 2^120 is less than half of the greatest float.
-  void check_total(float total) const {
-    constexpr float most_total_weight = 0x1p120F;
-    if (total <= most_total_weight) return;
-    file.fail(
-        fmt::format("column {}: the weights add up to {}, and above {} the sums that make up a "
-                    "gain do not fit a float; divide all weights by the same number",
-                    in_quotes(options.weights_name),
-                    std::isfinite(total) ? shortest_text(total) : "more than a float can hold",
-                    shortest_text(most_total_weight)));
   }
 
   // The class before the others, as it may have too many values. The cases come last, when most

@@ -46,6 +46,7 @@ void thread_pool::for_each(std::size_t count, const std::function<void(std::size
 }
 
 void thread_pool::run_worker() {
+  uselocale(of_caller);
   std::unique_lock<std::mutex> lock(mutex);
   while (!stopping) {
     take_part(lock);

@@ -5,6 +5,8 @@
 #ifndef ARBOR_TABLE_THREAD_POOL_H
 #define ARBOR_TABLE_THREAD_POOL_H
 
+#include <locale.h>
+
 #include <condition_variable>
 #include <cstddef>
 #include <exception>
@@ -34,7 +36,8 @@ std::exception_ptr failure_of(Call&& call) {
 class thread_pool : private strata::util::nocopy {
  public:
   // `threads`, at least 1, counts the calling thread too: with 1 it works alone. The pool is
-  // smaller if the system refuses a thread. Throws std::bad_alloc; no thread is left then.
+  // smaller if the system refuses a thread. All threads use the locale of the calling thread, which
+  // may have chosen one of its own. Throws std::bad_alloc; no thread is left then.
   explicit thread_pool(unsigned int threads);
   ~thread_pool();
 
@@ -60,6 +63,7 @@ class thread_pool : private strata::util::nocopy {
   std::size_t running = 0;  // calls that have not returned
   std::exception_ptr thrown;
   bool stopping = false;
+  const locale_t of_caller = uselocale(nullptr);
   std::vector<std::thread> workers;
 };
 

@@ -26,8 +26,9 @@ struct grow_options {
   float confidence = 0.1F;  // of pruning
   // The number of threads, 0 for one on each core. The tree is the same for any number.
   unsigned int threads = 0;
-  // Called from time to time with the share (0 to 1) of the cases' weight that is in leaves; by any
-  // of the threads, one at a time. May be empty.
+  // Called from time to time with the share (0 to 1) of the cases' weight that is in leaves, before
+  // each column of a large node at least; by any of the threads, one at a time. What it throws ends
+  // the work. May be empty.
   std::function<void(double settled)> progress;
 };
 

@@ -13,10 +13,11 @@ std::vector<value_reader> readers_of(const decision_tree& tree, const number_for
   return readers;
 }
 
-// By node, for class_probabilities.
-std::vector<double> threshold_numbers(const decision_tree& tree,
-                                      const std::vector<value_reader>& readers) {
+}  // namespace
+
+std::vector<double> threshold_numbers(const decision_tree& tree) {
   std::vector<double> thresholds;
+  const std::vector<value_reader> readers = readers_of(tree, {});
   for (const tree_node& node : tree.nodes) {
     const bool is_continuous = !node.is_leaf() && tree.attributes[node.attribute]->is_continuous();
     thresholds.push_back(
@@ -25,14 +26,11 @@ std::vector<double> threshold_numbers(const decision_tree& tree,
   return thresholds;
 }
 
-}  // namespace
-
 text_classifier::text_classifier(const decision_tree& grown, leaf_estimate estimate,
                                  const number_form& form)
     : tree(&grown),
       readers(readers_of(grown, form)),
-      predict(std::make_shared<class_probabilities>(grown, threshold_numbers(grown, readers),
-                                                    estimate)),
+      predict(std::make_shared<class_probabilities>(grown, threshold_numbers(grown), estimate)),
       values(readers.size()) {}
 
 prediction& text_classifier::operator()(const std::vector<cell_text>& texts) {

@@ -16,6 +16,9 @@
 
 namespace arbor::tree {
 
+// By node, for class_probabilities: the threshold as value_reader reads it.
+std::vector<double> threshold_numbers(const decision_tree& tree);
+
 // Classifies cases given as texts. The tree must outlive the classifier. A copy can be used by
 // another thread.
 class text_classifier {

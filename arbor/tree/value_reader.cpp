@@ -45,6 +45,12 @@ double value_reader::number(const char* text) const {
   return read_known_number(text, value) ? as_float(value) : unknown_value;
 }
 
+double value_reader::number(plain_number plain) const {
+  if (!scale) return as_float(value_of(plain));
+  if (are_integers && is_plain_integer(plain)) return static_cast<double>(plain_digits(plain));
+  return scale->position(plain) + first_position;
+}
+
 double value_reader::number(cell_text text) const {
   int value = 0;
   if (read_plain_integer(text, value)) {
@@ -58,7 +64,7 @@ double value_reader::number(cell_text text) const {
   }
   if (scale) {
     const plain_number plain = read_plain_number(text);
-    if (plain != no_plain_number) return scale->position(plain) + first_position;
+    if (plain != no_plain_number) return number(plain);
   }
   return number(text.begin);
 }

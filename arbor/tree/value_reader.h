@@ -34,6 +34,9 @@ class value_reader {
   // to be readable.
   double number(const char* text) const;
 
+  // The same for a plain number of a continuous attribute.
+  double number(plain_number plain) const;
+
  private:
   double number(cell_text text) const;
   double code(cell_text text);

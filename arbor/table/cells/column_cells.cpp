@@ -153,19 +153,22 @@ void column_cells::add_unknown() {
 
 void column_cells::add_text(cell_text text) {
   if (kept == form::texts) return narrow.push_back(dictionary.code_of(text));
-  plain_number number = number_to_keep(text);
-  const bool is_integer = is_plain_integer(number);
-  if (kept == form::integers && is_integer) return narrow.push_back(key_of_integer(number));
-  if (number == no_plain_number && kept == form::integers && narrow.size() == unknown) {
+  const plain_number number = number_to_keep(text);
+  if (number != no_plain_number) return add_number(number);
+  if (kept == form::integers && narrow.size() == unknown) {
     kept = form::texts;  // no number so far, so there may be none at all
     return narrow.push_back(dictionary.code_of(text));
   }
   keep_as_numbers();
-  if (number == no_plain_number) {
-    number = text_entry(dictionary.code_of(text));
-  } else if (!is_integer) {
-    fractions = true;
-  }
+  wide.push_back(text_entry(dictionary.code_of(text)));
+}
+
+void column_cells::add_number(plain_number number) {
+  if (kept == form::texts) return narrow.push_back(dictionary.code_of(text_of(number)));
+  const bool is_integer = is_plain_integer(number);
+  if (kept == form::integers && is_integer) return narrow.push_back(key_of_integer(number));
+  keep_as_numbers();
+  fractions = fractions || !is_integer;
   wide.push_back(number);
 }
 

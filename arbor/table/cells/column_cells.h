@@ -59,6 +59,13 @@ class column_cells {
   // Adds a cell of each row.
   void add(const csv_block& rows, std::size_t cell, const unknown_texts& unknowns);
 
+  // The same for one cell that is not in a file: the unknown value, a text that is known, a plain
+  // number as its text, and, of cells that are kept as texts, one that is in the dictionary.
+  void add_unknown();
+  void add_text(cell_text text);
+  void add_number(plain_number number);
+  void add_code(unsigned int code) { narrow.push_back(code); }
+
   // Adds a text that no cell may have to the dictionary, unless it is there; of cells that are kept
   // as texts. Returns its code.
   unsigned int declare(const std::string& text) { return dictionary.code_of(text); }
@@ -107,8 +114,6 @@ class column_cells {
 
   std::size_t add_regular(const csv_block& rows, std::size_t cell, std::size_t row,
                           const unknown_texts& unknowns);
-  void add_unknown();
-  void add_text(cell_text text);
   void add_distinct(const distinct_cells& whole);
   void add_part(column_cells& part);
 

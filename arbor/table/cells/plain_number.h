@@ -54,6 +54,11 @@ constexpr plain_number plain_integer(int value) {
   return static_cast<plain_number>(value) * 32;
 }
 
+// The number with these digits, at most 17, of which so many are decimals.
+constexpr plain_number plain_number_of(std::int64_t digits, unsigned int decimals) {
+  return digits * 32 + (digits < 0 ? -plain_number{decimals} : plain_number{decimals});
+}
+
 // The number of a text, no_plain_number if the text is not one.
 plain_number read_plain_number(cell_text text);
 

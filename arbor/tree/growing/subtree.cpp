@@ -64,7 +64,10 @@ void subtree::grow(growing_node& root) {
 }
 
 void subtree::settle(std::size_t number, growing_node& node) {
-  for (std::size_t i = 0; i < node.pieces(); ++i) node.rate(i);
+  for (std::size_t i = 0; i < node.pieces(); ++i) {
+    if (node.summary().cases >= worth_sharing) shared.add_settled(0);
+    node.rate(i);
+  }
   const std::shared_ptr<node_split> split = node.split();
   if (split == nullptr) shared.add_settled(node.summary().weight);
   std::vector<open_branch> branches = make_node(grown, number, node.summary(), split);
@@ -95,6 +98,7 @@ void parallel_subtree::settle(std::size_t number, const std::shared_ptr<growing_
   const auto unrated = std::make_shared<std::atomic<std::size_t>>(node->pieces());
   for (std::size_t i = 0; i < node->pieces(); ++i) {
     tasks.add([=] {
+      shared.add_settled(0);
       node->rate(i);
       if (--*unrated == 0) conclude(number, *node);
     });

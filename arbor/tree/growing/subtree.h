@@ -25,7 +25,8 @@ class growth : private strata::util::nocopy {
  public:
   growth(const grow_options& chosen, const node_summary& root);
 
-  // Reports progress: cases of this weight have come to a leaf. Any thread may call it.
+  // Reports progress: cases of this weight have come to a leaf. Any thread may call it, also with 0
+  // before work that takes some time.
   void add_settled(float weight);
 
   const grow_options& options;
