@@ -4,6 +4,11 @@
 #include <sstream>
 
 #include "arbor/csv/table_error.h"
+#include "arbor/report/exports/c_export.h"
+#include "arbor/report/exports/pmml_export.h"
+#include "arbor/report/exports/python_export.h"
+#include "arbor/report/exports/rules_export.h"
+#include "arbor/report/exports/sql_export.h"
 #include "arbor/report/picture.h"
 #include "arbor/report/tree_graph.h"
 #include "arbor/report/tree_json.h"
@@ -31,11 +36,28 @@ square brackets. --rate with --node N rates all attributes on those rows of a
 table that reach test N. Give options of the table as for growing;
 the model has the types and the kinds of the attributes that it tests.
 
+The formats rules, sql, c, python and pmml are for people and programs that
+apply the tree without arbor; docs/exports.md shows each of them.
+
 Examples:
   arbor show golf.model
   arbor show birds.model --depth 2 --picture birds.svg
   arbor show golf.model --format json
+  arbor show golf.model --format c >golf.c
   arbor show golf.model --node 0 --rate golf.csv)";
+
+bool is_export(const std::string& format) {
+  return format == "rules" || format == "sql" || format == "c" || format == "python" ||
+         format == "pmml";
+}
+
+void print_export(const tree::decision_tree& model, const std::string& format) {
+  if (format == "rules") tree::write_rules(std::cout, model, text_width());
+  if (format == "sql") tree::write_sql(std::cout, model);
+  if (format == "c") tree::write_c(std::cout, model);
+  if (format == "python") tree::write_python(std::cout, model);
+  if (format == "pmml") tree::write_pmml(std::cout, model, ARBOR_VERSION);
+}
 
 void print_text(const tree::decision_tree& model, std::size_t depth) {
   tree::tree_excerpt excerpt;
@@ -52,10 +74,10 @@ void print_text(const tree::decision_tree& model, std::size_t depth) {
 show_command::show_command(CLI::App& app)
     : command(app, "show", "Show a saved tree as text, graph, JSON or picture", show_help) {
   parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
-  offer(parser.add_option(
-            "--format", format,
-            "text, dot (for Graphviz) or json; with --rate: text, csv or json (default: text)"),
-        {"text", "dot", "json", "csv"})
+  offer(parser.add_option("--format", format,
+                          "text, dot (for Graphviz), json, rules, sql, c, python or pmml; with "
+                          "--rate: text, csv or json (default: text)"),
+        {"text", "dot", "json", "csv", "rules", "sql", "c", "python", "pmml"})
       ->type_name("FORMAT");
   parser.add_option("--depth", depth, "How many levels of tests to show (default: all)")
       ->type_name("N");
@@ -95,6 +117,8 @@ void show_command::run() {
     draw_picture(graph.str());
   } else if (format == "json") {
     tree::write_tree_json(std::cout, model);
+  } else if (is_export(format)) {
+    print_export(model, format);
   } else if (format == "dot") {
     tree::write_tree_dot(std::cout, model, shown_depth);
   } else {
@@ -111,9 +135,10 @@ void show_command::check_combination() const {
   refuse_if(given("--rate") && given("--picture"), "--rate does not go with --picture");
   refuse_if(given("--rate") && given("--depth"), "--rate does not go with --depth");
   refuse_if(given("--picture") && given("--format"), "--picture does not go with --format");
-  refuse_if(format == "json" && given("--depth"),
-            "--depth does not go with --format json, which shows the whole tree");
-  refuse_if(format == "dot" && rates, "--rate goes with --format text, csv or json");
+  refuse_if((format == "json" || is_export(format)) && given("--depth"),
+            "--depth does not go with --format " + format + ", which shows the whole tree");
+  refuse_if((format == "dot" || is_export(format)) && rates,
+            "--rate goes with --format text, csv or json");
   refuse_if(format == "csv" && !rates, "--format csv goes with --rate TABLE");
   for (const CLI::Option* option : parser.get_options()) {
     const bool is_of_rating = table_options::have(*option) || option->check_lname("node") ||

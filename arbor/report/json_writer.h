@@ -70,6 +70,13 @@ class json_writer {
   bool follows_key = false;
 };
 
+// Writes the first two members of every document: which one it is, and the version of its form,
+// which changes when a member is removed or gets another meaning, not when one is added.
+constexpr unsigned int json_version = 1;
+inline void write_format(json_writer& json, const char* name) {
+  json.member("format", name).member("version", json_version);
+}
+
 }  // namespace arbor::tree
 
 #endif

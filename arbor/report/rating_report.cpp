@@ -190,7 +190,8 @@ void write_ratings_csv(std::ostream& out, const case_summary& cases, const table
 void write_ratings_json(std::ostream& out, const table& rated, const case_summary& cases,
                         const table_rating& ratings) {
   json_writer json(out);
-  table_to_json(json.open('{').key("table"), rated, cases);
+  write_format(json.open('{'), "arbor-ratings");
+  table_to_json(json.key("table"), rated, cases);
   json.key("ratings").open('[');
   for (const attribute_rating& rating : ratings.attributes) rating_to_json(json, cases, rating);
   json.close();

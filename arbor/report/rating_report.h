@@ -31,12 +31,12 @@ void write_ratings_text(std::ostream& out, const case_summary& cases, const tabl
 // judged_gain. What does not apply is empty. Floats have their shortest form.
 void write_ratings_csv(std::ostream& out, const case_summary& cases, const table_rating& ratings);
 
-// Writes one object {"table": {"name", "rows", "attributes", "unknown_cells", "weight", "class",
-// "classes": [{"value", "weight"}]}, "ratings": [{"attribute", "kind", "type", "values", "unknown",
-// "gain", "split_info", "gain_ratio", "branches", "threshold", "no_split", "judged_gain"}],
-// "average_judged_gain", "chosen"}; what does not apply is null. "chosen" is the name of the
-// attribute that a tree would test. Numbers read back to the same float. A threshold is a text.
-// See json_writer.h for texts.
+// Writes one object {"format", "version", "table": {"name", "rows", "attributes", "unknown_cells",
+// "weight", "class", "classes": [{"value", "weight"}]}, "ratings": [{"attribute", "kind", "type",
+// "values", "unknown", "gain", "split_info", "gain_ratio", "branches", "threshold", "no_split",
+// "judged_gain"}], "average_judged_gain", "chosen"}; what does not apply is null. "chosen" is the
+// name of the attribute that a tree would test. Numbers read back to the same float. A threshold is
+// a text. See json_writer.h for texts.
 void write_ratings_json(std::ostream& out, const table& rated, const case_summary& cases,
                         const table_rating& ratings);
 

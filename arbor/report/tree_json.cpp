@@ -92,7 +92,8 @@ void write_tree_json(std::ostream& out, const decision_tree& tree) {
   const std::vector<std::size_t> parents = node_parents(tree);
   json_writer json(out);
   json_texts texts;
-  json.open('{').member("class", tree.class_column->get_name());
+  write_format(json.open('{'), "arbor-tree");
+  json.member("class", tree.class_column->get_name());
   const std::vector<std::size_t> predicted = predicted_classes(tree);
   classes_to_json(json.key("classes"), tree);
   json.key("origin");

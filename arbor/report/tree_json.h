@@ -8,14 +8,14 @@
 
 namespace arbor::tree {
 
-// Writes one object {"class", "classes": [text], "origin": {"table", "rows", "min_weight",
-// "max_depth", "confidence"}, "attributes": [{"name", "kind", "type", "importance"}], "nodes":
-// [{"node", "weights": [number by class], "class", "parent", "branch", "share", "attribute",
-// "threshold", "children": [node]}]}. The root is node 0. "class" of a node is the one that is
-// predicted there, "branch" is the text of a discrete value, "<=" or ">"; a threshold is a text.
-// What does not apply to a node is left out. "origin" is null for a model that does not have it,
-// "max_depth" without a limit, and "confidence" where the tree was not pruned. Numbers read back to
-// the same float; see json_writer.h for texts.
+// Writes one object {"format", "version", "class", "classes": [text], "origin": {"table", "rows",
+// "min_weight", "max_depth", "confidence"}, "attributes": [{"name", "kind", "type", "importance"}],
+// "nodes": [{"node", "weights": [number by class], "class", "parent", "branch", "share",
+// "attribute", "threshold", "children": [node]}]}. The root is node 0. "class" of a node is the one
+// that is predicted there, "branch" is the text of a discrete value, "<=" or ">"; a threshold is a
+// text. What does not apply to a node is left out. "origin" is null for a model that does not have
+// it, "max_depth" without a limit, and "confidence" where the tree was not pruned. Numbers read
+// back to the same float; see json_writer.h for texts.
 //
 // A class, attribute or branch of more than 200 bytes is not repeated by each node: the node has
 // its index in a list "long_texts" instead, which only stands at the end where there are any.

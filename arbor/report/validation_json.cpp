@@ -87,7 +87,8 @@ void write_validation_json(std::ostream& out, const table& rows, const validatio
   const impls::column& classes = rows.class_column();
   json_writer json(out);
   json_texts texts;
-  json.open('{').member("table", rows.name).member("rows", rows.cases.size());
+  write_format(json.open('{'), "arbor-validation");
+  json.member("table", rows.name).member("rows", rows.cases.size());
   json.member("class", classes.get_name());
   options_to_json(json.key("options"), options);
   json.member("seconds", seconds);

@@ -8,12 +8,12 @@
 
 namespace arbor::tree {
 
-// Writes one object {"table", "rows", "class", "options": {"folds", "repeats", "seed", "tune",
-// "min_weight", "max_depth", "confidence"}, "seconds", "cases", "accuracy", "accuracy_error",
-// "log_loss", "brier", "commonest_class_error", "leaves", "depth", "classes": [{"class", "cases",
-// "predicted", "precision", "recall", "f1"}], "confusion_matrix": [{"actual", "predicted",
-// "weight"}], "importance": [{"attribute", "trees", "log_loss", "accuracy"}], "folds": [{"repeat",
-// "fold", "cases", "accuracy", "log_loss", "brier", "leaves", "depth", "min_weight",
+// Writes one object {"format", "version", "table", "rows", "class", "options": {"folds", "repeats",
+// "seed", "tune", "min_weight", "max_depth", "confidence"}, "seconds", "cases", "accuracy",
+// "accuracy_error", "log_loss", "brier", "commonest_class_error", "leaves", "depth", "classes":
+// [{"class", "cases", "predicted", "precision", "recall", "f1"}], "confusion_matrix": [{"actual",
+// "predicted", "weight"}], "importance": [{"attribute", "trees", "log_loss", "accuracy"}], "folds":
+// [{"repeat", "fold", "cases", "accuracy", "log_loss", "brier", "leaves", "depth", "min_weight",
 // "confidence"}]}.
 //
 // Errors are shares (0 to 1), cases are weights, and losses are in bits. Pairs that do not occur

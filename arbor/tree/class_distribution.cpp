@@ -15,9 +15,6 @@ void add_classes(std::vector<double>& distribution, const tree_node& node, doubl
     distribution[present.entry] += factor * static_cast<double>(present.weight);
 }
 
-constexpr double m = 2;                 // see leaf_estimate
-constexpr double negligible = 0x1p-60;  // too little to change a sum in double
-
 std::vector<double> weights_of_cases(const decision_tree& tree) {
   std::vector<double> weights;
   weights.reserve(tree.nodes.size());
@@ -50,12 +47,12 @@ void add_estimates(std::vector<estimated_class>& classes, const decision_tree& t
                    std::size_t node) {
   constexpr int most_levels = 100;
   double weight = 1;
-  for (int level = 0; weight > negligible && !is_decided(classes, weight); ++level) {
+  for (int level = 0; weight > negligible_weight && !is_decided(classes, weight); ++level) {
     const bool smooths = node != 0 && level < most_levels;
-    const double factor = weight / (case_weights[node] + (smooths ? m : 0));
+    const double factor = weight / (case_weights[node] + (smooths ? parent_weight : 0));
     for (auto& [entry, estimate] : classes)
       estimate += factor * static_cast<double>(weight_of(tree.nodes[node], entry));
-    weight = smooths ? m * factor : 0;
+    weight = smooths ? parent_weight * factor : 0;
     node = parents[node];
   }
 }
@@ -117,9 +114,10 @@ std::vector<double> class_probabilities::of_visits(std::vector<visit> visits) co
     const auto& [node, parent, weight] = visits[place];
     if (weight == 0) continue;
     const bool smooths = estimate == leaf_estimate::smoothed && node != 0;
-    const double factor = weight / (case_weights[node] + (smooths ? m : 0));
+    const double factor = weight / (case_weights[node] + (smooths ? parent_weight : 0));
     add_classes(distribution, tree.nodes[node], factor);
-    if (smooths && m * factor > negligible * greatest) visits[parent].weight += m * factor;
+    const double left = smooths ? parent_weight * factor : 0;
+    if (left > negligible_weight * greatest) visits[parent].weight += left;
   }
   double sum = std::accumulate(distribution.begin(), distribution.end(), 0.0);
   if (!(sum > 0) || !std::isfinite(sum)) {

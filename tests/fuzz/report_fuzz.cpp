@@ -11,6 +11,8 @@
 using namespace arbor::fuzz;
 using namespace arbor::tree;
 using arbor::tests::reports_of;
+using arbor::tests::write_exports;
+using arbor::tests::written;
 
 // A node of 45 bytes may have a line of each report with three names of up to 200 bytes, the
 // weights of a thousand classes on it, and forty bars in front of it.
@@ -29,6 +31,9 @@ static void check_shown(const std::string& reports, std::size_t input) {
 static void print_model(const std::vector<unsigned char>& record) {
   const decision_tree tree = read_model_record(record, record_version);
   check_shown(reports_of(tree), record.size());
+  message_of([&] {  // that a text is too long to be repeated
+    check_size(written([&](std::ostream& out) { write_exports(out, tree); }), record.size());
+  });
   thaw(tree.class_column->get_o_set());
   thaw_all(tree.attributes);
 }

@@ -5,6 +5,11 @@
 #include <sstream>
 #include <string>
 
+#include "arbor/report/exports/c_export.h"
+#include "arbor/report/exports/pmml_export.h"
+#include "arbor/report/exports/python_export.h"
+#include "arbor/report/exports/rules_export.h"
+#include "arbor/report/exports/sql_export.h"
 #include "arbor/report/rating_report.h"
 #include "arbor/report/tree_graph.h"
 #include "arbor/report/tree_json.h"
@@ -35,6 +40,15 @@ inline void write_reports(std::ostream& out, const tree::decision_tree& t) {
   tree::write_tree_dot(out, t, 3);
   tree::write_tree_dot(out, t, tree::whole_depth);
   tree::write_tree_json(out, t);
+  tree::write_rules(out, t, 60);
+}
+
+// Not those of a person: texts in SQL are as they are.
+inline void write_exports(std::ostream& out, const tree::decision_tree& t) {
+  tree::write_c(out, t);
+  tree::write_python(out, t);
+  tree::write_pmml(out, t, "1");
+  tree::write_sql(out, t);
 }
 
 inline void write_reports(std::ostream& out, const tree::table& rows,
