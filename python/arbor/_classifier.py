@@ -161,7 +161,8 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         ValueError
             If columns are missing or refused.
         """
-        return self.classes_[self._order[self._classify(X, False)[0]]] if self._fitted() else None
+        check_is_fitted(self)
+        return self.classes_[self._order[self._classify(X, False)[0]]]
 
     def predict_proba(self, X):
         """Estimate the probability of each class for each row.
@@ -182,7 +183,7 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         sklearn.exceptions.NotFittedError, ValueError
             See `predict`.
         """
-        self._fitted()
+        check_is_fitted(self)
         probabilities = self._classify(X, True)[1]
         if (self._order == numpy.arange(len(self._order))).all():
             return probabilities
@@ -205,10 +206,6 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         """
         with numpy.errstate(divide="ignore"):
             return numpy.log(self.predict_proba(X))
-
-    def _fitted(self):
-        check_is_fitted(self)
-        return True
 
     def _classify(self, X, with_probabilities):
         X = _columns.read_table(X)

@@ -12,8 +12,6 @@ import pandas
 from pandas.api import types
 from sklearn.utils import check_array
 
-from . import _core
-
 UNKNOWNS = (pandas.NA, pandas.NaT)
 BOOLEANS = ["False", "True"]
 

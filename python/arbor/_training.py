@@ -1,5 +1,7 @@
 """What fit and rate have in common: X, y and the weights become the columns of a table."""
 
+import os
+
 import numpy
 import pandas
 from sklearn.utils import check_consistent_length, column_or_1d
@@ -70,8 +72,6 @@ def thread_count(n_jobs):
         return 0
     if n_jobs == 0:
         raise ValueError("n_jobs == 0 has no meaning")
-    import os
-
     return int(n_jobs) if n_jobs > 0 else max(1, (os.cpu_count() or 1) + 1 + int(n_jobs))
 
 
