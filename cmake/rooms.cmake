@@ -48,7 +48,7 @@ target_sources(arbor_tree PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR
   arbor/tree/predictor.h
   arbor/tree/rating.h
   arbor/tree/table_classification.h)
-foreach(room csv formats table tree store report)
+foreach(room csv formats table tree store report report/page)
   add_subdirectory(arbor/${room})
 endforeach()
 

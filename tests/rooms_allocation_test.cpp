@@ -7,6 +7,7 @@
 #include "arbor/formats/arff_source.h"
 #include "arbor/formats/names_file.h"
 #include "arbor/report/evaluation_report.h"
+#include "arbor/report/page/page.h"
 #include "arbor/store/model_store.h"
 #include "arbor/table/table_loader.h"
 #include "arbor/tree/classification.h"
@@ -109,6 +110,13 @@ TEST(AllocationFailure, LeavesAModelToClassifyWithAndToPrint) {
                                     tree::classify_cases(t, rows, rows.cases));
   };
   fail_each("text", print, 5);
+  const tree::case_summary cases = tree::summary_of(rows, rows.cases);
+  const tree::evaluation quality = tree::classify_rows(t, rows);
+  const tree::table_rating ratings = tree::rate_attributes(rows, rows.cases, 1);
+  const tree::page_table of_table{rows.name, cases, quality, ratings};
+  const auto write = [&](std::ostream& out) { tree::write_page(out, t, &of_table); };
+  fail_each(
+      "page", [&] { return arbor::tests::written(write); }, 5);
   fail_each("file", [&] {
     std::ofstream out("/dev/null");
     const auto result = tree::classify_table(csv.path(), t, {}, &out);

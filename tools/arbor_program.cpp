@@ -4,6 +4,7 @@
 #include "tools/grow_command.h"
 #include "tools/help_command.h"
 #include "tools/rate_command.h"
+#include "tools/report_command.h"
 #include "tools/show_command.h"
 #include "tools/validate_command.h"
 
@@ -18,6 +19,7 @@ Examples:
   arbor grow golf.csv --model golf.model
   arbor validate golf.csv
   arbor show golf.model
+  arbor report golf.model golf.csv --output golf.html
   arbor classify golf.model tomorrow.csv)";
 
 }  // namespace
@@ -28,6 +30,7 @@ arbor_program::arbor_program(const workplace& place)
   add(std::make_unique<grow_command>(parser(), place));
   add(std::make_unique<validate_command>(parser()));
   add(std::make_unique<show_command>(parser()));
+  add(std::make_unique<report_command>(parser()));
   add(std::make_unique<classify_command>(parser(), place));
   add(std::make_unique<help_command>(parser()));
 }

@@ -15,10 +15,9 @@
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
 #include "arbor/store/replacement_stream.h"
-#include "arbor/table/decimal_domain.h"
 #include "arbor/tree/classification.h"
-#include "arbor/tree/grower.h"
 #include "arbor/tree/rating.h"
+#include "tools/model_table.h"
 #include "tools/offered_values.h"
 #include "tools/one_machine.h"
 #include "tools/output_file.h"
@@ -151,7 +150,7 @@ void show_command::check_combination() const {
 void show_command::rate_at_node(const tree::decision_tree& model) const {
   const std::size_t test = chosen_node(model);
   const float least_weight = chosen_weight(model);
-  const tree::load_options load = options_of(model);
+  const tree::load_options load = options_for_model(table.chosen(), model);
   const tree::table rows = read_table(one_machine(), rated_paths, load);
   const impls::w_sequence cases = tree::cases_at_node(model, rows, test);
   if (cases.empty())
@@ -169,29 +168,9 @@ std::size_t show_command::chosen_node(const tree::decision_tree& model) const {
   return chosen;
 }
 
-// Older models do not have their origin.
 float show_command::chosen_weight(const tree::decision_tree& model) const {
   if (given("--min-weight")) return weight_value("--min-weight", min_weight);
-  return model.origin ? model.origin->min_weight : tree::grow_options().min_weight;
-}
-
-// A table for a model has the data types and kinds of the model's columns.
-tree::load_options show_command::options_of(const tree::decision_tree& model) const {
-  tree::load_options options = table.chosen();
-  options.class_name = model.class_column->get_name();
-  options.class_from = options.types_from = "the model";
-  options.kinds_from = given("--kind") ? "the model or --kind" : "the model";
-  // Decimals are exact in any table: they may have another scale there, or be plain integers.
-  const auto choose_type = [&](const impls::column& column) {
-    const std::string type = tree::data_type_of(column);
-    if (type != "decimal") options.types[column.get_name()] = type;
-  };
-  choose_type(*model.class_column);
-  for (const auto& attribute : model.attributes) {
-    choose_type(*attribute);
-    options.kinds[attribute->get_name()] = attribute->get_type();
-  }
-  return options;
+  return least_weight_of(model);
 }
 
 void show_command::draw_picture(const std::string& graph) const {

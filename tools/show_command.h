@@ -19,7 +19,6 @@ class show_command : public command {
   void rate_at_node(const tree::decision_tree& model) const;
   std::size_t chosen_node(const tree::decision_tree& model) const;
   float chosen_weight(const tree::decision_tree& model) const;
-  tree::load_options options_of(const tree::decision_tree& model) const;
   void draw_picture(const std::string& graph) const;
 
   table_options table;

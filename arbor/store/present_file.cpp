@@ -90,6 +90,7 @@ file_content content_of(const std::string& path) {
   if (begins_like_model(beginning)) return file_content::model;
   const bool is_svg = begins_with(beginning, "<?xml") || begins_with(beginning, "<svg");
   if (is_svg) return file_content::svg;
+  if (begins_with(beginning, page_beginning)) return file_content::page;
   if (begins_with(beginning, types_beginning)) return file_content::types;
   return names_prediction(beginning) ? file_content::classified : file_content::other;
 }

@@ -28,11 +28,15 @@ bool is_terminal(const std::string& path);
 // Whether the path is "-" or a name of standard output, such as /dev/stdout or /dev/fd/1.
 bool is_standard_output(const std::string& path);
 
+// How each page begins that arbor report writes; other pages do not.
+constexpr const char* page_beginning = "<!doctype html>\n<!-- arbor report -->\n";
+
 enum class file_content {
   none,        // there is no regular file
   empty,       // or it has no bytes
   model,       // a model of any format version, judged by its first bytes
   svg,         // a picture, judged in the same way
+  page,        // a page of arbor report, judged in the same way
   types,       // a file of types, judged by its first line
   classified,  // a classified table, judged by the names of columns in its first line
   other        // anything else, or a file that cannot be read

@@ -40,8 +40,8 @@ enum class leaf_estimate {
 };
 
 // m, and what is too little to change a sum in double. Exports of a tree have them too.
-constexpr double parent_weight = 2;
-constexpr double negligible_weight = 0x1p-60;
+inline constexpr double parent_weight = 2;
+inline constexpr double negligible_weight = 0x1p-60;
 
 // The tree must outlive this object. Any number of threads may use one.
 class class_probabilities {

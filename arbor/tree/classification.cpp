@@ -164,6 +164,20 @@ evaluation classify_cases(const decision_tree& tree, const table& rows,
   return result;
 }
 
+evaluation classify_rows(const decision_tree& tree, const table& rows) {
+  row_classifier classify(tree, rows);
+  const column& classes = rows.class_column();
+  const std::vector<unsigned int> class_codes = codes_of(*tree.class_column, classes);
+  evaluation result;
+  for (const auto& [row, weight] : rows.cases) {
+    if (weight == 0) continue;
+    const unsigned int code = class_codes[classes.get_row_index(row)];
+    const std::size_t actual = code == 0 ? tree.class_count() : code - 1;
+    result.add(classify(row).score(actual, static_cast<double>(weight)));
+  }
+  return result;
+}
+
 impls::w_sequence cases_at_node(const decision_tree& tree, const table& rows, std::size_t node) {
   const row_classifier classifier(tree, rows);
   impls::w_sequence cases;

@@ -55,6 +55,10 @@ class row_classifier {
 evaluation classify_cases(const decision_tree& tree, const table& rows,
                           const impls::w_sequence& cases);
 
+// The same for all rows of any table that has a column of the tree's class. Classes that the tree
+// does not have count as one, the entry after the last class of the tree.
+evaluation classify_rows(const decision_tree& tree, const table& rows);
+
 // The cases of a table that come to a node, given by its index in the tree: in the order of the
 // rows, each with its row's weight multiplied by the part that comes down. Cases without weight are
 // left out. The table is as for row_classifier.

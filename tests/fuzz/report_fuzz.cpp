@@ -2,6 +2,7 @@
 #include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/evaluation_report.h"
+#include "arbor/report/page/page.h"
 #include "arbor/store/model_record.h"
 #include "arbor/tree/classification.h"
 #include "tests/fuzz/fuzz.h"
@@ -28,12 +29,22 @@ static void check_shown(const std::string& reports, std::size_t input) {
   check(printable(lines) == lines, "a report has nothing that a terminal obeys");
 }
 
+// The style, the script and the licences of a page take 80,000 bytes.
+static void check_page(const decision_tree& tree, std::size_t input) {
+  const std::string page =
+      arbor::tests::written([&](std::ostream& out) { write_page(out, tree, nullptr); });
+  check(page.size() < 120000 + 400 * input, "a page is in proportion to its input");
+  const std::size_t data = page.find("id=\"data\">");
+  check(page.find('<', data) == page.find("</script>", data), "no text is markup");
+}
+
 static void print_model(const std::vector<unsigned char>& record) {
   const decision_tree tree = read_model_record(record, record_version);
   check_shown(reports_of(tree), record.size());
   message_of([&] {  // that a text is too long to be repeated
     check_size(written([&](std::ostream& out) { write_exports(out, tree); }), record.size());
   });
+  check_page(tree, record.size());
   thaw(tree.class_column->get_o_set());
   thaw_all(tree.attributes);
 }
