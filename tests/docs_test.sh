@@ -1,10 +1,8 @@
 #!/usr/bin/env bash
-# README.md and the pages in docs/ are true: their blocks of C++ are whole examples, their console blocks show what the
-# commands print, and their Python runs, block after block, where the module is built.
-# Usage: docs_test.sh PROGRAM [FOLDER_OF_THE_MODULE], from the root of the sources.
+# README.md and the pages in docs/ are true: their blocks of C++ are whole examples, and their console blocks show what the
+# commands print. Usage: docs_test.sh PROGRAM, from the root of the sources.
 set -euo pipefail
-program=$1 module=${2:-}
-PATH=$(dirname "$program"):$PATH
+PATH=$(dirname "$1"):$PATH
 mkdir -p build
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -36,6 +34,4 @@ for page in README.md docs/*.md; do
 
   diff <(blocks console "$page" | sed '/^\f$/d') <(blocks console "$page" | run_commands) ||
     { echo "^ $page"; exit 1; }
-
-  [ -z "$module" ] || blocks python "$page" | tr -d '\f' | PYTHONPATH=$module /usr/bin/python3 -
 done
