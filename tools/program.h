@@ -1,6 +1,6 @@
 // A program of several commands, and what differs between the programs that share them.
 //
-//   arbor::tools::program arbor("arbor", "Decision trees from tables.", "Examples:\n  arbor rate golf.csv");
+//   arbor::tools::program arbor("arbor", "Decision trees from tables.", "Examples:\n  arbor help");
 //   arbor.add(std::make_unique<arbor::tools::show_command>(arbor.parser()));
 //   return arbor.run(argc, argv);
 #ifndef ARBOR_TOOLS_PROGRAM_H

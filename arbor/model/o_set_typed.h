@@ -27,8 +27,8 @@ namespace arbor::impls {
 //                       found.
 //
 // A frozen domain does not release its vector of known values when it is destroyed: by design that
-// vector lives as long as the process, unless release_values_at_end was called. (An insertion, which
-// thaws the domain, does release it.)
+// vector lives as long as the process, unless release_values_at_end was called. (An insertion,
+// which thaws the domain, does release it.)
 template <class T>
 class o_set_typed : public o_set {
  public:

@@ -3,7 +3,8 @@
 //
 //   grown_nodes grown = grow_unpruned(golf, golf.cases, options);
 //   prune(grown.nodes, options.confidence);
-//   decision_tree tree = finished_tree(golf, golf.cases.size(), std::move(grown), nullptr, options);
+//   const std::size_t rows = golf.cases.size();
+//   decision_tree tree = finished_tree(golf, rows, std::move(grown), nullptr, options);
 #ifndef ARBOR_TREE_GROWING_GROWTH_H
 #define ARBOR_TREE_GROWING_GROWTH_H
 
