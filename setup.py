@@ -14,7 +14,8 @@ setup(
     package_dir={"": "python"},
     packages=["arbor"],
     package_data={"arbor": ["py.typed", "*.pyi"]},
-    cmake_args=["-DCMAKE_BUILD_TYPE=Release", "-DARBOR_PYTHON=ON", "-DARBOR_PROGRAM=OFF", "-DARBOR_TESTS=OFF",
-                "-DARBOR_PYTHON_DESTINATION=python/arbor", f"-DPython3_EXECUTABLE={sys.executable}"],
+    cmake_args=["-DCMAKE_BUILD_TYPE=Release", "-DCMAKE_UNITY_BUILD=ON", "-DARBOR_PYTHON=ON", "-DARBOR_PROGRAM=OFF",
+                "-DARBOR_TESTS=OFF", "-DARBOR_PYTHON_DESTINATION=python/arbor",
+                f"-DPython3_EXECUTABLE={sys.executable}"],
     cmake_install_target="install_python",
 )
