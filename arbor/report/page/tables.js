@@ -1,6 +1,6 @@
 // The tables below the tree: how well it predicts, importance, and ratings of the root.
 // A name in a table; of names that begin alike, the ends tell which is which.
-const mostOfName = onPhone ? 16 : 28;
+const mostOfName = onPhone ? 20 : 28;
 
 function nameCell(text, classes = "left") {
   const cell = element("th", classes, named(text, "", mostOfName));
