@@ -87,7 +87,8 @@ function showDetails(node) {
   bar.style.marginTop = "6px";
   parts.push(element("h3", "", `Training cases: ${weightText(nodeWeights[node])}, ` +
     `${percent(nodeWeights[node] / nodeWeights[0])} of all`), bar, ...classTable(node));
-  if (node !== 0) parts.push(element("p", "muted note", "The estimate of a class is its share, smoothed towards the nodes above."));
+  if (node !== 0)
+    parts.push(element("p", "muted note", "The estimate of a class is its share, smoothed towards the nodes above."));
   byId("details").replaceChildren(...parts);
   byId("details").scrollTop = 0;
 }

@@ -47,7 +47,7 @@ function showConfusion({matrix, classes}) {
     if (actual === shown.length && predicted === actual && matrix[i] !== matrix[i + 1]) wrongAmongOthers += matrix[i + 2];
   }
   const title = (i) => i < shown.length ? className(shown[i]) : `${wholeNumber.format(others)} others`;
-  const head = element("tr", "", element("th", "corner", "actual \\ predicted"));
+  const head = element("tr", "", element("th", "corner", "actual \u2193 predicted \u2192"));
   for (let i = 0; i < size; ++i) {
     const cell = element("th", "", named(title(i), "", mostOfName));
     cell.scope = "col";
