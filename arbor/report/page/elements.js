@@ -31,7 +31,10 @@ const fewDecimals = new Intl.NumberFormat("en", {maximumFractionDigits: 2});
 function count(number, one, many = one + "s") {
   return `${wholeNumber.format(number)} ${number === 1 ? one : many}`;
 }
-function weightText(weight) { return fewDecimals.format(weight); }
+function weightText(weight) {
+  const usual = weight === 0 || (weight >= 0.01 && weight < 1e15);
+  return usual ? fewDecimals.format(weight) : weight.toPrecision(3);
+}
 function percent(share, digits = 1) { return (100 * share).toFixed(digits) + "%"; }
 
 function figure(label, value, unit) {
