@@ -132,6 +132,34 @@ def active(browser):
         return [Number(card.dataset.node), card.getAttribute('aria-expanded'), card.getAttribute('aria-level')]""")
 
 
+def check_looks(page):
+    """Numbers in the matrix have enough contrast in both colours, and a phone shows two columns whole."""
+    browser = page.browser
+    for colours in ("light", "dark"):
+        browser.command("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": colours}])
+        least = browser.run("""
+            const light = (colour) => {  // "rgb(0, 114, 178)" or "color(srgb 0 0.45 0.7)"
+              const most = colour.startsWith('rgb') ? 255 : 1;
+              const [r, g, b] = colour.replace('srgb', '').match(/[\\d.]+/g).map((part) => part / most)
+                .map((part) => part <= 0.04 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4);
+              return 0.2126 * r + 0.7152 * g + 0.0722 * b + 0.05;
+            };
+            return Math.min(...[...document.querySelectorAll('#confusion td:not(.none)')].map((cell) => {
+              const style = getComputedStyle(cell);
+              const pair = [light(style.color), light(style.backgroundColor)];
+              return Math.max(...pair) / Math.min(...pair);
+            }));""")
+        check(least >= 4.5, "a number in the matrix has a contrast of", least, "in", colours)
+    browser.command("Emulation.setDeviceMetricsOverride", width=360, height=740, deviceScaleFactor=1, mobile=True)
+    page.open()
+    said = browser.run("""
+        const right = document.getElementById('picture').getBoundingClientRect().right;
+        return [[...document.querySelectorAll('.card[aria-level="2"] .handle')].every(
+          (handle) => handle.getBoundingClientRect().right <= right), document.documentElement.scrollWidth];""")
+    check(said == [True, 360], "a phone cuts handles off, or the page is wider than it:", said)
+    browser.command("Emulation.clearDeviceMetricsOverride")
+
+
 def check_keys(page):
     """The golf tree: 0 outlook, 1 overcast, 2 rainy, 3 sunny, 4 to 7 their leaves."""
     browser = page.open().browser
@@ -204,6 +232,7 @@ def main():
         for page in (Page(folder, browser, "soybean"), Page(folder, browser, "birdstrikes")):
             page.open().check_rules()
             page.check_confusion()
+            check_looks(page)
             page.check_quiet()
         rows = [[HOSTILE[0], HOSTILE[1], HOSTILE[2]]]
         rows += [[a, b, HOSTILE[(i * 3 + j) % len(HOSTILE)]] for i, a in enumerate(HOSTILE)

@@ -41,11 +41,10 @@ function distributionBar(node) {
 function showLegend() {
   const weights = distributionAt(0);
   heaviestClasses.forEach(({entry}, i) => byId("legend").append(element("li", "", swatch(entry),
-    named(className(entry)), element("span", "share", percent(weights[i] / nodeWeights[0])))));
+    named(className(entry), "", onPhone ? 13 : 28), element("span", "share", percent(weights[i] / nodeWeights[0])))));
   const others = nodes.sizes[0] - heaviestClasses.length;
   if (others > 0) {
-    byId("legend").append(element("li", "", element("i", "swatch " + othersColour),
-      named(count(others, "other class", "other classes")),
+    byId("legend").append(element("li", "", element("i", "swatch " + othersColour), count(others, "other"),
       element("span", "share", percent(weights[ownColours] / nodeWeights[0]))));
   }
 }

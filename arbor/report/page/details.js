@@ -1,7 +1,11 @@
 // The selected node: its rule, its classes, and what it predicts.
-function conditionLink(node) {
+function conditionParts(node, most) {
   const {name, sign, value} = branchOf(node);
-  const link = element("a", "", named(name), ` ${sign} `, named(value));
+  return [named(name, "", most), ` ${sign} `, named(value, "", most)];
+}
+
+function conditionLink(node) {
+  const link = element("a", "", ...conditionParts(node));
   link.href = "#node-" + node;
   return link;
 }
@@ -65,7 +69,7 @@ function classTable(node) {
 function showDetails(node) {
   const predicted = nodes.predicted[node];
   const kind = element("p", "kind", element("span", "", node === 0 ? "Root" : isLeaf(node) ? "Leaf" : "Test",
-    `, depth ${wholeNumber.format(depths[node])}`));
+    `, depth ${wholeNumber.format(depths[node])}`, isLeaf(node) ? ", predicts" : ""));
   const link = element("a", "", `#node-${node}`);
   link.href = "#node-" + node;
   link.title = "A link to this node";
@@ -83,6 +87,8 @@ function showDetails(node) {
   bar.style.marginTop = "6px";
   parts.push(element("h3", "", `Training cases: ${weightText(nodeWeights[node])}, ` +
     `${percent(nodeWeights[node] / nodeWeights[0])} of all`), bar, ...classTable(node));
+  if (node !== 0)
+    parts.push(element("p", "muted note", "The estimate of a class is its share, smoothed towards the nodes above."));
   byId("details").replaceChildren(...parts);
   byId("details").scrollTop = 0;
 }

@@ -1,5 +1,7 @@
 // Elements and texts. A text becomes part of the page through textContent alone, so that nothing in
 // it is markup.
+const onPhone = innerWidth < 600;
+
 function byId(id) { return document.getElementById(id); }
 
 function element(tag, classes, ...parts) {
@@ -18,9 +20,9 @@ function shortened(text, most = 80) {
 
 // A name or value. It keeps the direction of its own writing, and cannot change that of its
 // neighbours.
-function named(text, classes) {
-  const made = element("bdi", classes, shortened(text));
-  if (text.length > 24) made.title = shortened(text, 2000);
+function named(text, classes, most) {
+  const made = element("bdi", classes, shortened(text, most));
+  if (text.length > 20) made.title = shortened(text, 2000);
   return made;
 }
 
@@ -29,7 +31,10 @@ const fewDecimals = new Intl.NumberFormat("en", {maximumFractionDigits: 2});
 function count(number, one, many = one + "s") {
   return `${wholeNumber.format(number)} ${number === 1 ? one : many}`;
 }
-function weightText(weight) { return fewDecimals.format(weight); }
+function weightText(weight) {
+  const usual = weight === 0 || (weight >= 0.01 && weight < 1e15);
+  return usual ? fewDecimals.format(weight) : weight.toPrecision(3);
+}
 function percent(share, digits = 1) { return (100 * share).toFixed(digits) + "%"; }
 
 function figure(label, value, unit) {
@@ -63,7 +68,7 @@ function fillTable(table, head, rows, make, few) {
   table.replaceChildren(head, body);
   if (rows.length <= first) return;
   const most = 5000;
-  const more = element("button", "", `Show all ${wholeNumber.format(rows.length)}`);
+  const more = element("button", "", `Show ${wholeNumber.format(rows.length - first)} more`);
   more.type = "button";
   more.addEventListener("click", () => {
     body.append(...rows.slice(first, most).map(make));

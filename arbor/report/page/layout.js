@@ -1,7 +1,7 @@
 // Where the cards of the unfolded nodes are, the root at the left, laid out by d3-hierarchy.
-const columnWidth = 262;
+const cardWidth = onPhone ? 168 : 190;  // two columns fit into its width
+const columnWidth = cardWidth + 72;
 const rowHeight = 74;
-const cardWidth = 190;
 const cardHeight = 60;
 
 const isOpen = new Uint8Array(nodeCount);

@@ -139,5 +139,12 @@ function listenToPointers() {
     event.preventDefault();
     moveBy(x * unit, y * unit);
   }, {passive: false});
-  new ResizeObserver(redraw).observe(picture);
+  // Whoever turns a phone still sees the middle.
+  let height = pictureSize().height;
+  new ResizeObserver(() => {
+    const before = height;
+    height = pictureSize().height;
+    view.y += (before - height) / 2 / view.scale;
+    redraw();
+  }).observe(picture);
 }

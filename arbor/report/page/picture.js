@@ -93,6 +93,7 @@ function placeCards(wanted) {
 function makeCard(node) {
   const card = element("div", isLeaf(node) ? "card leaf" : "card test");
   card.dataset.node = node;
+  card.style.width = cardWidth + "px";
   card.setAttribute("role", "treeitem");
   card.setAttribute("aria-level", depths[node] + 1);
   card.setAttribute("aria-setsize", node === 0 ? 1 : nodes.count[parents[node]]);

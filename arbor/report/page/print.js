@@ -3,8 +3,8 @@ function writeOutline() {
   const most = 3000;
   const lines = order.slice(0, most).map((node) => {
     const text = element("span", "text");
-    text.append(node === 0 ? "all cases" : shortened(conditionText(node), 120));
-    if (isLeaf(node)) text.append(": ", element("b", "", shortened(className(nodes.predicted[node]))));
+    text.append(...(node === 0 ? ["all cases"] : conditionParts(node, 60)));
+    if (isLeaf(node)) text.append(": ", element("b", "", named(className(nodes.predicted[node]))));
     text.append(` (${weightText(nodeWeights[node])})`);
     if (!isLeaf(node) && !isOpen[node]) text.append(`, ${count(leavesBelow[node], "leaf", "leaves")} below`);
     const line = element("div", "", distributionBar(node), text);

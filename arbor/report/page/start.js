@@ -3,7 +3,8 @@ function showHeader() {
   byId("class-name").append(named(model.class));
   const leaves = leavesBelow[0];
   const depth = depths.reduce((most, next) => Math.max(most, next), 0);
-  byId("size").append(figure("nodes", wholeNumber.format(nodeCount)), figure("leaves", wholeNumber.format(leaves)),
+  byId("size").append(figure(nodeCount === 1 ? "node" : "nodes", wholeNumber.format(nodeCount)),
+    figure(leaves === 1 ? "leaf" : "leaves", wholeNumber.format(leaves)),
     figure("depth", wholeNumber.format(depth)));
   const grown = model.origin;
   if (!grown) return;

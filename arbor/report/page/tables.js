@@ -1,12 +1,15 @@
 // The tables below the tree: how well it predicts, importance, and ratings of the root.
+// A name in a table; of names that begin alike, the ends tell which is which.
+const mostOfName = onPhone ? 20 : 28;
+
 function nameCell(text, classes = "left") {
-  const cell = element("th", classes, named(text));
+  const cell = element("th", classes, named(text, "", mostOfName));
   cell.scope = "row";
   return cell;
 }
 
 function numberCell(number, digits) {
-  return element("td", "", number === null || number === undefined ? "\u2013" : number.toFixed(digits));
+  return element("td", "", number === null || number === undefined ? "\u2013" : number.toFixed(digits).replace(/^-(?=0\.0*$)/, ""));
 }
 
 function showFigures({name, rows, total, errors, accuracy, accuracy_error, log_loss, brier, commonest_class_error}) {
@@ -16,9 +19,10 @@ function showFigures({name, rows, total, errors, accuracy, accuracy_error, log_l
   if (model.origin?.table === name && model.origin.rows === rows)
     byId("quality-of").append(" The tree was grown on these rows; it predicts new ones less well.");
   byId("quality-figures").append(
-    figure("accuracy", percent(accuracy, 2), `\u00b1 ${percent(accuracy_error, 2)}`),
+    figure("accuracy, \u00b1 standard error", percent(accuracy, 2), `\u00b1 ${percent(accuracy_error, 2)}`),
     figure("errors", weightText(errors), `of ${weightText(total)}`),
-    figure("log-loss", log_loss.toFixed(3), "bits"), figure("Brier score", brier.toFixed(3)));
+    figure("log-loss, lower is better", log_loss.toFixed(3), "bits"),
+    figure("Brier score, lower is better", brier.toFixed(3)));
 }
 
 // The classes of the matrix: all of them or, of too many, the heaviest, which the last row and
@@ -43,9 +47,9 @@ function showConfusion({matrix, classes}) {
     if (actual === shown.length && predicted === actual && matrix[i] !== matrix[i + 1]) wrongAmongOthers += matrix[i + 2];
   }
   const title = (i) => i < shown.length ? className(shown[i]) : `${wholeNumber.format(others)} others`;
-  const head = element("tr", "", element("th", "corner", "actual \\ predicted"));
+  const head = element("tr", "", element("th", "corner", "actual \u2193 predicted \u2192"));
   for (let i = 0; i < size; ++i) {
-    const cell = element("th", "", named(title(i)));
+    const cell = element("th", "", named(title(i), "", mostOfName));
     cell.scope = "col";
     head.append(cell);
   }
@@ -65,21 +69,22 @@ function showConfusion({matrix, classes}) {
   byId("confusion").replaceChildren(element("thead", "", head), body);
   byId("confusion-note").textContent = "The stronger its colour, the larger a cell's share of the actual class." +
     (others > 0 ? ` The ${wholeNumber.format(shown.length)} heaviest classes have a row each; among the others,` +
-      ` ${weightText(wrongAmongOthers)} are taken for one another.` : "");
+      ` ${weightText(wrongAmongOthers)} are taken for one another.` : "") +
+    (classes.some(([entry]) => entry === model.classes.length) ? ` ${className(model.classes.length)} is any class that` +
+      " the tree does not have." : "");
 }
 
-// The colour says how much of a row is in the cell; the text stays readable on it.
+// The colour says how much of a row is in the cell. Text on a stronger one would be hard to read.
 function heat(cell, share, right) {
-  const strength = Math.round(14 + 76 * share);
+  const strength = Math.round(10 + 40 * share);
   cell.style.background = `color-mix(in srgb, var(${right ? "--accent" : "--wrong"}) ${strength}%, var(--ground))`;
-  if (strength > 45) cell.style.color = "var(--page)";
 }
 
 function showClasses({classes}) {
   const heaviestFirst = [...classes].sort((a, b) => b[1] - a[1]);
   fillTable(byId("per-class"), headings("<class", "cases", "predicted", "precision", "recall", "F1"), heaviestFirst,
     ([entry, actual, predicted, precision, recall, f1]) => {
-      const name = element("th", "left", swatch(entry), " ", named(className(entry)));
+      const name = element("th", "left", swatch(entry), " ", named(className(entry), "", mostOfName));
       name.scope = "row";
       return element("tr", "", name, element("td", "", weightText(actual)), element("td", "", weightText(predicted)),
         numberCell(precision, 3), numberCell(recall, 3), numberCell(f1, 3));
@@ -99,8 +104,10 @@ function showImportance() {
 function showRatings(ratings) {
   const greatest = Math.max(...ratings.slice(0, 1).map(({ratio}) => ratio ?? 0), 1e-9);
   const chosen = ratings.find((rating) => rating.chosen);
-  byId("ratings-note").append("All attributes of the table, rated on all of its rows; the best gain ratio first. ");
-  if (chosen) byId("ratings-note").append("A tree grown on it would test ", named(chosen.attribute), " first.");
+  byId("ratings-note").append("All attributes of the table, rated on all of its rows; the best gain ratio first. " +
+    "Gains are in bits; the judged gain is the gain less a charge for many values. ");
+  if (chosen) byId("ratings-note").append("A tree grown on these rows would test ", named(chosen.attribute),
+    " first: it has the best gain ratio of those judged at least average.");
   fillTable(byId("ratings"),
     headings("<attribute", "<", "gain ratio", "gain", "judged", "<split", "<type", "values", "unknown"), ratings,
     (rating) => {
