@@ -133,8 +133,8 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         if not isinstance(self.prune, (bool, numpy.bool_)):
             raise ValueError(f"prune: {self.prune!r} is neither True nor False")
         return {"min_weight": _training.least_weight(self.min_weight), "max_depth": int(depth),
-                "prune": bool(self.prune), "confidence": float(self.confidence), "name": _columns.to_bytes(str(self.table_name), "table_name"),
-                "kinds": _training.kinds_by_name(self.kinds), "threads": _training.thread_count(self.n_jobs)}
+                "prune": bool(self.prune), "confidence": float(self.confidence),
+                "name": _columns.to_bytes(str(self.table_name), "table_name"), "kinds": _training.kinds_by_name(self.kinds), "threads": _training.thread_count(self.n_jobs)}
 
     # `order` has the place in `classes` of each class of the model. `names` are those of the columns in fit.
     def _take(self, model, classes, order, names):

@@ -24,6 +24,7 @@
 #include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
+#include "arbor/table/cells/number_reading.h"
 #include "arbor/table/decimal_domain.h"
 #include "arbor/table/memory_table.h"
 #include "arbor/table/value_text.h"

@@ -129,7 +129,7 @@ def test_refusals_name_the_column():
         "zero byte": refusal(ValueError, X.assign(windy="a\0b"), Y),
         'column "windy", row 0: argument must be a string or a number': refusal(TypeError, X.assign(windy=[[]] * 14), Y),
         'column "windy", row 0: a text has a surrogate': refusal(ValueError, X.assign(windy="\ud800"), Y),
-        "column 'windy': 'a\\ud800' has a surr": refusal(ValueError, X.assign(windy=pandas.Categorical(["a\ud800"] * 14)), Y),
+        "column 'windy': 'a\\ud800' has": refusal(ValueError, X.assign(windy=["a\ud800"] * 14).astype("category"), Y),
         "name of a column: '\\ud800'": refusal(ValueError, X.rename(columns={"windy": "\ud800"}), Y),
         '"1" and "01" would be one': refusal(ValueError, X, ["1", "01"] * 7),
         "the unknown value": refusal(ValueError, X, numpy.ma.MaskedArray([0, 1] * 7, mask=[False, True] * 7)),
@@ -141,8 +141,9 @@ def test_refusals_name_the_column():
         "are equal": refusal(ValueError, X, [*range(2**62, 2**62 + 13), 0]),
     }.items():
         assert message in found
-    for name, values in {"max_depth": [-1, 1.5, "a"], "min_weight": [float("nan"), None], "confidence": [0, "a"],
-                         "n_jobs": [0, 1.5], "prune": ["no"], "kinds": ["a", {"windy": 3}], "table_name": ["\ud800"]}.items():
+    wrong = {"max_depth": [-1, 1.5, "a"], "min_weight": [float("nan"), None], "confidence": [0, "a"], "n_jobs": [0, 1.5],
+             "prune": ["no"], "kinds": ["a", {"windy": 3}], "table_name": ["\ud800"]}
+    for name, values in wrong.items():
         assert all(refusal(ValueError, X, Y, **{name: value}).startswith(name + ": ") for value in values)
     with pytest.raises(ValueError, match="lacks columns that fit had: 'windy'"):
         ArborClassifier().fit(X, Y).predict(X.drop(columns="windy"))
