@@ -311,6 +311,8 @@ PYBIND11_MODULE(_core, module) {
     }
   });
 
+  py::module_::import("atexit").attr("register")(py::cpp_function(&end_all));
+
   py::class_<columns>(module, "Columns")
       .def(py::init<>())
       .def("add_numbers", &columns::add_numbers, arg("name"), arg("numbers"), arg("unknown"))

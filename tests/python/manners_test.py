@@ -191,6 +191,14 @@ def test_other_threads_go_on():
     assert max(b - a for a, b in zip(beats, beats[1:])) < 0.5
 
 
+def test_process_ends_while_a_daemon_fits():
+    code = ("import threading, numpy, arbor; rows = numpy.random.default_rng(1).normal(size=(200_000, 8))\n"
+            "def fit(): arbor.ArborClassifier(prune=False).fit(rows, rows[:, 0] > rows[:, 1]); fit()\n"
+            "threading.Thread(target=fit, daemon=True).start(); import time; time.sleep(0.1)")
+    done = subprocess.run([sys.executable, "-c", code], stderr=subprocess.PIPE, text=True)
+    assert (done.returncode, done.stderr) == (0, "")
+
+
 def test_interrupt_ends_a_fit():
     rows, classes = large_table()
     fitted = ArborClassifier(prune=False).fit(rows[:100], classes[:100])

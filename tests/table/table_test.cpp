@@ -447,6 +447,13 @@ TEST(MemoryTable, IsThatOfItsFileForAnyNumberOfThreads) {
     }
   }
   EXPECT_GT(accepted, 100);
+  const std::vector<int> numbers(9);
+  const tree::memory_table small{
+      "memory", {{"c", tree::numbers_of(numbers), {}, nullptr, 1}}, 0, nullptr};
+  EXPECT_EQ(message_of([&] {
+              tree::make_table(small, {{}, "", 1, [] { throw std::runtime_error("ended"); }});
+            }),
+            "ended");
 }
 
 // How many cells there are of each text. Each plain number counts once.
