@@ -80,11 +80,12 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         ----------
         X : DataFrame or array-like of shape (n_samples, n_features)
             The attributes, column by column: numbers, texts, booleans, categories, nullable types, or objects. None,
-            NaN, NA and NaT are unknown values. A text means what it means in a CSV file: one that is a number is
-            that number if all others of its column are numbers too, blanks around it do not count, and "" and "?"
-            are unknown values.
+            NaN, NA, NaT and what a masked array hides are unknown values. A text means what it means in a CSV file:
+            one that is a number is that number if all others of its column are numbers too, blanks around it do not
+            count, and "" and "?" are unknown values.
         y : array-like of shape (n_samples,)
-            The class of each row, none of them unknown.
+            The class of each row, none of them unknown. Labels keep their type. Two that are the same cell of a CSV
+            file, such as "1" and "01", are refused.
         sample_weight : array-like of shape (n_samples,), default=None
             The weight of each row, from 0 up: a row of weight 3 counts as three rows, one of weight 0 is as if it
             were absent. None: each weighs 1.
@@ -134,7 +135,8 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
             raise ValueError(f"prune: {self.prune!r} is neither True nor False")
         return {"min_weight": _training.least_weight(self.min_weight), "max_depth": int(depth),
                 "prune": bool(self.prune), "confidence": float(self.confidence),
-                "name": _columns.to_bytes(str(self.table_name), "table_name"), "kinds": _training.kinds_by_name(self.kinds), "threads": _training.thread_count(self.n_jobs)}
+                "name": _columns.to_bytes(str(self.table_name), "table_name"),
+                "kinds": _training.kinds_by_name(self.kinds), "threads": _training.thread_count(self.n_jobs)}
 
     # `order` has the place in `classes` of each class of the model. `names` are those of the columns in fit.
     def _take(self, model, classes, order, names):

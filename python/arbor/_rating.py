@@ -30,8 +30,8 @@ def rate(X, y, sample_weight=None, min_weight=2, kinds=None, n_jobs=None):
     DataFrame of shape (n_features, 12)
         A row for each attribute, the best gain ratio first, with the columns of ``arbor rate --format csv``:
         attribute, kind, type, values (how many different ones), unknown (the share of rows, 0 to 1), gain and
-        split_info (in bits per unit of weight), gain_ratio, branches, threshold, no_split (why there is none), and judged_gain
-        (in bits, after a charge for many values). What does not apply is NaN or NA.
+        split_info (in bits per unit of weight), gain_ratio, branches, threshold, no_split (why there is none), and
+        judged_gain (in bits, after a charge for many values). What does not apply is NaN or NA.
 
     Raises
     ------
