@@ -37,6 +37,8 @@ target_sources(arbor_tree PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR
   arbor/report/tree_report.h
   arbor/store/model_store.h
   arbor/store/ownership.h
+  arbor/table/memory_column.h
+  arbor/table/memory_table.h
   arbor/table/table.h
   arbor/table/table_loader.h
   arbor/tree/attribute_importance.h

@@ -4,7 +4,7 @@
 set -uo pipefail
 layers=(arbor/utils arbor/model arbor/model/measure arbor/csv arbor/formats arbor/table arbor/table/cells arbor/tree
         arbor/tree/growing arbor/tree/validation arbor/store arbor/report arbor/report/exports
-        arbor/report/page arbor/processes tools)
+        arbor/report/page arbor/processes python/core tools)
 found=0
 # Prints the lines, comments aside, that match a pattern.
 forbid() { # WHAT PATTERN FILE...

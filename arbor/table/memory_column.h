@@ -10,10 +10,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 namespace arbor::tree {
@@ -45,84 +44,26 @@ struct memory_column {
   }
 };
 
+// The type of an integer of up to eight bytes, a float or a double.
 template <class Number>
-constexpr number_span::type type_of_number();
+constexpr number_span::type type_of_number() {
+  using type = number_span::type;
+  static_assert(std::is_arithmetic_v<Number> && sizeof(Number) <= 8);
+  constexpr std::size_t size = sizeof(Number);
+  if constexpr (std::is_floating_point_v<Number>) return size == 4 ? type::float32 : type::float64;
+  if constexpr (std::is_signed_v<Number>) {
+    return size == 1 ? type::int8 : size == 2 ? type::int16 : size == 4 ? type::int32 : type::int64;
+  }
+  return size == 1   ? type::uint8
+         : size == 2 ? type::uint16
+         : size == 4 ? type::uint32
+                     : type::uint64;
+}
 
+// The vector must neither change nor go away while the span is used.
 template <class Number>
 number_span numbers_of(const std::vector<Number>& numbers) {
   return {type_of_number<Number>(), numbers.data(), numbers.size(), sizeof(Number)};
-}
-
-// Calls use(read) with a function that returns the number of a row, in the type that it has.
-template <class Use>
-decltype(auto) with_numbers(const number_span& numbers, Use use);
-
-// -- Implementation --
-
-template <>
-constexpr number_span::type type_of_number<std::int8_t>() {
-  return number_span::type::int8;
-}
-template <>
-constexpr number_span::type type_of_number<std::int32_t>() {
-  return number_span::type::int32;
-}
-template <>
-constexpr number_span::type type_of_number<std::int64_t>() {
-  return number_span::type::int64;
-}
-template <>
-constexpr number_span::type type_of_number<float>() {
-  return number_span::type::float32;
-}
-template <>
-constexpr number_span::type type_of_number<double>() {
-  return number_span::type::float64;
-}
-
-template <class Number>
-class number_reading {
- public:
-  explicit number_reading(const number_span& numbers)
-      : first(static_cast<const char*>(numbers.first)), stride(numbers.stride) {}
-
-  Number operator()(std::size_t row) const {
-    Number number;
-    std::memcpy(&number, first + static_cast<std::ptrdiff_t>(row) * stride, sizeof number);
-    return number;
-  }
-
- private:
-  const char* first;
-  std::ptrdiff_t stride;
-};
-
-template <class Use>
-decltype(auto) with_numbers(const number_span& numbers, Use use) {
-  using type = number_span::type;
-  switch (numbers.of) {
-    case type::int8:
-      return use(number_reading<std::int8_t>(numbers));
-    case type::int16:
-      return use(number_reading<std::int16_t>(numbers));
-    case type::int32:
-      return use(number_reading<std::int32_t>(numbers));
-    case type::int64:
-      return use(number_reading<std::int64_t>(numbers));
-    case type::uint8:
-      return use(number_reading<std::uint8_t>(numbers));
-    case type::uint16:
-      return use(number_reading<std::uint16_t>(numbers));
-    case type::uint32:
-      return use(number_reading<std::uint32_t>(numbers));
-    case type::uint64:
-      return use(number_reading<std::uint64_t>(numbers));
-    case type::float32:
-      return use(number_reading<float>(numbers));
-    case type::float64:
-      break;
-  }
-  return use(number_reading<double>(numbers));
 }
 
 }  // namespace arbor::tree

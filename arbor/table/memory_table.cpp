@@ -10,6 +10,7 @@
 #include <new>
 #include <numeric>
 #include <set>
+#include <utility>
 
 #include "arbor/csv/message_text.h"
 #include "arbor/csv/shown_text.h"
@@ -106,11 +107,18 @@ class memory_loading {
     return options.threads == 0 ? machine_threads() : options.threads;
   }
 
+  // What the caller's check has thrown, which is no refusal of the table.
+  struct ended {
+    std::exception_ptr thrown;
+  };
+
   // Makes a column. Returns why it is refused, if it is.
   std::exception_ptr refusal_of(std::size_t number) {
     try {
       make_column(number);
       return nullptr;
+    } catch (const ended& by_caller) {
+      std::rethrow_exception(by_caller.thrown);
     } catch (const table_error&) {
       return std::current_exception();
     } catch (const strata::util::no_storage&) {
@@ -144,7 +152,8 @@ class memory_loading {
   }
 
   void check() const {
-    if (options.check) options.check();
+    if (!options.check) return;
+    if (std::exception_ptr thrown = failure_of(options.check)) throw ended{std::move(thrown)};
   }
 
   void make_cases(impls::w_sequence& cases) const {

@@ -1,7 +1,10 @@
 // Makes a table of columns in memory, as load_table makes it of the file that they would be written
 // to: with the same data types, domains, codes and remarks. Numbers do not become texts.
 //
-//   memory_table golf{"golf", {temperature, play}, 1};
+//   const std::vector<double> temperatures{85, 80, 83};
+//   const std::vector<std::int8_t> codes{0, 0, 1};
+//   memory_table golf{"golf", {{"temperature", numbers_of(temperatures)},
+//                              {"play", numbers_of(codes), {{"no", "yes"}}}}, 1};
 //   const table made = make_table(golf);
 #ifndef ARBOR_TABLE_MEMORY_TABLE_H
 #define ARBOR_TABLE_MEMORY_TABLE_H

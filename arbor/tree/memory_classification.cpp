@@ -11,6 +11,7 @@
 
 #include "arbor/csv/shown_text.h"
 #include "arbor/table/cells/memory_cells.h"
+#include "arbor/table/cells/number_reading.h"
 #include "arbor/table/thread_pool.h"
 #include "arbor/tree/predictor.h"
 #include "arbor/tree/text_classifier.h"

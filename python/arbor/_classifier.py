@@ -80,11 +80,12 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         ----------
         X : DataFrame or array-like of shape (n_samples, n_features)
             The attributes, column by column: numbers, texts, booleans, categories, nullable types, or objects. None,
-            NaN, NA and NaT are unknown values. A text means what it means in a CSV file: one that is a number is
-            that number if all others of its column are numbers too, blanks around it do not count, and "" and "?"
-            are unknown values.
+            NaN, NA, NaT and what a masked array hides are unknown values. A text means what it means in a CSV file:
+            one that is a number is that number if all others of its column are numbers too, blanks around it do not
+            count, and "" and "?" are unknown values.
         y : array-like of shape (n_samples,)
-            The class of each row, none of them unknown.
+            The class of each row, none of them unknown. Labels keep their type. Two that are the same cell of a CSV
+            file, such as "1" and "01", are refused.
         sample_weight : array-like of shape (n_samples,), default=None
             The weight of each row, from 0 up: a row of weight 3 counts as three rows, one of weight 0 is as if it
             were absent. None: each weighs 1.
@@ -109,7 +110,10 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         table = _training.TrainingTable(X, y, sample_weight)
         model, rows, remarks = _core.grow(columns=table.columns, weights=table.weights, **options)
         values = table.classes.iloc[rows] if isinstance(table.classes, pandas.Series) else table.classes[rows]
-        classes, order = numpy.unique(numpy.asarray(values), return_inverse=True)
+        try:
+            classes, order = numpy.unique(numpy.asarray(values), return_inverse=True)
+        except TypeError:
+            raise ValueError("y has classes that have no order: " + ", ".join(map(repr, values))[:200]) from None
         labels = X.columns if isinstance(X, pandas.DataFrame) else []
         has_names = len(labels) > 0 and all(isinstance(label, str) for label in labels)
         self._take(model, classes, order, table.names)
@@ -125,10 +129,13 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         depth = MOST_DEPTH if self.max_depth is None else self.max_depth
         if not (isinstance(depth, (int, numpy.integer)) and 0 <= depth <= MOST_DEPTH):
             raise ValueError(f"max_depth: {depth!r} is neither None nor an integer from 0 to {MOST_DEPTH}")
-        if not 0 < self.confidence <= 0.5:
+        if not (_training.is_number(self.confidence) and 0 < self.confidence <= 0.5):
             raise ValueError(f"confidence: {self.confidence!r} is not above 0 and up to 0.5")
+        if not isinstance(self.prune, (bool, numpy.bool_)):
+            raise ValueError(f"prune: {self.prune!r} is neither True nor False")
         return {"min_weight": _training.least_weight(self.min_weight), "max_depth": int(depth),
-                "prune": bool(self.prune), "confidence": float(self.confidence), "name": str(self.table_name),
+                "prune": bool(self.prune), "confidence": float(self.confidence),
+                "name": _columns.to_bytes(str(self.table_name), "table_name"),
                 "kinds": _training.kinds_by_name(self.kinds), "threads": _training.thread_count(self.n_jobs)}
 
     # `order` has the place in `classes` of each class of the model. `names` are those of the columns in fit.
@@ -190,6 +197,25 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
         ordered = numpy.empty_like(probabilities)
         ordered[:, self._order] = probabilities
         return ordered
+
+    def score(self, X, y, sample_weight=None):
+        """The accuracy of `predict`.
+
+        Parameters
+        ----------
+        X : DataFrame or array-like of shape (n_samples, n_features)
+            See `predict`.
+        y : array-like of shape (n_samples,)
+            The class of each row.
+        sample_weight : array-like of shape (n_samples,), default=None
+            The weight of each row. None: each weighs 1.
+
+        Returns
+        -------
+        float
+            The share of the weight of the rows whose class is predicted, from 0 to 1.
+        """
+        return super().score(X, _training.read_classes(y), sample_weight)
 
     def predict_log_proba(self, X):
         """The natural logarithms of `predict_proba`.
@@ -276,8 +302,9 @@ class ArborClassifier(ClassifierMixin, BaseEstimator):
 def load_model(path):
     """Load a model file of ``arbor grow`` or `ArborClassifier.save`.
 
-    The model has the columns that the tree tests, and the texts of the classes: those of a class of integers become
-    int64, of other numbers float64, all others str. The parameters of the classifier are the defaults.
+    The model has the columns that the tree tests, and the texts of the classes, which become what pandas would make of
+    them: whole numbers int64 (or uint64), other numbers float64, False and True bool, all others str. The parameters of
+    the classifier are the defaults.
 
     Parameters
     ----------
@@ -298,14 +325,24 @@ def load_model(path):
     """
     with open(path, "rb") as file:
         saved = file.read()
-    model = _core.Model.from_bytes(saved, os.fspath(path) if isinstance(path, str) else os.fsdecode(path))
+    model = _core.Model.from_bytes(saved, os.fsencode(path))
     classifier = ArborClassifier()
-    values = model.class_values()
-    dtype = {"integer": numpy.int64, "uinteger": numpy.int64, "string": object}.get(model.class_type(), numpy.float64)
-    classes, order = numpy.unique(numpy.array(values, dtype=object).astype(dtype), return_inverse=True)
+    classes, order = numpy.unique(_labels(model), return_inverse=True)
     classifier._take(model, classes, order, model.attribute_names())
     classifier._names = None  # only those that the tree tests are known
     classifier._is_named = True
     classifier.feature_names_in_ = numpy.array(model.attribute_names(), dtype=object)
     classifier.remarks_ = []
     return classifier
+
+
+def _labels(model):
+    """The classes of a model, by code."""
+    texts = model.class_values()
+    labels = numpy.array(texts, dtype=object)
+    if model.class_type() != "string":
+        is_whole = all(text.lstrip("-").isdigit() for text in texts)
+        numbers = numpy.array([int(text) for text in texts]) if is_whole else labels.astype(numpy.float64)
+        if len(numpy.unique(numbers)) == len(texts):  # else they have more digits than such a number
+            return numbers
+    return labels == "True" if set(texts) <= {"False", "True"} else labels

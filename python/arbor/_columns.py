@@ -18,12 +18,18 @@ BOOLEANS = ["False", "True"]
 
 def read_table(X):
     """X as a DataFrame or an array of two dimensions, of any dtype, with at least one row and one column."""
+    X = without_mask(X)
     if not isinstance(X, pandas.DataFrame):
         return check_array(X, dtype=None, force_all_finite=False)
     for count, what in ((X.shape[0], "sample(s)"), (X.shape[1], "feature(s)")):
         if count == 0:
             raise ValueError(f"Found array with 0 {what} (shape={X.shape}) while a minimum of 1 is required.")
     return X
+
+
+def without_mask(values):
+    """The values, with None for those that a masked array hides."""
+    return values.astype(object).filled(None) if isinstance(values, numpy.ma.MaskedArray) else values
 
 
 def column_names(X):
@@ -36,7 +42,18 @@ def column_names(X):
 def file_name(label):
     """The name of a column. Blanks around it are no part of it, unless a file would have it in quotes."""
     name = str(label)
+    if "\0" in name:
+        raise ValueError(f"the name {name!r} of a column has a zero byte")
+    to_bytes(name, "the name of a column")
     return name if any(c in name for c in ',"\r\n') else name.strip(" \t")
+
+
+def to_bytes(text, what):
+    """The bytes of a text in a file. Surrogates that stand for bytes, as in names of files, become those."""
+    try:
+        return text.encode("utf-8", "surrogateescape")
+    except UnicodeEncodeError:
+        raise ValueError(f"{what}: {text!r} has a surrogate, which is no character") from None
 
 
 def column_of(X, place):
@@ -45,13 +62,19 @@ def column_of(X, place):
 
 def add_column(columns, name, values):
     """Adds a Series or an array of one dimension to _core.Columns."""
+    _add(columns, to_bytes(name, "the name of a column"), values)
+
+
+def _add(columns, name, values):
     dtype = values.dtype
     if isinstance(dtype, numpy.dtype):
         return _add_array(columns, name, values.to_numpy() if isinstance(values, pandas.Series) else values)
-    if types.is_categorical_dtype(dtype):
-        columns.add_texts(name, values.cat.codes.to_numpy(), _texts_of_categories(values.cat.categories))
-    elif types.is_sparse(dtype):
-        add_column(columns, name, values.sparse.to_dense())
+    if isinstance(dtype, pandas.CategoricalDtype):
+        what = f"column {name.decode(errors='replace')!r}"
+        texts = [to_bytes(text, what) for text in _texts_of_categories(values.cat.categories)]
+        columns.add_texts(name, values.cat.codes.to_numpy(), texts)
+    elif isinstance(dtype, pandas.SparseDtype):
+        _add(columns, name, values.sparse.to_dense())
     elif types.is_bool_dtype(dtype):
         columns.add_texts(name, values.astype("Int8").to_numpy(numpy.int8, na_value=-1), BOOLEANS)
     elif types.is_integer_dtype(dtype):
@@ -77,7 +100,7 @@ def _add_array(columns, name, values):
     elif kind == "U":
         _add_objects(columns, name, values.astype(object))
     elif kind == "c":
-        raise ValueError(f"column {name!r}: Complex data not supported")
+        raise ValueError(f"column {name.decode(errors='replace')!r}: Complex data not supported")
     else:
         _add_objects(columns, name, _file_texts(pandas.Series(values)))
 

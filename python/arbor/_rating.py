@@ -29,9 +29,9 @@ def rate(X, y, sample_weight=None, min_weight=2, kinds=None, n_jobs=None):
     -------
     DataFrame of shape (n_features, 12)
         A row for each attribute, the best gain ratio first, with the columns of ``arbor rate --format csv``:
-        attribute, kind, type, values (how many are known), unknown (the share of rows, 0 to 1), gain and split_info
-        (in bits per unit of weight), gain_ratio, branches, threshold, no_split (why there is none), and judged_gain
-        (in bits, after a charge for many values). What does not apply is NaN or NA.
+        attribute, kind, type, values (how many different ones), unknown (the share of rows, 0 to 1), gain and
+        split_info (in bits per unit of weight), gain_ratio, branches, threshold, no_split (why there is none), and
+        judged_gain (in bits, after a charge for many values). What does not apply is NaN or NA.
 
     Raises
     ------
@@ -50,11 +50,12 @@ def rate(X, y, sample_weight=None, min_weight=2, kinds=None, n_jobs=None):
     """
     table = _training.TrainingTable(X, y, sample_weight)
     text = _core.rate(
-        columns=table.columns, name="DataFrame", weights=table.weights, kinds=_training.kinds_by_name(kinds),
+        columns=table.columns, name=b"DataFrame", weights=table.weights, kinds=_training.kinds_by_name(kinds),
         min_weight=_training.least_weight(min_weight), threads=_training.thread_count(n_jobs))
     texts = ("attribute", "kind", "type", "no_split")
     ratings = pandas.read_csv(
-        io.StringIO(text), dtype={**dict.fromkeys(texts, object), "branches": "Int64"}, keep_default_na=False,
+        io.StringIO(text), keep_default_na=False,
+        dtype={**dict.fromkeys(texts, object), "unknown": float, "branches": "Int64"},
         na_values={name: [""] for name in
                    ("gain", "split_info", "gain_ratio", "branches", "threshold", "judged_gain", "no_split")},
         float_precision="round_trip")

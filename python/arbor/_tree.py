@@ -1,6 +1,7 @@
 """A grown tree, to be looked at."""
 
 import html
+import operator
 import sys
 
 
@@ -68,10 +69,12 @@ class Tree:
         ------
         ValueError
             If a parameter is out of range.
+        TypeError
+            If a parameter is not an integer.
         """
-        if width < 5:
+        if operator.index(width) < 5:
             raise ValueError("width is at least 5")
-        return self._model.text(_depth(max_depth), width)
+        return self._model.text(_depth(max_depth), min(operator.index(width), sys.maxsize))
 
     def to_graphviz(self, max_depth=None):
         """The tree in the language of Graphviz.
@@ -127,6 +130,6 @@ class Tree:
 def _depth(max_depth):
     if max_depth is None:
         return sys.maxsize
-    if max_depth < 0:
+    if operator.index(max_depth) < 0:
         raise ValueError("max_depth is None or at least 0")
-    return int(max_depth)
+    return min(operator.index(max_depth), sys.maxsize)

@@ -47,7 +47,11 @@ class object_texts {
   std::int32_t number_of(PyObject* object, std::size_t row) {
     known& place = recent[(reinterpret_cast<std::uintptr_t>(object) >> 4U) % recent.size()];
     // The column refers to the object, so that no other one has its address.
-    if (place.object != object) place = {object, new_number(object, row)};
+    if (place.object != object) {
+      const auto kept =
+          py::reinterpret_borrow<py::object>(object);  // if its str() changes the column
+      place = {object, new_number(object, row)};
+    }
     return place.number;
   }
 
@@ -85,9 +89,12 @@ class object_texts {
     for (const py::handle one : unknown) {
       if (one.ptr() == object) return true;
     }
-    const py::handle handle(object);
-    if (!scalar(handle).cast<bool>()) return false;
-    return handle.not_equal(handle);
+    if (!scalar(py::handle(object)).cast<bool>()) return false;
+    // Python's own shortcut would take an object as equal to itself without asking it.
+    const auto differs =
+        py::reinterpret_steal<py::object>(PyObject_RichCompare(object, object, Py_NE));
+    if (!differs) throw py::error_already_set();
+    return differs.cast<bool>();
   }
 
   std::int32_t number_of_text(PyObject* text, std::size_t row) {
@@ -97,10 +104,16 @@ class object_texts {
     if (PyUnicode_IS_READY(text) && PyUnicode_IS_COMPACT_ASCII(text)) {
       characters = PyUnicode_AsUTF8AndSize(text, &length);
     } else {  // the text would keep its bytes, which take more memory
-      encoded = py::reinterpret_steal<py::object>(PyUnicode_AsUTF8String(text));
+      encoded = py::reinterpret_steal<py::object>(
+          PyUnicode_AsEncodedString(text, "utf-8", "surrogateescape"));
       if (encoded) PyBytes_AsStringAndSize(encoded.ptr(), const_cast<char**>(&characters), &length);
     }
-    if (characters == nullptr) throw py::error_already_set();
+    if (characters == nullptr) {
+      if (PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) == 0) throw py::error_already_set();
+      PyErr_Clear();
+      throw py::value_error("column " + tree::in_quotes(column) + ", row " + std::to_string(row) +
+                            ": a text has a surrogate, which is no character");
+    }
     const std::string_view view(characters, static_cast<std::size_t>(length));
     if (view.find('\0') != view.npos) {
       throw py::value_error("column " + tree::in_quotes(column) + ", row " + std::to_string(row) +

@@ -1,6 +1,7 @@
 #include "python/core/interruption.h"
 
 #include <pybind11/pybind11.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "arbor/table/thread_pool.h"
 
@@ -23,7 +25,40 @@ class stopped : public std::runtime_error {
   stopped() : std::runtime_error("interrupted") {}
 };
 
+// The calls of run() in this process, of which a forked one has none. The GIL guards it.
+struct {
+  pid_t process = 0;
+  int running = 0;
+  std::atomic<bool> ending{false};
+} calls;
+
+// Ends a thread of Python, without a message.
+[[noreturn]] void leave_thread() {
+  PyErr_SetNone(PyExc_SystemExit);
+  throw pybind11::error_already_set();
+}
+
+class counted_call {
+ public:
+  counted_call() {
+    if (calls.ending) leave_thread();
+    if (std::exchange(calls.process, getpid()) != getpid()) calls.running = 0;
+    ++calls.running;
+  }
+  ~counted_call() { --calls.running; }
+  counted_call(const counted_call&) = delete;
+  counted_call& operator=(const counted_call&) = delete;
+};
+
 }  // namespace
+
+void end_all() {
+  calls.ending = true;
+  while (calls.process == getpid() && calls.running > 0) {
+    const pybind11::gil_scoped_release release;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+}
 
 point_locale::point_locale() : own(newlocale(LC_NUMERIC_MASK, "C", nullptr)), before(nullptr) {
   if (own == nullptr) throw std::bad_alloc();
@@ -43,13 +78,14 @@ void run(const std::function<void(const std::function<void()>& check)>& work) {
   bool ended = false;
   std::exception_ptr failure;
   std::optional<pybind11::error_already_set> raised;
+  const counted_call counted;
   {
     const pybind11::gil_scoped_release release;
     std::thread worker([&] {
       std::exception_ptr thrown = tree::failure_of([&] {
         const point_locale with_points;
         work([&] {
-          if (stop) throw stopped();
+          if (stop || calls.ending) throw stopped();
         });
       });
       const std::lock_guard<std::mutex> lock(mutex);
@@ -72,6 +108,7 @@ void run(const std::function<void(const std::function<void()>& check)>& work) {
     worker.join();
   }
   if (raised) throw pybind11::error_already_set(*raised);
+  if (failure && calls.ending) leave_thread();
   if (failure) std::rethrow_exception(failure);
 }
 

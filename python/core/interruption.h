@@ -31,6 +31,10 @@ class point_locale {
 // the GIL.
 void run(const std::function<void(const std::function<void()>& check)>& work);
 
+// Ends all work, before the interpreter does. A daemon thread that waits for it could not go on
+// afterwards; it leaves with SystemExit. The caller has the GIL.
+void end_all();
+
 }  // namespace arbor::python
 
 #endif

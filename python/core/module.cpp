@@ -15,6 +15,7 @@
 #include <tuple>
 #include <vector>
 
+#include "arbor/csv/shown_text.h"
 #include "arbor/csv/table_error.h"
 #include "arbor/report/node_text.h"
 #include "arbor/report/node_walk.h"
@@ -23,6 +24,7 @@
 #include "arbor/report/tree_json.h"
 #include "arbor/report/tree_report.h"
 #include "arbor/store/model_store.h"
+#include "arbor/table/cells/number_reading.h"
 #include "arbor/table/decimal_domain.h"
 #include "arbor/table/memory_table.h"
 #include "arbor/table/value_text.h"
@@ -39,6 +41,21 @@ namespace arbor::python {
 namespace py = pybind11;
 
 namespace {
+
+// The text of these bytes. Those that are not UTF-8 become surrogates, as in names of files, from
+// which Python makes the same bytes again.
+py::str text_of_bytes(const std::string& bytes) {
+  PyObject* const text =
+      PyUnicode_DecodeUTF8(bytes.data(), static_cast<py::ssize_t>(bytes.size()), "surrogateescape");
+  if (text == nullptr) throw py::error_already_set();
+  return py::reinterpret_steal<py::str>(text);
+}
+
+std::vector<py::str> texts_of_bytes(const std::vector<std::string>& all) {
+  std::vector<py::str> texts;
+  for (const std::string& bytes : all) texts.push_back(text_of_bytes(bytes));
+  return texts;
+}
 
 // A tree that does not change any more, so that any number of threads may use it.
 class model {
@@ -89,12 +106,29 @@ std::vector<std::size_t> first_rows(const impls::column& classes) {
   return rows;
 }
 
-// Of two classes that the table cannot tell apart, each would be the other.
-void refuse_lost_classes(const tree::table& table) {
+// Of two classes that the table cannot tell apart, each would be the other. `first` has the first
+// row of each class by code less 1.
+void refuse_lost_classes(const tree::table& table, const tree::memory_column& classes,
+                         const std::vector<std::size_t>& first) {
   for (const tree::table_remark& remark : table.remarks) {
     if (remark.loses_numbers && remark.kind == impls::column::CLASS)
       throw tree::table_error(table.name + ": the class: " + remark.text);
   }
+  if (!classes.texts || classes.texts->size() == first.size()) return;
+  const impls::column& codes = table.class_column();
+  tree::with_numbers(classes.numbers, [&](auto number_of) {
+    const auto text_of = [&](std::size_t row) {
+      return tree::in_quotes((*classes.texts)[static_cast<std::size_t>(number_of(row))]);
+    };
+    for (unsigned int row = 0; row < classes.numbers.count; ++row) {
+      const std::size_t same = first[codes.get_row_index(row) - 1ULL];
+      if (number_of(row) == number_of(same)) continue;
+      throw tree::table_error(table.name + ": the classes " + text_of(same) + " and " +
+                              text_of(row) +
+                              " would be one, as blanks and the form of a number "
+                              "do not count");
+    }
+  });
 }
 
 py::tuple grow(const columns& all, const std::string& name, const weights_array& weights,
@@ -106,7 +140,8 @@ py::tuple grow(const columns& all, const std::string& name, const weights_array&
   std::vector<std::string> remarks;
   run([&](const std::function<void()>& check) {
     const tree::table table = tree::make_table(from, options_of(kinds, threads, check));
-    refuse_lost_classes(table);
+    rows_of_classes = first_rows(table.class_column());
+    refuse_lost_classes(table, from.columns.back(), rows_of_classes);
     tree::grow_options options;
     options.min_weight = min_weight;
     options.max_depth = max_depth;
@@ -115,7 +150,6 @@ py::tuple grow(const columns& all, const std::string& name, const weights_array&
     options.threads = threads;
     options.progress = [&](double /*settled*/) { check(); };
     grown = std::make_shared<model>(tree::grow_tree(table, table.cases, options));
-    rows_of_classes = first_rows(table.class_column());
     for (const tree::table_remark& remark : table.remarks) remarks.push_back(remark.text);
   });
   return py::make_tuple(grown, rows_of_classes, remarks);
@@ -210,18 +244,18 @@ std::vector<shown_node> first_nodes(const model& shown, std::size_t most, std::s
   return nodes;
 }
 
-std::vector<std::string> class_values(const model& of) {
+std::vector<py::str> class_values(const model& of) {
   const point_locale with_points;
   std::vector<std::string> values;
   for (unsigned int code = 1; code <= of.tree.class_count(); ++code)
     values.push_back(tree::value_text(*of.tree.class_column, code));
-  return values;
+  return texts_of_bytes(values);
 }
 
-std::vector<std::string> attribute_names(const model& of) {
+std::vector<py::str> attribute_names(const model& of) {
   std::vector<std::string> names;
   for (const auto& attribute : of.tree.attributes) names.push_back(attribute->get_name());
-  return names;
+  return texts_of_bytes(names);
 }
 
 py::bytes bytes_of(const model& saved) {
@@ -257,7 +291,7 @@ void save(const model& saved, const py::bytes& path) {
       refusal = error.what();
     }
   }
-  PyErr_SetString(PyExc_OSError, refusal.c_str());
+  PyErr_SetObject(PyExc_OSError, text_of_bytes(refusal).ptr());
   throw py::error_already_set();
 }
 
@@ -273,9 +307,11 @@ PYBIND11_MODULE(_core, module) {
     } catch (const py::builtin_exception& error) {
       error.set_error();
     } catch (const std::runtime_error& error) {
-      PyErr_SetString(PyExc_ValueError, error.what());
+      PyErr_SetObject(PyExc_ValueError, text_of_bytes(error.what()).ptr());
     }
   });
+
+  py::module_::import("atexit").attr("register")(py::cpp_function(&end_all));
 
   py::class_<columns>(module, "Columns")
       .def(py::init<>())
@@ -309,7 +345,8 @@ PYBIND11_MODULE(_core, module) {
              const tree::tree_size size = tree::size_of(of.tree);
              return std::make_tuple(size.nodes, size.leaves, size.depth);
            })
-      .def("class_name", [](const model& of) { return of.tree.class_column->get_name(); })
+      .def("class_name",
+           [](const model& of) { return text_of_bytes(of.tree.class_column->get_name()); })
       .def("class_type", [](const model& of) { return tree::data_type_of(*of.tree.class_column); })
       .def("class_values", &class_values)
       .def("attribute_names", &attribute_names)

@@ -1,6 +1,7 @@
 """The package behaves as scikit-learn's users expect, also where something goes wrong."""
 
 import copy
+import decimal
 import doctest
 import os
 import pathlib
@@ -89,6 +90,29 @@ def test_arrays_of_any_layout_grow_the_same_tree():
     assert len(predicted) == 1
 
 
+@pytest.mark.parametrize("labels", [
+    numpy.array([3, 5], "uint8"), numpy.array([-2**62, -2**62 + 1]), numpy.array([2**63, 2**63 + 1], "uint64"),
+    numpy.array([False, True]), numpy.array(["no", "yes"]), numpy.array([0.0, 2.0]), numpy.array([1, 2], object),
+    pandas.array([1, 2], "Int64"), pandas.array([False, True], "boolean"), pandas.array(["no", "yes"], "string"),
+    pandas.Categorical([7, 9])], ids=lambda labels: f"{type(labels).__name__}-{labels.dtype}")
+def test_classes_come_back_as_they_were(labels, tmp_path):
+    numbers = numpy.array([[0], [1]] * 7)
+    classes = labels[numbers[:, 0]]
+    fitted = ArborClassifier().fit(numbers, classes)
+    assert fitted.classes_.tolist() == [*labels] and fitted.score(numbers, classes) == 1
+    fitted.save(tmp_path / "model")
+    for made in (pickle.loads(pickle.dumps(fitted)), arbor.load_model(tmp_path / "model")):
+        assert (made.predict(numbers) == fitted.predict(numbers)).all() and made.score(numbers, classes) == 1
+
+
+def test_unknown_values_of_any_kind():
+    hidden = numpy.ma.MaskedArray([[1], [2]] * 7, mask=[[True], [False]] * 7)
+    for unknown in (None, pandas.NA, pandas.NaT, numpy.float32("nan"), decimal.Decimal("nan"), "", " ? "):
+        table = numpy.array([[unknown], [2]] * 7, object)
+        assert arbor.rate(table, Y).unknown.tolist() == [0.5]
+    assert arbor.rate(hidden, Y).unknown.tolist() == [0.5]
+
+
 def refusal(error, *arguments, **options):
     with pytest.raises(error) as caught:
         ArborClassifier(**options).fit(*arguments)
@@ -97,6 +121,7 @@ def refusal(error, *arguments, **options):
 
 def test_refusals_name_the_column():
     number = X.assign(outlook=1)
+    surrogate = pandas.Categorical.from_codes([0] * 14, ["a\ud800"])
     for message, found in {
         '"outlook"': refusal(ValueError, X, Y, kinds={"outlook": "continuous"}),
         'did you mean "outlook"?': refusal(ValueError, X, Y, kinds={"outlok": "ignore"}),
@@ -104,18 +129,23 @@ def test_refusals_name_the_column():
         'row 3: column "play": the unknown value': refusal(ValueError, X, Y.mask(Y.index == 3)),
         "zero byte": refusal(ValueError, X.assign(windy="a\0b"), Y),
         'column "windy", row 0: argument must be a string or a number': refusal(TypeError, X.assign(windy=[[]] * 14), Y),
-        "surrogates not allowed": refusal(ValueError, X.assign(windy="\ud800"), Y),
+        'column "windy", row 0: a text has a surrogate': refusal(ValueError, X.assign(windy="\ud800"), Y),
+        "column 'windy': 'a\\ud800' has": refusal(ValueError, X.assign(windy=surrogate), Y),
+        "name of a column: '\\ud800'": refusal(ValueError, X.rename(columns={"windy": "\ud800"}), Y),
+        '"1" and "01" would be one': refusal(ValueError, X, ["1", "01"] * 7),
+        "the unknown value": refusal(ValueError, X, numpy.ma.MaskedArray([0, 1] * 7, mask=[False, True] * 7)),
+        "no order: 1, 'a'": refusal(ValueError, X, numpy.array([1, "a"] * 7, object)),
         "two columns have the name": refusal(ValueError, pandas.concat([number, number["windy"]], axis=1), Y),
         "negative weight": refusal(ValueError, X, Y, -numpy.ones(14)),
         "every row has the weight 0": refusal(ValueError, X, Y, numpy.zeros(14)),
         "not a finite number above 0": refusal(ValueError, X, Y, numpy.full(14, 1e39)),
-        "max_depth": refusal(ValueError, X, Y, max_depth=-1),
-        "min_weight": refusal(ValueError, X, Y, min_weight=float("nan")),
-        "confidence": refusal(ValueError, X, Y, confidence=0),
-        "n_jobs": refusal(ValueError, X, Y, n_jobs=0),
         "are equal": refusal(ValueError, X, [*range(2**62, 2**62 + 13), 0]),
     }.items():
         assert message in found
+    wrong = {"max_depth": [-1, 1.5, "a"], "min_weight": [float("nan"), None], "confidence": [0, "a"], "n_jobs": [0, 1.5],
+             "prune": ["no"], "kinds": ["a", {"windy": 3}], "table_name": ["\ud800"]}
+    for name, values in wrong.items():
+        assert all(refusal(ValueError, X, Y, **{name: value}).startswith(name + ": ") for value in values)
     with pytest.raises(ValueError, match="lacks columns that fit had: 'windy'"):
         ArborClassifier().fit(X, Y).predict(X.drop(columns="windy"))
     with pytest.raises(NotFittedError):
@@ -132,6 +162,10 @@ def test_hostile_files_and_names(tmp_path):
     (tmp_path / "model").write_bytes(saved[:-1])
     with pytest.raises(ValueError, match="model: damaged"):
         arbor.load_model(tmp_path / "model")
+    table = pandas.DataFrame({"caf\udce9": ["\udce4", "b"] * 9, "class": ["\udcf6", "d"] * 9})  # of Latin-1
+    ArborClassifier().fit(table[["caf\udce9"]], table["class"]).save(tmp_path / "model")
+    loaded = arbor.load_model(tmp_path / "model")
+    assert loaded.predict(table).tolist() == table["class"].tolist() and "\\xE4" in loaded.tree_.text()
     (tmp_path / "model").write_text("a table")
     with pytest.raises(ValueError, match="not a model"):
         arbor.load_model(tmp_path / "model")
@@ -156,6 +190,14 @@ def test_other_threads_go_on():
     done.set()
     thread.join()
     assert max(b - a for a, b in zip(beats, beats[1:])) < 0.5
+
+
+def test_process_ends_while_a_daemon_fits():
+    code = ("import threading, numpy, arbor; rows = numpy.random.default_rng(1).normal(size=(200_000, 8))\n"
+            "def fit(): arbor.ArborClassifier(prune=False).fit(rows, rows[:, 0] > rows[:, 1]); fit()\n"
+            "threading.Thread(target=fit, daemon=True).start(); import time; time.sleep(0.1)")
+    done = subprocess.run([sys.executable, "-c", code], stderr=subprocess.PIPE, text=True)
+    assert (done.returncode, done.stderr) == (0, "")
 
 
 def test_interrupt_ends_a_fit():

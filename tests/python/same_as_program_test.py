@@ -44,7 +44,7 @@ def compare(X, y, folder, kinds=None, weights=None, **options):
     assert code == 0, message
     predicted = pandas.read_csv(io.StringIO(rows), dtype=str, keep_default_na=False).iloc[:, -len(classifier.classes_) - 1:]
     loaded = arbor.load_model(folder / "model")
-    assert list(loaded.predict(X)) == list(predicted.iloc[:, 0].astype(loaded.classes_.dtype))
+    assert [*map(str, loaded.predict(X))] == [*predicted.iloc[:, 0]]
     of_program = predicted.iloc[:, 1:].astype(numpy.float32).to_numpy()
     assert (loaded.predict_proba(X).astype(numpy.float32) == of_program).all()
     assert (classifier.predict_proba(X) == loaded.predict_proba(X)).all()

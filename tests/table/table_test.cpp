@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstring>
 #include <map>
 #include <numeric>
 #include <optional>
@@ -12,7 +14,10 @@
 
 #include "arbor/table/cells/secret_hash.h"
 #include "arbor/table/decimal_domain.h"
+#include "arbor/table/memory_table.h"
 #include "arbor/table/value_text.h"
+#include "arbor/tree/classification.h"
+#include "arbor/tree/memory_classification.h"
 #include "tests/support/byte_sources.h"
 #include "tests/support/cells.h"
 #include "tests/support/rows.h"
@@ -305,6 +310,150 @@ TEST(TableInParts, IsTheWholeTableOfRandomCells) {
     if (draw(4) == 0) options.declared.columns = {{"b", "", "", texts{"0", "7", "x", "1", "2"}}};
     expect_same_in_parts(paths, options);
   }
+}
+
+// A column in memory, and the cells that a file has of it.
+struct column_and_cells {
+  std::vector<char> bytes;
+  std::vector<unsigned char> unknown;
+  tree::memory_column column;
+  texts cells;
+};
+
+// Numbers of one type that are not aligned; of texts if there are some.
+template <class Number>
+void add_numbers(column_and_cells& made, std::mt19937& random, std::size_t rows) {
+  constexpr std::size_t step = sizeof(Number) + 1;
+  using limits = std::numeric_limits<Number>;
+  const Number range = static_cast<Number>(1 + random() % 100), part = random() % 2 == 0 ? 1 : 8;
+  made.bytes.resize(1 + rows * step);
+  made.column.numbers = {tree::type_of_number<Number>(), made.bytes.data() + 1, rows, step};
+  const std::size_t odd_in = 2 + random() % 60;
+  for (std::size_t row = 0; row < rows; ++row) {
+    Number number = static_cast<Number>(static_cast<Number>(random() % 100) - range) / part;
+    if (random() % odd_in == 0)
+      number =
+          std::array<Number, 6>{limits::max(),      limits::lowest(), limits::quiet_NaN(),
+                                limits::infinity(), limits::min(),    Number(-0.0)}[random() % 6];
+    std::memcpy(made.bytes.data() + 1 + row * step, &number, sizeof number);
+    std::array<char, 32> text{};
+    char* const end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+    std::string cell(text.data(), end);
+    if (std::is_floating_point_v<Number> && cell.find_first_of(".en") == cell.npos) cell += ".0";
+    const bool is_nan = cell.find("nan") != cell.npos;
+    made.cells.push_back(is_nan || made.unknown[row] != 0 ? "?" : cell);
+    if (!made.column.texts) continue;
+    const auto place = static_cast<std::size_t>(number);
+    const bool is_known = made.cells[row] != "?" && place < made.column.texts->size();
+    made.cells[row] = is_known ? (*made.column.texts)[place] : "?";
+    if (made.cells[row].find(',') != std::string::npos)
+      made.cells[row] = '"' + made.cells[row] + '"';
+  }
+}
+
+void fill_randomly(column_and_cells& made, std::mt19937& random, std::size_t rows) {
+  const std::size_t known_in = random() % 9, type = random() % 16;
+  made.unknown.resize(rows);
+  for (unsigned char& one : made.unknown) one = known_in > 5 && random() % known_in == 0;
+  made.column.unknown = made.unknown.data();
+  if (type > 9)
+    made.column.texts = random() % 3 == 0 ? texts{"1", "01", "2.5", " 7"}
+                                          : texts{"x", " y", "a, b", "?", "", "7", "é"};
+  switch (type) {
+    case 0:
+      return add_numbers<float>(made, random, rows);
+    case 1:
+    case 2:
+      return add_numbers<double>(made, random, rows);
+    case 3:
+    case 10:
+      return add_numbers<std::int8_t>(made, random, rows);
+    case 4:
+    case 11:
+      return add_numbers<std::uint8_t>(made, random, rows);
+    case 5:
+    case 12:
+      return add_numbers<std::int16_t>(made, random, rows);
+    case 6:
+      return add_numbers<std::uint16_t>(made, random, rows);
+    case 7:
+    case 13:
+      return add_numbers<std::int32_t>(made, random, rows);
+    case 8:
+      return add_numbers<std::uint64_t>(made, random, rows);
+    case 14:
+      return add_numbers<std::uint32_t>(made, random, rows);
+    default:
+      return add_numbers<std::int64_t>(made, random, rows);
+  }
+}
+
+TEST(MemoryTable, IsThatOfItsFileForAnyNumberOfThreads) {
+  std::mt19937 random(5);
+  int accepted = 0;
+  for (int round = 0; round < 60; ++round) {
+    SCOPED_TRACE(round);
+    const std::size_t rows = round == 0 ? 12000 : 1 + random() % 300;
+    std::array<column_and_cells, 4> columns;
+    std::string csv = "a,b,d,c\n";
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      columns[i].column.name = csv.substr(2 * i, 1);
+      if (i < 3) fill_randomly(columns[i], random, rows);
+    }
+    std::vector<std::int8_t> classes(rows);
+    for (std::int8_t& one : classes) one = static_cast<std::int8_t>(random() % 2);
+    columns[3].column.numbers = tree::numbers_of(classes);
+    columns[3].column.texts = {"p", "q"};
+    for (std::size_t row = 0; row < rows; ++row) {
+      for (std::size_t i = 0; i < 3; ++i) csv += columns[i].cells[row] + ",";
+      csv += classes[row] == 0 ? "p\n" : "q\n";
+    }
+    tree::memory_table from{"memory", {}, 3, nullptr};
+    for (const column_and_cells& one : columns) from.columns.push_back(one.column);
+    const temporary_file file(csv);
+    const tree::load_options options = options_of(round % 3 == 0 ? "kind a discrete" : "");
+    std::string rows_of_file, rows_in_memory;
+    const auto load = [&] { return tree::load_table(file.path(), options); };
+    const std::string of_file = told(load, rows_of_file);
+    for (const unsigned int threads : {1U, 3U}) {
+      const auto make = [&] {
+        return tree::make_table(from, {options.kinds, "the kind", threads, {}});
+      };
+      const std::string in_memory = told(make, rows_in_memory);
+      if (of_file.find('\n') == std::string::npos) {  // refused, at a place that differs
+        EXPECT_EQ(in_memory.find('\n'), std::string::npos) << in_memory;
+        continue;
+      }
+      ++accepted;
+      EXPECT_EQ(in_memory, of_file);
+      EXPECT_EQ(rows_in_memory, rows_of_file);
+      const table loaded = load();
+      const tree::decision_tree t = grown(loaded, 1);
+      std::vector<const tree::memory_column*> attributes;
+      for (const auto& attribute : t.attributes)
+        attributes.push_back(&columns[csv.find(attribute->get_name()) / 2].column);
+      std::vector<unsigned int> predicted(rows);
+      std::vector<double> probabilities(rows * t.class_count());
+      tree::classify_columns(t, attributes, rows, {{}, threads, {}}, predicted.data(),
+                             probabilities.data());
+      tree::row_classifier classify(t, loaded);
+      for (unsigned int row = 0; row < rows; ++row) {
+        const std::vector<double>& expected = classify(row).distribution;
+        EXPECT_EQ(predicted[row], tree::likeliest_class(expected)) << row;
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(),
+                               probabilities.begin() + row * t.class_count()))
+            << row;
+      }
+    }
+  }
+  EXPECT_GT(accepted, 100);
+  const std::vector<int> numbers(9);
+  const tree::memory_table small{
+      "memory", {{"c", tree::numbers_of(numbers), {}, nullptr, 1}}, 0, nullptr};
+  EXPECT_EQ(message_of([&] {
+              tree::make_table(small, {{}, "", 1, [] { throw std::runtime_error("ended"); }});
+            }),
+            "ended");
 }
 
 // How many cells there are of each text. Each plain number counts once.

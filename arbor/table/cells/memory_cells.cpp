@@ -4,6 +4,8 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "arbor/table/cells/number_reading.h"
+
 namespace arbor::tree {
 
 namespace {
