@@ -17,15 +17,17 @@ namespace arbor::tree {
 // How a known value is compared with those of an attribute.
 enum class value_form {
   text,
-  exact_number,  // an integer or a decimal
-  single_number  // rounded to single precision before it is compared
+  exact_number,   // an integer or a decimal
+  single_number,  // rounded to single precision before it is compared
+  double_number   // rounded to double precision
 };
 value_form form_of(const impls::column& attribute);
 
 // Whether a double is too short for the numbers of an attribute, which have more than 15 digits.
 bool exceeds_double(const impls::column& attribute);
 
-// The number of a text in single precision.
+// The number of a text in double or single precision.
+double double_number(const std::string& text);
 float single_number(const std::string& text);
 
 // The numbers that round to at most `number` in single precision: those up to a greatest double,
@@ -36,9 +38,6 @@ struct rounding_bound {
   bool has_all;
 };
 rounding_bound bound_of(float number);
-
-// The next number below in single precision; that of -infinity is itself.
-float number_below(float number);
 
 // A double in the fewest digits that read back to it; always with a point or an exponent. `number`
 // is finite.
