@@ -48,8 +48,9 @@ std::string attribute_line(const impls::column& attribute) {
 void check_repeated(const std::string& text, const char* language) {
   constexpr std::size_t most_repeated = 1000;
   if (text.size() <= most_repeated) return;
-  throw std::runtime_error(fmt::format("{} repeats the names and values of a tree; {} has {} bytes",
-                                       language, in_quotes(text), text.size()));
+  throw std::runtime_error(
+      fmt::format("{} repeats the names and values of a tree, which may have {} bytes; {} has {}",
+                  language, most_repeated, in_quotes(text, head_width), text.size()));
 }
 
 void check_values(const impls::column& column, const char* language) {
