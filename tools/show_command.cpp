@@ -71,7 +71,7 @@ void print_text(const tree::decision_tree& model, std::size_t depth) {
 }  // namespace
 
 show_command::show_command(CLI::App& app)
-    : command(app, "show", "Show a saved tree as text, graph, JSON or picture", show_help) {
+    : command(app, "show", "Show a saved tree as text, graph, JSON, picture or code", show_help) {
   parser.add_option("MODEL", model_path, "A file saved by arbor grow")->type_name("");
   offer(parser.add_option("--format", format,
                           "text, dot (for Graphviz), json, rules, sql, c, python or pmml; with "

@@ -1,5 +1,5 @@
-// arbor show: a saved tree as text, graph, JSON or picture, and the attributes that a test of it
-// could have chosen.
+// arbor show: a saved tree as text, graph, JSON, picture or code for other programs, and the
+// attributes that a test of it could have chosen.
 #ifndef ARBOR_TOOLS_SHOW_COMMAND_H
 #define ARBOR_TOOLS_SHOW_COMMAND_H
 

@@ -4,8 +4,10 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 #include "arbor/table/decimal_domain.h"
 #include "arbor/utils/number_text.h"
@@ -23,30 +25,52 @@ bool needs_escape(char c) {
   return static_cast<unsigned char>(c) >= 0x7F;
 }
 
-// The floats from -infinity to infinity are numbered by their bits: negative ones downwards from
+template <class Number>
+std::string fewest_digits(Number value) {
+  std::array<char, 32> buffer{};
+  return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
+}
+
+// The numbers from -infinity to infinity are numbered by their bits: negative ones downwards from
 // -1, the others upwards.
-float numbered_float(int number) {
-  const unsigned int pattern = number < 0 ? 0x80000000U | static_cast<unsigned int>(-1 - number)  //
-                                          : static_cast<unsigned int>(number);
-  float value = 0;
+template <class Number, class Integer>
+Number numbered(Integer number) {
+  static_assert(sizeof(Number) == sizeof(Integer));
+  const Integer pattern = number < 0 ? std::numeric_limits<Integer>::min() + (-1 - number) : number;
+  Number value = 0;
   std::memcpy(&value, &pattern, sizeof value);
   return value;
 }
 
-// The float of a code, found by comparing: that is exact where printing is not.
-float compared_float(impls::o_set& domain, unsigned int code) {
-  constexpr int number_of_infinity = 0x7F800000;
-  int low = -number_of_infinity - 1;  // the number of -infinity
-  int high = number_of_infinity;
+// The number of a code, found by comparing: that is exact where printing is not.
+template <class Number, class Integer>
+std::string compared_text(impls::o_set& domain, unsigned int code) {
+  using Unsigned = std::make_unsigned_t<Integer>;
+  constexpr Number infinity = std::numeric_limits<Number>::infinity();
+  Integer high = 0;
+  std::memcpy(&high, &infinity, sizeof high);
+  Integer low = -high - 1;  // the number of -infinity
   while (low < high) {
-    const int middle = static_cast<int>(low + (0LL + high - low) / 2);
-    if (domain.leq(code, shortest_text(numbered_float(middle))) == 1) {
+    const auto distance = static_cast<Unsigned>(high) - static_cast<Unsigned>(low);
+    const Integer middle = low + static_cast<Integer>(distance / 2);
+    if (domain.leq(code, fewest_digits(numbered<Number, Integer>(middle))) == 1) {
       low = middle + 1;
     } else {
       high = middle;
     }
   }
-  return numbered_float(low);
+  return fewest_digits(numbered<Number, Integer>(low));
+}
+
+// The text of a code of a domain of such numbers. `printed` is what the domain prints.
+template <class Number, class Integer>
+std::string shortest_of_code(const column& column, unsigned int code, const std::string& printed) {
+  double value = 0;
+  if (!read_known_number(printed.c_str(), value)) return printed;
+  std::string shortest = fewest_digits(static_cast<Number>(value));
+  return column.get_index(shortest.c_str()) == code
+             ? shortest
+             : compared_text<Number, Integer>(*column.get_o_set(), code);
 }
 
 // Reads the text of a number. Returns whether a domain of this type of integers may hold it, and
@@ -99,20 +123,17 @@ std::string to_cell_text(std::string_view domain_text) {
 }
 
 std::string shortest_text(float value) {
-  std::array<char, 32> buffer{};
-  return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
+  return fewest_digits(value);
 }
 
 std::string shortest_value(const column& column, unsigned int code) {
   impls::o_set& domain = *column.get_o_set();
-  std::string printed = column.get_value(code);
-  double value = 0;
-  if (domain.get_datatype() != "float" || code == 0 || code > domain.size_of_known())
-    return printed;
-  if (!strata::util::read_number(printed.c_str(), value) || std::isnan(value)) return printed;
-  std::string shortest = shortest_text(static_cast<float>(value));
-  return column.get_index(shortest.c_str()) == code ? shortest
-                                                    : shortest_text(compared_float(domain, code));
+  const std::string printed = column.get_value(code);
+  const std::string data_type = domain.get_datatype();
+  if (code == 0 || code > domain.size_of_known()) return printed;
+  if (data_type == "float") return shortest_of_code<float, std::int32_t>(column, code, printed);
+  if (data_type == "double") return shortest_of_code<double, std::int64_t>(column, code, printed);
+  return printed;
 }
 
 std::string value_text(const column& column, unsigned int code) {

@@ -29,10 +29,10 @@ std::string to_cell_text(std::string_view domain_text);
 // The fewest digits that read back to the same float.
 std::string shortest_text(float value);
 
-// The text of a code, without regard to to_domain_text. Domains print a float to thirty decimals,
-// which are many and, for the smallest numbers, too few; this text is short and, looked up in the
-// domain, gives the code again. Other values, and codes that do not exist, are as the domain prints
-// them.
+// The text of a code, without regard to to_domain_text. Domains print a float or a double to thirty
+// decimals, which are many and, for the smallest numbers, too few; this text is short and, looked
+// up in the domain, gives the code again. Other values, and codes that do not exist, are as the
+// domain prints them.
 std::string shortest_value(const impls::column& column, unsigned int code);
 
 // The text of a code: a text as it stood in the file, a number in the fewest digits, for code 0 the

@@ -239,7 +239,7 @@ def number_table():
     names = ["whole", "money", "id", "float", "small", "few", "class"]
     rows = []
     for _ in range(400):
-        whole, few = DICE.randrange(-50, 50), DICE.choice(["1", "2", "3.0"])
+        whole, few = DICE.randrange(-50, 50), DICE.choice(["-inf", "1e-40", "2e-40", "2"])
         floating = DICE.uniform(-1, 1) * 10 ** DICE.randrange(-30, 30)
         money = f"{DICE.randrange(10 ** 6) / 100:.2f}"
         number = DICE.randrange(9007199254740000, 9007199254749999)
@@ -300,10 +300,10 @@ def main():
             names, *rows = read(f"{DATA}/{name}.csv")
             compare(folder, name, names, rows, "--no-pruning", "--min-weight", "1")
         names, rows = number_table()
-        kinds = ["--kind", "few=discrete", "--type", "float=float", "--type", "small=float"]
-        compare(folder, "numbers", names, rows, "--no-pruning", "--min-weight", "1", *kinds)
-        compare(folder, "codes", names, rows, "--no-pruning", "--min-weight", "1", *kinds, "--kind", "small=discrete",
-                "--kind", "whole=discrete", "--kind", "money=discrete")
+        kinds = ["--kind", "few=discrete", "--type", "float=float", "--type"]
+        compare(folder, "numbers", names, rows, "--no-pruning", "--min-weight", "1", *kinds, "few=float")
+        compare(folder, "codes", names, rows, "--no-pruning", "--min-weight", "1", *kinds, "few=double", "--type",
+                "small=float", "--kind", "small=discrete", "--kind", "whole=discrete", "--kind", "money=discrete")
         compare(folder, "hostile", *hostile_table(HOSTILE), "--no-pruning", "--min-weight", "1")
         compare(folder, "long", *hostile_table(HOSTILE[:9] + [text * 5000 for text in "abcd\u00e9"] + ["\udcff?\udc80", "\x01"]),
                 "--no-pruning", "--min-weight", "1", sql=False)

@@ -149,9 +149,10 @@ void write_texts(std::ostream& out, const char* storage, const std::string& decl
 
 // The number of a value or threshold as the function compares it.
 std::string c_number(const column& attribute, const std::string& text) {
-  return form_of(attribute) == value_form::exact_number
-             ? c_exact(text)
-             : c_double(static_cast<double>(single_number(text)));
+  const value_form form = form_of(attribute);
+  if (form == value_form::exact_number) return c_exact(text);
+  return c_double(form == value_form::single_number ? static_cast<double>(single_number(text))
+                                                    : double_number(text));
 }
 
 constexpr const char* find_text = R"(

@@ -48,8 +48,9 @@ std::string attribute_line(const impls::column& attribute) {
 void check_repeated(const std::string& text, const char* language) {
   constexpr std::size_t most_repeated = 1000;
   if (text.size() <= most_repeated) return;
-  throw std::runtime_error(fmt::format("{} repeats the names and values of a tree; {} has {} bytes",
-                                       language, in_quotes(text), text.size()));
+  throw std::runtime_error(
+      fmt::format("{} repeats the names and values of a tree, which may have {} bytes; {} has {}",
+                  language, most_repeated, in_quotes(text, head_width), text.size()));
 }
 
 void check_values(const impls::column& column, const char* language) {
@@ -63,8 +64,8 @@ void check_values(const impls::column& column, const char* language) {
 value_form form_of(const impls::column& attribute) {
   const std::string type = data_type_of(attribute);
   if (type == "string") return value_form::text;
-  const bool is_exact = type == "decimal" || type == "integer" || type == "uinteger";
-  return is_exact ? value_form::exact_number : value_form::single_number;
+  if (type == "float") return value_form::single_number;
+  return type == "double" ? value_form::double_number : value_form::exact_number;
 }
 
 bool exceeds_double(const impls::column& attribute) {
@@ -80,20 +81,20 @@ bool exceeds_double(const impls::column& attribute) {
   return values > 0 && (is_long(1) || is_long(values));
 }
 
-float single_number(const std::string& text) {
+double double_number(const std::string& text) {
   double number = 0;
   read_known_number(text.c_str(), number);
-  return static_cast<float>(number);
+  return number;
+}
+
+float single_number(const std::string& text) {
+  return static_cast<float>(double_number(text));
 }
 
 rounding_bound bound_of(float number) {
   if (number == infinity) return {0, false, true};
   const double middle = (place_of(number) + place_of(std::nextafter(number, infinity))) / 2;
   return {middle, is_even(number), false};  // a number in the middle is rounded to the even one
-}
-
-float number_below(float number) {
-  return std::nextafter(number, -infinity);
 }
 
 std::string double_text(double number) {

@@ -17,15 +17,17 @@ namespace arbor::tree {
 // How a known value is compared with those of an attribute.
 enum class value_form {
   text,
-  exact_number,  // an integer or a decimal
-  single_number  // rounded to single precision before it is compared
+  exact_number,   // an integer or a decimal
+  single_number,  // rounded to single precision before it is compared
+  double_number   // rounded to double precision
 };
 value_form form_of(const impls::column& attribute);
 
 // Whether a double is too short for the numbers of an attribute, which have more than 15 digits.
 bool exceeds_double(const impls::column& attribute);
 
-// The number of a text in single precision.
+// The number of a text in double or single precision.
+double double_number(const std::string& text);
 float single_number(const std::string& text);
 
 // The numbers that round to at most `number` in single precision: those up to a greatest double,
@@ -37,9 +39,6 @@ struct rounding_bound {
 };
 rounding_bound bound_of(float number);
 
-// The next number below in single precision; that of -infinity is itself.
-float number_below(float number);
-
 // A double in the fewest digits that read back to it; always with a point or an exponent. `number`
 // is finite.
 std::string double_text(double number);
@@ -48,8 +47,8 @@ std::string double_text(double number);
 // a thousand bytes: the export would no longer be in proportion to the model.
 void check_repeated_texts(const decision_tree& tree, const char* language);
 
-// The class, the size and the origin of the tree, and its attributes with their kinds, in lines that
-// are printable and do not end a comment.
+// The class, the size and the origin of the tree, and its attributes with their kinds, in lines
+// that are printable and do not end a comment.
 std::vector<std::string> head_lines(const decision_tree& tree);
 
 // Writes these lines and `notes`, each after `prefix`.

@@ -62,8 +62,14 @@ std::string xml_text(std::string_view text) {
   return result;
 }
 
+// As XML writes an infinity.
+std::string xml_number(const std::string& number) {
+  return number == "inf" ? "INF" : number == "-inf" ? "-INF" : number;
+}
+
 std::string xml_value(const column& values, unsigned int code) {
-  return xml_text(value_text(values, code));
+  const std::string text = value_text(values, code);
+  return form_of(values) == value_form::text ? xml_text(text) : xml_number(text);
 }
 
 const char* pmml_type(const column& field) {
@@ -71,6 +77,7 @@ const char* pmml_type(const column& field) {
     case value_form::text:
       return "string";
     case value_form::exact_number:
+    case value_form::double_number:
       return "double";
     case value_form::single_number:
       break;
@@ -161,15 +168,10 @@ class pmml_nodes {
     const column& tested = *tree.attributes[test.attribute];
     const auto [comparison, value] =
         tested.is_continuous() ? std::pair(child.branch == 1 ? "lessOrEqual" : "greaterThan",
-                                           number_text(test_threshold(tested, test)))
+                                           xml_number(test_threshold(tested, test)))
                                : std::pair("equal", xml_value(tested, child.branch));
     return fmt::format("<SimplePredicate field=\"{}\" operator=\"{}\" value=\"{}\"/>",
                        xml_text(tested.get_name()), comparison, value);
-  }
-
-  // As XML writes an infinity.
-  static std::string number_text(const std::string& number) {
-    return number == "inf" ? "INF" : number == "-inf" ? "-INF" : number;
   }
 
   std::ostream& out;

@@ -48,6 +48,8 @@ const char* reader_of(const impls::column& attribute) {
       return "str";
     case value_form::exact_number:
       return "_exact_number";
+    case value_form::double_number:
+      return "_double_number";
     case value_form::single_number:
       break;
   }
@@ -69,12 +71,17 @@ def _exact_number(value):
     return decimal.Decimal(text.strip()) if _NUMBER.fullmatch(text) else None
 
 
+def _double_number(value):
+    """The same, rounded to double precision."""
+    text = str(value)
+    return float(text) if _NUMBER.fullmatch(text) else None
+
+
 def _single_number(value):
     """The same, rounded to single precision."""
-    text = str(value)
-    if not _NUMBER.fullmatch(text):
+    number = _double_number(value)
+    if number is None:
         return None
-    number = float(text)
     try:
         return struct.unpack('f', struct.pack('f', number))[0]
     except OverflowError:

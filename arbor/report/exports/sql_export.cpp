@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -38,6 +40,13 @@ std::string rounded_side(const std::string& name, bool is_above, float number) {
   return fmt::format("{} {} {}", name, is_above ? above : up_to, double_text(bound.greatest));
 }
 
+// " = 0.1"; SQL has no literal of infinity.
+std::string sql_equals(double number) {
+  constexpr double greatest = std::numeric_limits<double>::max();
+  if (std::isfinite(number)) return " = " + double_text(number);
+  return (number > 0 ? " > " : " < ") + double_text(std::copysign(greatest, number));
+}
+
 // "humidity" <= 75
 std::string sql_side(const column& tested, bool is_above, unsigned int threshold) {
   const std::string text = shortest_value(tested, threshold);
@@ -53,12 +62,16 @@ std::string sql_value(const column& tested, unsigned int code) {
       return sql_name(tested) + " = " + sql_quoted('\'', text);
     case value_form::exact_number:
       return sql_name(tested) + " = " + text;
+    case value_form::double_number:
+      return sql_name(tested) + sql_equals(double_number(text));
     case value_form::single_number:
       break;
   }
+  constexpr float infinity = std::numeric_limits<float>::infinity();
   const float number = single_number(text);
-  return rounded_side(sql_name(tested), true, number_below(number)) + " AND " +
-         rounded_side(sql_name(tested), false, number);
+  const std::string up_to = rounded_side(sql_name(tested), false, number);
+  if (number == -infinity) return up_to;
+  return rounded_side(sql_name(tested), true, std::nextafter(number, -infinity)) + " AND " + up_to;
 }
 
 std::string sql_branch(const column& tested, const tree_node& test, const tree_node& child) {
@@ -165,7 +178,8 @@ void write_sql_nodes(std::ostream& out, const decision_tree& tree) {
 }
 
 // Down: the share of the row that comes to each node. Up: the part of it that the estimate of each
-// node has in the probabilities at the leaves.
+// node has in the probabilities at the leaves. The name of the class is looked up at the end:
+// SQLite would add up the probabilities anew for each row of a joined table of names.
 constexpr const char* shares = R"(    down(number, share, leaf) AS (
       SELECT 0, CAST(1 AS DOUBLE PRECISION), 0
       UNION ALL
@@ -179,14 +193,10 @@ constexpr const char* shares = R"(    down(number, share, leaf) AS (
       SELECT node.parent, up.share * node.above / (node.cases + node.above)
       FROM up JOIN node ON node.number = up.number
       WHERE node.above > 0 AND up.share > 1e-18)
-  SELECT class.name
-  FROM (SELECT occurring.class AS number,
-               SUM(up.share * occurring.weight / (node.cases + node.above)) AS probability
-        FROM up JOIN node ON node.number = up.number
-        JOIN occurring ON occurring.number = up.number
-        GROUP BY occurring.class) AS estimate
-  JOIN class ON class.number = estimate.number
-  ORDER BY estimate.probability DESC, class.number
+  SELECT (SELECT name FROM class WHERE class.number = occurring.class)
+  FROM up JOIN node ON node.number = up.number JOIN occurring ON occurring.number = up.number
+  GROUP BY occurring.class
+  ORDER BY SUM(up.share * occurring.weight / (node.cases + node.above)) DESC, occurring.class
   LIMIT 1)
 )";
 
