@@ -106,6 +106,14 @@ class Page:
         right = sum(n for (actual, predicted), n in counts.items() if actual == predicted)
         accuracy = self.browser.run("return document.querySelector('#quality-figures dd').firstChild.data")
         check(accuracy == f"{100 * right / len(rows):.2f}%", accuracy)
+        for name, actual, predicted, precision, recall, _ in self.browser.run("""
+                return [...document.querySelectorAll('#per-class tbody tr')].map(
+                  (row) => [...row.children].map((cell) => cell.textContent.trim()));"""):
+            hits = counts.get((name, name), 0)
+            sums = [sum(n for pair, n in counts.items() if pair[side] == name) for side in (0, 1)]
+            shown = [f"{hits / total:.3f}" if total else "\u2013" for total in (sums[1], sums[0])]
+            check([actual, predicted, precision, recall] == [*(f"{total:,}" for total in sums), *shown],
+                  name, actual, predicted, precision, recall, "is not", sums, shown)
 
 
 def check_policy(browser):
