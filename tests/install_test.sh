@@ -68,7 +68,7 @@ done
 echo "== each header alone, and all together"
 cd "$installed/include"
 warnings=(-fsyntax-only -Wall -Wextra -Wconversion -Wshadow -Werror)
-find arbor -name '*.h' | xargs -P 2 -I{} clang++ -std=c++17 -x c++ -I. "${warnings[@]}" {}
+find arbor -name '*.h' -print0 | xargs -0 -P 2 -I{} clang++ -std=c++17 -x c++ -I. "${warnings[@]}" {}
 find arbor -name '*.h' -printf '#include "%p"\n' >"$work/all.cpp"
 for compiler in g++ clang++; do
   for standard in c++17 c++20; do "$compiler" "-std=$standard" -I. "${warnings[@]}" "$work/all.cpp"; done
